@@ -1,0 +1,7 @@
+// The plain level: no vectors. Its rows are the reference for all others.
+#ifndef QV_KERNELS_LEVEL_GENERIC_H
+#define QV_KERNELS_LEVEL_GENERIC_H
+
+#define QV_HAS_VECTORS 0
+
+#endif

@@ -1,0 +1,30 @@
+// 16-byte vectors of an SSSE3 processor.
+#ifndef QV_KERNELS_LEVEL_SSSE3_H
+#define QV_KERNELS_LEVEL_SSSE3_H
+
+#include <tmmintrin.h>
+
+#define QV_HAS_VECTORS 1
+
+namespace qv::QV_LEVEL {
+
+constexpr bool kHasByteShuffle = true;
+constexpr bool kHasBytePermute = false;
+constexpr bool kHasMaskedBytes = false;
+
+#include "kernels/level/vec128.inc"
+
+QV_INLINE Vec ShuffleBytes(Vec v, Vec index) { return _mm_shuffle_epi8(v, index); }
+
+QV_INLINE Vec ReverseBytes(Vec v) {
+  return _mm_shuffle_epi8(v, _mm_setr_epi8(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0));
+}
+
+Vec PermuteBytes(Vec v, Vec index);
+Vec PermuteBytes2(Vec low, Vec index, Vec high);
+Vec LoadPart(const void* p, unsigned long long mask);
+void StorePart(void* p, Vec v, unsigned long long mask);
+
+}  // namespace qv::QV_LEVEL
+
+#endif
