@@ -164,12 +164,6 @@ int GroupCpus(Path* path, Hierarchy hierarchy, FileReader read) {
   return CpusOfCfs(quota.get(), period.get());
 }
 
-// The smaller of two counts of which 0 means no limit.
-int Smaller(int a, int b) {
-  if (a == 0 || b == 0) return a + b;
-  return a < b ? a : b;
-}
-
 int HierarchyCpus(const char* cgroup, const char* mountinfo, Hierarchy hierarchy, FileReader read) {
   Span group;
   Path path;
@@ -182,7 +176,7 @@ int HierarchyCpus(const char* cgroup, const char* mountinfo, Hierarchy hierarchy
   for (;;) {
     while (path.length > mountLength && path.text[path.length - 1] == '/') --path.length;
     path.text[path.length] = '\0';
-    cpus = Smaller(cpus, GroupCpus(&path, hierarchy, read));
+    cpus = SmallerLimit(cpus, GroupCpus(&path, hierarchy, read));
     if (path.length <= mountLength) return cpus;
     while (path.length > mountLength && path.text[path.length - 1] != '/') --path.length;
   }
@@ -198,6 +192,11 @@ bool TakeNumber(const char** text, long long* number) {
 }
 
 }  // namespace
+
+int SmallerLimit(int a, int b) {
+  if (a == 0 || b == 0) return a + b;
+  return a < b ? a : b;
+}
 
 int CpusOfQuota(long long quota, long long period) {
   if (quota <= 0 || period <= 0) return 0;
@@ -248,8 +247,8 @@ int QuotaCpus(FileReader read) {
   const Text cgroup(read("/proc/self/cgroup"));
   const Text mountinfo(read("/proc/self/mountinfo"));
   if (!cgroup.get() || !mountinfo.get()) return 0;
-  return Smaller(HierarchyCpus(cgroup.get(), mountinfo.get(), Hierarchy::Version1, read),
-                 HierarchyCpus(cgroup.get(), mountinfo.get(), Hierarchy::Version2, read));
+  return SmallerLimit(HierarchyCpus(cgroup.get(), mountinfo.get(), Hierarchy::Version1, read),
+                      HierarchyCpus(cgroup.get(), mountinfo.get(), Hierarchy::Version2, read));
 }
 
 }  // namespace qv

@@ -4,6 +4,9 @@
 
 namespace qv {
 
+// The smaller of two counts of CPUs, of which 0 means no limit.
+int SmallerLimit(int a, int b);
+
 // Whole CPUs that `quota` microseconds of CPU time in each `period` microseconds can keep busy,
 // rounded up; 0, for no limit, unless both are positive.
 int CpusOfQuota(long long quota, long long period);

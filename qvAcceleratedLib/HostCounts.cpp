@@ -49,8 +49,7 @@ int AffinityCpus() {
 void CPUCount(int* first, int* second) {
   const int affinity = AffinityCpus();
   if (affinity == 0) return;
-  const int quota = QuotaCpus(ReadFile);
-  *first = quota != 0 && quota < affinity ? quota : affinity;
+  *first = SmallerLimit(affinity, QuotaCpus(ReadFile));
   *second = 1;
 }
 

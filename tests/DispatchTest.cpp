@@ -252,6 +252,11 @@ TEST_F(Dispatch, ChoosesTheWideLevel) {
   EXPECT_EQ(CarrylessLevelOf(leaves), 1);
 
   leaves = WidestLeaves();
+  leaves.hasCpuid = false;
+  EXPECT_EQ(WideLevelOf(leaves), 0);
+  EXPECT_EQ(CarrylessLevelOf(leaves), 0);
+
+  leaves = WidestLeaves();
   leaves.leaf1.eax = 0x500;  // a class of its own puts it below slot 4, whatever it has
   SelectProcessorVariant(leaves);
   EXPECT_EQ(VariantIndex, 0);
