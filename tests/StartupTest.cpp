@@ -245,10 +245,10 @@ TEST(CpuQuota, ReadsWholeFiles) {
   unlink(path);
 }
 
-// Runs in a process of its own, started by the test below: nothing but loading has set the budget.
-TEST(LoadedProcess, DISABLED_ExitsWithItsBudget) { _exit(40 + ThreadBudget); }
+constexpr char kChildMark[] = "QV_TEST_EXIT_WITH_BUDGET";
 
-// Starts this program anew, on one CPU or on as many as it has, and returns its exit code.
+// Starts this program anew, on one CPU or on as many as it has, to run the test below alone, and
+// returns its exit code.
 int ExitCodeOfLoadedProcess(bool pinned) {
   const pid_t child = fork();
   if (child == 0) {
@@ -261,8 +261,9 @@ int ExitCodeOfLoadedProcess(bool pinned) {
       CPU_SET(cpu, &one);
       if (sched_setaffinity(0, sizeof one, &one) != 0) _exit(125);
     }
-    execl("/proc/self/exe", "StartupTest", "--gtest_also_run_disabled_tests",
-          "--gtest_filter=LoadedProcess.DISABLED_ExitsWithItsBudget", static_cast<char*>(nullptr));
+    setenv(kChildMark, "1", 1);
+    execl("/proc/self/exe", "unittests", "--gtest_filter=LoadedProcess.HasABudgetOfItsCpus",
+          static_cast<char*>(nullptr));
     _exit(126);
   }
   int status = 0;
@@ -271,6 +272,8 @@ int ExitCodeOfLoadedProcess(bool pinned) {
 }
 
 TEST(LoadedProcess, HasABudgetOfItsCpus) {
+  // In the child nothing but loading has set the budget.
+  if (getenv(kChildMark)) _exit(40 + ThreadBudget);
   int first = 0;
   int second = 0;
   CPUCount(&first, &second);
