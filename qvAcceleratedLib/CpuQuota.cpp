@@ -14,8 +14,8 @@
 namespace qv {
 namespace {
 
-// A file's text, released with its owner; the C++ library's own owner would put symbols with default
-// visibility into the shared library.
+// A file's text, released with its owner; the C++ library's own owner would put symbols with
+// default visibility into the shared library.
 class Text {
  public:
   explicit Text(char* text) : text_(text) {}
@@ -109,8 +109,8 @@ bool IsParent(const Path& root, Span group) {
 }
 
 // Finds where the hierarchy is mounted, in the text of /proc/self/mountinfo, whose lines are "ID
-// PARENT DEVICE ROOT MOUNTPOINT OPTIONS [TAG...] - TYPE SOURCE SUPEROPTIONS": the group ROOT is what
-// is seen at MOUNTPOINT. Writes the directory of `group`, and how much of it is the mount point.
+// PARENT DEVICE ROOT MOUNTPOINT OPTIONS [TAG...] - TYPE SOURCE SUPEROPTIONS": the group ROOT is
+// what is seen at MOUNTPOINT. Writes the directory of `group`, and how much of it is the mount point.
 //
 // Of several mounts the first one that shows the group counts. If none does, as in a container that
 // knows the group by a name from outside, the first mount point stands for it.

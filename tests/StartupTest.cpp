@@ -138,7 +138,8 @@ constexpr char kGroup[] = "/proc/self/cgroup";
 constexpr char kMounts[] = "/proc/self/mountinfo";
 
 TEST(CpuQuota, FollowsTheControlGroups) {
-  const std::string unified = "30 23 0:26 / /cg rw,nosuid shared:9 - cgroup2 cgroup2 rw,nsdelegate\n";
+  const std::string unified =
+      "30 23 0:26 / /cg rw,nosuid shared:9 - cgroup2 cgroup2 rw,nsdelegate\n";
   const std::string other = "22 1 8:1 / / rw - ext4 /dev/sda1 rw\n";
   struct {
     const char* name;
