@@ -2,9 +2,12 @@
 // the host's floating-point environment.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cfenv>
 #include <cmath>
 #include <functional>
+#include <string>
+#include <tuple>
 #include <vector>
 
 #if defined(__SSE__)
@@ -263,7 +266,6 @@ TEST(MergeAlphas, BandsWriteWhatOneCallWrites) {
   Bytes fg(step * height), bg(fg), fa(alphaStep * height), ba(fa);
   for (Bytes* plane : {&fg, &bg}) Random(plane == &fg).Fill(plane->data(), plane->size());
   for (Bytes* plane : {&fa, &ba}) Random(plane == &fa).Fill(plane->data(), plane->size());
-  using Call = std::function<IppStatus(unsigned char*, int, unsigned char*, int)>;
   for (const int direction : {1, -1}) {
     const int first = direction < 0 ? step * (height - 1) : 0, s = direction * step;
     const int firstAlpha = direction < 0 ? alphaStep * (height - 1) : 0, as = direction * alphaStep;
@@ -277,7 +279,8 @@ TEST(MergeAlphas, BandsWriteWhatOneCallWrites) {
                                    fa.data() + firstAlpha, as, width, height);
     };
     for (const auto& [name, accelerated, call] :
-         {std::tuple<const char*, bool, std::function<IppStatus(Bytes&, Bytes&)>>{"plain", false, over},
+         {std::tuple<std::string, bool, std::function<IppStatus(Bytes&, Bytes&)>>{"plain", false,
+                                                                                  over},
           {"single", true, over},
           {"plus", true, plus}}) {
       const UsePath path(accelerated);
@@ -287,7 +290,7 @@ TEST(MergeAlphas, BandsWriteWhatOneCallWrites) {
         for (int x = 0; x < width; ++x) {
           const int k = y * step + 3 * x + 2, p = y * alphaStep + x;
           const unsigned expected =
-              name[1] == 'l' && name[2] == 'u' ? Mixed(fa[p], bg[k], fg[k])
+              name == "plus" ? Mixed(fa[p], bg[k], fg[k])
               : accelerated ? FloatColour(fg[k], fa[p], bg[k], ba[p], wholeAlpha[p])
                             : PlainColour(fg[k], fa[p], bg[k], ba[p]);
           ASSERT_EQ(whole[k], expected) << name << ' ' << x << ' ' << y;
@@ -321,7 +324,9 @@ TEST(MergeAlphas, DoNothingForNegativeSizesAndRefuseOtherTypes) {
         EXPECT_EQ(plus(3, 10), StatusDataTypeErr);
         EXPECT_EQ(plus(13, 10), StatusDataTypeErr);
         EXPECT_EQ(plus(2, -1), StatusOk);
-        if (height <= 0) EXPECT_EQ(plus(4, 10), StatusOk);
+        if (height <= 0) {
+          EXPECT_EQ(plus(4, 10), StatusOk);
+        }
       }
       EXPECT_TRUE(p.fg == before.fg && p.dstAlpha == before.dstAlpha);
     }
