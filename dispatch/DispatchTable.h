@@ -2,6 +2,8 @@
 #ifndef QV_DISPATCH_DISPATCHTABLE_H
 #define QV_DISPATCH_DISPATCHTABLE_H
 
+#include <type_traits>
+
 #include "dispatch/VariantIndex.h"
 
 namespace qv {
@@ -32,11 +34,11 @@ struct DispatchTable {
 // processors the SSE2 rows.
 template <auto* Generic, auto* Sse2, auto* Ssse3, auto* Avx2, auto* Avx512>
 constexpr auto MakeDispatchTable() {
-  using Kernel = decltype(*Generic);
+  using Kernel = std::remove_pointer_t<decltype(Generic)>;
   Kernel* slotFour = Ssse3;
   if constexpr (Ssse3 != Avx2 || Ssse3 != Avx512)
     slotFour = &WideForwarder<Ssse3, Avx2, Avx512>::Forward;
-  return DispatchTable<std::remove_reference_t<Kernel>>{{Generic, Generic, Sse2, Sse2, slotFour}};
+  return DispatchTable<Kernel>{{Generic, Generic, Sse2, Sse2, slotFour}};
 }
 
 }  // namespace qv

@@ -1,0 +1,9 @@
+#include "dispatch/VariantIndex.h"
+
+namespace qv {
+
+int VariantIndex = 0;
+int WideLevel = 0;
+int CarrylessLevel = 0;
+
+}  // namespace qv

@@ -1,0 +1,24 @@
+// Which implementation of the kernels this processor gets. All three values are written once,
+// while the library is loaded, and only read afterwards; until then kernels run their generic rows.
+#ifndef QV_DISPATCH_VARIANTINDEX_H
+#define QV_DISPATCH_VARIANTINDEX_H
+
+#include "dispatch/Hidden.h"
+
+namespace qv {
+
+// Slot of every dispatch table: 0 generic, 1 SSE, 2 SSE2, 3 SSE3, 4 SSSE3. Initially 0.
+extern QV_HIDDEN int VariantIndex;
+
+// Vectors wider than slot 4 stands for: 0 none, 1 AVX2, 2 AVX-512 with F, BW, VL, DQ and VBMI.
+// Always 0 unless VariantIndex is 4.
+extern QV_HIDDEN int WideLevel;
+
+// Carry-less multiplication, for folding a CRC: 0 none, 1 PCLMULQDQ on 16-byte vectors (SSE4.1 is
+// there as well), 2 VPCLMULQDQ on 64-byte vectors (WideLevel 2 is there as well). Always 0 unless
+// VariantIndex is 4.
+extern QV_HIDDEN int CarrylessLevel;
+
+}  // namespace qv
+
+#endif

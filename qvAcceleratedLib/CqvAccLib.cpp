@@ -1,0 +1,127 @@
+// The exported operations: each picks its kernel, cuts the image and calls the kernel once a band.
+#include "qvAcceleratedLib/CqvAccLib.h"
+
+#include "kernels/copy/Copy.h"
+#include "qvAcceleratedLib/BandSplit.h"
+#include "qvAcceleratedLib/Settings.h"
+
+using namespace qv;
+
+CqvAccLib& CqvAccLib::operator=(const CqvAccLib&) { return *this; }
+
+// ---- Copy, fill, mirror, palette, scale ---------------------------------------------------------
+
+namespace {
+
+using CopyKernel = decltype(CopyRows_8u_C1);
+
+CopyKernel* FindCopyKernel(int type) {
+  switch (type) {
+    case CqvAccLib::OneChannel: return CopyRows_8u_C1;
+    case CqvAccLib::ThreeChannels: return CopyRows_8u_C3;
+    case CqvAccLib::PlaneToThreeChannels: return CopyChannel_8u_C1C3;
+    case CqvAccLib::FourToThreeChannels: return CopyDropAlpha_8u_AC4C3;
+    case CqvAccLib::ThreeToFourChannels: return CopyKeepAlpha_8u_C3AC4;
+    default: return nullptr;
+  }
+}
+
+// The kernel on bands of rows, both images moving on by their steps.
+IppStatus CopyInBands(CopyKernel* kernel, const unsigned char* src, int srcStep,
+                      unsigned char* dst, int dstStep, IppiSize size) {
+  const Bands bands = PlanBands(size.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    return kernel(Advance(src, bands.First(i) * srcStep), srcStep,
+                  Advance(dst, bands.First(i) * dstStep), dstStep,
+                  {size.width, bands.Height(i)});
+  });
+}
+
+}  // namespace
+
+IppStatus CqvAccLib::qvCopy(qvDataType type, const unsigned char* src, int srcStep,
+                            unsigned char* dst, int dstStep, IppiSize size) {
+  CopyKernel* const kernel = FindCopyKernel(type);
+  if (!kernel) return StatusDataTypeErr;
+  if (size.height != 1 || type != OneChannel || ThreadBudget <= 1 || srcStep != dstStep)
+    return CopyInBands(kernel, src, srcStep, dst, dstStep, size);
+  // A single row cannot be cut into rows: a long one is cut into pieces of columns.
+  const Bands pieces = PlanPieces(size.width, ThreadBudget);
+  return RunBands(pieces, [&](int i) {
+    return kernel(Advance(src, pieces.First(i)), srcStep, Advance(dst, pieces.First(i)), dstStep,
+                  {pieces.Height(i), 1});
+  });
+}
+
+IppStatus CqvAccLib::qvDup(qvDataType, const unsigned char* src, int srcStep, unsigned char* dst,
+                           int dstStep, IppiSize size) {
+  return CopyInBands(DupGray_8u_C1C3, src, srcStep, dst, dstStep, size);
+}
+
+IppStatus CqvAccLib::qvSet(qvDataType type, const unsigned char* const value, unsigned char* dst,
+                           int dstStep, IppiSize size) {
+  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
+  const Bands bands = PlanBands(size.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    unsigned char* const band = Advance(dst, bands.First(i) * dstStep);
+    const IppiSize bandSize = {size.width, bands.Height(i)};
+    return type == OneChannel ? SetPixels_8u_C1(value[0], band, dstStep, bandSize)
+                              : SetPixels_8u_C3(value, band, dstStep, bandSize);
+  });
+}
+
+IppStatus CqvAccLib::qvMirror(qvDataType type, const unsigned char* src, int srcStep,
+                              unsigned char* dst, int dstStep, IppiSize size, IppiAxis axis) {
+  if (axis != AxisHorizontal && axis != AxisVertical && axis != AxisBoth) return StatusOk;
+  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
+  const auto kernel = type == OneChannel ? Mirror_8u_C1 : Mirror_8u_C3;
+  if (axis == AxisBoth)  // bands would trade places
+    return kernel(src, srcStep, dst, dstStep, size.width, size.height, axis);
+  if (axis == AxisHorizontal) {
+    const int pixelBytes = type == OneChannel ? 1 : 3;
+    const Bands strips = PlanBands(size.width, ThreadBudget);
+    return RunBands(strips, [&](int i) {
+      return kernel(Advance(src, strips.First(i) * pixelBytes), srcStep,
+                    Advance(dst, strips.First(i) * pixelBytes), dstStep, strips.Height(i),
+                    size.height, axis);
+    });
+  }
+  const Bands bands = PlanBands(size.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    return kernel(Advance(src, bands.First(i) * srcStep), srcStep,
+                  Advance(dst, bands.First(i) * dstStep), dstStep, size.width, bands.Height(i),
+                  axis);
+  });
+}
+
+IppStatus CqvAccLib::qvLUTPalette(qvDataType, const unsigned char* src, int srcStep,
+                                  unsigned char* dst, int dstStep, IppiSize size,
+                                  const unsigned char* palette, int bitSize) {
+  const Bands bands = PlanBands(size.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    return LookupPalette_8u_C1C3(Advance(src, bands.First(i) * srcStep), srcStep,
+                                 Advance(dst, bands.First(i) * dstStep), dstStep, size.width,
+                                 bands.Height(i), palette, bitSize);
+  });
+}
+
+IppStatus CqvAccLib::qvMulCScale(qvDataType type, unsigned char value, unsigned char* srcDst,
+                                 int srcDstStep, IppiSize size) {
+  if (type != ScalePlane) return StatusDataTypeErr;
+  const Bands bands = PlanBands(size.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    unsigned char* const band = Advance(srcDst, bands.First(i) * srcDstStep);
+    return MulScale_8u_C1I(band, srcDstStep, value, band, srcDstStep, size.width,
+                           bands.Height(i));
+  });
+}
+
+// ---- Checksums ----------------------------------------------------------------------------------
+
+// ---- Colour-format conversion -------------------------------------------------------------------
+
+// ---- Resizing -----------------------------------------------------------------------------------
+
+// ---- Rotation and perspective -------------------------------------------------------------------
+
+// ---- Compositing and deinterlacing --------------------------------------------------------------

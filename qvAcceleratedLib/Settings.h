@@ -1,0 +1,19 @@
+// Process-wide settings, written once while the library is loaded and only read afterwards.
+#ifndef QV_SETTINGS_H
+#define QV_SETTINGS_H
+
+#include "dispatch/Hidden.h"
+
+namespace qv {
+
+// How many bands an operation may be cut into: the number of CPUs that the process may use.
+// Initially 1, never less.
+extern QV_HIDDEN int ThreadBudget;
+
+// What the host says of its processor: 0 keeps qvMergeAlphaOver on its plain path, anything else
+// selects the accelerated one. Initially 0.
+extern QV_HIDDEN unsigned HostProcessorInfo;
+
+}  // namespace qv
+
+#endif
