@@ -1,5 +1,5 @@
 // qvtool copy: copies, crops and changes the layout of pixels.
-#include <cstring>
+#include <functional>
 
 #include "Command.h"
 #include "Pipeline.h"
@@ -161,7 +161,8 @@ void Run(const Options& options) {
     throw UsageError("--onto: only with --to blue, --to green or --to red");
   if (!options.alpha.empty() && options.target != Target::Bgra)
     throw UsageError("--alpha: only with --to bgra");
-  ForEachFrame(options.input, options.output, Copier(options));
+  Copier copier(options);
+  ForEachFrame(options.input, options.output, std::ref(copier));
 }
 
 void Configure(CLI::App& app) {
