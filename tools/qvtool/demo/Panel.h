@@ -64,6 +64,7 @@ struct Panel {
   std::string note = {};                     // a sentence more, where it helps
   std::vector<Call> calls;                   // made and timed in this order, together
   std::function<void()> prepare = {};        // run before each round of calls, untimed
+  std::function<void()> finish = {};         // run once after the last round, before the pictures
   long long pixels = 0;                      // that the calls write; 0: those of the first picture after
   std::vector<Picture> before;
   std::vector<Picture> after;
