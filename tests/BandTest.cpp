@@ -1,0 +1,100 @@
+// The band frame: geometry for budgets that no test machine has, and how bands are run.
+#include <gtest/gtest.h>
+#include <omp.h>
+
+#include <atomic>
+#include <vector>
+
+#include "qvAcceleratedLib/BandSplit.h"
+#include "tests/support/Levels.h"
+
+namespace qv {
+namespace {
+
+struct BandCase {
+  int extent, budget;
+  std::vector<int> heights;
+};
+
+void ExpectHeights(const Bands& bands, const std::vector<int>& heights) {
+  ASSERT_EQ(bands.count, static_cast<int>(heights.size()));
+  std::ptrdiff_t first = 0;
+  for (int i = 0; i < bands.count; ++i) {
+    EXPECT_EQ(bands.First(i), first);
+    EXPECT_EQ(bands.Height(i), heights[static_cast<std::size_t>(i)]);
+    first += heights[static_cast<std::size_t>(i)];
+  }
+}
+
+TEST(Bands, CutRowsByTheBudgetAndTheFloorOf64) {
+  const BandCase cases[] = {
+      {1000, 4, {250, 250, 250, 250}}, {1001, 4, {250, 250, 250, 251}}, {200, 4, {66, 66, 68}},
+      {129, 4, {129}},                 {130, 2, {65, 65}},              {129, 2, {129}},
+      {1000, 1, {1000}},               {0, 8, {0}},                     {-5, 8, {-5}},
+      {-1000, 2, {-1000}},             {65, 64, {65}},                  {1000, 0, {}},
+  };
+  for (const BandCase& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.extent << " by " << c.budget);
+    ExpectHeights(PlanBands(c.extent, c.budget), c.heights);
+  }
+}
+
+TEST(Bands, KeepEvenRowsForSubsampledChroma) {
+  const BandCase cases[] = {
+      {130, 2, {64, 66}}, {128, 2, {128}}, {201, 3, {66, 66, 69}}, {1001, 4, {250, 250, 250, 251}},
+      {131, 1, {131}},
+  };
+  for (const BandCase& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.extent << " by " << c.budget);
+    ExpectHeights(PlanEvenBands(c.extent, c.budget), c.heights);
+  }
+}
+
+TEST(Bands, CutASingleRowIntoPiecesOf4096AtLeast) {
+  ExpectHeights(PlanPieces(10000, 2), {5000, 5000});
+  ExpectHeights(PlanPieces(12290, 3), {4096, 4096, 4098});
+  ExpectHeights(PlanPieces(12287, 3), {12287});  // no fewer pieces are tried
+}
+
+TEST(Bands, LieWhereAnIntWouldOverflow) {
+  const Bands bands = PlanBands(70000, 2);
+  EXPECT_EQ(bands.First(1) * 100000, std::ptrdiff_t{3500000000});
+}
+
+TEST(RunBands, ReturnsTheStatusOfTheLastBand) {
+  const auto status = [](int i) { return i == 3 ? StatusOddSizeWarning : StatusSizeErr; };
+  EXPECT_EQ(RunBands(Bands{4, 100, 400}, status), StatusOddSizeWarning);
+  EXPECT_EQ(RunBands(Bands{3, 100, 300}, status), StatusSizeErr);
+  EXPECT_EQ(RunBands(Bands{0, 100, 300}, status), StatusOk);  // no band runs
+}
+
+TEST(RunBands, RunsEveryBandOnce) {
+  std::vector<std::atomic<int>> runs(17);
+  RunBands(Bands{17, 65, 17 * 65}, [&](int i) {
+    ++runs[static_cast<std::size_t>(i)];
+    return StatusOk;
+  });
+  for (const auto& r : runs) EXPECT_EQ(r, 1);
+}
+
+TEST(RunBands, StaysOnTheCallingThreadInsideAParallelRegion) {
+  const int levels = omp_get_max_active_levels();
+  omp_set_max_active_levels(4);  // nested teams are allowed, and still not wanted
+  std::atomic<int> strangers{0}, runs{0};
+#pragma omp parallel num_threads(2)
+  {
+    static thread_local char here;
+    const char* const caller = &here;
+    RunBands(Bands{4, 65, 260}, [&](int) {
+      ++runs;
+      if (&here != caller) ++strangers;
+      return StatusOk;
+    });
+  }
+  omp_set_max_active_levels(levels);
+  EXPECT_EQ(runs, 8);
+  EXPECT_EQ(strangers, 0);
+}
+
+}  // namespace
+}  // namespace qv

@@ -1,0 +1,21 @@
+#!/bin/bash
+# Code of one level must never be merged with another's: a weak symbol outside the level's own
+# namespace in an object of a level would let the linker keep whichever copy it meets first.
+set -u
+build=$1
+status=0
+objects=0
+for level in generic sse2 ssse3 avx2 avx512; do
+  while IFS= read -r object; do
+    objects=$((objects + 1))
+    bad=$(nm -C "$object" | grep -E '^[0-9a-f]* *[VWuvw] ' | grep -vE "qv::$level::")
+    global=$(nm -C --defined-only "$object" | grep -E ' [TDBR] ' | grep -vE " qv::$level::")
+    if [ -n "$bad$global" ]; then
+      printf '%s:\n%s%s\n' "$object" "$bad" "$global"
+      status=1
+    fi
+  done < <(find "$build" -path "*qvRows_$level.dir*" -name '*.o*' -type f)
+done
+[ "$objects" -gt 0 ] || { echo "no level objects below $build"; exit 1; }
+echo "$objects objects"
+exit $status

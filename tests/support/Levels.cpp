@@ -1,0 +1,56 @@
+#include "tests/support/Levels.h"
+
+#include "dispatch/VariantIndex.h"
+#include "qvAcceleratedLib/Settings.h"
+
+namespace qv::test {
+
+namespace {
+
+void Set(const Level& level) {
+  VariantIndex = level.variantIndex;
+  WideLevel = level.wideLevel;
+  CarrylessLevel = level.carrylessLevel;
+}
+
+// What start-up found, before any test changed it.
+const Level kMachine = {"machine", VariantIndex, WideLevel, CarrylessLevel};
+
+}  // namespace
+
+const std::vector<Level>& BuiltLevels() {
+  static const std::vector<Level> levels = [] {
+    // A level uses no carry-less multiplication that the machine lacks.
+    const int folding = kMachine.carrylessLevel;
+    return std::vector<Level>{{"generic", 0, 0, 0},
+                              {"sse2", 2, 0, 0},
+                              {"ssse3", 4, 0, folding > 0 ? 1 : 0},
+                              {"avx2", 4, 1, folding > 0 ? 1 : 0},
+                              {"avx512", 4, 2, folding}};
+  }();
+  return levels;
+}
+
+const std::vector<Level>& AvailableLevels() {
+  static const std::vector<Level> levels = [] {
+    std::vector<Level> available;
+    for (const Level& level : BuiltLevels())
+      if (level.variantIndex <= kMachine.variantIndex && level.wideLevel <= kMachine.wideLevel)
+        available.push_back(level);
+    return available;
+  }();
+  return levels;
+}
+
+UseLevel::UseLevel(const Level& level)
+    : old_{"", VariantIndex, WideLevel, CarrylessLevel} {
+  Set(level);
+}
+
+UseLevel::~UseLevel() { Set(old_); }
+
+UseBudget::UseBudget(int budget) : old_(ThreadBudget) { ThreadBudget = budget; }
+
+UseBudget::~UseBudget() { ThreadBudget = old_; }
+
+}  // namespace qv::test
