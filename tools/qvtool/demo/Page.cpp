@@ -37,8 +37,10 @@ std::string ReplaceAll(std::string text, const std::string& what, const std::str
 // Three significant digits.
 std::string Number(double value) {
   char text[32];
-  std::snprintf(text, sizeof text, "%.*f", value >= 100 ? 0 : value >= 10 ? 1 : value >= 1 ? 2 : 3,
-                value);
+  int decimals = 2;
+  for (double scaled = value; scaled >= 10 && decimals > 0; scaled /= 10) --decimals;
+  for (double scaled = value; scaled < 1 && decimals < 5; scaled *= 10) ++decimals;
+  std::snprintf(text, sizeof text, "%.*f", decimals, value);
   return text;
 }
 

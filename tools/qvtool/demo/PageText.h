@@ -41,7 +41,7 @@ h1 { font-size: clamp(1.9rem, 5vw, 3.1rem); line-height: 1.1; letter-spacing: -.
 .chips span { color: var(--soft); margin-right: .25rem; }
 h2 { font-size: 1.5rem; letter-spacing: -.015em; margin: 3.2rem 0 1rem; }
 h3 { font-size: 1.12rem; margin: 0; }
-.cards { display: grid; gap: 1.4rem; grid-template-columns: repeat(auto-fit, minmax(min(100%, 34rem), 1fr)); }
+.cards { display: grid; gap: 1.4rem; align-items: start; grid-template-columns: repeat(auto-fill, minmax(min(100%, 34rem), 1fr)); }
 .card, .summary {
   background: var(--card); border: 1px solid var(--line); border-radius: .9rem;
   padding: clamp(1rem, 2.2vw, 1.6rem); min-width: 0;
@@ -56,7 +56,7 @@ pre {
 }
 .numbers { display: flex; flex-wrap: wrap; gap: .2rem 1.5rem; align-items: baseline; margin: .8rem 0 .9rem; color: var(--soft); font-size: .92rem; }
 .numbers b { color: var(--ink); font-size: 1.35rem; font-variant-numeric: tabular-nums; letter-spacing: -.01em; }
-.pictures { display: grid; gap: .8rem; grid-template-columns: repeat(auto-fit, minmax(min(100%, 15rem), 1fr)); margin-top: auto; }
+.pictures { display: grid; gap: .8rem; grid-template-columns: repeat(auto-fit, minmax(min(100%, 15rem), 1fr)); }
 figure { margin: 0; min-width: 0; }
 img { display: block; width: 100%; height: auto; border-radius: .4rem; cursor: zoom-in; background: var(--code); }
 img.detail { image-rendering: pixelated; }
