@@ -59,12 +59,6 @@ constexpr unsigned long long FirstBytes(int k) {
   return mask;
 }
 
-// The first `count` bytes of 64 that start at byte `first`; 0 to 64 of them.
-QV_INLINE unsigned long long FirstOf64(ptrdiff_t count, ptrdiff_t first) {
-  const ptrdiff_t n = count - first;
-  return n >= 64 ? ~0ull : n <= 0 ? 0 : (1ull << n) - 1;
-}
-
 void ChannelRow(const Byte* src, Byte* dst, ptrdiff_t width) {
   if constexpr (kHasMaskedBytes) {
     const Vec index0 = Load(&kPixelOfByte<0>), index1 = Load(&kPixelOfByte<1>),

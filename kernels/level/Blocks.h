@@ -29,6 +29,12 @@ QV_INLINE bool ApplyInPlace(const Byte* src, Byte* dst, ptrdiff_t count, Functio
   return true;
 }
 
+// The first `count` bytes of 64 that start at byte `first`; 0 to 64 of them.
+QV_INLINE unsigned long long FirstOf64(ptrdiff_t count, ptrdiff_t first) {
+  const ptrdiff_t n = count - first;
+  return n >= 64 ? ~0ull : n <= 0 ? 0 : (1ull << n) - 1;
+}
+
 // A table of bytes that a vector of indices is loaded from, computed by the compiler.
 struct ByteTable {
   Byte b[kVecBytes];
