@@ -3,6 +3,11 @@
 #include "kernels/composite/RoundingMode.h"
 #include "kernels/level/Level.h"
 
+#if QV_HAS_VECTORS
+#include "kernels/composite/InPlace.h"
+#include "kernels/composite/OverBlock.h"
+#endif
+
 namespace qv::QV_LEVEL {
 
 namespace {
@@ -20,7 +25,7 @@ void MergePixelPlain(Byte* fg, unsigned fa, const Byte* bg, unsigned ba, Byte* d
 // ---- Single-precision path ----------------------------------------------------------------------
 
 // a = min(255, d + ((255 - d) * ba >> 8)), in place.
-void AlphaRow(Byte* dstAlpha, const Byte* bgAlpha, ptrdiff_t width) {
+void AlphaRowPlain(Byte* dstAlpha, const Byte* bgAlpha, ptrdiff_t width) {
   for (ptrdiff_t x = 0; x < width; ++x) {
     const int d = dstAlpha[x];
     dstAlpha[x] = ToByte(d + (((255 - d) * bgAlpha[x]) >> 8));
@@ -38,8 +43,9 @@ QV_INLINE int NearestInt(float x) {
 
 // The sum is at most 255 and the divisor at least 1 / 255: no operation comes near overflow or the
 // subnormal range.
-void ColourRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
-               const Byte* mergedAlpha, ptrdiff_t bytes) {
+[[maybe_unused]] void ColourRowPlain(Byte* fg, const Byte* fgAlpha, const Byte* bg,
+                                     const Byte* bgAlpha, const Byte* mergedAlpha,
+                                     ptrdiff_t bytes) {
   for (ptrdiff_t i = 0; i < bytes; ++i) {
     const ptrdiff_t pixel = i / 3;
     const float fgWeight = static_cast<float>(fgAlpha[pixel]) / 255.0f;
@@ -50,6 +56,60 @@ void ColourRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlph
     fg[i] = ToByte(NearestInt(sum / divisor));
   }
 }
+
+#if QV_HAS_VECTORS
+
+// (255 - d) * ba / 256 in 16-bit lanes: the first factor in the high byte, the upper half of the
+// product.
+void AlphaRow(Byte* dstAlpha, const Byte* bgAlpha, ptrdiff_t width) {
+  const bool done = CoverInPlace<kVecBytes>(
+      width, BytesToAlign(dstAlpha),
+      [&](ptrdiff_t x) {
+        const Vec d = Load(dstAlpha + x), ba = Load(bgAlpha + x);
+        const Vec rest = Sub8(Splat8(-1), d);
+        const Vec low = MulHighUnsigned16(InterleaveLow8(Zero(), rest), InterleaveLow8(ba, Zero()));
+        const Vec high =
+            MulHighUnsigned16(InterleaveHigh8(Zero(), rest), InterleaveHigh8(ba, Zero()));
+        return AddSaturated8(d, PackUnsigned16(low, high));
+      },
+      [&](ptrdiff_t x, Vec a) { Store(dstAlpha + x, a); });
+  if (!done) AlphaRowPlain(dstAlpha, bgAlpha, width);
+}
+
+// A block that would touch bytes behind the row goes through copies.
+__attribute__((noinline)) void ColourRest(Byte* fg, const Byte* fgAlpha, const Byte* bg,
+                                          const Byte* bgAlpha, const Byte* mergedAlpha,
+                                          ptrdiff_t bytes) {
+  Byte f[kOverReads] = {}, b[kOverReads] = {};
+  Byte alphas[3][kOverPixels] = {};
+  const size_t colours = static_cast<size_t>(bytes), pixels = (colours + 2) / 3;
+  memcpy(f, fg, colours);
+  memcpy(b, bg, colours);
+  memcpy(alphas[0], fgAlpha, pixels);
+  memcpy(alphas[1], bgAlpha, pixels);
+  memcpy(alphas[2], mergedAlpha, pixels);
+  OverBlock(f, alphas[0], b, alphas[1], alphas[2]);
+  memcpy(fg, f, colours);
+}
+
+void ColourRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
+               const Byte* mergedAlpha, ptrdiff_t bytes) {
+  ptrdiff_t x = 0;
+  for (; 3 * x + kOverReads <= bytes; x += kOverPixels)
+    OverBlock(fg + 3 * x, fgAlpha + x, bg + 3 * x, bgAlpha + x, mergedAlpha + x);
+  for (; 3 * x < bytes; x += kOverPixels) {
+    const ptrdiff_t left = bytes - 3 * x;
+    ColourRest(fg + 3 * x, fgAlpha + x, bg + 3 * x, bgAlpha + x, mergedAlpha + x,
+               left < 3 * kOverPixels ? left : 3 * kOverPixels);
+  }
+}
+
+#else
+
+constexpr auto AlphaRow = AlphaRowPlain;
+constexpr auto ColourRow = ColourRowPlain;
+
+#endif
 
 __attribute__((noinline)) void MergeRows(Byte* fg, int fgStep, const Byte* fgAlpha,
                                          int fgAlphaStep, const Byte* bg, int bgStep,

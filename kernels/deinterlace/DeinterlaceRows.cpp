@@ -87,9 +87,9 @@ void FilterRowEvenly(const Byte* above, const Byte* centre, const Byte* below, B
                      ptrdiff_t bytes, unsigned centreWeight, unsigned sideWeight) {
   const Vec ones = Splat8(-1);
   const auto filter = [&](ptrdiff_t i) {
-    const Vec sides = AverageComplements(SubSaturated8(ones, Load(above + i)), SubSaturated8(ones, Load(below + i)));
+    const Vec sides = AverageComplements(Sub8(ones, Load(above + i)), Sub8(ones, Load(below + i)));
     Store(dst + i,
-          SubSaturated8(ones, AverageComplements(sides, SubSaturated8(ones, Load(centre + i)))));
+          Sub8(ones, AverageComplements(sides, Sub8(ones, Load(centre + i)))));
   };
   if (!CoverWithBlocks<kVecBytes>(bytes, filter, BytesToAlign(dst)))
     FilterRowPlain(above, centre, below, dst, bytes, centreWeight, sideWeight);
@@ -97,15 +97,15 @@ void FilterRowEvenly(const Byte* above, const Byte* centre, const Byte* below, B
 
 using RowFunction = decltype(FilterRowPlain);
 
-constexpr RowFunction* RowOf(unsigned sideWeight) {
-  if (sideWeight == 64) return FilterRowEvenly;
+constexpr RowFunction* RowOf(unsigned centreWeight, unsigned sideWeight) {
+  if (centreWeight == 128) return FilterRowEvenly;
   return kHasWeightedByteSums && sideWeight <= 64 ? FilterRow<kHasWeightedByteSums>
                                                   : FilterRow<false>;
 }
 
 #else
 
-constexpr auto RowOf(unsigned) { return FilterRowPlain; }
+constexpr auto RowOf(unsigned, unsigned) { return FilterRowPlain; }
 
 #endif
 
@@ -133,7 +133,7 @@ IppStatus Deinterlace_8u(const Byte* src, int srcStep, Byte* dst, int dstStep, i
   if (height < 3 || widthBytes < 1) return StatusSizeErr;
   const unsigned weight = centreWeight < 256 ? centreWeight : 256;
   const unsigned sideWeight = (256 - weight) >> 1;
-  const auto filterRow = RowOf(sideWeight);
+  const auto filterRow = RowOf(weight, sideWeight);
   const RowPlan plan = PlanOf(mode);
   const auto copy = [&](int y) {
     memcpy(RowAt(dst, dstStep, y), RowAt(src, srcStep, y), static_cast<size_t>(widthBytes));

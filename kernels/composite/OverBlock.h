@@ -1,0 +1,186 @@
+// The colours of a few pixels merged in single precision: the block that the over merge's vector rows
+// are made of, in three shapes.
+//
+//   OverBlock(fg, fgAlpha, bg, bgAlpha, merged)   kOverPixels pixels, three bytes each, fg in place
+//
+// Alphas are one byte a pixel. A block may read kOverReads colour bytes and kOverPixels alphas; it
+// stores 3 * kOverPixels bytes.
+#ifndef QV_KERNELS_COMPOSITE_OVERBLOCK_H
+#define QV_KERNELS_COMPOSITE_OVERBLOCK_H
+
+#include "kernels/composite/Floats.h"
+
+namespace qv::QV_LEVEL {
+
+#if defined(__AVX512VBMI__)
+
+constexpr int kOverPixels = 16;
+constexpr int kOverReads = 64;
+
+// The bytes that `index` picks, one for each 32-bit lane, as numbers above 2^23: a byte in the low
+// end of that number's significand.
+QV_INLINE Floats BytesAbove23(Vec bytes, const ByteTable& index) {
+  return _mm512_castsi512_ps(PermuteBytesOver(Splat32(0x4B000000), 0x1111111111111111u, bytes,
+                                              Load(index.b)));
+}
+
+QV_INLINE Floats AlphaFloats(const Byte* alpha, float offset) {
+  static constexpr ByteTable kIndex = MakeByteTable([](int i) { return i / 4; });
+  return SubFloat(BytesAbove23(_mm512_castsi128_si512(Load16(alpha)), kIndex),
+                  SplatFloat(0x1p23f - offset));
+}
+
+// x * weight, rounded once, of x + 2^23: the fused operation takes 2^23 * weight, which is exact, off
+// the exact product.
+QV_INLINE Floats WeighAbove23(Floats x, Floats weight) {
+  return _mm512_fmadd_ps(x, weight, MulFloat(weight, SplatFloat(-0x1p23f)));
+}
+
+// sum / divisor, rounded as a division rounds: Markstein's correction of sum * reciprocal by its exact
+// remainder. Compared with the division for all 2^23 significands of the sum and all 256
+// divisors.
+QV_INLINE Floats Quotient(Floats sum, Floats divisor, Floats reciprocal) {
+  const Floats q = MulFloat(sum, reciprocal);
+  return _mm512_fmadd_ps(_mm512_fnmadd_ps(q, divisor, sum), reciprocal, q);
+}
+
+QV_INLINE void OverBlock(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
+                         const Byte* merged) {
+  static constexpr ByteTable kChannel[3] = {
+      MakeByteTable([](int i) { return i / 4 * 3; }),
+      MakeByteTable([](int i) { return i / 4 * 3 + 1; }),
+      MakeByteTable([](int i) { return i / 4 * 3 + 2; })};
+  // After packing, every 16-byte lane holds four pixels: four bytes of each channel.
+  static constexpr ByteTable kInterleave =
+      MakeByteTable([](int i) { return i < 48 ? i / 12 * 16 + i % 3 * 4 + i / 3 % 4 : 0; });
+  const OverWeights w =
+      WeightsOf(AlphaFloats(fgAlpha, 0), AlphaFloats(bgAlpha, 0), AlphaFloats(merged, 1));
+  const Floats reciprocal = DivFloat(SplatFloat(1.0f), w.divisor);
+  const Vec f = Load(fg), b = Load(bg);
+  Vec result[3];
+  for (int c = 0; c < 3; ++c) {
+    const Floats sum = AddFloat(WeighAbove23(BytesAbove23(f, kChannel[c]), w.foreground),
+                                WeighAbove23(BytesAbove23(b, kChannel[c]), w.background));
+    result[c] = NearestInts(Quotient(sum, w.divisor, reciprocal));
+  }
+  // Saturates twice: to 16 bits, then to bytes.
+  const Vec packed = PackUnsigned16(PackSigned32(result[0], result[1]),
+                                    PackSigned32(result[2], result[2]));
+  const Vec colours = PermuteBytes(packed, Load(kInterleave.b));
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(fg), _mm512_castsi512_si256(colours));
+  Store16(fg + 32, _mm512_extracti32x4_epi32(colours, 2));
+}
+
+#elif defined(__AVX2__)
+
+constexpr int kOverPixels = 8;
+constexpr int kOverReads = 24;
+
+QV_INLINE Floats AlphaFloats(const Byte* alpha) {
+  return ToFloats(_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(alpha))));
+}
+
+// Pixels 0 to 3 in the first twelve bytes of the low lane, 4 to 7 in the last twelve of the high one.
+QV_INLINE Vec LoadColours(const Byte* p) {
+  return _mm256_inserti128_si256(_mm256_castsi128_si256(Load16(p)), Load16(p + 8), 1);
+}
+
+QV_INLINE void OverBlock(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
+                         const Byte* merged) {
+  // Byte 3 * pixel + channel of a lane's pixels to the low end of a 32-bit lane, 0 above it.
+  const auto channelIndex = [](int i, int c) {
+    return i % 4 ? 0x80 : i % 16 / 4 * 3 + c + (i < 16 ? 0 : 4);
+  };
+  static constexpr ByteTable kChannel[3] = {
+      MakeByteTable([=](int i) { return channelIndex(i, 0); }),
+      MakeByteTable([=](int i) { return channelIndex(i, 1); }),
+      MakeByteTable([=](int i) { return channelIndex(i, 2); })};
+  // The way back: four bytes of each channel to four pixels, in the low twelve bytes of the low
+  // lane and the high twelve of the high one.
+  static constexpr ByteTable kInterleave = MakeByteTable([](int i) {
+    const int byte = i < 16 ? i : i - 20;
+    return byte < 0 || byte > 11 ? 0x80 : byte % 3 * 4 + byte / 3;
+  });
+  const OverWeights w = WeightsOf(AlphaFloats(fgAlpha), AlphaFloats(bgAlpha),
+                                  AddFloat(AlphaFloats(merged), SplatFloat(1.0f)));
+  const Vec f = LoadColours(fg), b = LoadColours(bg);
+  Vec result[3];
+  for (int c = 0; c < 3; ++c) {
+    const Vec index = Load(kChannel[c].b);
+    const Floats sum = AddFloat(MulFloat(ToFloats(ShuffleBytes(f, index)), w.foreground),
+                                MulFloat(w.background, ToFloats(ShuffleBytes(b, index))));
+    result[c] = NearestInts(DivFloat(sum, w.divisor));
+  }
+  const Vec packed = PackUnsigned16(PackSigned32(result[0], result[1]),
+                                    PackSigned32(result[2], result[2]));
+  const Vec colours = ShuffleBytes(packed, Load(kInterleave.b));
+  const Vec16 low = _mm256_castsi256_si128(colours), high = _mm256_extracti128_si256(colours, 1);
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(fg), low);
+  Store16(fg + 8, _mm_or_si128(_mm_srli_si128(low, 8), high));
+}
+
+#else
+
+constexpr int kOverPixels = 16;
+constexpr int kOverReads = 48;
+
+struct FourFloats {
+  Floats f[4];
+};
+
+QV_INLINE FourFloats WidenBytes(Vec bytes) {
+  const Vec low = InterleaveLow8(bytes, Zero()), high = InterleaveHigh8(bytes, Zero());
+  return {{ToFloats(InterleaveLow16(low, Zero())), ToFloats(InterleaveHigh16(low, Zero())),
+           ToFloats(InterleaveLow16(high, Zero())), ToFloats(InterleaveHigh16(high, Zero()))}};
+}
+
+// Four pixels' values each three times make three vectors; this is vector `third` of them.
+template <int third>
+QV_INLINE Floats Spread(Floats x) {
+  constexpr int kOrder = third == 0   ? _MM_SHUFFLE(1, 0, 0, 0)
+                         : third == 1 ? _MM_SHUFFLE(2, 2, 1, 1)
+                                      : _MM_SHUFFLE(3, 3, 3, 2);
+  return _mm_shuffle_ps(x, x, kOrder);
+}
+
+template <int third>
+QV_INLINE Vec MergedQuad(Floats f, Floats b, const OverWeights& w) {
+  const Floats sum = AddFloat(MulFloat(f, Spread<third>(w.foreground)),
+                              MulFloat(Spread<third>(w.background), b));
+  return NearestInts(DivFloat(sum, Spread<third>(w.divisor)));
+}
+
+QV_INLINE void OverBlock(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
+                         const Byte* merged) {
+  const FourFloats fa = WidenBytes(Load(fgAlpha)), ba = WidenBytes(Load(bgAlpha)),
+                   a = WidenBytes(Load(merged));
+  OverWeights w[4];
+  for (int q = 0; q < 4; ++q)
+    w[q] = WeightsOf(fa.f[q], ba.f[q], AddFloat(a.f[q], SplatFloat(1.0f)));
+  // Twelve vectors of four colour bytes; vector q belongs to the pixels of w[q / 3].
+  const auto merge = [&](int j, const auto& mergeFour) {
+    const FourFloats f = WidenBytes(Load(fg + 16 * j)), b = WidenBytes(Load(bg + 16 * j));
+    Store(fg + 16 * j, mergeFour(f, b));
+  };
+  const auto pack = [](Vec q0, Vec q1, Vec q2, Vec q3) {
+    return PackUnsigned16(PackSigned32(q0, q1), PackSigned32(q2, q3));
+  };
+  merge(0, [&](const FourFloats& f, const FourFloats& b) {
+    return pack(MergedQuad<0>(f.f[0], b.f[0], w[0]), MergedQuad<1>(f.f[1], b.f[1], w[0]),
+                MergedQuad<2>(f.f[2], b.f[2], w[0]), MergedQuad<0>(f.f[3], b.f[3], w[1]));
+  });
+  merge(1, [&](const FourFloats& f, const FourFloats& b) {
+    return pack(MergedQuad<1>(f.f[0], b.f[0], w[1]), MergedQuad<2>(f.f[1], b.f[1], w[1]),
+                MergedQuad<0>(f.f[2], b.f[2], w[2]), MergedQuad<1>(f.f[3], b.f[3], w[2]));
+  });
+  merge(2, [&](const FourFloats& f, const FourFloats& b) {
+    return pack(MergedQuad<2>(f.f[0], b.f[0], w[2]), MergedQuad<0>(f.f[1], b.f[1], w[3]),
+                MergedQuad<1>(f.f[2], b.f[2], w[3]), MergedQuad<2>(f.f[3], b.f[3], w[3]));
+  });
+}
+
+#endif
+
+}  // namespace qv::QV_LEVEL
+
+#endif
