@@ -2,6 +2,7 @@
 #include "qvAcceleratedLib/CqvAccLib.h"
 
 #include "kernels/copy/Copy.h"
+#include "kernels/geometry/Transform.h"
 #include "qvAcceleratedLib/BandSplit.h"
 #include "qvAcceleratedLib/Settings.h"
 
@@ -123,5 +124,15 @@ IppStatus CqvAccLib::qvMulCScale(qvDataType type, unsigned char value, unsigned 
 // ---- Resizing -----------------------------------------------------------------------------------
 
 // ---- Rotation and perspective -------------------------------------------------------------------
+
+IppStatus CqvAccLib::qvGetPerspectiveTransform(qvDataType, IppiRect roi, const double quad[4][2],
+                                               double coeffs[3][3]) {
+  return GetPerspectiveTransform_64f(roi, quad, coeffs);
+}
+
+IppStatus CqvAccLib::qvGetRotateBound(qvDataType, IppiRect roi, double bound[2][2], double angle,
+                                      double xShift, double yShift) {
+  return GetRotateBound_64f(roi, bound, angle, xShift, yShift);
+}
 
 // ---- Compositing and deinterlacing --------------------------------------------------------------

@@ -218,9 +218,24 @@ class QVACCELERATEDLIB_API CqvAccLib {
                                        unsigned char* dst2, int dst2Step,
                                        const double coeffs2[3][3]);
 
+  // Derives the matrix that carries a region onto a quadrilateral:
+  //   x' = (c00 X + c01 Y + c02) / (c20 X + c21 Y + c22)
+  //   y' = (c10 X + c11 Y + c12) / (c20 X + c21 Y + c22)
+  // quad[0..3] are the (x, y) images, in pixels, of the centres of the region's top-left, top-right,
+  // bottom-right and bottom-left pixels; they may turn either way round. `type` is ignored; no
+  // pointer is checked. The result fits qvWarpPerspective.
+  // Returns -6 if roi.x or roi.y is negative or its width or height is below 1; -58 if three corners
+  // lie on one line or the quadrilateral is not convex; -57 if width or height is 1. Nothing is
+  // written then.
   static IppStatus qvGetPerspectiveTransform(qvDataType type, IppiRect roi, const double quad[4][2],
                                              double coeffs[3][3]);
 
+  // The smallest upright rectangle around a region after qvRotate by `angle` degrees and a shift in
+  // pixels. With the centres of the region's corner pixels at (x, y) and a = angle in radians:
+  //   x' = cos a * x + sin a * y + xShift,   y' = -sin a * x + cos a * y + yShift
+  //   bound[0] = (smallest x', smallest y'), bound[1] = (largest x', largest y')
+  // Multiples of 90 degrees are exact. `type` is ignored; no pointer is checked.
+  // Returns -6, with nothing written, if roi.x or roi.y is negative or its width or height is below 1.
   static IppStatus qvGetRotateBound(qvDataType type, IppiRect roi, double bound[2][2], double angle,
                                     double xShift, double yShift);
 
