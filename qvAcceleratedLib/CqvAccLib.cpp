@@ -2,6 +2,7 @@
 #include "qvAcceleratedLib/CqvAccLib.h"
 
 #include "kernels/copy/Copy.h"
+#include "kernels/geometry/Geometry.h"
 #include "kernels/geometry/Transform.h"
 #include "qvAcceleratedLib/BandSplit.h"
 #include "qvAcceleratedLib/Settings.h"
@@ -124,6 +125,58 @@ IppStatus CqvAccLib::qvMulCScale(qvDataType type, unsigned char value, unsigned 
 // ---- Resizing -----------------------------------------------------------------------------------
 
 // ---- Rotation and perspective -------------------------------------------------------------------
+
+IppStatus CqvAccLib::qvRotate(qvDataType type, const unsigned char* src, IppiSize srcSize,
+                              int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
+                              IppiRect dstRoi, double angle, double xShift, double yShift,
+                              int interpolation) {
+  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
+  const auto kernel = type == OneChannel ? Rotate_8u_C1 : Rotate_8u_C3;
+  return kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, angle, xShift, yShift,
+                interpolation);
+}
+
+namespace {
+
+// The rows of a destination region that are band i. Pointers stay: the warp works in absolute
+// coordinates.
+IppiRect BandOf(const Bands& bands, int i, IppiRect roi) {
+  return {roi.x, static_cast<int>(roi.y + bands.First(i)), roi.width, bands.Height(i)};
+}
+
+}  // namespace
+
+IppStatus CqvAccLib::qvWarpPerspective(qvDataType type, const unsigned char* src, IppiSize srcSize,
+                                       int srcStep, IppiRect srcRoi, unsigned char* dst,
+                                       int dstStep, IppiRect dstRoi, const double coeffs[3][3],
+                                       int interpolation) {
+  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
+  const auto kernel = type == OneChannel ? WarpPerspective_8u_C1 : WarpPerspective_8u_C3;
+  const Bands bands = PlanBands(dstRoi.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    return kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, BandOf(bands, i, dstRoi), coeffs,
+                  interpolation);
+  });
+}
+
+// On one band the second image waits for the first one's success; on several it does not, and its
+// status hides the first one's.
+IppStatus CqvAccLib::qvWarpPerspectiveEx(qvDataType, const unsigned char* src, IppiSize srcSize,
+                                         int srcStep, IppiRect srcRoi, unsigned char* dst,
+                                         int dstStep, IppiRect dstRoi, const double coeffs[3][3],
+                                         int interpolation, const unsigned char* src2,
+                                         int src2Step, unsigned char* dst2, int dst2Step,
+                                         const double coeffs2[3][3]) {
+  const Bands bands = PlanBands(dstRoi.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    const IppiRect band = BandOf(bands, i, dstRoi);
+    const IppStatus status = WarpPerspective_8u_C3(src, srcSize, srcStep, srcRoi, dst, dstStep,
+                                                   band, coeffs, interpolation);
+    if (!src2 || !dst2 || (bands.count == 1 && status != StatusOk)) return status;
+    return WarpPerspective_8u_C1(src2, srcSize, src2Step, srcRoi, dst2, dst2Step, band, coeffs2,
+                                 interpolation);
+  });
+}
 
 IppStatus CqvAccLib::qvGetPerspectiveTransform(qvDataType, IppiRect roi, const double quad[4][2],
                                                double coeffs[3][3]) {

@@ -201,16 +201,57 @@ class QVACCELERATEDLIB_API CqvAccLib {
 
   // ---- Rotation and perspective -----------------------------------------------------------------
 
+  // Rotation and warping. Pointers point at pixel (0, 0) of the whole image, never at a region; regions
+  // and positions are in pixels of the whole images, and pixel (x, y) is a sample at exactly that
+  // position. Every destination pixel asks where it comes from: it is mapped back through the
+  // transform to a source position (X, Y). It is written if (X, Y) lies inside the rectangle of corner
+  // pixels of srcRoi's part inside the image, its edges and 1e-6 pixel beyond included, and keeps
+  // its value otherwise. All channels of a pixel are sampled at one position, from pixels of that part only;
+  // taps beyond take its nearest edge pixel:
+  //   interpolation 1   nearest neighbour: pixel (floor(X + 0.5), floor(Y + 0.5))
+  //   interpolation 2   linear: two taps an axis, weights 1 - |d|
+  //   interpolation 4   cubic (Keys 1981, a = -0.5): four taps an axis, with weights
+  //                     1.5 |d|^3 - 2.5 |d|^2 + 1 below 1, -0.5 |d|^3 + 2.5 |d|^2 - 4 |d| + 2 below 2
+  // d being the distance of the tap. Bit 31 of the interpolation is ignored. Positions are exact to
+  // better than 2^-11 pixel, weights have 14 fractional bits, and the rounded and saturated result is
+  // within one unit of the exact one. Source and destination must not overlap.
+  // Statuses of warps and of rotations that are not quarter turns, in this order: -2 for a type other
+  // than 2 and 4; -8 if src or dst is null; -6 if a width or height of srcSize, srcRoi or dstRoi is
+  // below 1 or an origin of a region is negative; -14 if a step is below 1; -22 for another
+  // interpolation; -56 if the transform's upper-left 2 x 2 block is singular (relative to its
+  // diagonal, to 1e-12), or carries the corner pixels of srcRoi onto a quadrilateral that is
+  // degenerate (a width or height of 1) or not convex; -57 if srcRoi has no pixel inside the image; 29 if
+  // that quadrilateral misses dstRoi. Nothing is written unless the status is 0.
+
+  // Rotates about pixel (0, 0) by `angle` degrees, counter-clockwise as seen on the screen, and
+  // shifts by (xShift, yShift) pixels. With a the angle in radians, source (x, y) goes to
+  //   x' = cos a * x + sin a * y + xShift,   y' = -sin a * x + cos a * y + yShift
+  // Runs on the calling thread. Quarter turns (90, 180 or 270 degrees plus whole turns) with
+  // whole shifts move pixels without sampling; their statuses are: -2; -8; -6; -14; 29 if srcRoi
+  // starts outside of the image or the turned region misses dstRoi. They do not look at the interpolation.
+  // Other rotations: see above.
   static IppStatus qvRotate(qvDataType type, const unsigned char* src, IppiSize srcSize,
                             int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                             IppiRect dstRoi, double angle, double xShift, double yShift,
                             int interpolation);
 
+  // Warps through a matrix that carries source (X, Y) to the destination, such as
+  // qvGetPerspectiveTransform gives:
+  //   x' = (c00 X + c01 Y + c02) / (c20 X + c21 Y + c22)
+  //   y' = (c10 X + c11 Y + c12) / (c20 X + c21 Y + c22)
+  // Statuses: see above. On several bands the status is the last band's, so 29 may mean that only the
+  // last band was missed.
   static IppStatus qvWarpPerspective(qvDataType type, const unsigned char* src, IppiSize srcSize,
                                      int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                                      IppiRect dstRoi, const double coeffs[3][3],
                                      int interpolation);
 
+  // qvWarpPerspective on a three-channel image and, if src2 and dst2 are both non-null, on a
+  // one-channel image of the same size and regions with its own steps and matrix, for instance a mask. `type`
+  // is ignored.
+  // Returns the status of the last warp made. On one band the second image is warped only if the
+  // first warp returned 0; on several bands (dstRoi higher than 64 rows a thread) it always is, and
+  // its status replaces the first one's.
   static IppStatus qvWarpPerspectiveEx(qvDataType type, const unsigned char* src, IppiSize srcSize,
                                        int srcStep, IppiRect srcRoi, unsigned char* dst,
                                        int dstStep, IppiRect dstRoi, const double coeffs[3][3],
