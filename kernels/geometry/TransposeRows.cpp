@@ -3,13 +3,15 @@
 // Works in tiles whose source and destination lines stay in the first-level cache together; within
 // a tile vector rows transpose blocks in registers.
 #include "kernels/geometry/Geometry.h"
-#include "kernels/level/Level.h"
+#include "kernels/geometry/GeometryVectors.h"
 
 namespace qv::QV_LEVEL {
 
 namespace {
 
-constexpr int kTile = 64;
+// Whole cache lines of the destination; more rows, or wider tiles, measured no faster.
+constexpr int kTileRows = 32;
+constexpr int kTileColumns = 64;
 
 template <int kChannels>
 void TransposePlain(const Byte* src, ptrdiff_t srcStep, Byte* dst, ptrdiff_t dstStep, int width,
@@ -21,28 +23,6 @@ void TransposePlain(const Byte* src, ptrdiff_t srcStep, Byte* dst, ptrdiff_t dst
 }
 
 #if QV_HAS_VECTORS
-
-constexpr int kLanes = kVecBytes / 16;
-
-// 16 bytes of each of kLanes rows, `apart` bytes from row to row.
-#if defined(__AVX512F__)
-QV_INLINE Vec LoadLanes(const Byte* p, ptrdiff_t apart) {
-  const auto load = [=](int i) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i * apart));
-  };
-  const __m256i low = _mm256_inserti128_si256(_mm256_castsi128_si256(load(0)), load(1), 1);
-  const __m256i high = _mm256_inserti128_si256(_mm256_castsi128_si256(load(2)), load(3), 1);
-  return _mm512_inserti64x4(_mm512_zextsi256_si512(low), high, 1);
-}
-#elif defined(__AVX2__)
-QV_INLINE Vec LoadLanes(const Byte* p, ptrdiff_t apart) {
-  return _mm256_inserti128_si256(
-      _mm256_castsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))),
-      _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + apart)), 1);
-}
-#else
-QV_INLINE Vec LoadLanes(const Byte* p, ptrdiff_t) { return Load(p); }
-#endif
 
 // 16 columns of kVecBytes source rows become 16 rows of kVecBytes. Lane l of vector i starts out as
 // row 16 l + i; each of four perfect shuffles moves one bit of the row number into the column number.
@@ -62,15 +42,35 @@ QV_INLINE void TransposeBytes(const Byte* src, ptrdiff_t srcStep, Byte* dst, ptr
   for (int i = 0; i < 16; ++i) Store(dst + i * dstStep, v[i]);
 }
 
+// 4 columns of kVecBytes / 4 source rows of three-byte pixels become 4 rows. Lane l of vector i starts
+// out as row 4 l + i, its pixels spread to four bytes; then 4 x 4 groups are transposed. A row's 12
+// bytes are the first ones loaded, or the last ones if 4 more behind them do not belong to the row.
+QV_INLINE void TransposeTriples(const Byte* src, ptrdiff_t srcStep, Byte* dst, ptrdiff_t dstStep,
+                                bool isLast) {
+  constexpr auto kFirst = MakeByteTable([](int i) { return i % 4 < 3 ? i % 16 / 4 * 3 + i % 4 : 128; });
+  constexpr auto kLast = MakeByteTable([](int i) { return i % 4 < 3 ? i % 16 / 4 * 3 + i % 4 + 4 : 128; });
+  const Vec spread = Load(isLast ? &kLast : &kFirst);
+  src -= isLast ? 4 : 0;
+  Vec v[4];
+  for (int i = 0; i < 4; ++i)
+    v[i] = ShuffleBytes(LoadLanes(src + i * srcStep, 4 * srcStep), spread);
+  const Vec low01 = InterleaveLow32(v[0], v[1]), high01 = InterleaveHigh32(v[0], v[1]);
+  const Vec low23 = InterleaveLow32(v[2], v[3]), high23 = InterleaveHigh32(v[2], v[3]);
+  StoreTriples(dst, InterleaveLow64(low01, low23));
+  StoreTriples(dst + dstStep, InterleaveHigh64(low01, low23));
+  StoreTriples(dst + 2 * dstStep, InterleaveLow64(high01, high23));
+  StoreTriples(dst + 3 * dstStep, InterleaveHigh64(high01, high23));
+}
+
 // Calls block(r, c) for blocks of kRows x kColumns that cover the image, tile by tile. Blocks at the
 // far edges overlap their neighbours. False if the image is smaller than a block.
 template <int kRows, int kColumns, class Block>
 QV_INLINE bool CoverWithTiles(int width, int height, Block block) {
   if (width < kColumns || height < kRows) return false;
-  for (int r0 = 0; r0 < height; r0 += kTile)
-    for (int c0 = 0; c0 < width; c0 += kTile)
-      for (int r = r0; r < r0 + kTile && r < height; r += kRows)
-        for (int c = c0; c < c0 + kTile && c < width; c += kColumns)
+  for (int r0 = 0; r0 < height; r0 += kTileRows)
+    for (int c0 = 0; c0 < width; c0 += kTileColumns)
+      for (int r = r0; r < r0 + kTileRows && r < height; r += kRows)
+        for (int c = c0; c < c0 + kTileColumns && c < width; c += kColumns)
           block(r + kRows <= height ? r : height - kRows, c + kColumns <= width ? c : width - kColumns);
   return true;
 }
@@ -90,6 +90,17 @@ void Transpose_8u_C1(const Byte* src, int srcStep, Byte* dst, int dstStep, IppiS
 }
 
 void Transpose_8u_C3(const Byte* src, int srcStep, Byte* dst, int dstStep, IppiSize size) {
+#if QV_HAS_VECTORS
+  if constexpr (kHasByteShuffle) {
+    // A row of 6 pixels holds the 16 bytes of a block's load, at either end.
+    const int height = size.height;
+    if (height >= 6 && CoverWithTiles<4, kVecBytes / 4>(size.width, height, [=](int r, int c) {
+          TransposeTriples(RowAt(src, srcStep, c) + 3 * r, srcStep, RowAt(dst, dstStep, r) + 3 * c,
+                           dstStep, r + 6 > height);
+        }))
+      return;
+  }
+#endif
   TransposePlain<3>(src, srcStep, dst, dstStep, size.width, size.height);
 }
 
