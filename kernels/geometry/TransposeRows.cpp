@@ -42,24 +42,57 @@ QV_INLINE void TransposeBytes(const Byte* src, ptrdiff_t srcStep, Byte* dst, ptr
   for (int i = 0; i < 16; ++i) Store(dst + i * dstStep, v[i]);
 }
 
-// 4 columns of kVecBytes / 4 source rows of three-byte pixels become 4 rows. Lane l of vector i starts
-// out as row 4 l + i, its pixels spread to four bytes; then 4 x 4 groups are transposed. A row's 12
-// bytes are the first ones loaded, or the last ones if 4 more behind them do not belong to the row.
-QV_INLINE void TransposeTriples(const Byte* src, ptrdiff_t srcStep, Byte* dst, ptrdiff_t dstStep,
-                                bool isLast) {
-  constexpr auto kFirst = MakeByteTable([](int i) { return i % 4 < 3 ? i % 16 / 4 * 3 + i % 4 : 128; });
-  constexpr auto kLast = MakeByteTable([](int i) { return i % 4 < 3 ? i % 16 / 4 * 3 + i % 4 + 4 : 128; });
-  const Vec spread = Load(isLast ? &kLast : &kFirst);
-  src -= isLast ? 4 : 0;
+// A row of a block of three-byte pixels is 12 bytes, but 16 are loaded: its first ones, or its last ones
+// if the 4 behind it do not belong to the image's row.
+QV_INLINE Vec SpreadTriples(bool isLast) {
+  static constexpr auto kFirst =
+      MakeByteTable([](int i) { return i % 4 < 3 ? i % 16 / 4 * 3 + i % 4 : 0x80; });
+  static constexpr auto kLast =
+      MakeByteTable([](int i) { return i % 4 < 3 ? i % 16 / 4 * 3 + i % 4 + 4 : 0x80; });
+  return Load(isLast ? &kLast : &kFirst);
+}
+
+// 4 columns of kVecBytes / 4 source rows of three-byte pixels become 4 rows of four-byte groups.
+// Lane l of vector i starts out as row 4 l + i; then 4 x 4 groups are transposed.
+QV_INLINE void TransposeTriples(const Byte* src, ptrdiff_t srcStep, Vec spread, Vec out[4]) {
   Vec v[4];
   for (int i = 0; i < 4; ++i)
     v[i] = ShuffleBytes(LoadLanes(src + i * srcStep, 4 * srcStep), spread);
   const Vec low01 = InterleaveLow32(v[0], v[1]), high01 = InterleaveHigh32(v[0], v[1]);
   const Vec low23 = InterleaveLow32(v[2], v[3]), high23 = InterleaveHigh32(v[2], v[3]);
-  StoreTriples(dst, InterleaveLow64(low01, low23));
-  StoreTriples(dst + dstStep, InterleaveHigh64(low01, low23));
-  StoreTriples(dst + 2 * dstStep, InterleaveLow64(high01, high23));
-  StoreTriples(dst + 3 * dstStep, InterleaveHigh64(high01, high23));
+  out[0] = InterleaveLow64(low01, low23);
+  out[1] = InterleaveHigh64(low01, low23);
+  out[2] = InterleaveLow64(high01, high23);
+  out[3] = InterleaveHigh64(high01, high23);
+}
+
+// A block of 4 rows and kVecBytes / 4 columns of the destination.
+QV_INLINE void TransposeTriplesBlock(const Byte* src, ptrdiff_t srcStep, Byte* dst,
+                                     ptrdiff_t dstStep, bool isLast) {
+  Vec v[4];
+  TransposeTriples(src - (isLast ? 4 : 0), srcStep, SpreadTriples(isLast), v);
+  for (int i = 0; i < 4; ++i) StoreTriples(dst + i * dstStep, v[i]);
+}
+
+// The same for kVecBytes columns, where bytes can be packed across vectors: full stores.
+QV_INLINE void TransposeTriplesWide(const Byte* src, ptrdiff_t srcStep, Byte* dst,
+                                    ptrdiff_t dstStep, bool isLast) {
+  // Packed byte n is byte n % 48 of vector n / 48, which for the vector j stored is j or j + 1.
+  static constexpr auto kPack = [](int j) {
+    return MakeByteTable([=](int i) {
+      const int n = 64 * j + i;
+      return (n / 48 - j) * 64 + n % 48 / 3 * 4 + n % 3;
+    });
+  };
+  static constexpr ByteTable kPacks[3] = {kPack(0), kPack(1), kPack(2)};
+  Vec v[4][4];
+  const Vec spread = SpreadTriples(isLast);
+  src -= isLast ? 4 : 0;
+  for (int i = 0; i < 4; ++i)
+    TransposeTriples(src + i * (kVecBytes / 4) * srcStep, srcStep, spread, v[i]);
+  for (int r = 0; r < 4; ++r)
+    for (int j = 0; j < 3; ++j)
+      Store(dst + r * dstStep + j * kVecBytes, PermuteBytes2(v[j][r], Load(&kPacks[j]), v[j + 1][r]));
 }
 
 // Calls block(r, c) for blocks of kRows x kColumns that cover the image, tile by tile. Blocks at the
@@ -92,11 +125,17 @@ void Transpose_8u_C1(const Byte* src, int srcStep, Byte* dst, int dstStep, IppiS
 void Transpose_8u_C3(const Byte* src, int srcStep, Byte* dst, int dstStep, IppiSize size) {
 #if QV_HAS_VECTORS
   if constexpr (kHasByteShuffle) {
-    // A row of 6 pixels holds the 16 bytes of a block's load, at either end.
-    const int height = size.height;
-    if (height >= 6 && CoverWithTiles<4, kVecBytes / 4>(size.width, height, [=](int r, int c) {
-          TransposeTriples(RowAt(src, srcStep, c) + 3 * r, srcStep, RowAt(dst, dstStep, r) + 3 * c,
-                           dstStep, r + 6 > height);
+    // A row of 6 pixels holds the 16 bytes of a load at either of its ends.
+    const int width = size.width, height = size.height;
+    if constexpr (kHasBytePermute)
+      if (height >= 6 && CoverWithTiles<4, kVecBytes>(width, height, [=](int r, int c) {
+            TransposeTriplesWide(RowAt(src, srcStep, c) + 3 * r, srcStep,
+                                 RowAt(dst, dstStep, r) + 3 * c, dstStep, r + 6 > height);
+          }))
+        return;
+    if (height >= 6 && CoverWithTiles<4, kVecBytes / 4>(width, height, [=](int r, int c) {
+          TransposeTriplesBlock(RowAt(src, srcStep, c) + 3 * r, srcStep,
+                                RowAt(dst, dstStep, r) + 3 * c, dstStep, r + 6 > height);
         }))
       return;
   }
