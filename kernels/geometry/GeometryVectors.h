@@ -38,7 +38,7 @@ QV_INLINE Vec InterleaveHigh64(Vec a, Vec b) { return _mm_unpackhi_epi64(a, b); 
 #endif
 
 // Stores the first three bytes of each of the kVecBytes / 4 groups of four, without gaps: exactly
-// 3 * kVecBytes / 4 bytes are written. Needs kHasByteShuffle.
+// 3 * kVecBytes / 4 bytes are written.
 #if defined(__AVX512F__)
 QV_INLINE void StoreTriples(Byte* p, Vec v) {
   constexpr auto kPack = MakeByteTable([](int i) { return i < 48 ? i / 3 * 4 + i % 3 : 0; });
@@ -61,7 +61,12 @@ QV_INLINE void StoreTriples(Byte* p, Vec v) {
 #endif
 }
 #else
-void StoreTriples(Byte* p, Vec v);
+QV_INLINE void StoreTriples(Byte* p, Vec v) {
+  Byte bytes[16];
+  Store(bytes, v);
+  for (int i = 0; i < 3; ++i) memcpy(p + 3 * i, bytes + 4 * i, 4);
+  memcpy(p + 9, bytes + 12, 3);
+}
 #endif
 
 }  // namespace qv::QV_LEVEL
