@@ -62,7 +62,8 @@ TEST(Output, IsRemovedWhenTheProgramIsInterrupted) {
 TEST(Progress, IsShownOnATerminal) {
   Workplace place;
   const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-  ASSERT_EQ(grantpt(terminal) + unlockpt(terminal), 0);
+  if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0)
+    GTEST_SKIP() << "no pseudo-terminals here";
   const int screen = open(ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
   int pipe[2];
   ASSERT_EQ(::pipe2(pipe, O_CLOEXEC), 0);
