@@ -115,7 +115,8 @@ const Bad kBad[] = {
     {"y4mNotAFrame", "copy - x.y4m", 1, {"frame 2"}, kMono + "FRAME\nabGRAME\ncd"},
     {"rawCut", "copy - x.png --layout bgr --size 2x2", 1, {"11 of 12 bytes"}, "elevenbytes"},
     // Frames that do not fit what is asked.
-    {"beyondMemory", "fill x.png --size 600000x600000 --colour 1", 1, {"cannot be held"}},
+    {"beyondMemory", "fill x.png --size 600000x600000 --colour 1", 1,
+     {"cannot be held", "the machine has"}},
     {"rowBeyondInt", "fill x.png --size 2000000000x1 --colour 1", 1, {"cannot be held"}},
     {"videoAsPicture", "copy - x.png", 1, {"x.png", "i420"}, "YUV4MPEG2 W2 H2\nFRAME\nabcdef"},
     {"pictureAsVideo", "copy whole.png x.y4m", 1, {"x.y4m", "bgr"}},

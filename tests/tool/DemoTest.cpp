@@ -27,6 +27,10 @@ void CheckPage(const Workplace& place) {
   EXPECT_GE(figures, 28u);
   EXPECT_EQ(Count(page, " src=\"data:image/"), figures);
   EXPECT_EQ(Count(page, " src="), figures);
+  // The first bytes of the formats, in base 64.
+  EXPECT_EQ(Count(page, " src=\"data:image/png;base64,iVBORw0KGgo") +
+                Count(page, " src=\"data:image/jpeg;base64,/9j/"),
+            figures);
   for (const char* outside : {"http:", "https:", "@import", "url("})
     EXPECT_EQ(Count(page, outside), 0u) << outside;
   for (std::size_t at = 0;;) {
