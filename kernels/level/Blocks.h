@@ -17,6 +17,30 @@ QV_INLINE bool CoverWithBlocks(ptrdiff_t count, Block block) {
   return true;
 }
 
+// The same for a row that is changed in place: p[k] = function(p[k]) for a Vec of bytes at a time.
+// The last vector is loaded before its bytes can have been changed.
+template <class Function>
+QV_INLINE bool ApplyInPlace(const Byte* src, Byte* dst, ptrdiff_t count, Function function) {
+  if (count < kVecBytes) return false;
+  const Vec last = Load(src + count - kVecBytes);
+  for (ptrdiff_t i = 0; i <= count - kVecBytes; i += kVecBytes)
+    Store(dst + i, function(Load(src + i)));
+  Store(dst + count - kVecBytes, function(last));
+  return true;
+}
+
+// A table of bytes that a vector of indices is loaded from, computed by the compiler.
+struct ByteTable {
+  Byte b[kVecBytes];
+};
+
+template <class Function>
+constexpr ByteTable MakeByteTable(Function function) {
+  ByteTable table{};
+  for (int i = 0; i < kVecBytes; ++i) table.b[i] = static_cast<Byte>(function(i));
+  return table;
+}
+
 }  // namespace qv::QV_LEVEL
 
 #endif
