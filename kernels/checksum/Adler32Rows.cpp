@@ -1,6 +1,12 @@
-// Adler-32.
+// Adler-32: over bytes d[0] to d[n - 1], modulo 65521,
+//   a' = a + sum of d[i]
+//   b' = b + n * a + sum of (n - i) * d[i]
 #include "kernels/checksum/Checksum.h"
 #include "kernels/level/Level.h"
+
+#if QV_HAS_VECTORS
+#include "kernels/checksum/ByteSums.h"
+#endif
 
 namespace qv::QV_LEVEL {
 
@@ -8,17 +14,17 @@ namespace {
 
 constexpr uint32_t kModulus = 65521;
 
-// A fresh remainder of both sums is due after this many bytes: n = 5552 is the largest n for which
-// b + n * a + 255 * n * (n + 1) / 2 stays below 2^32 when a and b start from 65535.
-constexpr ptrdiff_t kBlock = 5552;
-
 struct Sums {
   uint32_t a, b;
 };
 
+// A fresh remainder of both sums is due after this many bytes: n = 5552 is the largest n for which
+// b + n * a + 255 * n * (n + 1) / 2 stays below 2^32 when a and b start from 65535.
+constexpr ptrdiff_t kPlainBlock = 5552;
+
 QV_INLINE Sums FeedPlain(Sums s, const Byte* src, ptrdiff_t length) {
   while (length > 0) {
-    const ptrdiff_t n = length < kBlock ? length : kBlock;
+    const ptrdiff_t n = length < kPlainBlock ? length : kPlainBlock;
     for (ptrdiff_t i = 0; i < n; ++i) {
       s.a += src[i];
       s.b += s.a;
@@ -31,6 +37,115 @@ QV_INLINE Sums FeedPlain(Sums s, const Byte* src, ptrdiff_t length) {
   return s;
 }
 
+#if QV_HAS_VECTORS
+
+// The weights of whole vectors of V bytes split into three: byte j of vector k of K has
+//   K * V - k * V - j = V * (K - 1 - k) + (V - 8 - 8 * (j / 8)) + (8 - j % 8)
+// The first two are the same for the eight bytes of an octet, so they apply to sums of octets, and
+// only the third, of 1 to 8, to single bytes.
+struct VectorSums {
+  Vec octets;   // sums of octets over all vectors so far; 64-bit lanes, as SumOctets leaves them
+  Vec before;   // the sum of `octets` before each vector: K - 1 - k times those of vector k
+  Vec weighted; // bytes times 8 - j % 8, 32-bit lanes
+};
+
+// What the 64-bit lanes of `before` hold stays below 2^32: 8 * 255 * K * (K - 1) / 2. (64-bit would do
+// far longer; with this, K * V <= 65536 bytes keep everything else small too.)
+constexpr ptrdiff_t kBlockVectors = 1024;
+
+// Bytes times weights 8 to 1 in 16-bit lanes, over at most kRun vectors.
+struct WeightedRun {
+  // Products of bytes: a lane gains at most 255 * (8 + 7), and 8 * 3825 < 32768.
+  // Without: the bytes of odd places alone, and whole lanes, from which those of even places follow
+  // modulo 65536; 128 * 255 < 32768.
+  static constexpr ptrdiff_t kRun = kHasByteProducts ? 8 : 128;
+
+  Vec sum = Zero(), odd = Zero();
+
+  QV_INLINE void Add(Vec d) {
+    if constexpr (kHasByteProducts) {
+      sum = Add16(sum, MulAddBytes(d, OctetPattern(0x01020304, 0x05060708)));
+    } else {
+      sum = Add16(sum, d);
+      odd = Add16(odd, ShiftRight16<8>(d));
+    }
+  }
+
+  QV_INLINE Vec Total() const {
+    if constexpr (kHasByteProducts) return MulAddPairs16(sum, Splat16(1));
+    const Vec even = Sub16(sum, ShiftLeft16<8>(odd));
+    return Add32(MulAddPairs16(even, OctetPattern(0x00020004, 0x00060008)),
+                 MulAddPairs16(odd, OctetPattern(0x00010003, 0x00050007)));
+  }
+
+  // The same eight bytes in each octet.
+  static QV_INLINE Vec OctetPattern(int high, int low) {
+    return InterleaveLow32(Splat32(low), Splat32(high));
+  }
+};
+
+template <bool whole>
+QV_INLINE void AddRun(VectorSums& v, const Byte* src, ptrdiff_t count) {
+  VectorSums sums = v;
+  WeightedRun run;
+#pragma GCC unroll 8
+  for (ptrdiff_t k = 0; k < (whole ? 8 : count); ++k) {
+    const Vec d = Load(src + k * kVecBytes);
+    sums.before = Add64(sums.before, sums.octets);
+    sums.octets = Add64(sums.octets, SumOctets(d));
+    run.Add(d);
+  }
+  sums.weighted = Add32(sums.weighted, run.Total());
+  v = sums;
+}
+
+// V - 8 - 8 * (j / 8) for each octet.
+QV_INLINE Vec OctetOffsets() {
+  alignas(64) static constexpr uint64_t kOffsets[8] = {56, 48, 40, 32, 24, 16, 8, 0};
+  return Load(kOffsets + 8 - kVecBytes / 8);
+}
+
+Sums Feed(Sums s, const Byte* src, ptrdiff_t length) {
+  if (length < 16) return FeedPlain(s, src, length);
+  // Zero bytes before the first one change no sum, so a ragged length becomes whole vectors there.
+  const ptrdiff_t ragged = length % kVecBytes;
+  Byte first[kVecBytes] = {};
+  memcpy(first + kVecBytes - ragged, src, static_cast<size_t>(ragged));
+  VectorSums v = {Zero(), Zero(), Zero()};
+  AddRun<false>(v, first, 1);
+  ptrdiff_t n = ragged, vectors = length / kVecBytes;
+  src += ragged;
+  for (;;) {
+    ptrdiff_t count = vectors < kBlockVectors - 1 ? vectors : kBlockVectors - 1;
+    n += count * kVecBytes;
+    vectors -= count;
+    for (; count > 0;) {
+      const ptrdiff_t run = count < WeightedRun::kRun ? count : WeightedRun::kRun;
+      if (run == 8)
+        AddRun<true>(v, src, run);
+      else
+        AddRun<false>(v, src, run);
+      src += run * kVecBytes;
+      count -= run;
+    }
+    constexpr int kVecShift = kVecBytes == 64 ? 6 : kVecBytes == 32 ? 5 : 4;
+    Vec total = Add64(ShiftLeft64<kVecShift>(v.before), MulEven32(v.octets, OctetOffsets()));
+    const Vec low = ShiftRight64<32>(ShiftLeft64<32>(v.weighted));
+    total = Add64(total, Add64(low, ShiftRight64<32>(v.weighted)));
+    s.b = static_cast<uint32_t>((s.b + static_cast<uint64_t>(n) * s.a + Sum64(total)) % kModulus);
+    s.a = (s.a + static_cast<uint32_t>(Sum64(v.octets))) % kModulus;
+    if (vectors == 0) return s;
+    v = {Zero(), Zero(), Zero()};
+    n = 0;
+  }
+}
+
+#else
+
+constexpr auto Feed = FeedPlain;
+
+#endif
+
 }  // namespace
 
 IppStatus Adler32_8u(const Byte* src, int length, unsigned int* adler) {
@@ -40,7 +155,7 @@ IppStatus Adler32_8u(const Byte* src, int length, unsigned int* adler) {
     return StatusSizeErr;
   }
   if (length < 1) return StatusOk;
-  const Sums s = FeedPlain(start, src, length);
+  const Sums s = Feed(start, src, length);
   *adler = s.b << 16 | s.a;
   return StatusOk;
 }
