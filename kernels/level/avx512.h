@@ -80,6 +80,12 @@ QV_INLINE Vec PermuteBytesOver(Vec base, unsigned long long mask, Vec v, Vec ind
   return _mm512_mask_permutexvar_epi8(base, mask, index, v);
 }
 
+// `b` in the bytes whose mask bit is set, `a` in the others; and the mask of the bytes above 127.
+QV_INLINE Vec Select(unsigned long long mask, Vec a, Vec b) {
+  return _mm512_mask_blend_epi8(mask, a, b);
+}
+QV_INLINE unsigned long long TopBits(Vec v) { return _mm512_movepi8_mask(v); }
+
 QV_INLINE Vec ReverseBytes(Vec v) {
   const Vec index = _mm512_set_epi8(
       0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24,

@@ -25,6 +25,8 @@ Vec ShuffleBytes(Vec v, Vec index);
 Vec PermuteBytes(Vec v, Vec index);
 Vec PermuteBytes2(Vec low, Vec index, Vec high);
 Vec PermuteBytesOver(Vec base, unsigned long long mask, Vec v, Vec index);
+Vec Select(unsigned long long mask, Vec a, Vec b);
+unsigned long long TopBits(Vec v);
 Vec LoadPart(const void* p, unsigned long long mask);
 void StorePart(void* p, Vec v, unsigned long long mask);
 
