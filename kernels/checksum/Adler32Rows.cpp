@@ -49,8 +49,8 @@ struct VectorSums {
   Vec weighted; // bytes times 8 - j % 8, 32-bit lanes
 };
 
-// What the 64-bit lanes of `before` hold stays below 2^32: 8 * 255 * K * (K - 1) / 2. (64-bit would do
-// far longer; with this, K * V <= 65536 bytes keep everything else small too.)
+// Vectors between two reductions. All lanes stay far inside their widths: those of `octets` below
+// 8 * 255 * 1024 < 2^21, of `before` below 2^31, of `weighted` below 2 * 15 * 255 * 1024 < 2^23.
 constexpr ptrdiff_t kBlockVectors = 1024;
 
 // Bytes times weights 8 to 1 in 16-bit lanes, over at most kRun vectors.
