@@ -25,6 +25,7 @@ namespace {
 
 constexpr int kFold16Min = 16;
 constexpr int kFold64Min = 256;
+constexpr int kAlignMin = 4096;
 
 // ---- 16-byte vectors ----------------------------------------------------------------------------
 
@@ -189,9 +190,15 @@ QV_INLINE QV_FOLD64 void StepFold64(__m512i* x, const Byte* src) {
   __m512i x[kChains];
   x[0] = _mm512_xor_si512(_mm512_loadu_si512(src),
                           _mm512_zextsi128_si512(_mm_cvtsi32_si128(static_cast<int>(r))));
+  // Loads across cache lines would slow a long loop down.
+  if (const ptrdiff_t lead = -reinterpret_cast<intptr_t>(src) & 63;
+      lead != 0 && length >= kAlignMin) {
+    x[0] = Append64(x[0], src + 64 + lead, lead);
+    src += lead;
+  }
 #pragma GCC unroll 8
   for (int i = 1; i < 4; ++i) x[i] = _mm512_loadu_si512(src + 64 * i);
-  if (length >= 64 * kChains) {
+  if (end - src >= 64 * kChains) {
 #pragma GCC unroll 8
     for (int i = 4; i < kChains; ++i) x[i] = _mm512_loadu_si512(src + 64 * i);
     for (src += 64 * kChains; end - src >= 64 * kChains; src += 64 * kChains)
