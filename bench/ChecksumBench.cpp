@@ -34,7 +34,8 @@ static const bench::Family checksums([](bench::Suite& s) {
            [=] { value = static_cast<unsigned>(adler32_z(value, src, count)); }, label);
 #endif
 #if defined(QV_BENCH_LIBDEFLATE)
-    s.Peer("CRC-32", size, "libdeflate", [=] { value = libdeflate_crc32(value, src, count); }, label);
+    s.Peer("CRC-32", size, "libdeflate", [=] { value = libdeflate_crc32(value, src, count); },
+           label);
     s.Peer("Adler-32", size, "libdeflate", [=] { value = libdeflate_adler32(value, src, count); },
            label);
 #endif

@@ -10,8 +10,8 @@ namespace qv::QV_LEVEL {
 constexpr bool kHasByteProducts = kHasByteShuffle;
 
 // SumOctets: in each 64-bit lane the sum of its eight bytes.
-// MulAddBytes: in each 16-bit lane a[0] * b[0] + a[1] * b[1] of its two bytes, unsigned times signed,
-//   saturated.
+// MulAddBytes: in each 16-bit lane a[0] * b[0] + a[1] * b[1] of its two bytes, unsigned times
+//   signed, saturated.
 // MulEven32: in each 64-bit lane the product of its low 32 bits.
 // Sum64: the sum of all 64-bit lanes.
 

@@ -16,8 +16,8 @@ QV_INLINE uint32_t FeedByte(uint32_t r, Byte b) {
   return (r >> 8) ^ CrcSlices.after[0][(r ^ b) & 255];
 }
 
-// Eight bytes a step (slicing by eight): the register's bytes join the first four of the eight, each
-// byte has a table that says what it leaves after the bytes behind it, and the effects add up.
+// Eight bytes a step (slicing by eight): the register's bytes join the first four of the eight, a
+// table for each byte says what it leaves after the bytes behind it, and the effects add up.
 uint32_t FeedSliced(uint32_t r, const Byte* src, ptrdiff_t length) {
   const Byte* const end = src + length;
   if (length >= 15) {

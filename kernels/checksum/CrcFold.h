@@ -51,8 +51,8 @@ QV_INLINE QV_FOLD16 __m128i Fold16(__m128i a, __m128i factors, __m128i b) {
 // The register after the message M that a 128-bit polynomial stands for: M * x^32 mod P.
 //
 // M = a * x^64 + b. Two steps:
-//   T * x^32 + U = a * x^96 mod P + b * x^32, of degree below 96; U has degree below 32. Kept raised
-//   by 32 places, so that T is the low 64-bit word of `sum` and U the 32 bits after it.
+//   T * x^32 + U = a * x^96 mod P + b * x^32, of degree below 96; U has degree below 32. Kept
+//   raised by 32 places, so that T is the low 64-bit word of `sum` and U the 32 bits after it.
 //   q = floor(T * x^32 / P) = floor(T * floor(x^96 / P) / x^64), as in Barrett's reduction: without
 //   carries the discarded fraction of the reciprocal, of degree below 0, reaches no coefficient
 //   of x^64 and above; nor does the reciprocal's own last coefficient, T being of degree below 64.
@@ -69,8 +69,8 @@ QV_INLINE QV_FOLD16 uint32_t Remainder16(__m128i m) {
   return static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_srli_si128(_mm_xor_si128(sum, product), 8)));
 }
 
-// Byte shuffles from a window of this table: from 16 - n a vector moves up by n bytes, from 16 + n down
-// by n bytes; 0 comes in.
+// Byte shuffles from a window of this table: from 16 - n a vector moves up by n bytes, from 16 + n
+// down by n bytes; 0 comes in.
 alignas(16) constexpr Byte kMoves[48] = {
     128, 128, 128, 128, 128, 128, 128, 128, 128, 128, 128, 128, 128, 128, 128, 128,  //
     0,   1,   2,   3,   4,   5,   6,   7,   8,   9,   10,  11,  12,  13,  14,  15,   //

@@ -24,8 +24,8 @@ consteval uint32_t PowerOfX(int n) {
   return power;
 }
 
-// The factor that moves a 64-bit polynomial `a` up by n bits modulo P. The carry-less product of two
-// reflected 64-bit words, read as a reflected 128-bit word, is one place short: it holds a * b * x.
+// The factor that moves a 64-bit polynomial `a` up by n bits modulo P. The carry-less product of
+// two reflected 64-bit words has 127 bits; read as a reflected 128-bit word, it is a * b * x.
 // Hence x^(n-1), in the low coefficients of a 64-bit word; the product's degree is below 64 + 32.
 consteval int64_t MoveUp(int n) { return static_cast<int64_t>(uint64_t{PowerOfX(n - 1)} << 32); }
 
