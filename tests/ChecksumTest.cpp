@@ -167,8 +167,9 @@ TEST(Checksum, AgreesWithZlibOnRandomPieces) {
 TEST(Adler32, HoldsTheLargestSums) {
   const Bytes full(70000, 255);
   for (const unsigned int start : {0xFFFFFFFFu, 0xFFF1FFF1u, 0xFFF0FFF0u, 0x0000FFFFu, 0xFFFF0000u})
-    for (const int length : {1, 2, 15, 16, 17, 63, 64, 65, 128, 2048, 5551, 5552, 5553, 11104,
-                             16367, 16368, 16384, 32736, 32767, 65472, 65535, 65536, 65599, 70000}) {
+    for (const int length :
+         {1, 2, 15, 16, 17, 63, 64, 65, 128, 2048, 5551, 5552, 5553, 11104, 16367, 16368, 16384,
+          32736, 32767, 65472, 65535, 65536, 65599, 70000}) {
       const unsigned int expected = BytewiseAdler(start, full.data(), length);
       AtLevelsAndFoldings([&] {
         const unsigned int adler = Continue(Lib::qvAdler32, start, full.data(), length);
