@@ -1,6 +1,7 @@
 // The exported operations: each picks its kernel, cuts the image and calls the kernel once a band.
 #include "qvAcceleratedLib/CqvAccLib.h"
 
+#include "kernels/checksum/Checksum.h"
 #include "kernels/copy/Copy.h"
 #include "qvAcceleratedLib/BandSplit.h"
 #include "qvAcceleratedLib/Settings.h"
@@ -117,6 +118,16 @@ IppStatus CqvAccLib::qvMulCScale(qvDataType type, unsigned char value, unsigned 
 }
 
 // ---- Checksums ----------------------------------------------------------------------------------
+
+// A checksum depends on all bytes before: one call, no bands.
+IppStatus CqvAccLib::qvCRC32(qvDataType, const unsigned char* src, int length, unsigned int* crc) {
+  return Crc32_8u(src, length, crc);
+}
+
+IppStatus CqvAccLib::qvAdler32(qvDataType, const unsigned char* src, int length,
+                               unsigned int* adler) {
+  return Adler32_8u(src, length, adler);
+}
 
 // ---- Colour-format conversion -------------------------------------------------------------------
 

@@ -165,9 +165,27 @@ class QVACCELERATEDLIB_API CqvAccLib {
 
   // ---- Checksums --------------------------------------------------------------------------------
 
+  // A checksum is a running value: pass the value of fresh data (0 for CRC-32, 1 for Adler-32) in
+  // before the first piece of a message and the result of one call into the next. The value after
+  // the last piece is the checksum of the whole message, however it was cut. `type` is ignored; src
+  // points at `length` bytes, of any alignment. One thread does the work.
+
+  // CRC-32 of ITU-T V.42 and ISO 3309: the remainder modulo
+  //   x^32 + x^26 + x^23 + x^22 + x^16 + x^12 + x^11 + x^10 + x^8 + x^7 + x^5 + x^4 + x^2 + x + 1
+  // with the low bit of each byte first, register set to ones at the start and complemented at the
+  // end. The value is the finished CRC of the bytes so far: *crc is complemented, fed the bytes
+  // (r = (r >> 8) ^ T[(r ^ byte) & 255], T[128] = 0xEDB88320) and complemented again. Fresh: 0. The
+  // nine characters "123456789" give 0xCBF43926.
+  // Returns -8 if src or crc is null; -6 if length is below 1. *crc is kept then.
   static IppStatus qvCRC32(qvDataType type, const unsigned char* src, int length,
                            unsigned int* crc);
 
+  // Adler-32 of RFC 1950: *adler = b * 65536 + a, and each byte d makes
+  //   a = (a + d) mod 65521, b = (b + a) mod 65521
+  // Fresh: 1. The three characters "abc" give 0x024D0127. A starting value may have halves of 65521
+  // and above; those of a result are below 65521.
+  // Returns -6, and sets *adler to 0, if src is null; 0, and keeps *adler, if length is below 1.
+  // adler must not be null: it is read before anything is checked.
   static IppStatus qvAdler32(qvDataType type, const unsigned char* src, int length,
                              unsigned int* adler);
 
