@@ -42,9 +42,9 @@ constexpr uint64_t Avx512State = AvxState | 0xE0;
 
 constexpr bool Has(uint64_t word, uint64_t bits) { return (word & bits) == bits; }
 
-// Slots by CpuCode - FirstCode. Three entries look odd and are meant: 0x11 (no SSE2, perhaps no SSE)
-// gets SSE, 0x43 (SSSE3 without SSE3) gets SSSE3, and 0x23 has a slot although no processor is ever
-// classified so.
+// Slots by CpuCode - FirstCode. Three entries look odd and are meant: 0x11 (no SSE2, perhaps no
+// SSE) gets SSE, 0x43 (SSSE3 without SSE3) gets SSSE3, and 0x23 has a slot although no processor is
+// ever classified so.
 constexpr int FirstCode = 5;
 constexpr unsigned char VariantOfCode[63] = {
     1, 2, 2, 3, 2, 3, 3, 0, 0, 0, 0,                 // 0x05 to 0x0F

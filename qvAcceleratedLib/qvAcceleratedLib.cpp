@@ -34,11 +34,13 @@ void LibraryStartup() { LibraryStartup(CPUCount, ProcessorInformation); }
 
 #if defined(_WIN32)
 
-// A 32-bit host may load the library with a stack aligned to 4 bytes only.
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID);
+
 #if defined(__i386__)
+// A 32-bit host may load the library with a stack aligned to 4 bytes only.
 __attribute__((force_align_arg_pointer))
 #endif
-extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
+BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
   if (reason == DLL_PROCESS_ATTACH) {
     DisableThreadLibraryCalls(module);
     qv::LibraryStartup();

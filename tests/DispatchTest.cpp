@@ -1,0 +1,292 @@
+// Classification of made-up processors, and of this one.
+#include <gtest/gtest.h>
+#include <limits.h>
+
+#include <map>
+
+#include "dispatch/ProcessorInfo.h"
+#include "dispatch/VariantIndex.h"
+
+namespace qv {
+namespace {
+
+enum Feature : unsigned {
+  MMX = 1, SSE = 2, SSE2 = 4, SSE3 = 8, SSSE3 = 16, X64 = 32,
+  MultiFlag = 64,     // leaf 1 EDX bit 28
+  OneLogical = 128,   // a count of one logical processor instead of two
+  NoExtended = 256,   // the highest extended leaf is below 0x80000001
+  NoLeaf4 = 512,
+  NoCpuid = 1024
+};
+
+struct Processor {
+  const char* name;
+  bool intel;
+  unsigned family;
+  unsigned features;
+  unsigned cores;
+  int code;
+  int variant;
+};
+
+CpuidLeaves LeavesOf(const Processor& p) {
+  CpuidLeaves leaves = {};
+  leaves.hasCpuid = !(p.features & NoCpuid);
+  leaves.leaf0.eax = p.features & NoLeaf4 ? 3 : 4;
+  if (p.intel) {
+    leaves.leaf0.ebx = 'G' | 'e' << 8 | 'n' << 16 | 'u' << 24;
+    leaves.leaf0.edx = 'i' | 'n' << 8 | 'e' << 16 | 'I' << 24;
+    leaves.leaf0.ecx = 'n' | 't' << 8 | 'e' << 16 | 'l' << 24;
+  } else {
+    leaves.leaf0.ebx = 'A' | 'u' << 8 | 't' << 16 | 'h' << 24;
+    leaves.leaf0.edx = 'e' | 'n' << 8 | 't' << 16 | 'i' << 24;
+    leaves.leaf0.ecx = 'c' | 'A' << 8 | 'M' << 16 | 'D' << 24;
+  }
+  // Extended family and model, type and reserved bits all set: none may be taken for the family.
+  leaves.leaf1.eax = 0xFFFFF000u | p.family << 8 | 0xA7;
+  leaves.leaf1.ebx = (p.features & OneLogical ? 1u : 2u) << 16 | 0xFF00FFFFu;
+  if (p.features & MMX) leaves.leaf1.edx |= 1u << 23;
+  if (p.features & SSE) leaves.leaf1.edx |= 1u << 25;
+  if (p.features & SSE2) leaves.leaf1.edx |= 1u << 26;
+  if (p.features & MultiFlag) leaves.leaf1.edx |= 1u << 28;
+  if (p.features & SSE3) leaves.leaf1.ecx |= 1u << 0;
+  if (p.features & SSSE3) leaves.leaf1.ecx |= 1u << 9;
+  leaves.leaf4.eax = (p.cores - 1) << 26 | 0x03FFFFFFu;
+  leaves.leaf80000000.eax = p.features & NoExtended ? 0x80000000u : 0x80000001u;
+  if (p.features & X64) leaves.leaf80000001.edx = 1u << 29;
+  return leaves;
+}
+
+constexpr unsigned UpToSse = MMX | SSE;
+constexpr unsigned UpToSse2 = UpToSse | SSE2;
+constexpr unsigned UpToSse3 = UpToSse2 | SSE3;
+constexpr unsigned UpToSsse3 = UpToSse3 | SSSE3;
+
+const Processor kProcessors[] = {
+    {"no CPUID", true, 6, UpToSsse3 | NoCpuid, 2, 0, 0},
+
+    {"family 4", true, 4, 0, 1, 0, 0},
+    {"family 4 with MMX", true, 4, MMX, 1, 0, 0},
+    {"family 5", true, 5, 0, 1, 1, 0},
+    {"family 5, MMX", true, 5, MMX, 1, 2, 0},
+    {"family 5, all: only MMX counts", true, 5, UpToSsse3, 4, 2, 0},
+    {"family 7", true, 7, 0, 1, 0x10, 1},
+    {"family 7, all", true, 7, UpToSsse3, 4, 0x10, 1},
+
+    {"family 6", true, 6, 0, 1, 3, 0},
+    {"family 6, MMX", true, 6, MMX, 1, 4, 0},
+    {"family 6, SSE", true, 6, UpToSse, 1, 5, 1},
+    {"family 6, SSE without MMX", true, 6, SSE, 1, 5, 1},
+    {"family 6, SSSE3 without SSE2", true, 6, UpToSse | SSE3 | SSSE3, 4, 5, 1},
+    {"family 6, SSE2", true, 6, UpToSse2, 4, 9, 2},
+    {"family 6, SSE3, one core", true, 6, UpToSse3, 1, 0xA, 3},
+    {"family 6, SSE3, two cores", true, 6, UpToSse3, 2, 0xB, 3},
+    {"family 6, SSE3, cores not told", true, 6, UpToSse3 | NoLeaf4, 2, 0xA, 3},
+    {"family 6, SSSE3, one core", true, 6, UpToSsse3, 1, 0x21, 4},
+    {"family 6, SSSE3, two cores", true, 6, UpToSsse3, 2, 0x21, 4},
+    {"family 6, SSSE3, three cores", true, 6, UpToSsse3, 3, 0x22, 4},
+    {"family 6, SSSE3, 64 cores", true, 6, UpToSsse3, 64, 0x22, 4},
+    {"family 6, SSSE3, cores not told", true, 6, UpToSsse3 | NoLeaf4, 64, 0x21, 4},
+    {"family 6, SSSE3 without SSE3", true, 6, UpToSse2 | SSSE3, 4, 0x22, 4},
+
+    {"family 0xF, nothing", true, 0xF, 0, 1, 0x11, 1},
+    {"family 0xF, SSE", true, 0xF, UpToSse, 1, 0x11, 1},
+    {"family 0xF, SSSE3 without SSE2", true, 0xF, UpToSse | SSE3 | SSSE3 | X64, 4, 0x11, 1},
+    {"family 0xF, SSE2", true, 0xF, UpToSse2, 1, 6, 2},
+    {"family 0xF, SSE2, several logical", true, 0xF, UpToSse2 | MultiFlag, 1, 7, 2},
+    {"family 0xF, SSE2, flag but one logical", true, 0xF, UpToSse2 | MultiFlag | OneLogical, 1, 6,
+     2},
+    {"family 0xF, SSSE3 without SSE3", true, 0xF, UpToSse2 | SSSE3 | MultiFlag, 4, 0x43, 4},
+    {"family 0xF, SSE3, 32-bit", true, 0xF, UpToSse3, 1, 8, 3},
+    {"family 0xF, SSSE3, 32-bit", true, 0xF, UpToSsse3, 4, 8, 3},
+    {"family 0xF, SSE3, 64-bit flag beyond the last leaf", true, 0xF,
+     UpToSse3 | X64 | NoExtended, 1, 8, 3},
+    {"family 0xF, SSE3, 64-bit", true, 0xF, UpToSse3 | X64, 4, 0x20, 3},
+    {"family 0xF, SSSE3, 64-bit, two cores", true, 0xF, UpToSsse3 | X64, 2, 0x21, 4},
+    {"family 0xF, SSSE3, 64-bit, three cores", true, 0xF, UpToSsse3 | X64, 3, 0x22, 4},
+
+    {"family 8, SSE2", true, 8, UpToSse2, 1, 0x41, 2},
+    {"family 0, SSSE3", true, 0, UpToSsse3, 3, 0x22, 4},
+
+    {"other vendor, MMX", false, 6, MMX, 1, 0, 0},
+    {"other vendor, SSE", false, 6, UpToSse, 1, 0x40, 1},
+    {"other vendor, SSE2", false, 0xF, UpToSse2 | MultiFlag, 1, 0x41, 2},
+    {"other vendor, SSE3", false, 0xF, UpToSse3 | X64, 2, 0x42, 3},
+    {"other vendor, SSSE3, two cores", false, 0xF, UpToSsse3 | X64, 2, 0x21, 4},
+    {"other vendor, SSSE3, three cores", false, 7, UpToSsse3, 3, 0x22, 4},
+    {"other vendor, SSSE3 alone", false, 6, SSSE3, 1, 0x21, 4},
+    {"other vendor, SSE3 alone", false, 5, SSE3, 1, 0x42, 3},
+};
+
+// The tests below set the values of the running library; this puts them back.
+class Dispatch : public testing::Test {
+ protected:
+  ~Dispatch() override {
+    VariantIndex = variant_;
+    WideLevel = wide_;
+    CarrylessLevel = carryless_;
+  }
+
+ private:
+  const int variant_ = VariantIndex;
+  const int wide_ = WideLevel;
+  const int carryless_ = CarrylessLevel;
+};
+
+TEST_F(Dispatch, ClassifiesProcessors) {
+  for (const Processor& p : kProcessors) {
+    SCOPED_TRACE(p.name);
+    const CpuidLeaves leaves = LeavesOf(p);
+    VariantIndex = -1;
+    EXPECT_EQ(DetectCpuCode(leaves), p.code);
+    const IppStatus expected = p.intel && leaves.hasCpuid ? StatusOk : StatusCpuUnknown;
+    EXPECT_EQ(SelectProcessorVariant(leaves), expected);
+    EXPECT_EQ(VariantIndex, p.variant);
+  }
+}
+
+TEST_F(Dispatch, NeedsTheWholeVendorString) {
+  const Processor intel = {"", true, 6, UpToSse2, 1, 9, 2};
+  for (uint32_t CpuidRegisters::*word :
+       {&CpuidRegisters::ebx, &CpuidRegisters::ecx, &CpuidRegisters::edx}) {
+    CpuidLeaves leaves = LeavesOf(intel);
+    EXPECT_TRUE(IsGenuineIntel(leaves));
+    leaves.leaf0.*word ^= 0x20000000u;
+    EXPECT_FALSE(IsGenuineIntel(leaves));
+    EXPECT_EQ(DetectCpuCode(leaves), 0x41);
+  }
+}
+
+TEST_F(Dispatch, FillsTheRecord) {
+  CpuidLeaves leaves = LeavesOf({"", true, 0xF, UpToSse2 | SSSE3 | X64 | MultiFlag, 5, 0, 0});
+  leaves.leaf2 = {0x11, 0x22, 0x33, 0x44};
+  const ProcessorInfo info = ProcessorInfoOf(leaves);
+  EXPECT_EQ(info.family, 0xFu);
+  EXPECT_EQ(info.model, 0xAu);
+  EXPECT_EQ(info.stepping, 7u);
+  EXPECT_EQ(info.processorType, 0u);
+  EXPECT_EQ(info.featureFlags, 0x16800000u);
+  EXPECT_EQ(info.cacheDescriptors[0], 0x11u);
+  EXPECT_EQ(info.cacheDescriptors[1], 0x44u);
+  EXPECT_EQ(info.hasMmx, 1u);
+  EXPECT_EQ(info.hasSse, 1u);
+  EXPECT_EQ(info.hasSse2, 1u);
+  EXPECT_EQ(info.hasMultipleLogical, 1u);
+  EXPECT_EQ(info.hasSse3, 0u);
+  EXPECT_EQ(info.has64BitMode, 1u);
+  EXPECT_EQ(info.hasSsse3, 1u);
+  EXPECT_EQ(info.coresPerPackage, 5u);
+}
+
+TEST_F(Dispatch, MapsCodesToVariants) {
+  const std::map<int, int> variants = {
+      {5, 1},   {0x10, 1}, {0x11, 1}, {0x40, 1}, {6, 2},    {7, 2},    {9, 2},    {0x41, 2}, {8, 3},
+      {0xA, 3}, {0xB, 3},  {0x20, 3}, {0x42, 3}, {0x21, 4}, {0x22, 4}, {0x23, 4}, {0x43, 4}};
+  for (int code = -300; code <= 300; ++code) {
+    const auto found = variants.find(code);
+    EXPECT_EQ(VariantIndexOf(code), found == variants.end() ? 0 : found->second) << code;
+  }
+  EXPECT_EQ(VariantIndexOf(INT_MIN), 0);
+  EXPECT_EQ(VariantIndexOf(INT_MAX), 0);
+}
+
+// A processor and system with everything that the wide levels ask for, less what a case takes away.
+struct WideCase {
+  const char* missing;
+  uint32_t ecx1, ebx7, ecx7;
+  uint64_t xcr0;
+  int wide;
+  int carryless;
+};
+
+CpuidLeaves WidestLeaves() {
+  CpuidLeaves leaves = LeavesOf({"", true, 6, UpToSsse3 | X64, 2, 0x21, 4});
+  leaves.leaf0.eax = 7;
+  leaves.leaf1.ecx |= 1u << 1 | 1u << 19 | 1u << 20 | 1u << 23 | 1u << 27 | 1u << 28;
+  leaves.leaf7.ebx = 1u << 5 | 1u << 16 | 1u << 17 | 1u << 30 | 1u << 31;
+  leaves.leaf7.ecx = 1u << 1 | 1u << 10;
+  leaves.xcr0 = 0xE7;
+  return leaves;
+}
+
+TEST_F(Dispatch, ChoosesTheWideLevel) {
+  const WideCase cases[] = {
+      {"nothing", 0, 0, 0, 0, 2, 2},
+      {"PCLMULQDQ", 1u << 1, 0, 0, 0, 2, 0},
+      {"VPCLMULQDQ", 0, 0, 1u << 10, 0, 2, 1},
+      {"SSE4.1", 1u << 19, 0, 0, 0, 0, 0},
+      {"SSE4.2", 1u << 20, 0, 0, 0, 0, 1},
+      {"POPCNT", 1u << 23, 0, 0, 0, 0, 1},
+      {"OSXSAVE", 1u << 27, 0, 0, 0, 0, 1},
+      {"AVX", 1u << 28, 0, 0, 0, 0, 1},
+      {"AVX2", 0, 1u << 5, 0, 0, 0, 1},
+      {"AVX-512 F", 0, 1u << 16, 0, 0, 1, 1},
+      {"AVX-512 DQ", 0, 1u << 17, 0, 0, 1, 1},
+      {"AVX-512 BW", 0, 1u << 30, 0, 0, 1, 1},
+      {"AVX-512 VL", 0, 1u << 31, 0, 0, 1, 1},
+      {"AVX-512 VBMI", 0, 0, 1u << 1, 0, 1, 1},
+      {"saved XMM state", 0, 0, 0, 0x02, 0, 1},
+      {"saved YMM state", 0, 0, 0, 0x04, 0, 1},
+      {"saved mask registers", 0, 0, 0, 0x20, 1, 1},
+      {"saved upper halves", 0, 0, 0, 0x40, 1, 1},
+      {"saved upper registers", 0, 0, 0, 0x80, 1, 1},
+  };
+  for (const WideCase& c : cases) {
+    SCOPED_TRACE(c.missing);
+    CpuidLeaves leaves = WidestLeaves();
+    leaves.leaf1.ecx &= ~c.ecx1;
+    leaves.leaf7.ebx &= ~c.ebx7;
+    leaves.leaf7.ecx &= ~c.ecx7;
+    leaves.xcr0 &= ~c.xcr0;
+    EXPECT_EQ(WideLevelOf(leaves), c.wide);
+    EXPECT_EQ(CarrylessLevelOf(leaves), c.carryless);
+    SelectProcessorVariant(leaves);
+    EXPECT_EQ(VariantIndex, 4);
+    EXPECT_EQ(WideLevel, c.wide);
+    EXPECT_EQ(CarrylessLevel, c.carryless);
+  }
+
+  CpuidLeaves leaves = WidestLeaves();
+  leaves.leaf0.eax = 6;  // leaf 7 is not there: what CPUID answered for it means nothing
+  EXPECT_EQ(WideLevelOf(leaves), 0);
+  EXPECT_EQ(CarrylessLevelOf(leaves), 1);
+
+  leaves = WidestLeaves();
+  leaves.hasCpuid = false;
+  EXPECT_EQ(WideLevelOf(leaves), 0);
+  EXPECT_EQ(CarrylessLevelOf(leaves), 0);
+
+  leaves = WidestLeaves();
+  leaves.leaf1.eax = 0x500;  // a class of its own puts it below slot 4, whatever it has
+  SelectProcessorVariant(leaves);
+  EXPECT_EQ(VariantIndex, 0);
+  EXPECT_EQ(WideLevel, 0);
+  EXPECT_EQ(CarrylessLevel, 0);
+}
+
+// The compiler's run-time library reads the same processor on its own.
+TEST_F(Dispatch, ReadsThisProcessor) {
+  __builtin_cpu_init();
+  const CpuidLeaves leaves = ReadCpuidLeaves();
+  const ProcessorInfo info = ProcessorInfoOf(leaves);
+  EXPECT_EQ(HasCpuid(leaves), true);
+  EXPECT_EQ(IsGenuineIntel(leaves), __builtin_cpu_is("intel") != 0);
+  EXPECT_EQ(info.hasSse != 0, __builtin_cpu_supports("sse") != 0);
+  EXPECT_EQ(info.hasSse2 != 0, __builtin_cpu_supports("sse2") != 0);
+  EXPECT_EQ(info.hasSse3 != 0, __builtin_cpu_supports("sse3") != 0);
+  EXPECT_EQ(info.hasSsse3 != 0, __builtin_cpu_supports("ssse3") != 0);
+#if defined(__x86_64__)
+  EXPECT_EQ(info.has64BitMode, 1u);
+#endif
+  const bool avx2 = __builtin_cpu_supports("avx2");
+  const bool avx512 = __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
+                      __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512dq") &&
+                      __builtin_cpu_supports("avx512vbmi");
+  const bool pclmul = __builtin_cpu_supports("pclmul");
+  const bool vpclmul = __builtin_cpu_supports("vpclmulqdq");
+  EXPECT_EQ(WideLevelOf(leaves), avx512 ? 2 : avx2 ? 1 : 0);
+  EXPECT_EQ(CarrylessLevelOf(leaves), !pclmul ? 0 : avx512 && vpclmul ? 2 : 1);
+}
+
+}  // namespace
+}  // namespace qv

@@ -6,96 +6,251 @@ namespace qv::QV_LEVEL {
 
 namespace {
 
-using RowFunction = void(const Byte* src, Byte* dst, ptrdiff_t width);
-
 // ---- Plain rows ---------------------------------------------------------------------------------
 
-[[maybe_unused]] void ChannelRowPlain(const Byte* src, Byte* dst, ptrdiff_t width) {
+QV_INLINE void ChannelRowPlain(const Byte* src, Byte* dst, ptrdiff_t width) {
   for (ptrdiff_t k = 0; k < width; ++k) dst[3 * k] = src[k];
 }
 
-[[maybe_unused]] void DropAlphaRowPlain(const Byte* src, Byte* dst, ptrdiff_t width) {
+QV_INLINE void DropAlphaRowPlain(const Byte* src, Byte* dst, ptrdiff_t width) {
   for (ptrdiff_t k = 0; k < width; ++k)
     for (int c = 0; c < 3; ++c) dst[3 * k + c] = src[4 * k + c];
 }
 
-[[maybe_unused]] void KeepAlphaRowPlain(const Byte* src, Byte* dst, ptrdiff_t width) {
+QV_INLINE void KeepAlphaRowPlain(const Byte* src, Byte* dst, ptrdiff_t width) {
   for (ptrdiff_t k = 0; k < width; ++k)
     for (int c = 0; c < 3; ++c) dst[4 * k + c] = src[3 * k + c];
 }
 
-[[maybe_unused]] void DupGrayRowPlain(const Byte* src, Byte* dst, ptrdiff_t width) {
+QV_INLINE void DupGrayRowPlain(const Byte* src, Byte* dst, ptrdiff_t width) {
   for (ptrdiff_t k = 0; k < width; ++k)
     for (int c = 0; c < 3; ++c) dst[3 * k + c] = src[k];
 }
 
 #if !QV_HAS_VECTORS
 
-constexpr RowFunction* ChannelRow = ChannelRowPlain;
-constexpr RowFunction* DropAlphaRow = DropAlphaRowPlain;
-constexpr RowFunction* KeepAlphaRow = KeepAlphaRowPlain;
-constexpr RowFunction* DupGrayRow = DupGrayRowPlain;
+void ChannelRow(const Byte* src, Byte* dst, ptrdiff_t width) { ChannelRowPlain(src, dst, width); }
+void DropAlphaRow(const Byte* s, Byte* d, ptrdiff_t width) { DropAlphaRowPlain(s, d, width); }
+void KeepAlphaRow(const Byte* s, Byte* d, ptrdiff_t width) { KeepAlphaRowPlain(s, d, width); }
+void DupGrayRow(const Byte* src, Byte* dst, ptrdiff_t width) { DupGrayRowPlain(src, dst, width); }
+
+QV_INLINE void CopyRow(const Byte* src, Byte* dst, ptrdiff_t bytes, bool) {
+  memcpy(dst, src, static_cast<size_t>(bytes));
+}
+QV_INLINE void EndCopy(bool) {}
 
 #else
 
-constexpr RowFunction* ChannelRow = ChannelRowPlain;
-constexpr RowFunction* DropAlphaRow = DropAlphaRowPlain;
-constexpr RowFunction* KeepAlphaRow = KeepAlphaRowPlain;
-constexpr RowFunction* DupGrayRow = DupGrayRowPlain;
+// ---- Vector rows --------------------------------------------------------------------------------
+
+// Byte j of the k-th vector of three-byte pixels belongs to pixel (k * kVecBytes + j) / 3. Where a
+// shuffle stays inside its 16-byte lane, the index counts from the lane's 16 source pixels.
+template <int k>
+constexpr ByteTable kPixelOfByte = MakeByteTable([](int j) {
+  const int pixel = (k * kVecBytes + j) / 3;
+  return kHasBytePermute ? pixel : pixel % 16;
+});
+
+// 1 at the first byte of each pixel that lies in the k-th vector of three-byte pixels.
+constexpr unsigned long long FirstBytes(int k) {
+  unsigned long long mask = 0;
+  for (int j = 0; j < 64; ++j)
+    if ((64 * k + j) % 3 == 0) mask |= 1ull << j;
+  return mask;
+}
+
+void ChannelRow(const Byte* src, Byte* dst, ptrdiff_t width) {
+  if constexpr (kHasMaskedBytes) {
+    const Vec index0 = Load(&kPixelOfByte<0>), index1 = Load(&kPixelOfByte<1>),
+              index2 = Load(&kPixelOfByte<2>);
+    const auto put = [&](Byte* to, Vec grey, ptrdiff_t pixels) {
+      StorePart(to, PermuteBytes(grey, index0), FirstBytes(0) & FirstOf64(3 * pixels, 0));
+      StorePart(to + 64, PermuteBytes(grey, index1), FirstBytes(1) & FirstOf64(3 * pixels, 64));
+      StorePart(to + 128, PermuteBytes(grey, index2), FirstBytes(2) & FirstOf64(3 * pixels, 128));
+    };
+    const bool done = CoverWithBlocks<64>(
+        width, [&](ptrdiff_t k) { put(dst + 3 * k, Load(src + k), 64); }, PixelsToAlign3(dst));
+    if (!done) put(dst, LoadPart(src, FirstOf64(width, 0)), width);
+  } else {
+    ChannelRowPlain(src, dst, width);
+  }
+}
+
+void DropAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width) {
+  ptrdiff_t k = 0;
+  if constexpr (kHasBytePermute) {
+    // Vector k of the result takes its bytes from vectors k and k + 1 of the source.
+    static constexpr ByteTable from[3] = {
+        MakeByteTable([](int j) { return j / 3 * 4 + j % 3; }),
+        MakeByteTable([](int j) { return (64 + j) / 3 * 4 + (64 + j) % 3 - 64; }),
+        MakeByteTable([](int j) { return (128 + j) / 3 * 4 + (128 + j) % 3 - 128; })};
+    const Vec index0 = Load(&from[0]), index1 = Load(&from[1]), index2 = Load(&from[2]);
+    const auto block = [&](ptrdiff_t x) {
+      const Vec v0 = Load(src + 4 * x), v1 = Load(src + 4 * x + 64),
+                v2 = Load(src + 4 * x + 128), v3 = Load(src + 4 * x + 192);
+      Store(dst + 3 * x, PermuteBytes2(v0, index0, v1));
+      Store(dst + 3 * x + 64, PermuteBytes2(v1, index1, v2));
+      Store(dst + 3 * x + 128, PermuteBytes2(v2, index2, v3));
+    };
+    if (CoverWithBlocks<64>(width, block, PixelsToAlign3(dst))) return;
+    for (; k < width; k += 16) {
+      const ptrdiff_t rest = width - k;
+      const Vec v = LoadPart(src + 4 * k, FirstOf64(4 * rest, 0));
+      StorePart(dst + 3 * k, PermuteBytes(v, index0), FirstOf64(rest < 16 ? 3 * rest : 48, 0));
+    }
+  } else if constexpr (kHasByteShuffle) {
+    // Four vectors of 12 bytes each, at one end or the other, make three of 16.
+    const Vec16 low = _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
+    const Vec16 high = _mm_setr_epi8(-1, -1, -1, -1, 0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14);
+    const bool done = CoverWithBlocks<16>(
+        width,
+        [&](ptrdiff_t x) {
+          const Vec16 v0 = ShuffleBytes16(Load16(src + 4 * x), low);
+          const Vec16 v1 = ShuffleBytes16(Load16(src + 4 * x + 16), high);
+          const Vec16 v2 = ShuffleBytes16(Load16(src + 4 * x + 32), low);
+          const Vec16 v3 = ShuffleBytes16(Load16(src + 4 * x + 48), high);
+          Byte* const to = dst + 3 * x;
+          Store16(to, _mm_or_si128(v0, _mm_slli_si128(v1, 8)));
+          Store16(to + 16, _mm_or_si128(_mm_srli_si128(v1, 8), _mm_slli_si128(v2, 8)));
+          Store16(to + 32, _mm_or_si128(_mm_srli_si128(v2, 8), v3));
+        },
+        PixelsToAlign3<16>(dst));
+    if (!done) DropAlphaRowPlain(src, dst, width);
+  } else {
+    // Whole pixels by four bytes, the fourth overwritten by the next pixel.
+    for (; k < width - 1; ++k) memcpy(dst + 3 * k, src + 4 * k, 4);
+    DropAlphaRowPlain(src + 4 * k, dst + 3 * k, width - k);
+  }
+}
+
+void KeepAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width) {
+  if constexpr (kHasMaskedBytes) {
+    static constexpr ByteTable from =
+        MakeByteTable([](int j) { return j % 4 == 3 ? 0 : j / 4 * 3 + j % 4; });
+    constexpr unsigned long long colours = 0x7777777777777777;
+    const Vec index = Load(&from);
+    const auto part = [&](ptrdiff_t k, ptrdiff_t pixels) {
+      const Vec v = LoadPart(src + 3 * k, FirstOf64(3 * pixels, 0));
+      StorePart(dst + 4 * k, PermuteBytes(v, index), colours & FirstOf64(4 * pixels, 0));
+    };
+    ptrdiff_t k = 0;
+    if (width >= 64) {
+      k = BytesToAlign(dst) / 4;
+      part(0, k);
+    }
+    for (; k <= width - 22; k += 16)  // 64 bytes read for 48 that are used
+      StorePart(dst + 4 * k, PermuteBytes(Load(src + 3 * k), index), colours);
+    for (; k < width; k += 16) part(k, width - k);
+  } else {
+    // Two stores a pixel: nothing wider leaves the fourth byte alone.
+    for (ptrdiff_t k = 0; k < width; ++k) {
+      memcpy(dst + 4 * k, src + 3 * k, 2);
+      dst[4 * k + 2] = src[3 * k + 2];
+    }
+  }
+}
+
+void DupGrayRow(const Byte* src, Byte* dst, ptrdiff_t width) {
+  if constexpr (kHasByteShuffle) {
+    const Vec index0 = Load(&kPixelOfByte<0>), index1 = Load(&kPixelOfByte<1>),
+              index2 = Load(&kPixelOfByte<2>);
+    const bool done = CoverWithBlocks<kVecBytes>(width, [&](ptrdiff_t k) {
+      const Vec grey = Load(src + k);
+      if constexpr (kHasBytePermute) {
+        Store(dst + 3 * k, PermuteBytes(grey, index0));
+        Store(dst + 3 * k + kVecBytes, PermuteBytes(grey, index1));
+        Store(dst + 3 * k + 2 * kVecBytes, PermuteBytes(grey, index2));
+      } else {
+        Store(dst + 3 * k, ShuffleBytes(LowLaneTwice(grey), index0));
+        Store(dst + 3 * k + kVecBytes, ShuffleBytes(grey, index1));
+        Store(dst + 3 * k + 2 * kVecBytes, ShuffleBytes(HighLaneTwice(grey), index2));
+      }
+    }, PixelsToAlign3(dst));
+    if (done) return;
+  }
+  DupGrayRowPlain(src, dst, width);
+}
+
+QV_INLINE void CopyRow(const Byte* src, Byte* dst, ptrdiff_t bytes, bool stream) {
+  if (!stream || bytes < 8 * kVecBytes) {
+    memcpy(dst, src, static_cast<size_t>(bytes));
+    return;
+  }
+  Store(dst, Load(src));
+  ptrdiff_t i = kVecBytes - static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(dst) % kVecBytes);
+  for (; i <= bytes - 4 * kVecBytes; i += 4 * kVecBytes) {
+    const Vec v0 = Load(src + i), v1 = Load(src + i + kVecBytes),
+              v2 = Load(src + i + 2 * kVecBytes), v3 = Load(src + i + 3 * kVecBytes);
+    StreamStore(dst + i, v0);
+    StreamStore(dst + i + kVecBytes, v1);
+    StreamStore(dst + i + 2 * kVecBytes, v2);
+    StreamStore(dst + i + 3 * kVecBytes, v3);
+  }
+  memcpy(dst + i, src + i, static_cast<size_t>(bytes - i));
+}
+
+QV_INLINE void EndCopy(bool stream) {
+  if (stream) StreamFence();
+}
 
 #endif
 
-template <RowFunction* row>
-QV_INLINE IppStatus RunRows(const Byte* src, int srcStep, Byte* dst, int dstStep, IppiSize size) {
+// Rows without gaps between them, in both images, are one long row.
+template <int srcPixel, int dstPixel, class Row>
+QV_INLINE IppStatus RunRows(const Byte* src, int srcStep, Byte* dst, int dstStep, IppiSize size,
+                            Row row) {
   if (const IppStatus status = CheckImages(src, dst, size.width, size.height); status != StatusOk)
     return status;
-  for (int y = 0; y < size.height; ++y)
-    row(RowAt(src, srcStep, y), RowAt(dst, dstStep, y), size.width);
+  ptrdiff_t width = size.width;
+  ptrdiff_t height = size.height;
+  if (srcStep == width * srcPixel && dstStep == width * dstPixel) {
+    width *= height;
+    height = 1;
+  }
+  for (ptrdiff_t y = 0; y < height; ++y)
+    row(RowAt(src, srcStep, y), RowAt(dst, dstStep, y), width);
   return StatusOk;
 }
 
-// The same bytes in the same order. Rows without gaps between them are moved as one.
-QV_INLINE IppStatus CopyBytes(const Byte* src, int srcStep, Byte* dst, int dstStep, IppiSize size,
-                              int pixelBytes) {
-  if (const IppStatus status = CheckImages(src, dst, size.width, size.height); status != StatusOk)
-    return status;
-  const ptrdiff_t rowBytes = static_cast<ptrdiff_t>(size.width) * pixelBytes;
-  if (srcStep == rowBytes && dstStep == rowBytes) {
-    memcpy(dst, src, static_cast<size_t>(rowBytes) * static_cast<size_t>(size.height));
-    return StatusOk;
-  }
-  for (int y = 0; y < size.height; ++y)
-    memcpy(RowAt(dst, dstStep, y), RowAt(src, srcStep, y), static_cast<size_t>(rowBytes));
-  return StatusOk;
+template <int pixelBytes>
+QV_INLINE IppStatus CopyBytes(const Byte* src, int srcStep, Byte* dst, int dstStep,
+                              IppiSize size) {
+  const bool stream = static_cast<ptrdiff_t>(size.width) * size.height >= kStreamBytes / pixelBytes;
+  const IppStatus status = RunRows<pixelBytes, pixelBytes>(
+      src, srcStep, dst, dstStep, size, [=](const Byte* from, Byte* to, ptrdiff_t width) {
+        CopyRow(from, to, width * pixelBytes, stream);
+      });
+  EndCopy(stream);
+  return status;
 }
 
 }  // namespace
 
 IppStatus CopyRows_8u_C1(const Byte* src, int srcStep, Byte* dst, int dstStep, IppiSize size) {
-  return CopyBytes(src, srcStep, dst, dstStep, size, 1);
+  return CopyBytes<1>(src, srcStep, dst, dstStep, size);
 }
 
 IppStatus CopyRows_8u_C3(const Byte* src, int srcStep, Byte* dst, int dstStep, IppiSize size) {
-  return CopyBytes(src, srcStep, dst, dstStep, size, 3);
+  return CopyBytes<3>(src, srcStep, dst, dstStep, size);
 }
 
 IppStatus CopyChannel_8u_C1C3(const Byte* src, int srcStep, Byte* dst, int dstStep,
                               IppiSize size) {
-  return RunRows<ChannelRow>(src, srcStep, dst, dstStep, size);
+  return RunRows<1, 3>(src, srcStep, dst, dstStep, size, ChannelRow);
 }
 
 IppStatus CopyDropAlpha_8u_AC4C3(const Byte* src, int srcStep, Byte* dst, int dstStep,
                                  IppiSize size) {
-  return RunRows<DropAlphaRow>(src, srcStep, dst, dstStep, size);
+  return RunRows<4, 3>(src, srcStep, dst, dstStep, size, DropAlphaRow);
 }
 
 IppStatus CopyKeepAlpha_8u_C3AC4(const Byte* src, int srcStep, Byte* dst, int dstStep,
                                  IppiSize size) {
-  return RunRows<KeepAlphaRow>(src, srcStep, dst, dstStep, size);
+  return RunRows<3, 4>(src, srcStep, dst, dstStep, size, KeepAlphaRow);
 }
 
 IppStatus DupGray_8u_C1C3(const Byte* src, int srcStep, Byte* dst, int dstStep, IppiSize size) {
-  return RunRows<DupGrayRow>(src, srcStep, dst, dstStep, size);
+  return RunRows<1, 3>(src, srcStep, dst, dstStep, size, DupGrayRow);
 }
 
 }  // namespace qv::QV_LEVEL

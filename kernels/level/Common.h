@@ -25,9 +25,10 @@ QV_INLINE IppStatus CheckImages(const void* a, const void* b, int width, int hei
   return StatusOk;
 }
 
-// Rows that follow each other without gaps are one long row: fewer row ends, full vectors.
-// Returns true if `rows` rows of `bytes` bytes are contiguous at this step.
-QV_INLINE bool IsContiguous(int step, ptrdiff_t bytes) { return step == bytes; }
+// A destination of at least this many bytes would push everything else out of the caches before it is
+// read again: it is written past them. Measured: ordinary stores win while the frame still fits
+// in the last level next to its source.
+constexpr ptrdiff_t kStreamBytes = ptrdiff_t{10} << 20;
 
 // Clamps to a byte.
 QV_INLINE Byte ToByte(int x) { return static_cast<Byte>(x < 0 ? 0 : x > 255 ? 255 : x); }

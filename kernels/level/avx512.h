@@ -75,6 +75,17 @@ QV_INLINE void StorePart(void* p, Vec v, unsigned long long mask) {
   _mm512_mask_storeu_epi8(p, mask, v);
 }
 
+// PermuteBytes(v, index) in the bytes whose mask bit is set, `base` in the others.
+QV_INLINE Vec PermuteBytesOver(Vec base, unsigned long long mask, Vec v, Vec index) {
+  return _mm512_mask_permutexvar_epi8(base, mask, index, v);
+}
+
+// `b` in the bytes whose mask bit is set, `a` in the others; and the mask of the bytes above 127.
+QV_INLINE Vec Select(unsigned long long mask, Vec a, Vec b) {
+  return _mm512_mask_blend_epi8(mask, a, b);
+}
+QV_INLINE unsigned long long TopBits(Vec v) { return _mm512_movepi8_mask(v); }
+
 QV_INLINE Vec ReverseBytes(Vec v) {
   const Vec index = _mm512_set_epi8(
       0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24,
@@ -82,6 +93,15 @@ QV_INLINE Vec ReverseBytes(Vec v) {
       48, 49, 50, 51, 52, 53, 54, 55, 56, 57, 58, 59, 60, 61, 62, 63);
   return _mm512_permutexvar_epi8(index, v);
 }
+
+Vec LowLaneTwice(Vec v);
+Vec HighLaneTwice(Vec v);
+
+// Single 16-byte vectors, for three-byte pixels (five in 15 bytes) at every width.
+using Vec16 = __m128i;
+QV_INLINE Vec16 Load16(const void* p) { return _mm_loadu_si128(static_cast<const Vec16*>(p)); }
+QV_INLINE void Store16(void* p, Vec16 v) { _mm_storeu_si128(static_cast<Vec16*>(p), v); }
+QV_INLINE Vec16 ShuffleBytes16(Vec16 v, Vec16 index) { return _mm_shuffle_epi8(v, index); }
 
 }  // namespace qv::QV_LEVEL
 
