@@ -1,5 +1,6 @@
 // Packed 4:2:2 to B, G, R.
 #include "kernels/color/Color.h"
+#include "kernels/color/ColorSums.h"
 #include "kernels/level/Level.h"
 
 namespace qv::QV_LEVEL {
@@ -22,7 +23,28 @@ QV_INLINE void StorePixel(int y, int cb, int cr, Byte* dst) {
   }
 }
 
+#if !QV_HAS_VECTORS
+
 QV_INLINE void Row(const Byte* src, Byte* dst, ptrdiff_t width) { RowPlain(src, dst, width); }
+
+#else
+
+QV_INLINE Colours ConvertHalf(Vec groups) {
+  const ChromaTerms chroma =
+      MakeChromaTerms(ShiftRight16<8>(groups), {-18140365, 8887730, -14608761});
+  return AddLuma(FourTimesEvenBytes(groups), chroma);
+}
+
+QV_INLINE void Row(const Byte* src, Byte* dst, ptrdiff_t width) {
+  const auto block = [=](ptrdiff_t x) {
+    Vec first, second;
+    LoadPacked(src + 2 * x, first, second);
+    StoreBGR(dst + 3 * x, ConvertHalf(first), ConvertHalf(second));
+  };
+  if (!CoverWithBlocks<kBlockPixels>(width, block)) RowPlain(src, dst, width);
+}
+
+#endif
 
 }  // namespace
 
