@@ -68,9 +68,20 @@ QV_INLINE void LoadPacked(const Byte* src, Vec& first, Vec& second) {
 
 // Luma bytes of a block as 16-bit lanes.
 QV_INLINE void LoadLuma(const Byte* src, Vec& first, Vec& second) {
-  const Vec all = Load(src);
-  first = _mm512_cvtepu8_epi16(_mm512_castsi512_si256(all));
-  second = _mm512_cvtepu8_epi16(_mm512_extracti64x4_epi64(all, 1));
+  first = _mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(src)));
+  second = _mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(src + 32)));
+}
+
+// Half a block's worth of two chroma planes, as pairs of 16-bit lanes.
+QV_INLINE void LoadChroma(const Byte* cb, const Byte* cr, Vec& first, Vec& second) {
+  const Vec both = _mm512_inserti64x4(
+      _mm512_castsi256_si512(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(cb))),
+      _mm256_loadu_si256(reinterpret_cast<const __m256i*>(cr)), 1);
+  static constexpr ByteTable low = MakeByteTable([](int i) { return i % 4 * 16 + i / 4; });
+  static constexpr ByteTable high = MakeByteTable([](int i) { return i % 4 * 16 + i / 4 + 16; });
+  constexpr unsigned long long even = 0x5555555555555555u;
+  first = PermuteBytesOver(Zero(), even, both, Load(low.b));
+  second = PermuteBytesOver(Zero(), even, both, Load(high.b));
 }
 
 // The same for 64 pixels, whose lanes are in order: source 0 has pixels 0 to 31 in lanes of eight,
@@ -97,13 +108,13 @@ struct BlockIndex {
 template <int part, int source>
 QV_INLINE Vec Gather(Vec v) {
   static constexpr BlockIndex index(part, source);
-  return _mm512_maskz_permutexvar_epi8(index.mask, _mm512_load_si512(index.at), v);
+  return PermuteBytes(v, Load(index.at));
 }
 
 template <int part, int source>
 QV_INLINE Vec Gather(Vec v, Vec others) {
   static constexpr BlockIndex index(part, source);
-  return _mm512_mask_permutexvar_epi8(others, index.mask, _mm512_load_si512(index.at), v);
+  return PermuteBytesOver(others, index.mask, v, Load(index.at));
 }
 
 struct BlockBytes {
@@ -147,6 +158,10 @@ QV_INLINE void LoadPacked(const Byte* src, Vec& first, Vec& second) {
   second = Join(src + 16, src + 48);
 }
 
+QV_INLINE Vec WidenBytes(const Byte* src) {
+  return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(src)));
+}
+
 #else
 
 QV_INLINE void LoadPacked(const Byte* src, Vec& first, Vec& second) {
@@ -154,7 +169,17 @@ QV_INLINE void LoadPacked(const Byte* src, Vec& first, Vec& second) {
   second = Load(src + kVecBytes);
 }
 
+QV_INLINE Vec WidenBytes(const Byte* src) {
+  return InterleaveLow8(_mm_loadl_epi64(reinterpret_cast<const Vec*>(src)), Zero());
+}
+
 #endif
+
+QV_INLINE void LoadChroma(const Byte* cb, const Byte* cr, Vec& first, Vec& second) {
+  const Vec wideCb = WidenBytes(cb), wideCr = WidenBytes(cr);
+  first = InterleaveLow16(wideCb, wideCr);
+  second = InterleaveHigh16(wideCb, wideCr);
+}
 
 QV_INLINE void LoadLuma(const Byte* src, Vec& first, Vec& second) {
   const Vec all = Load(src);

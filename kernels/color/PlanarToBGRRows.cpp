@@ -1,5 +1,6 @@
 // Planar 4:2:0 to B, G, R.
 #include "kernels/color/Color.h"
+#include "kernels/color/ColorSums.h"
 #include "kernels/level/Level.h"
 
 namespace qv::QV_LEVEL {
@@ -21,10 +22,36 @@ QV_INLINE void StorePixel(int y, int u, int v, Byte* dst) {
       StorePixel(luma[row][x], cb[x / 2] - 128, cr[x / 2] - 128, dst[row] + 3 * x);
 }
 
+#if !QV_HAS_VECTORS
+
 QV_INLINE void RowPair(const Byte* const luma[2], const Byte* cb, const Byte* cr,
                        Byte* const dst[2], ptrdiff_t width) {
   RowPairPlain(luma, cb, cr, dst, width);
 }
+
+#else
+
+// The chroma coefficients' sums, from u and v to Cb and Cr.
+constexpr Offsets kOffsets = {-1187776 - 128 * 132186, -1187776 + 128 * (25690 + 53281),
+                              -1187776 - 128 * 104595};
+
+QV_INLINE void RowPair(const Byte* const luma[2], const Byte* cb, const Byte* cr,
+                       Byte* const dst[2], ptrdiff_t width) {
+  const auto block = [=](ptrdiff_t x) {
+    Vec first, second;
+    LoadChroma(cb + x / 2, cr + x / 2, first, second);
+    const ChromaTerms low = MakeChromaTerms(first, kOffsets);
+    const ChromaTerms high = MakeChromaTerms(second, kOffsets);
+    for (int row = 0; row < 2; ++row) {
+      LoadLuma(luma[row] + x, first, second);
+      StoreBGR(dst[row] + 3 * x, AddLuma(ShiftLeft16<2>(first), low),
+               AddLuma(ShiftLeft16<2>(second), high));
+    }
+  };
+  if (!CoverWithBlocks<kBlockPixels>(width, block)) RowPairPlain(luma, cb, cr, dst, width);
+}
+
+#endif
 
 }  // namespace
 

@@ -32,6 +32,8 @@ namespace {
   for (ptrdiff_t x = 0; x < width; ++x) luma[x] = src[2 * x];
 }
 
+#if !QV_HAS_VECTORS
+
 QV_INLINE void SplitPairs(const Byte* src, Byte* even, Byte* odd, ptrdiff_t count) {
   SplitPairsPlain(src, even, odd, count);
 }
@@ -43,6 +45,75 @@ QV_INLINE void SplitGroups(const Byte* src, Byte* luma, Byte* cb, Byte* cr, ptrd
 QV_INLINE void TakeLuma(const Byte* src, Byte* luma, ptrdiff_t width) {
   TakeLumaPlain(src, luma, width);
 }
+
+#else
+
+// ---- Vector rows --------------------------------------------------------------------------------
+
+// Bytes 0, 2, 4, ... or 1, 3, 5, ... of two vectors that follow each other.
+#if defined(__AVX512VBMI__)
+
+QV_INLINE Vec EvenBytes(Vec low, Vec high) {
+  static constexpr ByteTable index = MakeByteTable([](int i) { return 2 * i; });
+  return PermuteBytes2(low, Load(index.b), high);
+}
+
+QV_INLINE Vec OddBytes(Vec low, Vec high) {
+  static constexpr ByteTable index = MakeByteTable([](int i) { return 2 * i + 1; });
+  return PermuteBytes2(low, Load(index.b), high);
+}
+
+#else
+
+// The lanes of two packed vectors come alternately.
+QV_INLINE Vec LanesInOrder(Vec v) {
+#if defined(__AVX2__)
+  return _mm256_permute4x64_epi64(v, _MM_SHUFFLE(3, 1, 2, 0));
+#else
+  return v;
+#endif
+}
+
+QV_INLINE Vec EvenBytes(Vec low, Vec high) {
+  return LanesInOrder(PackUnsigned16(And(low, Splat16(0xff)), And(high, Splat16(0xff))));
+}
+
+QV_INLINE Vec OddBytes(Vec low, Vec high) {
+  return LanesInOrder(PackUnsigned16(ShiftRight16<8>(low), ShiftRight16<8>(high)));
+}
+
+#endif
+
+QV_INLINE void SplitPairs(const Byte* src, Byte* even, Byte* odd, ptrdiff_t count) {
+  const auto block = [=](ptrdiff_t j) {
+    const Vec low = Load(src + 2 * j), high = Load(src + 2 * j + kVecBytes);
+    Store(even + j, EvenBytes(low, high));
+    Store(odd + j, OddBytes(low, high));
+  };
+  if (!CoverWithBlocks<kVecBytes>(count, block)) SplitPairsPlain(src, even, odd, count);
+}
+
+QV_INLINE void SplitGroups(const Byte* src, Byte* luma, Byte* cb, Byte* cr, ptrdiff_t groups) {
+  const auto block = [=](ptrdiff_t j) {
+    Vec v[4];
+    for (int i = 0; i < 4; ++i) v[i] = Load(src + 4 * j + i * kVecBytes);
+    Store(luma + 2 * j, EvenBytes(v[0], v[1]));
+    Store(luma + 2 * j + kVecBytes, EvenBytes(v[2], v[3]));
+    const Vec low = OddBytes(v[0], v[1]), high = OddBytes(v[2], v[3]);
+    Store(cb + j, EvenBytes(low, high));
+    Store(cr + j, OddBytes(low, high));
+  };
+  if (!CoverWithBlocks<kVecBytes>(groups, block)) SplitGroupsPlain(src, luma, cb, cr, groups);
+}
+
+QV_INLINE void TakeLuma(const Byte* src, Byte* luma, ptrdiff_t width) {
+  const auto block = [=](ptrdiff_t x) {
+    Store(luma + x, EvenBytes(Load(src + 2 * x), Load(src + 2 * x + kVecBytes)));
+  };
+  if (!CoverWithBlocks<kVecBytes>(width, block)) TakeLumaPlain(src, luma, width);
+}
+
+#endif
 
 // ---- Checks -------------------------------------------------------------------------------------
 
