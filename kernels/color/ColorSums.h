@@ -25,8 +25,7 @@ struct ChromaTerms {
 // `chroma` has Cb in its even and Cr in its odd 16-bit lanes.
 QV_INLINE ChromaTerms MakeChromaTerms(Vec chroma, const Offsets& offsets) {
   const Vec scaled = MulLow16(chroma, SplatPair16(6, 5));
-  const Vec green = Sub32(MulAddPairs16(chroma, SplatPair16(-25690, 12255)),
-                          And(chroma, SplatPair16(0, -1)));
+  const Vec green = SubOdd16(MulAddPairs16(chroma, SplatPair16(-25690, 12255)), chroma);
   return {Add32(MulAddPairs16(scaled, SplatPair16(22031, 0)), Splat32(offsets.blue)),
           Add32(green, Splat32(offsets.green)),
           Add32(MulAddPairs16(scaled, SplatPair16(0, 20919)), Splat32(offsets.red))};

@@ -59,6 +59,11 @@ QV_INLINE Vec HighHalves(Vec even, Vec odd) {
   return _mm512_mask_shuffle_epi8(odd, 0x3333333333333333u, even, down);
 }
 
+// v less the odd 16-bit lanes of `lanes`, taken from its own.
+QV_INLINE Vec SubOdd16(Vec v, Vec lanes) {
+  return _mm512_mask_sub_epi16(v, 0xAAAAAAAAu, v, lanes);
+}
+
 QV_INLINE Vec FourTimesEvenBytes(Vec v) { return _mm512_maddubs_epi16(v, Splat16(4)); }
 
 QV_INLINE void LoadPacked(const Byte* src, Vec& first, Vec& second) {
@@ -144,6 +149,8 @@ QV_INLINE Vec HighHalves(Vec even, Vec odd) {
   return Or(ShiftRight32<16>(even), And(odd, SplatPair16(0, -1)));
 #endif
 }
+
+QV_INLINE Vec SubOdd16(Vec v, Vec lanes) { return Sub16(v, And(lanes, SplatPair16(0, -1))); }
 
 #if defined(__AVX2__)
 

@@ -146,13 +146,16 @@ IppStatus YCbCrInterleavedTo420_8u_P2P3(const Byte* srcY, int srcYStep, const By
   if (!srcCbCr) return StatusNullPtrErr;
   if (const IppStatus status = CheckPlanes(srcY, dst, dstStep, size); status != StatusOk)
     return status;
-  const size_t lumaBytes = static_cast<size_t>(size.width & ~1);
-  for (int k = 0; k < size.height / 2; ++k) {
-    for (ptrdiff_t y = 2 * static_cast<ptrdiff_t>(k); y < 2 * static_cast<ptrdiff_t>(k) + 2; ++y)
-      memcpy(RowAt(dst[0], dstStep[0], y), RowAt(srcY, srcYStep, y), lumaBytes);
-    SplitPairs(RowAt(srcCbCr, srcCbCrStep, k), RowAt(dst[1], dstStep[1], k),
-               RowAt(dst[2], dstStep[2], k), size.width / 2);
+  const int width = size.width & ~1, height = size.height & ~1;
+  if (srcYStep == width && dstStep[0] == width) {
+    memcpy(dst[0], srcY, static_cast<size_t>(width) * static_cast<size_t>(height));
+  } else {
+    for (int y = 0; y < height; ++y)
+      memcpy(RowAt(dst[0], dstStep[0], y), RowAt(srcY, srcYStep, y), static_cast<size_t>(width));
   }
+  for (int k = 0; k < height / 2; ++k)
+    SplitPairs(RowAt(srcCbCr, srcCbCrStep, k), RowAt(dst[1], dstStep[1], k),
+               RowAt(dst[2], dstStep[2], k), width / 2);
   return StatusOk;
 }
 
