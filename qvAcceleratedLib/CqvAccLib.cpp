@@ -2,6 +2,7 @@
 #include "qvAcceleratedLib/CqvAccLib.h"
 
 #include "kernels/checksum/Checksum.h"
+#include "kernels/color/Color.h"
 #include "kernels/copy/Copy.h"
 #include "qvAcceleratedLib/BandSplit.h"
 #include "qvAcceleratedLib/Settings.h"
@@ -130,6 +131,65 @@ IppStatus CqvAccLib::qvAdler32(qvDataType, const unsigned char* src, int length,
 }
 
 // ---- Colour-format conversion -------------------------------------------------------------------
+
+namespace {
+
+// The planes of a 4:2:0 image from an even row on; a chroma row serves two. Null arrays give null.
+struct PlanesFrom {
+  PlanesFrom(unsigned char* const* planes, const int* steps, ptrdiff_t row) {
+    if (!planes || !steps) return;
+    for (int c = 0; c < 3; ++c) moved[c] = Advance(planes[c], row * steps[c] / (c == 0 ? 1 : 2));
+    array = moved;
+  }
+  unsigned char* moved[3];
+  unsigned char** array = nullptr;
+};
+
+}  // namespace
+
+IppStatus CqvAccLib::qvYCbCr420(qvDataType, const unsigned char* srcY, int srcYStep,
+                                const unsigned char* srcCbCr, int srcCbCrStep,
+                                unsigned char** const dst, int* const dstStep, IppiSize size) {
+  const Bands bands = PlanEvenBands(size.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    const PlanesFrom planes(dst, dstStep, bands.First(i));
+    return YCbCrInterleavedTo420_8u_P2P3(Advance(srcY, bands.First(i) * srcYStep), srcYStep,
+                                         Advance(srcCbCr, bands.First(i) * srcCbCrStep / 2),
+                                         srcCbCrStep, planes.array, dstStep,
+                                         {size.width, bands.Height(i)});
+  });
+}
+
+IppStatus CqvAccLib::qvYCbCr422ToYCrCb420(qvDataType, const unsigned char* src, int srcStep,
+                                          unsigned char** const dst, int* const dstStep,
+                                          IppiSize size) {
+  const Bands bands = PlanEvenBands(size.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    const PlanesFrom planes(dst, dstStep, bands.First(i));
+    return YCbCr422ToYCrCb420_8u_C2P3(Advance(src, bands.First(i) * srcStep), srcStep,
+                                      planes.array, dstStep, {size.width, bands.Height(i)});
+  });
+}
+
+IppStatus CqvAccLib::qvYCbCr420ToBGR(qvDataType, unsigned char** const src, int* const srcStep,
+                                     unsigned char* dst, int dstStep, IppiSize size) {
+  const Bands bands = PlanEvenBands(size.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    const PlanesFrom planes(src, srcStep, bands.First(i));
+    return YCbCr420ToBGR_8u_P3C3(planes.array, srcStep, Advance(dst, bands.First(i) * dstStep),
+                                 dstStep, {size.width, bands.Height(i)});
+  });
+}
+
+IppStatus CqvAccLib::qvYCbCr422ToBGR(qvDataType, const unsigned char* src, int srcStep,
+                                     unsigned char* dst, int dstStep, IppiSize size) {
+  const Bands bands = PlanEvenBands(size.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    return YCbCr422ToBGR_8u_C2C3(Advance(src, bands.First(i) * srcStep), srcStep,
+                                 Advance(dst, bands.First(i) * dstStep), dstStep,
+                                 {size.width, bands.Height(i)});
+  });
+}
 
 // ---- Resizing -----------------------------------------------------------------------------------
 

@@ -191,17 +191,55 @@ class QVACCELERATEDLIB_API CqvAccLib {
 
   // ---- Colour-format conversion -----------------------------------------------------------------
 
+  // Samples are 8-bit BT.601 in studio range: Y 16 to 235, Cb and Cr 16 to 240 around 128; every
+  // byte value is accepted. Packed 4:2:2 lies in memory as Y0, Cb, Y1, Cr for two pixels side by
+  // side; a 4:2:0 chroma sample serves a block of 2 x 2 pixels. Chroma is repeated, never
+  // interpolated. `type` is ignored. >> is the arithmetic shift, clamp() limits to 0 .. 255. Bands
+  // have an even height. Source and destination must not overlap.
+
+  // Splits two-plane 4:2:0 into three planes: a luma plane (width x height bytes) and a plane of
+  // height / 2 rows of width / 2 pairs Cb, Cr become dst[0] = Y, dst[1] = Cb, dst[2] = Cr, with
+  // steps dstStep[0 .. 2]. An odd last column or row is left unwritten without a warning.
+  //   dst[1][k][j] = srcCbCr[k][2j]
+  //   dst[2][k][j] = srcCbCr[k][2j + 1]
+  // Returns -8 if srcY, srcCbCr, dst, dstStep or one of the three planes is null; -6 if width or
+  // height is below 2.
   static IppStatus qvYCbCr420(qvDataType type, const unsigned char* srcY, int srcYStep,
                               const unsigned char* srcCbCr, int srcCbCrStep,
                               unsigned char** const dst, int* const dstStep, IppiSize size);
 
+  // Splits packed 4:2:2 into planar 4:2:0, in the order dst[0] = Y, dst[1] = Cr, dst[2] = Cb. The
+  // chroma of each two rows is that of the upper one; the lower one's is dropped, not averaged. An
+  // odd last column or row is left unwritten without a warning.
+  //   dst[0][y][2j] = src[y][4j]         dst[0][y][2j + 1] = src[y][4j + 2]
+  //   dst[1][k][j]  = src[2k][4j + 3]    dst[2][k][j]      = src[2k][4j + 1]
+  // Returns -8 if src, dst, dstStep or one of the three planes is null; -6 if width or height is
+  // below 2.
   static IppStatus qvYCbCr422ToYCrCb420(qvDataType type, const unsigned char* src, int srcStep,
                                         unsigned char** const dst, int* const dstStep,
                                         IppiSize size);
 
+  // Converts planar 4:2:0, src[0] = Y, src[1] = Cb, src[2] = Cr with steps srcStep[0 .. 2], to
+  // pixels B, G, R. With u = Cb - 128 and v = Cr - 128:
+  //   B = clamp((76284 Y + 132186 u - 1187776) >> 16)
+  //   G = clamp((76284 Y - 25690 u - 53281 v - 1187776) >> 16)
+  //   R = clamp((76284 Y + 104595 v - 1187776) >> 16)
+  // which is ITU-R BT.601 in 16.16 fixed point, rounded half up (1187776 = 16 * 76284 - 32768). An
+  // odd last column or row is left unwritten; the planes need not have samples for it.
+  // Returns -8 if src, srcStep or dst is null; -6 if width or height is below 1; -8 if one of the
+  // three planes is null; 35 if width or height is odd (all the rest is converted).
   static IppStatus qvYCbCr420ToBGR(qvDataType type, unsigned char** const src, int* const srcStep,
                                    unsigned char* dst, int dstStep, IppiSize size);
 
+  // Converts packed 4:2:2 to pixels B, G, R:
+  //   B = clamp((76284 Y + 132186 Cb - 18140365) >> 16)
+  //   G = clamp((76284 Y - 53281 Cr - 25690 Cb + 8887730) >> 16)
+  //   R = clamp((76284 Y + 104595 Cr - 14608761) >> 16)
+  // which is ITU-R BT.601 in 16.16 fixed point, rounded down, with offsets 13, 14 and 57 below the
+  // exact ones of Y - 16, Cb - 128 and Cr - 128, so that whole numbers come out one lower. The last
+  // pixel of an odd width has the first two bytes of a group alone: it takes its Cr from the group
+  // before, and nothing behind its Cb is read.
+  // Returns -8 if src or dst is null; -6 if width is below 2 or height below 1.
   static IppStatus qvYCbCr422ToBGR(qvDataType type, const unsigned char* src, int srcStep,
                                    unsigned char* dst, int dstStep, IppiSize size);
 
