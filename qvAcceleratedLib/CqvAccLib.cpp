@@ -3,7 +3,9 @@
 
 #include "kernels/checksum/Checksum.h"
 #include "kernels/color/Color.h"
+#include "kernels/composite/Composite.h"
 #include "kernels/copy/Copy.h"
+#include "kernels/deinterlace/Deinterlace.h"
 #include "qvAcceleratedLib/BandSplit.h"
 #include "qvAcceleratedLib/Settings.h"
 
@@ -196,3 +198,31 @@ IppStatus CqvAccLib::qvYCbCr422ToBGR(qvDataType, const unsigned char* src, int s
 // ---- Rotation and perspective -------------------------------------------------------------------
 
 // ---- Compositing and deinterlacing --------------------------------------------------------------
+
+IppStatus CqvAccLib::qvAlphaCompC(qvDataType type, const unsigned char* src1, int src1Step,
+                                  unsigned char alpha1, const unsigned char* src2, int src2Step,
+                                  unsigned char alpha2, unsigned char* dst, int dstStep,
+                                  IppiSize size, IppiAlphaType alphaType) {
+  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
+  const auto kernel = type == OneChannel ? AlphaCompC_8u_C1 : AlphaCompC_8u_C3;
+  const Bands bands = PlanBands(size.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    return kernel(Advance(src1, bands.First(i) * src1Step), src1Step, alpha1,
+                  Advance(src2, bands.First(i) * src2Step), src2Step, alpha2,
+                  Advance(dst, bands.First(i) * dstStep), dstStep, {size.width, bands.Height(i)},
+                  alphaType);
+  });
+}
+
+IppStatus CqvAccLib::qvDeinterlace(qvDataType type, const unsigned char* src, int srcStep,
+                                   unsigned char* dst, int dstStep, IppiSize size,
+                                   unsigned int centreWeight, unsigned int mode) {
+  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
+  // Three-channel rows are filtered together with their padding.
+  const int rowBytes = type == OneChannel ? size.width : srcStep;
+  const Bands strips = PlanBands(rowBytes, ThreadBudget);
+  return RunBands(strips, [&](int i) {
+    return Deinterlace_8u(Advance(src, strips.First(i)), srcStep, Advance(dst, strips.First(i)),
+                          dstStep, strips.Height(i), size.height, centreWeight, mode);
+  });
+}
