@@ -1,4 +1,5 @@
 // Packed 4:2:2: checks, planning on the grids of luma and of chroma, rows.
+#include "kernels/resize/FilterImage.h"
 #include "kernels/resize/Positions.h"
 #include "kernels/resize/Resize.h"
 #include "kernels/resize/ResizePlan.h"
@@ -41,6 +42,33 @@ IppStatus RunNearest(const Job422& job) {
                                 work.At<int>(x), work.At<int>(y), work.At<int>(chroma)};
   NearestRows_8u(job.src, job.srcStep, job.dst, job.dstStep, &tables, work.At<char>(rows));
   return StatusOk;
+}
+
+FilterTask TaskOf(const Job422& job) {
+  return {RowLayout::kPairs422, job.src, job.srcStep, job.dst, job.dstStep};
+}
+
+// Linear and cubic.
+IppStatus RunFilter(const Job422& job, int interpolation) {
+  const int width = 2 * job.pairs;
+  WorkLayout layout;
+  const auto x = layout.Add<double>(width), chroma = layout.Add<double>(job.pairs);
+  const auto y = layout.Add<double>(job.height);
+  const WorkMemory work(layout);
+  if (!work) return StatusMemAllocErr;
+  AlignedPositions(job.luma, width, work.At<double>(x));
+  AlignedPositions(job.chroma, job.pairs, work.At<double>(chroma));
+  AlignedPositions(job.y, job.height, work.At<double>(y));
+  return FilterImage(TaskOf(job), interpolation, {width, work.At<double>(x), job.luma.length},
+                     {job.pairs, work.At<double>(chroma), job.chroma.length},
+                     {job.height, work.At<double>(y), job.y.length});
+}
+
+IppStatus RunArea(const Job422& job) {
+  const double xInverse = 1 / job.luma.factor, yInverse = 1 / job.y.factor;
+  return AverageImage(TaskOf(job), {2 * job.pairs, xInverse, job.luma.length},
+                      {job.pairs, xInverse, job.chroma.length},
+                      {job.height, yInverse, job.y.length});
 }
 
 // Pixels of a destination row, at least one pair: 0 if the region's width comes out below 1.5.
@@ -90,7 +118,8 @@ IppStatus ResizeYUV422_8u_C2(const unsigned char* src, IppiSize srcSize, int src
   if (interpolation != InterpolateArea) interpolation = DowngradedForSize(interpolation, srcSize);
   switch (interpolation) {
     case InterpolateNearest: return RunNearest(job);
-    default: return StatusInterpolationErr;
+    case InterpolateArea: return RunArea(job);
+    default: return RunFilter(job, interpolation);
   }
 }
 

@@ -1,4 +1,5 @@
 // The band kernels: checks, the span of the destination that a band writes, planning, rows.
+#include "kernels/resize/FilterImage.h"
 #include "kernels/resize/Positions.h"
 #include "kernels/resize/Resize.h"
 #include "kernels/resize/ResizePlan.h"
@@ -32,6 +33,29 @@ IppStatus RunNearest(const BandJob& job) {
                                 work.At<int>(x),   work.At<int>(y), nullptr};
   NearestRows_8u(job.src, job.srcStep, job.dst, job.dstStep, &tables, work.At<char>(rows));
   return StatusOk;
+}
+
+FilterTask TaskOf(const BandJob& job) {
+  return {job.channels == 1 ? RowLayout::kGray : RowLayout::kTriples, job.src, job.srcStep, job.dst,
+          job.dstStep};
+}
+
+// Linear, cubic and Lanczos.
+IppStatus RunFilter(const BandJob& job, int interpolation) {
+  WorkLayout layout;
+  const auto x = layout.Add<double>(job.columns.count), y = layout.Add<double>(job.rows.count);
+  const WorkMemory work(layout, job.buffer, job.bufferBytes);
+  if (!work) return StatusMemAllocErr;
+  BandPositions(job.x, job.columns, work.At<double>(x));
+  BandPositions(job.y, job.rows, work.At<double>(y));
+  return FilterImage(TaskOf(job), interpolation,
+                     {job.columns.count, work.At<double>(x), job.x.length}, {},
+                     {job.rows.count, work.At<double>(y), job.y.length});
+}
+
+AxisArea AreaOf(const BandAxis& axis, const Span& span) {
+  return {span.count, 1 / axis.factor, axis.length, static_cast<double>(span.first),
+          axis.shift / axis.factor + axis.start};
 }
 
 IppStatus ResizeBand(const unsigned char* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
@@ -76,7 +100,9 @@ IppStatus ResizeBand(const unsigned char* src, IppiSize srcSize, int srcStep, Ip
       static_cast<uint64_t>(bufferBytes)};
   switch (interpolation) {
     case InterpolateNearest: return RunNearest(job);
-    default: return StatusInterpolationErr;
+    case InterpolateArea:
+      return AverageImage(TaskOf(job), AreaOf(x, columns), {}, AreaOf(y, rows));
+    default: return RunFilter(job, interpolation);
   }
 }
 

@@ -1,4 +1,5 @@
 // The whole-image kernels: checks, planning, rows.
+#include "kernels/resize/FilterImage.h"
 #include "kernels/resize/Positions.h"
 #include "kernels/resize/Resize.h"
 #include "kernels/resize/ResizePlan.h"
@@ -66,6 +67,28 @@ IppStatus RunLinear(const Job& job) {
   return StatusOk;
 }
 
+FilterTask TaskOf(const Job& job) {
+  return {job.channels == 1 ? RowLayout::kGray : RowLayout::kTriples, job.src, job.srcStep, job.dst,
+          job.dstStep};
+}
+
+// Cubic and Lanczos.
+IppStatus RunFilter(const Job& job, int interpolation) {
+  WorkLayout layout;
+  const auto x = layout.Add<double>(job.width), y = layout.Add<double>(job.height);
+  const WorkMemory work(layout);
+  if (!work) return StatusMemAllocErr;
+  AlignedPositions(job.x, job.width, work.At<double>(x));
+  AlignedPositions(job.y, job.height, work.At<double>(y));
+  return FilterImage(TaskOf(job), interpolation, {job.width, work.At<double>(x), job.x.length},
+                     {}, {job.height, work.At<double>(y), job.y.length});
+}
+
+IppStatus RunArea(const Job& job) {
+  return AverageImage(TaskOf(job), {job.width, 1 / job.x.factor, job.x.length}, {},
+                      {job.height, 1 / job.y.factor, job.y.length});
+}
+
 IppStatus ResizeImage(const unsigned char* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
                       unsigned char* dst, int dstStep, IppiSize dstRoiSize, double xFactor,
                       double yFactor, int interpolation, int channels) {
@@ -94,7 +117,8 @@ IppStatus ResizeImage(const unsigned char* src, IppiSize srcSize, int srcStep, I
   switch (interpolation) {
     case InterpolateNearest: return RunNearest(job);
     case InterpolateLinear: return RunLinear(job);
-    default: return StatusInterpolationErr;
+    case InterpolateArea: return RunArea(job);
+    default: return RunFilter(job, interpolation);
   }
 }
 
