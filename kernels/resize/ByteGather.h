@@ -2,9 +2,9 @@
 // shuffle indices of each vector of the output are computed once and a row then costs a few loads
 // and shuffles a vector instead of a load a byte.
 //
-// Where a level permutes whole vectors, all bytes of a vector come from loads at one position; where
-// it shuffles within 16-byte lanes, each lane has a position of its own. Up to four loads in a row
-// make up a lane, which serves reductions down to about a quarter.
+// Where a level permutes whole vectors, all bytes of a vector come from loads at one position;
+// where it shuffles within 16-byte lanes, each lane has a position of its own. Up to four loads in
+// a row make up a lane, which serves reductions down to about a quarter.
 #ifndef QV_KERNELS_RESIZE_BYTEGATHER_H
 #define QV_KERNELS_RESIZE_BYTEGATHER_H
 
@@ -21,7 +21,7 @@ constexpr int kPaddedRow = kMaxLoads * kLaneBytes;
 
 struct ByteGather {
   int loads;          // of each lane: 1, 2 or 4, without a permute also 3
-  bool padded;        // the row is shorter than the loads: it must be copied to kPaddedRow bytes first
+  bool padded;        // rows are shorter than the loads: each is copied to kPaddedRow bytes first
   const int* at;      // where the loads of each lane begin
   const Byte* index;  // for each vector one index vector a load, or only one with a permute
 };
@@ -59,11 +59,11 @@ QV_INLINE Vec GatherBytes(const ByteGather& g, const Byte* row, ptrdiff_t v) {
   }
 }
 
-// Plans the gather of `count` output bytes, of which byte k is byte offset[k] of a row of `readable`
-// bytes. `offset` has room for count rounded up to whole vectors. If `overlapLast`, the last vector
-// is the one that ends with the last byte (count is at least kVecBytes). `at` and `index` have room
-// for a vector each 16 bytes of output and kMaxLoads bytes each byte. False if a lane's bytes lie too
-// far apart.
+// Plans the gather of `count` output bytes, of which byte k is byte offset[k] of a row of
+// `readable` bytes. `offset` has room for count rounded up to whole vectors. If `overlapLast`, the
+// last vector is the one that ends with the last byte (count is at least kVecBytes). `at` and
+// `index` have room for a vector each 16 bytes of output and kMaxLoads bytes each byte. False if a
+// lane's bytes lie too far apart.
 static inline bool PlanGather(int* offset, ptrdiff_t count, bool overlapLast, ptrdiff_t readable,
                               int* at, Byte* index, ByteGather* g) {
   const ptrdiff_t vectors = (count + kVecBytes - 1) / kVecBytes;
@@ -94,10 +94,11 @@ static inline bool PlanGather(int* offset, ptrdiff_t count, bool overlapLast, pt
     const int* const o = lane(n);
     const int base = at[n] = at[n] < end ? at[n] : end;
     if constexpr (kHasBytePermute) {
-      for (int k = 0; k < kLaneBytes; ++k) index[n * kLaneBytes + k] = static_cast<Byte>(o[k] - base);
+      for (int k = 0; k < kLaneBytes; ++k)
+        index[n * kLaneBytes + k] = static_cast<Byte>(o[k] - base);
     } else {
-      // 0x70 more than the position within a load, saturated: the top bit, which clears the byte, is
-      // set for all positions but 0 to 15, whose low four bits stay what they are.
+      // 0x70 more than the position within a load, saturated: the top bit, which clears the byte,
+      // is set for all positions but 0 to 15, whose low four bits stay what they are.
       Byte* const vector = index + (n / kLanes * loads * kLanes + n % kLanes) * kLaneBytes;
       for (int l = 0; l < loads; ++l)
         for (int k = 0; k < kLaneBytes; ++k) {

@@ -110,7 +110,8 @@ static void BlendRows(const Value* upper, const Value* lower, int w, Byte* dst, 
 
 // As InterpolateRow, from pairs of bytes (p0, p1) and twice the weight, below 32768:
 //   h = 64 * p0 + (((p1 - p0) * w + 128) >> 8),
-// since 16384 * p0 has no low bits; and the second term is the rounded product of 64 * (p1 - p0) and 2 * w.
+// since 16384 * p0 has no low bits; and the second term is the rounded product of 64 * (p1 - p0)
+// and 2 * w.
 template <int kLoads>
 QV_INLINE void InterpolatePairs(const ByteGather& g, const Byte* row, const Value* twiceWeight,
                                 ptrdiff_t vectors, Value* out) {
@@ -123,8 +124,9 @@ QV_INLINE void InterpolatePairs(const ByteGather& g, const Byte* row, const Valu
   }
 }
 
-// The two bytes of each value and twice its weight. A full weight of the right sample becomes none of the
-// left one, so that twice the weight fits; a sample without weight may be any within the row.
+// The two bytes of each value and twice its weight. A full weight of the right sample becomes none
+// of the left one, so that twice the weight fits; a sample without weight may be any within the
+// row.
 static void FillPairs(const LinearTables& t, ptrdiff_t readable, int* offset, Value* twiceWeight) {
   const int right = t.xNeighbour * t.channels;
   for (ptrdiff_t j = 0; j < t.width; ++j) {

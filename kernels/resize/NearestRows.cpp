@@ -22,7 +22,8 @@ static void PlainRow(const Byte* row, const NearestTables& t, Byte* dst) {
   }
 }
 
-// Calls fill(row, dst) for every destination row, except that rows of the same source row are copies.
+// Calls fill(row, dst) for every destination row, except that rows of the same source row are
+// copies.
 template <class Fill>
 QV_INLINE void FillRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
                         const NearestTables& t, Fill fill) {

@@ -1,6 +1,6 @@
 // Where destination samples lie in the source, and how many there are. In double precision, built
-// once for all levels, so that every level works from the same numbers. No conversion to an integer is
-// ever out of range: whatever the factors are, values are limited before they are converted.
+// once for all levels, so that every level works from the same numbers. No conversion to an integer
+// is ever out of range: whatever the factors are, values are limited before they are converted.
 #ifndef QV_KERNELS_RESIZE_POSITIONS_H
 #define QV_KERNELS_RESIZE_POSITIONS_H
 
@@ -17,8 +17,8 @@ constexpr int ClippedLength(int start, int size, int limit) {
   return size < limit - start ? size : limit - start;
 }
 
-// trunc(length * factor + 1e-07) destination samples, at most `available`, and one if the sum is 0.5 or
-// more; 0 if it is less.
+// trunc(length * factor + 1e-07) destination samples, at most `available`, and one if the sum is
+// 0.5 or more; 0 if it is less.
 int WrittenExtent(Axis axis, int available);
 
 // The region's sample under the middle of each destination sample: trunc of 0.5 / F plus i
@@ -53,8 +53,8 @@ bool ProjectRegion(BandAxis axis, int start, int size, Span* span);
 // first sample.
 void BandNearestIndices(BandAxis axis, Span span, int* index);
 
-// (i + 0.5) / F - 0.5 - shift / F from the region's first sample. Positions farther outside than any
-// filter reaches are moved closer: all their taps take the edge sample either way.
+// (i + 0.5) / F - 0.5 - shift / F from the region's first sample. Positions farther outside than
+// any filter reaches are moved closer: all their taps take the edge sample either way.
 void BandPositions(BandAxis axis, Span span, double* position);
 
 }  // namespace qv

@@ -26,12 +26,11 @@ enum Interpolation : int {
 //   codes 2, 4, 16  0, step (L - 1) / (L * F - 1): the first and the last samples of region and
 //                   destination fall on each other (corner-aligned); step 0 if L * F <= 1
 //   code 8          sample i is the mean over [i / F, (i + 1) / F)
-// A source image narrower or lower than 8 takes code 4 instead of 16, than 4 code 2 instead of 4, than
-// 2 code 1 instead of 2.
-// Statuses, in this order: StatusNullPtrErr; StatusSizeErr for srcSize and srcRoi;
-// StatusNoOverlapWarning if the region's origin is outside the image; StatusSizeErr for dstRoiSize;
-// StatusResizeFactorErr for a factor not above 0; StatusInterpolationErr for any other code, or 8 with
-// a factor above 1; StatusEmptyOutputErr if L * F + 1e-07 is below 0.5 on an axis;
+// A source image narrower or lower than 8 takes code 4 instead of 16, than 4 code 2 instead of 4,
+// than 2 code 1 instead of 2. Statuses, in this order: StatusNullPtrErr; StatusSizeErr for srcSize
+// and srcRoi; StatusNoOverlapWarning if the region's origin is outside the image; StatusSizeErr for
+// dstRoiSize; StatusResizeFactorErr for a factor not above 0; StatusInterpolationErr for any other
+// code, or 8 with a factor above 1; StatusEmptyOutputErr if L * F + 1e-07 is below 0.5 on an axis;
 // StatusMemAllocErr.
 IppStatus Resize_8u_C1(const unsigned char* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
                        unsigned char* dst, int dstStep, IppiSize dstRoiSize, double xFactor,
@@ -46,12 +45,11 @@ IppStatus Resize_8u_C3(const unsigned char* src, IppiSize srcSize, int srcStep, 
 // centre lying at its index); samples outside the clipped region are its nearest edge samples.
 // Written are the pixels of dstRect from trunc(left + 0.4999999999) to before trunc(right +
 // 0.4999999999), where left = srcRoi.x * F + shift and right = (srcRoi.x + width) * F + shift.
-// `buffer` holds at least what ResizeBandBufferSize says of dstRect's size.
-// Statuses, in this order: StatusNullPtrErr (also for the buffer); StatusSizeErr for srcSize, srcRoi and
-// dstRect; StatusResizeFactorErr for a factor not above 0; StatusInterpolationErr;
-// StatusNoOverlapWarning if the region's origin is outside the image; StatusNothingToDoWarning if an
-// end lies before its start; StatusResizeFactorErr for code 8 with a factor above 1;
-// StatusMemAllocErr.
+// `buffer` holds at least what ResizeBandBufferSize says of dstRect's size. Statuses, in this
+// order: StatusNullPtrErr (also for the buffer); StatusSizeErr for srcSize, srcRoi and dstRect;
+// StatusResizeFactorErr for a factor not above 0; StatusInterpolationErr; StatusNoOverlapWarning if
+// the region's origin is outside the image; StatusNothingToDoWarning if an end lies before its
+// start; StatusResizeFactorErr for code 8 with a factor above 1; StatusMemAllocErr.
 IppStatus ResizeBand_8u_C1(const unsigned char* src, IppiSize srcSize, int srcStep,
                            IppiRect srcRoi, unsigned char* dst, int dstStep, IppiRect dstRect,
                            double xFactor, double yFactor, double xShift, double yShift,
@@ -67,18 +65,17 @@ IppStatus ResizeBand_8u_C3(const unsigned char* src, IppiSize srcSize, int srcSt
 // if the count does not fit an int.
 IppStatus ResizeBandBufferSize(IppiSize dstSize, int channels, int interpolation, int* bytes);
 
-// Packed 4:2:2 (Y0 Cb Y1 Cr). Luma lies on a grid of pixels, each chroma component on one of pairs of
-// pixels; each is resized on its own grid as by Resize_8u_C1, with codes 1, 2, 4 and 8. The region's
-// first byte is src + 4 * srcRoi.x + srcStep * srcRoi.y, and 2 * width bytes from there are read.
-// Whole pairs are written: (trunc(width * xFactor + 1e-07) or dstRoiSize.width) / 2 of them.
-// A source image narrower than 8 or lower than 4 takes code 2 instead of 4; narrower than 4 or lower than 2, code
-// 1 instead of any but 8.
-// Statuses, in this order: StatusNullPtrErr; StatusSizeErr for srcSize and srcRoi;
-// StatusNoOverlapWarning; StatusSizeErr for dstRoiSize, then for an odd srcSize.width,
-// srcRoi.width or srcRoi.x and for a destination narrower than 2; StatusResizeFactorErr for a factor
-// not above 0; StatusInterpolationErr; StatusEmptyOutputErr if width * xFactor + 1e-07 is below 1.5 or
-// height * yFactor + 1e-07 below 0.5; StatusResizeFactorErr for code 8 with a factor above 1;
-// StatusMemAllocErr.
+// Packed 4:2:2 (Y0 Cb Y1 Cr). Luma lies on a grid of pixels, each chroma component on one of pairs
+// of pixels; each is resized on its own grid as by Resize_8u_C1, with codes 1, 2, 4 and 8. The
+// region's first byte is src + 4 * srcRoi.x + srcStep * srcRoi.y, and 2 * width bytes from there
+// are read. Whole pairs are written: (trunc(width * xFactor + 1e-07) or dstRoiSize.width) / 2 of
+// them. A source image narrower than 8 or lower than 4 takes code 2 instead of 4; narrower than 4
+// or lower than 2, code 1 instead of any but 8. Statuses, in this order: StatusNullPtrErr;
+// StatusSizeErr for srcSize and srcRoi; StatusNoOverlapWarning; StatusSizeErr for dstRoiSize, then
+// for an odd srcSize.width, srcRoi.width or srcRoi.x and for a destination narrower than 2;
+// StatusResizeFactorErr for a factor not above 0; StatusInterpolationErr; StatusEmptyOutputErr if
+// width * xFactor + 1e-07 is below 1.5 or height * yFactor + 1e-07 below 0.5; StatusResizeFactorErr
+// for code 8 with a factor above 1; StatusMemAllocErr.
 IppStatus ResizeYUV422_8u_C2(const unsigned char* src, IppiSize srcSize, int srcStep,
                              IppiRect srcRoi, unsigned char* dst, int dstStep,
                              IppiSize dstRoiSize, double xFactor, double yFactor,

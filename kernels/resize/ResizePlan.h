@@ -9,8 +9,8 @@
 
 namespace qv {
 
-// The first sample of a rectangle of an image with `pixelBytes` bytes a pixel. Addresses are wide: a row
-// number times a step may pass 2 GiB.
+// The first sample of a rectangle of an image with `pixelBytes` bytes a pixel. Addresses are wide:
+// a row number times a step may pass 2 GiB.
 inline const unsigned char* PixelAt(const unsigned char* base, int step, ptrdiff_t x, ptrdiff_t y,
                                     int pixelBytes) {
   return base + y * step + x * pixelBytes;
