@@ -69,16 +69,18 @@ __attribute__((always_inline)) constexpr RowComponent Component(RowLayout layout
 }
 
 // How FilterRows carves its scratch memory, in bytes from its 64-byte aligned start. The sizes hold
-// for every level. Per component k: `line` holds kBatchRows source rows, one after another,
-// `ring` ringRows filtered rows, `out` one destination row.
+// for every level. Per component k: `line` holds kBatchRows rows of source samples, one after another,
+// and `ring` ringRows filtered rows, padded to whole blocks of 64 pixels (pairs).
 constexpr int kBatchRows = 2;
 
 struct FilterScratch {
+  long long first, count;                // pixels (4:2:2: pairs) of a source row that taps name
   int ringRows;
-  long long lineBytes[3], ringBytes[3];       // of one row
-  long long line[3], ring[3], out[3];         // where they start
-  long long columns[2];                       // what a level derives from the taps of x
-  long long total;                            // alignment included
+  long long lineBytes[3], ringBytes[3];  // of one row
+  long long line[3], ring[3];            // where they start
+  long long words;                       // a line widened to 16 bits
+  long long columns[2];                  // what a level derives from the taps of x
+  long long total;                       // alignment included
 };
 
 FilterScratch PlanFilterScratch(RowLayout layout, const FilterColumns& x, const AxisTaps& y);

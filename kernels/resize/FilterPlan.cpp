@@ -5,8 +5,10 @@ namespace qv {
 
 namespace {
 
-// Rows of work memory are whole blocks of 64 samples with one more block to read into.
+// Rows of work memory are whole blocks of 64 samples; the widest window may reach past a short line by
+// kReadAhead.
 constexpr long long kBlock = 64;
+constexpr long long kReadAhead = 128;
 
 long long RoundUp(long long n) { return (n + kBlock - 1) / kBlock * kBlock; }
 
@@ -20,6 +22,14 @@ long long SpannedSamples(const AxisTaps& taps) {
 FilterScratch PlanFilterScratch(RowLayout layout, const FilterColumns& x, const AxisTaps& y) {
   FilterScratch s = {};
   s.ringRows = y.taps + kBatchRows;
+  s.first = x.luma.first[0];
+  s.count = SpannedSamples(x.luma);
+  if (layout == RowLayout::kPairs422) {
+    const long long lumaEnd = (s.first + s.count + 1) / 2;
+    const long long chromaEnd = x.chroma.first[0] + SpannedSamples(x.chroma);
+    s.first = s.first / 2 < x.chroma.first[0] ? s.first / 2 : x.chroma.first[0];
+    s.count = (lumaEnd > chromaEnd ? lumaEnd : chromaEnd) - s.first;
+  }
   long long at = 0;
   const auto take = [&at](long long bytes) {
     const long long start = at;
@@ -27,16 +37,18 @@ FilterScratch PlanFilterScratch(RowLayout layout, const FilterColumns& x, const 
     return start;
   };
   for (int k = 0; k < ComponentCount(layout); ++k) {
-    const AxisTaps& taps = layout == RowLayout::kPairs422 && k > 0 ? x.chroma : x.luma;
-    s.lineBytes[k] = 2 * (RoundUp(SpannedSamples(taps)) + kBlock);
-    s.ringBytes[k] = 2 * RoundUp(taps.count);
+    const bool pairs = layout == RowLayout::kPairs422;
+    const int perUnit = pairs && k == 0 ? 2 : 1;
+    s.lineBytes[k] = RoundUp(perUnit * s.count) + kReadAhead;
     s.line[k] = take(s.lineBytes[k] * kBatchRows);
+    s.ringBytes[k] = 2 * perUnit * RoundUp(pairs ? x.chroma.count : x.luma.count);
     s.ring[k] = take(s.ringBytes[k] * s.ringRows);
-    s.out[k] = take(RoundUp(taps.count));
   }
-  // Byte indices and weights of each sample's tap pairs, and one int for every four samples.
+  s.words = take(2 * s.lineBytes[0]);
+  // Byte indices and weights of each sample's tap pairs and an int for every four samples, or up to
+  // four or eight weights and an int.
   const auto columnBytes = [](const AxisTaps& taps) {
-    return RoundUp(taps.count) * ((taps.taps + 1) / 2 * 8 + 1);
+    return RoundUp(taps.count) * ((taps.taps + 1) / 2 * 8 + 4);
   };
   s.columns[0] = take(columnBytes(x.luma));
   s.columns[1] = layout == RowLayout::kPairs422 ? take(columnBytes(x.chroma)) : s.columns[0];
