@@ -62,7 +62,7 @@ static const bench::Family transfer([](bench::Suite& s) {
 #if defined(QV_BENCH_OPENCV)
     const cv::Mat grey(h, w, CV_8UC1, b.src), bgr(h, w, CV_8UC3, b.dst);
     const cv::Mat bgrSource(h, w, CV_8UC3, b.src), bgra(h, w, CV_8UC4, b.dst);
-    const cv::Mat bgraSource(h, w, CV_8UC4, b.src), lut(1, 256, CV_8UC3, b.src2);
+    const cv::Mat bgraSource(h, w, CV_8UC4, b.src), lut(256, 1, CV_8UC3, b.src2);
     const cv::Mat plane(h, w, CV_8UC1, b.dst3);
     s.Peer("plane into byte 0 of 3", size, "OpenCV mixChannels", [=] {
       cv::Mat out = bgr;

@@ -19,6 +19,13 @@ struct WideForwarder<Ssse3, Avx2, Avx512> {
   static Result Forward(Args... args) { return kWide[WideLevel](args...); }
 };
 
+template <auto* Function>
+struct FunctionConstant;
+
+// By type: under -fsanitize=undefined GCC 12 does not compare addresses in constant expressions.
+template <auto* A, auto* B>
+constexpr bool kSameFunction = std::is_same_v<FunctionConstant<A>, FunctionConstant<B>>;
+
 // One implementation for each value of VariantIndex: generic, SSE, SSE2, SSE3, SSSE3.
 template <class Kernel>
 struct DispatchTable {
@@ -36,7 +43,7 @@ template <auto* Generic, auto* Sse2, auto* Ssse3, auto* Avx2, auto* Avx512>
 constexpr auto MakeDispatchTable() {
   using Kernel = std::remove_pointer_t<decltype(Generic)>;
   Kernel* slotFour = Ssse3;
-  if constexpr (Ssse3 != Avx2 || Ssse3 != Avx512)
+  if constexpr (!kSameFunction<Ssse3, Avx2> || !kSameFunction<Ssse3, Avx512>)
     slotFour = &WideForwarder<Ssse3, Avx2, Avx512>::Forward;
   return DispatchTable<Kernel>{{Generic, Generic, Sse2, Sse2, slotFour}};
 }

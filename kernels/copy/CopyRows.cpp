@@ -63,20 +63,14 @@ void ChannelRow(const Byte* src, Byte* dst, ptrdiff_t width) {
   if constexpr (kHasMaskedBytes) {
     const Vec index0 = Load(&kPixelOfByte<0>), index1 = Load(&kPixelOfByte<1>),
               index2 = Load(&kPixelOfByte<2>);
-    ptrdiff_t k = 0;
-    for (; k <= width - 64; k += 64) {
-      const Vec grey = Load(src + k);
-      StorePart(dst + 3 * k, PermuteBytes(grey, index0), FirstBytes(0));
-      StorePart(dst + 3 * k + 64, PermuteBytes(grey, index1), FirstBytes(1));
-      StorePart(dst + 3 * k + 128, PermuteBytes(grey, index2), FirstBytes(2));
-    }
-    const ptrdiff_t rest = width - k;
-    const Vec grey = LoadPart(src + k, FirstOf64(rest, 0));
-    StorePart(dst + 3 * k, PermuteBytes(grey, index0), FirstBytes(0) & FirstOf64(3 * rest, 0));
-    StorePart(dst + 3 * k + 64, PermuteBytes(grey, index1),
-              FirstBytes(1) & FirstOf64(3 * rest, 64));
-    StorePart(dst + 3 * k + 128, PermuteBytes(grey, index2),
-              FirstBytes(2) & FirstOf64(3 * rest, 128));
+    const auto put = [&](Byte* to, Vec grey, ptrdiff_t pixels) {
+      StorePart(to, PermuteBytes(grey, index0), FirstBytes(0) & FirstOf64(3 * pixels, 0));
+      StorePart(to + 64, PermuteBytes(grey, index1), FirstBytes(1) & FirstOf64(3 * pixels, 64));
+      StorePart(to + 128, PermuteBytes(grey, index2), FirstBytes(2) & FirstOf64(3 * pixels, 128));
+    };
+    const bool done = CoverWithBlocks<64>(
+        width, [&](ptrdiff_t k) { put(dst + 3 * k, Load(src + k), 64); }, PixelsToAlign3(dst));
+    if (!done) put(dst, LoadPart(src, FirstOf64(width, 0)), width);
   } else {
     ChannelRowPlain(src, dst, width);
   }
@@ -91,24 +85,37 @@ void DropAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width) {
         MakeByteTable([](int j) { return (64 + j) / 3 * 4 + (64 + j) % 3 - 64; }),
         MakeByteTable([](int j) { return (128 + j) / 3 * 4 + (128 + j) % 3 - 128; })};
     const Vec index0 = Load(&from[0]), index1 = Load(&from[1]), index2 = Load(&from[2]);
-    for (; k <= width - 64; k += 64) {
-      const Vec v0 = Load(src + 4 * k), v1 = Load(src + 4 * k + 64),
-                v2 = Load(src + 4 * k + 128), v3 = Load(src + 4 * k + 192);
-      Store(dst + 3 * k, PermuteBytes2(v0, index0, v1));
-      Store(dst + 3 * k + 64, PermuteBytes2(v1, index1, v2));
-      Store(dst + 3 * k + 128, PermuteBytes2(v2, index2, v3));
-    }
+    const auto block = [&](ptrdiff_t x) {
+      const Vec v0 = Load(src + 4 * x), v1 = Load(src + 4 * x + 64),
+                v2 = Load(src + 4 * x + 128), v3 = Load(src + 4 * x + 192);
+      Store(dst + 3 * x, PermuteBytes2(v0, index0, v1));
+      Store(dst + 3 * x + 64, PermuteBytes2(v1, index1, v2));
+      Store(dst + 3 * x + 128, PermuteBytes2(v2, index2, v3));
+    };
+    if (CoverWithBlocks<64>(width, block, PixelsToAlign3(dst))) return;
     for (; k < width; k += 16) {
       const ptrdiff_t rest = width - k;
       const Vec v = LoadPart(src + 4 * k, FirstOf64(4 * rest, 0));
       StorePart(dst + 3 * k, PermuteBytes(v, index0), FirstOf64(rest < 16 ? 3 * rest : 48, 0));
     }
   } else if constexpr (kHasByteShuffle) {
-    // Four pixels become 12 bytes; the 4 that follow them are overwritten by the next store.
-    const Vec16 index = _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
-    for (; k <= width - 6; k += 4)
-      Store16(dst + 3 * k, ShuffleBytes16(Load16(src + 4 * k), index));
-    DropAlphaRowPlain(src + 4 * k, dst + 3 * k, width - k);
+    // Four vectors of 12 bytes each, at one end or the other, make three of 16.
+    const Vec16 low = _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
+    const Vec16 high = _mm_setr_epi8(-1, -1, -1, -1, 0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14);
+    const bool done = CoverWithBlocks<16>(
+        width,
+        [&](ptrdiff_t x) {
+          const Vec16 v0 = ShuffleBytes16(Load16(src + 4 * x), low);
+          const Vec16 v1 = ShuffleBytes16(Load16(src + 4 * x + 16), high);
+          const Vec16 v2 = ShuffleBytes16(Load16(src + 4 * x + 32), low);
+          const Vec16 v3 = ShuffleBytes16(Load16(src + 4 * x + 48), high);
+          Byte* const to = dst + 3 * x;
+          Store16(to, _mm_or_si128(v0, _mm_slli_si128(v1, 8)));
+          Store16(to + 16, _mm_or_si128(_mm_srli_si128(v1, 8), _mm_slli_si128(v2, 8)));
+          Store16(to + 32, _mm_or_si128(_mm_srli_si128(v2, 8), v3));
+        },
+        PixelsToAlign3<16>(dst));
+    if (!done) DropAlphaRowPlain(src, dst, width);
   } else {
     // Whole pixels by four bytes, the fourth overwritten by the next pixel.
     for (; k < width - 1; ++k) memcpy(dst + 3 * k, src + 4 * k, 4);
@@ -122,14 +129,18 @@ void KeepAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width) {
         MakeByteTable([](int j) { return j % 4 == 3 ? 0 : j / 4 * 3 + j % 4; });
     constexpr unsigned long long colours = 0x7777777777777777;
     const Vec index = Load(&from);
+    const auto part = [&](ptrdiff_t k, ptrdiff_t pixels) {
+      const Vec v = LoadPart(src + 3 * k, FirstOf64(3 * pixels, 0));
+      StorePart(dst + 4 * k, PermuteBytes(v, index), colours & FirstOf64(4 * pixels, 0));
+    };
     ptrdiff_t k = 0;
+    if (width >= 64) {
+      k = BytesToAlign(dst) / 4;
+      part(0, k);
+    }
     for (; k <= width - 22; k += 16)  // 64 bytes read for 48 that are used
       StorePart(dst + 4 * k, PermuteBytes(Load(src + 3 * k), index), colours);
-    for (; k < width; k += 16) {
-      const ptrdiff_t rest = width - k;
-      const Vec v = LoadPart(src + 3 * k, FirstOf64(3 * rest, 0));
-      StorePart(dst + 4 * k, PermuteBytes(v, index), colours & FirstOf64(4 * rest, 0));
-    }
+    for (; k < width; k += 16) part(k, width - k);
   } else {
     // Two stores a pixel: nothing wider leaves the fourth byte alone.
     for (ptrdiff_t k = 0; k < width; ++k) {
@@ -154,7 +165,7 @@ void DupGrayRow(const Byte* src, Byte* dst, ptrdiff_t width) {
         Store(dst + 3 * k + kVecBytes, ShuffleBytes(grey, index1));
         Store(dst + 3 * k + 2 * kVecBytes, ShuffleBytes(HighLaneTwice(grey), index2));
       }
-    });
+    }, PixelsToAlign3(dst));
     if (done) return;
   }
   DupGrayRowPlain(src, dst, width);

@@ -29,40 +29,75 @@ void ReverseRow(const Byte* src, Byte* dst, ptrdiff_t width);
 
 template <>
 void ReverseRow<1>(const Byte* src, Byte* dst, ptrdiff_t width) {
-  const bool done = CoverWithBlocks<kVecBytes>(width, [&](ptrdiff_t x) {
-    Store(dst + width - kVecBytes - x, ReverseBytes(Load(src + x)));
-  });
+  Byte* const end = dst + width;  // blocks go down from here
+  const bool done = CoverWithBlocks<kVecBytes>(
+      width, [&](ptrdiff_t x) { Store(end - kVecBytes - x, ReverseBytes(Load(src + x))); },
+      kVecBytes + 1 - BytesToAlign(end - 1));
   if (!done) ReverseRowPlain<1>(src, dst, width);
 }
 
-// Pixels go in blocks of one byte less than a vector (or, without shuffles, a word) holds. The spare
-// byte is the last one read and the first one written: it lands before the block, on a byte that
-// the next block overwrites. Blocks therefore stop where no byte is left on that side.
+// n three-byte pixels in three vectors of n bytes, mirrored: byte j of the result is byte
+// MirroredByte(n, j) of the source.
+constexpr int MirroredByte(int n, int j) { return 3 * (n - 1 - j / 3) + j % 3; }
+
+// Where the bytes of result vector `to` lie, counted from source vector `from`.
+template <int n, int to, int from>
+constexpr ByteTable kMirror = MakeByteTable([](int j) {
+  const int at = MirroredByte(n, n * to + j) - n * from;
+  return n == 16 && (at < 0 || at >= n) ? 128 : at;  // a shuffle makes these 0
+});
+
+// The bytes of the middle one of three result vectors of 64 bytes that lie in source vector 2.
+constexpr unsigned long long MiddleFromLast() {
+  unsigned long long mask = 0;
+  for (int j = 0; j < 64; ++j)
+    if (MirroredByte(64, 64 + j) >= 128) mask |= 1ull << j;
+  return mask;
+}
+
 template <>
 void ReverseRow<3>(const Byte* src, Byte* dst, ptrdiff_t width) {
-  ptrdiff_t x = 0;
+  Byte* const end = dst + 3 * width;  // blocks go down from here
   if constexpr (kHasBytePermute) {
-    constexpr int kBlock = 21;
-    static constexpr ByteTable table = MakeByteTable(
-        [](int j) { return j == 0 ? 63 : 3 * (kBlock - 1 - (j - 1) / 3) + (j - 1) % 3; });
-    const Vec index = Load(&table);
-    for (; x <= width - kBlock - 1; x += kBlock)
-      Store(dst + 3 * (width - kBlock - x) - 1, PermuteBytes(Load(src + 3 * x), index));
-    // What is left, 1 to 21 pixels, in the last bytes of a vector whose other bytes are masked off.
-    const ptrdiff_t rest = width - x;
-    const unsigned long long pixels = (1ull << (3 * rest)) - 1;
-    const ptrdiff_t masked = 64 - 3 * rest;
-    StorePart(dst - masked, PermuteBytes(LoadPart(src + 3 * x, pixels), index), pixels << masked);
+    const Vec to0 = Load(&kMirror<64, 0, 1>), to1 = Load(&kMirror<64, 1, 0>),
+              to2 = Load(&kMirror<64, 2, 0>);
+    const bool done = CoverWithBlocks<64>(
+        width,
+        [&](ptrdiff_t x) {
+          const Vec v0 = Load(src + 3 * x), v1 = Load(src + 3 * x + 64),
+                    v2 = Load(src + 3 * x + 128);
+          Byte* const to = end - 192 - 3 * x;
+          Store(to, PermuteBytes2(v1, to0, v2));
+          Store(to + 64, PermuteBytesOver(PermuteBytes2(v0, to1, v1), MiddleFromLast(), v2, to1));
+          Store(to + 128, PermuteBytes2(v0, to2, v1));
+        },
+        65 - PixelsToAlign3<64>(end - 3));
+    if (!done) ReverseRowPlain<3>(src, dst, width);
   } else if constexpr (kHasByteShuffle) {
-    const Vec16 index = _mm_setr_epi8(15, 12, 13, 14, 9, 10, 11, 6, 7, 8, 3, 4, 5, 0, 1, 2);
-    for (; x <= width - 6; x += 5)
-      Store16(dst + 3 * (width - 5 - x) - 1, ShuffleBytes16(Load16(src + 3 * x), index));
-    ReverseRowPlain<3>(src + 3 * x, dst, width - x);
+    const Vec16 from02 = Load16(&kMirror<16, 0, 2>), from01 = Load16(&kMirror<16, 0, 1>),
+                from12 = Load16(&kMirror<16, 1, 2>), from11 = Load16(&kMirror<16, 1, 1>),
+                from10 = Load16(&kMirror<16, 1, 0>), from21 = Load16(&kMirror<16, 2, 1>),
+                from20 = Load16(&kMirror<16, 2, 0>);
+    const bool done = CoverWithBlocks<16>(
+        width,
+        [&](ptrdiff_t x) {
+          const Vec16 v0 = Load16(src + 3 * x), v1 = Load16(src + 3 * x + 16),
+                      v2 = Load16(src + 3 * x + 32);
+          Byte* const to = end - 48 - 3 * x;
+          Store16(to, _mm_or_si128(ShuffleBytes16(v2, from02), ShuffleBytes16(v1, from01)));
+          Store16(to + 16,
+                  _mm_or_si128(_mm_or_si128(ShuffleBytes16(v2, from12), ShuffleBytes16(v1, from11)),
+                               ShuffleBytes16(v0, from10)));
+          Store16(to + 32, _mm_or_si128(ShuffleBytes16(v1, from21), ShuffleBytes16(v0, from20)));
+        },
+        17 - PixelsToAlign3<16>(end - 3));
+    if (!done) ReverseRowPlain<3>(src, dst, width);
   } else {
-    // A word holds the byte before a pixel, which is the spare one, and the pixel.
-    if (width > 0) memcpy(dst + 3 * (width - 1), src, 3);
-    for (x = 1; x < width - 1; ++x) memcpy(dst + 3 * (width - 1 - x) - 1, src + 3 * x - 1, 4);
-    if (width > 1) memcpy(dst, src + 3 * (width - 1), 3);
+    // Words of a pixel and the byte before it. The byte lands before the pixel, where the next word
+    // overwrites it; the first and the last pixel have no room for it.
+    memcpy(end - 3, src, 3);
+    for (ptrdiff_t x = 1; x < width - 1; ++x) memcpy(end - 4 - 3 * x, src + 3 * x - 1, 4);
+    memcpy(dst, src + 3 * (width - 1), 3);
   }
 }
 

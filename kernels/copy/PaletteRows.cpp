@@ -17,6 +17,8 @@ QV_INLINE void LookupRowPlain(const Byte* src, Byte* dst, ptrdiff_t width, const
 template <bool kHasPermute>
 struct PreparedPalette;
 
+QV_INLINE void StoreWord(Byte* p, uint32_t word) { memcpy(p, &word, 4); }
+
 // The palette as one word an entry, repeated to 256 entries so that an index needs no mask.
 template <>
 struct PreparedPalette<false> {
@@ -34,8 +36,9 @@ struct PreparedPalette<false> {
     for (; k <= width - 4; k += 4) {
       const uint32_t p0 = entry[src[k]], p1 = entry[src[k + 1]], p2 = entry[src[k + 2]],
                      p3 = entry[src[k + 3]];
-      const uint32_t words[3] = {p0 | p1 << 24, p1 >> 8 | p2 << 16, p2 >> 16 | p3 << 8};
-      memcpy(dst + 3 * k, words, 12);
+      StoreWord(dst + 3 * k, p0 | p1 << 24);
+      StoreWord(dst + 3 * k + 4, p1 >> 8 | p2 << 16);
+      StoreWord(dst + 3 * k + 8, p2 >> 16 | p3 << 8);
     }
     for (; k < width; ++k) {
       const uint32_t p = entry[src[k]];

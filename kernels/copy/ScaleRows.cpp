@@ -17,16 +17,18 @@ QV_INLINE void ScaleRowPlain(const Byte* src, Byte* dst, ptrdiff_t width, unsign
 
 #if QV_HAS_VECTORS
 
-// The same quotient in 16-bit lanes: (p + 1) * 257 >> 16. Both are exact for the 65026 values of p.
-QV_INLINE Vec ScaleLanes(Vec x, Vec value) {
-  return MulHighUnsigned16(Add16(MulLow16(x, value), Splat16(1)), Splat16(257));
-}
-
+// The same quotient by one multiplication in 16-bit lanes: x * (257 * value + 1) >> 16, for values up
+// to 254. With x * value = 255 k + r, the product is 65535 k + 257 r + x. It is at least 65536 k, as
+// k <= x, and below 65536 (k + 1), as 257 r + x <= 257 * 254 + 255.
 void ScaleRow(const Byte* src, Byte* dst, ptrdiff_t width, unsigned value) {
-  const Vec values = Splat16(static_cast<int>(value));
+  if (value == 255) {  // every byte stays
+    memmove(dst, src, static_cast<size_t>(width));
+    return;
+  }
+  const Vec factor = Splat16(static_cast<int>(257 * value + 1));
   const bool done = ApplyInPlace(src, dst, width, [&](Vec x) {
-    return PackUnsigned16(ScaleLanes(InterleaveLow8(x, Zero()), values),
-                          ScaleLanes(InterleaveHigh8(x, Zero()), values));
+    return PackUnsigned16(MulHighUnsigned16(InterleaveLow8(x, Zero()), factor),
+                          MulHighUnsigned16(InterleaveHigh8(x, Zero()), factor));
   });
   if (!done) ScaleRowPlain(src, dst, width, value);
 }

@@ -5,26 +5,41 @@
 
 namespace qv::QV_LEVEL {
 
-// Calls block(first) for blocks of kBlock elements that cover 0 .. count - 1; the last one may
-// overlap its predecessor. False, with nothing called, if the row is shorter than a block. Only for
-// rows whose blocks may be done twice (the source is not the destination).
+// Bytes, or three-byte pixels, from p to the next multiple of n: 1 to n of them, n a power of 2. A
+// store that crosses a cache line costs several that do not, so that rows of some length begin with
+// an unaligned block and go on aligned. 43 is the inverse of 3 modulo 128.
+template <int n = kVecBytes>
+QV_INLINE ptrdiff_t BytesToAlign(const Byte* p) {
+  return n - static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(p) % n);
+}
+template <int n = kVecBytes>
+QV_INLINE ptrdiff_t PixelsToAlign3(const Byte* p) {
+  return n - static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(p) * 43 % n);
+}
+
+// Calls block(first) for blocks of kBlock elements that cover 0 .. count - 1. The second one begins
+// at `second` (1 to kBlock), and the last one may overlap its predecessor. False, with nothing
+// called, if the row is shorter than a block. Only for rows whose blocks may be done twice (the
+// source is not the destination).
 template <int kBlock, class Block>
-QV_INLINE bool CoverWithBlocks(ptrdiff_t count, Block block) {
+QV_INLINE bool CoverWithBlocks(ptrdiff_t count, Block block, ptrdiff_t second = kBlock) {
   if (count < kBlock) return false;
-  ptrdiff_t i = 0;
+  block(0);
+  ptrdiff_t i = second;
   for (; i <= count - kBlock; i += kBlock) block(i);
   if (i < count) block(count - kBlock);
   return true;
 }
 
 // The same for a row that is changed in place: p[k] = function(p[k]) for a Vec of bytes at a time.
-// The last vector is loaded before its bytes can have been changed.
+// The first and the last vector are loaded before their bytes can have been changed.
 template <class Function>
 QV_INLINE bool ApplyInPlace(const Byte* src, Byte* dst, ptrdiff_t count, Function function) {
   if (count < kVecBytes) return false;
-  const Vec last = Load(src + count - kVecBytes);
-  for (ptrdiff_t i = 0; i <= count - kVecBytes; i += kVecBytes)
+  const Vec first = Load(src), last = Load(src + count - kVecBytes);
+  for (ptrdiff_t i = BytesToAlign(dst); i <= count - kVecBytes; i += kVecBytes)
     Store(dst + i, function(Load(src + i)));
+  Store(dst, function(first));
   Store(dst + count - kVecBytes, function(last));
   return true;
 }

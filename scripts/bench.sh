@@ -1,0 +1,24 @@
+#!/bin/bash
+# Builds the benchmarks beside every peer that Debian carries, runs them and writes
+# docs/performance.md, its chart and the figures it was made from.
+#
+#   scripts/bench.sh [FILTER]      FILTER: a regular expression of job names; prints, writes nothing
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+cd "$root"
+"$root/scripts/setup.sh" libgtest-dev libbenchmark-dev pkg-config python3 libopencv-dev libyuv-dev \
+  zlib1g-dev libdeflate-dev libisal-dev libzimg-dev libswscale-dev libpixman-1-dev
+cmake --preset bench -DQV_BUILD_TOOLS=OFF >/dev/null
+cmake --build --preset bench --target qvbench
+run() {
+  build/bench/bench/qvbench --benchmark_min_time=0.02 --benchmark_repetitions=7 \
+    --benchmark_enable_random_interleaving=true "$@"
+}
+if [ $# -gt 0 ]; then
+  run --benchmark_report_aggregates_only=true --benchmark_filter="$1"
+  exit
+fi
+mkdir -p docs
+run --benchmark_out=docs/performance.json --benchmark_out_format=json >/dev/null
+scripts/performance.py docs/performance.json
+echo 'Wrote docs/performance.md'

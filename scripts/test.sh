@@ -1,0 +1,39 @@
+#!/bin/bash
+# Builds everything and runs the tests; installs what is missing first.
+#
+#   scripts/test.sh          every test, in a release build
+#   scripts/test.sh --all    also: a million random calls of the kernels, the sanitizers, the demo page
+#                            in a browser
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+cd "$root"
+all=0
+case "${1-}" in
+  '') ;;
+  --all) all=1 ;;
+  *) sed -n '2,6s/^# \{0,1\}//p' "$0" >&2; exit 2 ;;
+esac
+
+step() { printf '\n== %s\n' "$*"; }
+
+"$root/scripts/setup.sh" libgtest-dev zlib1g-dev
+[ $all = 0 ] || "$root/scripts/setup.sh" chromium
+
+step 'Release build and tests'
+cmake --preset release >/dev/null
+cmake --build --preset release
+ctest --test-dir build/release --output-on-failure -j "$(nproc)"
+
+[ $all = 1 ] || exit 0
+
+step 'A million random calls of the kernels, at every level'
+kernels=$(build/release/tests/kernelcheck --list | tail -n +2 | wc -l)
+build/release/tests/kernelcheck --calls $((1000000 / kernels + 1))
+
+step 'Address and undefined-behaviour sanitizers'
+cmake --preset debug >/dev/null
+cmake --build --preset debug
+ctest --test-dir build/debug --output-on-failure -j "$(nproc)"
+
+step 'The demo page in a browser'
+tests/tool/check_page.sh build/release/tools/qvtool/qvtool "$(command -v chromium)"

@@ -1,0 +1,142 @@
+// What cannot be done: one clear line, the right exit code, and no file left behind.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "Program.h"
+
+namespace tooltest {
+namespace {
+
+struct Bad {
+  const char* name;
+  Arguments arguments;
+  int exitCode;
+  std::vector<std::string> said;  // parts of the message
+  std::string input = "";
+};
+
+class BadInput : public testing::TestWithParam<Bad> {};
+
+TEST_P(BadInput, EndsWithOneClearLine) {
+  const Bad& bad = GetParam();
+  Workplace place;
+  ASSERT_EQ(place.Run({"copy", "-", "whole.png", "--layout", "bgr", "--size", "40x30"},
+                      Noise(40 * 30 * 3, 1)).exitCode, 0);
+  ASSERT_EQ(place.Run({"copy", "whole.png", "whole.jpg"}).exitCode, 0);
+  ASSERT_EQ(place.Run({"fill", "grey.png", "--layout", "grey", "--size", "40x30", "--colour", "1"})
+                .exitCode, 0);
+  ASSERT_EQ(place.Run({"copy", "whole.png", "alpha.png", "--to", "bgra"}).exitCode, 0);
+  const std::string png = place.Read("whole.png"), jpeg = place.Read("whole.jpg");
+  place.Write("cut.png", png.substr(0, png.size() / 2));
+  place.Write("endless.png", png.substr(0, png.size() - 12));  // without its last chunk
+  place.Write("cut.jpg", jpeg.substr(0, jpeg.size() / 2));
+  std::string flipped = png;
+  flipped[png.size() / 2] = static_cast<char>(flipped[png.size() / 2] ^ 0x10);
+  place.Write("flipped.png", flipped);
+  flipped = jpeg;  // a marker in the middle of the scan
+  flipped.replace(jpeg.size() - 300, 2, "\xff\xda");
+  place.Write("flipped.jpg", flipped);
+  place.Write("empty", "");
+  place.Write("palette.txt", "#010203\nred\n");
+  place.Write("long.txt", "#010203\n#010203\n#010203\n");
+  place.Write("old.png", "what was here before");
+  std::filesystem::create_directory(place.Path("folder"));
+  const auto before = place.Files();
+
+  const Outcome outcome = place.Run(bad.arguments, bad.input);
+  EXPECT_EQ(outcome.exitCode, bad.exitCode) << outcome.err;
+  EXPECT_EQ(outcome.err.substr(0, 8), "qvtool: ");
+  EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+  for (const std::string& part : bad.said)
+    EXPECT_NE(outcome.err.find(part), std::string::npos) << "'" << part << "' is not in " << outcome.err;
+  EXPECT_EQ(place.Files(), before);
+  EXPECT_EQ(place.Read("old.png"), "what was here before");
+}
+
+const std::string kMono = "YUV4MPEG2 W2 H1 Cmono\n";
+
+const Bad kBad[] = {
+    // Wrong command lines.
+    {"noCommand", {}, 2, {"subcommand", "--help"}},
+    {"unknownCommand", {"frobnicate", "a"}, 2, {"'frobnicate'", "mirror"}},
+    {"unknownOption", {"mirror", "whole.png", "x.png", "--angle", "3"}, 2, {"--angle", "mirror --help"}},
+    {"noOutput", {"mirror", "whole.png"}, 2, {"OUT"}},
+    {"unknownAxis", {"mirror", "whole.png", "x.png", "--axis", "up"}, 2,
+     {"--axis", "'up'", "top-bottom|left-right|both"}},
+    {"sizeOfZero", {"fill", "x.png", "--size", "0x4", "--colour", "1"}, 2, {"--size", "'0x4'", "at least 1"}},
+    {"sizeWithoutHeight", {"fill", "x.png", "--size", "40", "--colour", "1"}, 2, {"--size", "'40'"}},
+    {"sizeBeyondInt", {"fill", "x.png", "--size", "99999999999x1", "--colour", "1"}, 2, {"--size"}},
+    {"layoutUnknown", {"copy", "-", "x.png", "--layout", "rgb565", "--size", "2x2"}, 2,
+     {"--layout", "'rgb565'", "i420"}},
+    {"layoutWithoutSize", {"copy", "-", "x.png", "--layout", "bgr"}, 2, {"--size"}},
+    {"rate", {"copy", "-", "x.y4m", "--layout", "grey", "--size", "1x1", "--rate", "25"}, 2, {"--rate", "'25'"}},
+    {"colour", {"fill", "x.png", "--size", "4x4", "--colour", "#12345"}, 2, {"--colour", "'#12345'"}},
+    {"colourTooLarge", {"fill", "x.png", "--size", "4x4", "--colour", "1,2,256"}, 2, {"--colour"}},
+    {"colourOfGrey", {"fill", "grey.png", "x.png", "--colour", "#ff0000"}, 2, {"--colour", "grey"}},
+    {"fillWithoutSize", {"fill", "x.png", "--colour", "1"}, 2, {"--size"}},
+    {"fillThreeFiles", {"fill", "a", "b", "c", "--colour", "1"}, 2, {"c"}},
+    {"scaleTooLarge", {"scale", "whole.png", "x.png", "--by", "256"}, 2, {"--by", "'256'", "0 to 255"}},
+    {"bits", {"palette", "grey.png", "x.png", "--bits", "9"}, 2, {"--bits", "1 to 8"}},
+    {"quality", {"copy", "whole.png", "x.jpg", "--quality", "0"}, 2, {"--quality", "1 to 100"}},
+    {"regionForm", {"copy", "whole.png", "x.png", "--region", "1,2,3"}, 2, {"--region", "'1,2,3'"}},
+    {"regionOutside", {"copy", "whole.png", "x.png", "--region", "30,0,11,5"}, 2, {"--region", "40x30"}},
+    {"regionFarOutside", {"copy", "whole.png", "x.png", "--region", "2147483647,0,1,1"}, 2, {"--region"}},
+    {"regionBetweenChroma", {"copy", "-", "x.y4m", "--region", "1,0,2,2"}, 2, {"multiple of 2,2"},
+     "YUV4MPEG2 W4 H2\nFRAME\nabcdefghABCD"},
+    {"extension", {"copy", "whole.png", "x.bmp"}, 2, {"x.bmp", "'.bmp'", ".png"}},
+    {"noExtension", {"copy", "whole.png", "x"}, 2, {"x:", "extension"}},
+    {"format", {"copy", "whole.png", "x.png", "--format", "gif"}, 2, {"--format", "'gif'"}},
+    {"ontoAlone", {"copy", "grey.png", "x.png", "--onto", "whole.png"}, 2, {"--onto"}},
+    // Inputs that cannot be read.
+    {"noFile", {"copy", "nothing.png", "x.png"}, 1, {"nothing.png", "No such file"}},
+    {"folderAsInput", {"copy", "folder", "x.png"}, 1, {"folder", "directory"}},
+    {"empty", {"copy", "empty", "x.png"}, 1, {"empty: is empty"}},
+    {"emptyPipe", {"copy", "-", "x.png"}, 1, {"standard input"}},
+    {"unknownContent", {"copy", "-", "x.png"}, 1, {"standard input", "--layout"}, "GIF89a..........."},
+    {"pngCut", {"mirror", "cut.png", "old.png"}, 1, {"cut.png"}},
+    {"pngWithoutEnd", {"mirror", "endless.png", "old.png"}, 1, {"endless.png"}},
+    {"pngFlipped", {"mirror", "flipped.png", "old.png"}, 1, {"flipped.png"}},
+    {"pngOnlySignature", {"copy", "-", "old.png"}, 1, {"not a whole PNG"}, "\x89PNG\r\n\x1a\n"},
+    {"jpegCut", {"mirror", "cut.jpg", "old.png"}, 1, {"cut.jpg"}},
+    {"jpegFlipped", {"mirror", "flipped.jpg", "old.png"}, 1, {"flipped.jpg"}},
+    {"jpegOnlyMarker", {"copy", "-", "old.png"}, 1, {"not a whole JPEG"}, "\xff\xd8\xff\xe0"},
+    {"y4mHeaderCut", {"copy", "-", "x.y4m"}, 1, {"header"}, "YUV4MPEG2 W2 H1"},
+    {"y4mNoWidth", {"copy", "-", "x.y4m"}, 1, {"no width"}, "YUV4MPEG2 H1\n"},
+    {"y4mZeroHeight", {"copy", "-", "x.y4m"}, 1, {"'H0'"}, "YUV4MPEG2 W2 H0\nFRAME\n"},
+    {"y4mNegative", {"copy", "-", "x.y4m"}, 1, {"'W-2'"}, "YUV4MPEG2 W-2 H2\nFRAME\n"},
+    {"y4mHuge", {"copy", "-", "x.y4m"}, 1, {"cannot be held"}, "YUV4MPEG2 W2000000000 H2000000000\nFRAME\n"},
+    {"y4mTenBits", {"copy", "-", "x.y4m"}, 1, {"'420p10'", "8-bit"}, "YUV4MPEG2 W2 H2 C420p10\nFRAME\n"},
+    {"y4mNoFrame", {"copy", "-", "x.y4m"}, 1, {"no frame"}, kMono},
+    {"y4mFrameCut", {"copy", "-", "x.y4m"}, 1, {"frame 2", "1 of 2 bytes"}, kMono + "FRAME\nabFRAME\nc"},
+    {"y4mFrameHeaderCut", {"copy", "-", "x.y4m"}, 1, {"frame 2"}, kMono + "FRAME\nabFRA"},
+    {"y4mNotAFrame", {"copy", "-", "x.y4m"}, 1, {"frame 2"}, kMono + "FRAME\nabGRAME\ncd"},
+    {"rawCut", {"copy", "-", "x.png", "--layout", "bgr", "--size", "2x2"}, 1, {"11 of 12 bytes"}, "elevenbytes"},
+    // Frames that do not fit what is asked.
+    {"beyondMemory", {"fill", "x.png", "--size", "600000x600000", "--colour", "1"}, 1, {"cannot be held"}},
+    {"rowBeyondInt", {"fill", "x.png", "--size", "2000000000x1", "--colour", "1"}, 1, {"cannot be held"}},
+    {"videoAsPicture", {"copy", "-", "x.png"}, 1, {"x.png", "i420"}, "YUV4MPEG2 W2 H2\nFRAME\nabcdef"},
+    {"pictureAsVideo", {"copy", "whole.png", "x.y4m"}, 1, {"x.y4m", "bgr"}},
+    {"alphaAsJpeg", {"copy", "alpha.png", "x.jpg"}, 1, {"x.jpg", "bgra"}},
+    {"framesAsPicture", {"copy", "-", "x.png"}, 1, {"x.png", "%04d"}, kMono + "FRAME\nabFRAME\ncd"},
+    {"colourThroughPalette", {"palette", "whole.png", "x.png"}, 1, {"one byte a pixel", "bgr"}},
+    {"colourIntoChannel", {"copy", "whole.png", "x.png", "--to", "red"}, 1, {"--to", "grey"}},
+    {"noAlpha", {"scale", "whole.png", "x.png", "--by", "9", "--alpha"}, 1, {"--alpha", "bgr"}},
+    {"paletteLine", {"palette", "grey.png", "x.png", "--palette", "palette.txt"}, 1,
+     {"palette.txt", "line 2", "'red'"}},
+    {"paletteTooLong", {"palette", "grey.png", "x.png", "--palette", "long.txt", "--bits", "1"}, 1,
+     {"long.txt", "2 entries"}},
+    {"mirrorPacked", {"mirror", "-", "x.raw", "--layout", "yuyv", "--size", "2x1"}, 1, {"4"}, "abcd"},
+    {"demoBadInput", {"demo", "page", "--input", "cut.png"}, 1, {"cut.png"}},
+    // Outputs that cannot be written.
+    {"noFolder", {"copy", "whole.png", "nowhere/x.png"}, 1, {"nowhere/x.png", "No such file"}},
+    {"folderAsOutput", {"copy", "whole.png", "folder", "--format", "png"}, 1, {"folder", "directory"}},
+    {"fullDevice", {"copy", "whole.png", "/dev/full", "--format", "png"}, 1, {"/dev/full", "No space"}},
+    {"demoIntoFile", {"demo", "old.png"}, 1, {"old.png"}},
+};
+
+INSTANTIATE_TEST_SUITE_P(All, BadInput, testing::ValuesIn(kBad),
+                         [](const auto& info) { return info.param.name; });
+
+}  // namespace
+}  // namespace tooltest

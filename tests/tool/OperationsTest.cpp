@@ -1,0 +1,163 @@
+// What the sub-commands do to pixels, on headerless frames through pipes, against plain formulas.
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "Program.h"
+
+namespace tooltest {
+namespace {
+
+constexpr int kWidth = 37;
+constexpr int kHeight = 21;
+
+// One frame of packed pixels: `bytes` bytes each.
+struct Pixels {
+  std::string data;
+  int bytes;
+  char& At(int x, int y, int c) {
+    return data[static_cast<std::size_t>((y * kWidth + x) * bytes + c)];
+  }
+};
+
+Pixels Empty(int bytes) { return {std::string(kWidth * kHeight * bytes, '\0'), bytes}; }
+
+// The pixel function: byte c of destination pixel (x, y).
+using Formula = std::function<int(Pixels& source, int x, int y, int c)>;
+
+struct Operation {
+  const char* name;
+  Arguments arguments;  // between the sub-command's name and what describes the frames
+  const char* layout;
+  int sourceBytes;
+  int resultBytes;
+  Formula formula;
+};
+
+int At(Pixels& pixels, int x, int y, int c) {
+  return static_cast<unsigned char>(pixels.At(x, y, c));
+}
+
+class OperationTest : public testing::TestWithParam<Operation> {};
+
+TEST_P(OperationTest, FollowsItsFormula) {
+  const Operation& operation = GetParam();
+  Workplace place;
+  Pixels source{Noise(kWidth * kHeight * static_cast<std::size_t>(operation.sourceBytes), 7),
+                operation.sourceBytes};
+  place.Write("own.txt", "#010203\n#ff8000\n");
+  place.Write("other.raw", std::string(kWidth * kHeight * 3, '\x42'));
+  ASSERT_EQ(place.Run({"copy", "other.raw", "other.png", "--layout", "bgr", "--size", "37x21"}).exitCode,
+            0);
+  place.Write("mask.raw", std::string(kWidth * kHeight, '\x33'));
+  ASSERT_EQ(place.Run({"copy", "mask.raw", "mask.png", "--layout", "grey", "--size", "37x21"}).exitCode,
+            0);
+
+  Arguments arguments = operation.arguments;
+  arguments.insert(arguments.end(), {"-", "-", "--layout", operation.layout, "--size", "37x21"});
+  const Outcome outcome = place.Run(arguments, source.data);
+  ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
+  EXPECT_EQ(outcome.err, "");
+  Pixels expected = Empty(operation.resultBytes);
+  for (int y = 0; y < kHeight; ++y)
+    for (int x = 0; x < kWidth; ++x)
+      for (int c = 0; c < operation.resultBytes; ++c)
+        expected.At(x, y, c) = static_cast<char>(operation.formula(source, x, y, c));
+  EXPECT_TRUE(outcome.out == expected.data);
+}
+
+bool InRegion(int x, int y) { return x >= 3 && x < 20 && y >= 4 && y < 13; }
+
+const Operation kOperations[] = {
+    {"copy", {"copy"}, "bgr", 3, 3, At},
+    {"greyToBgr", {"copy", "--to", "bgr"}, "grey", 1, 3,
+     [](Pixels& s, int x, int y, int) { return At(s, x, y, 0); }},
+    {"bgrToBgra", {"copy", "--to", "bgra"}, "bgr", 3, 4,
+     [](Pixels& s, int x, int y, int c) { return c == 3 ? 255 : At(s, x, y, c); }},
+    {"bgraWithMask", {"copy", "--to", "bgra", "--alpha", "mask.png"}, "bgr", 3, 4,
+     [](Pixels& s, int x, int y, int c) { return c == 3 ? 0x33 : At(s, x, y, c); }},
+    {"bgraToBgr", {"copy", "--to", "bgr"}, "bgra", 4, 3, At},
+    {"bgraStays", {"copy"}, "bgra", 4, 4, At},
+    {"intoGreen", {"copy", "--to", "green"}, "grey", 1, 3,
+     [](Pixels& s, int x, int y, int c) { return c == 1 ? At(s, x, y, 0) : 0; }},
+    {"intoRedOfPicture", {"copy", "--to", "red", "--onto", "other.png"}, "grey", 1, 3,
+     [](Pixels& s, int x, int y, int c) { return c == 2 ? At(s, x, y, 0) : 0x42; }},
+    {"mirrorTopBottom", {"mirror", "--axis", "top-bottom"}, "bgr", 3, 3,
+     [](Pixels& s, int x, int y, int c) { return At(s, x, kHeight - 1 - y, c); }},
+    {"mirrorLeftRight", {"mirror"}, "bgra", 4, 4,
+     [](Pixels& s, int x, int y, int c) { return At(s, kWidth - 1 - x, y, c); }},
+    {"mirrorBoth", {"mirror", "--axis", "both"}, "grey", 1, 1,
+     [](Pixels& s, int x, int y, int c) { return At(s, kWidth - 1 - x, kHeight - 1 - y, c); }},
+    {"scale", {"scale", "--by", "77"}, "bgr", 3, 3,
+     [](Pixels& s, int x, int y, int c) { return At(s, x, y, c) * 77 / 255; }},
+    {"scaleLeavesAlpha", {"scale", "--by", "200"}, "bgra", 4, 4,
+     [](Pixels& s, int x, int y, int c) {
+       return c == 3 ? At(s, x, y, c) : At(s, x, y, c) * 200 / 255;
+     }},
+    {"scaleAlphaAlone", {"scale", "--by", "200", "--alpha"}, "bgra", 4, 4,
+     [](Pixels& s, int x, int y, int c) {
+       return c == 3 ? At(s, x, y, c) * 200 / 255 : At(s, x, y, c);
+     }},
+    {"fillRegion", {"fill", "--colour", "#102030", "--region", "3,4,17,9"}, "bgr", 3, 3,
+     [](Pixels& s, int x, int y, int c) {
+       return InRegion(x, y) ? 0x30 - 0x10 * c : At(s, x, y, c);
+     }},
+    {"fillAll", {"fill", "--colour", "1,2,3"}, "bgra", 4, 4,
+     [](Pixels&, int, int, int c) { return c == 3 ? 255 : c + 1; }},
+    {"palette", {"palette", "--name", "grey"}, "grey", 1, 3,
+     [](Pixels& s, int x, int y, int) { return At(s, x, y, 0); }},
+    {"ownPaletteOfOneBit", {"palette", "--palette", "own.txt", "--bits", "1"}, "grey", 1, 3,
+     [](Pixels& s, int x, int y, int c) {
+       constexpr int kEntries[2][3] = {{3, 2, 1}, {0x00, 0x80, 0xff}};
+       return kEntries[At(s, x, y, 0) & 1][c];
+     }},
+};
+
+INSTANTIATE_TEST_SUITE_P(All, OperationTest, testing::ValuesIn(kOperations),
+                         [](const auto& info) { return info.param.name; });
+
+// Planar video: each plane on its own grid. 6x4 in 4:2:0 has chroma of 3x2.
+TEST(PlanarVideo, PlanesAreWorkedOnEachOnItsOwnGrid) {
+  struct Case {
+    Arguments arguments;
+    std::string expected;
+  };
+  const std::string header = "YUV4MPEG2 W6 H4 C420jpeg F25:1\nFRAME\n";
+  const std::string luma = "abcdefghijklmnopqrstuvwx", cb = "ABCDEF", cr = "123456";
+  const Case cases[] = {
+      {{"mirror", "-", "-"}, header + "fedcba" "lkjihg" "rqponm" "xwvuts" "CBAFED" "321654"},
+      {{"mirror", "-", "-", "--axis", "both"}, header + "xwvutsrqponmlkjihgfedcba" "FEDCBA" "654321"},
+      {{"scale", "-", "-", "--by", "0"}, header + std::string(24, '\0') + cb + cr},
+      {{"fill", "-", "-", "--colour", "48,49,50", "--region", "1,1,2,1"},
+       header + "abcdef" "g00jkl" "mnopqrstuvwx" "11CDEF" "223456"},
+      {{"copy", "-", "-", "--region", "2,2,3,2"},
+       "YUV4MPEG2 W3 H2 C420jpeg F25:1\nFRAME\n" "opquvw" "EF" "56"},
+      {{"copy", "-", "-", "--format", "raw"}, luma + cb + cr},
+      {{"palette", "-", "-", "--name", "grey", "--format", "raw"},
+       [&] {
+         std::string bgr;
+         for (char c : luma) bgr += std::string(3, c);
+         return bgr;
+       }()},
+  };
+  for (const Case& test : cases) {
+    Workplace place;
+    const Outcome outcome = place.Run(test.arguments, header + luma + cb + cr);
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+    EXPECT_EQ(outcome.out, test.expected) << testing::PrintToString(test.arguments);
+  }
+}
+
+TEST(Fill, ColoursOfVideoAreConverted) {
+  // ITU-R BT.601 studio range: red is Y 81, Cb 90, Cr 240; white is 235, 128, 128.
+  Workplace place;
+  const auto fill = [&](const char* layout, const char* colour) {
+    return place.Run({"fill", "-", "--layout", layout, "--size", "2x2", "--colour", colour}).out;
+  };
+  EXPECT_EQ(fill("i420", "#ff0000"), "\x51\x51\x51\x51\x5a\xf0");
+  EXPECT_EQ(fill("yv12", "#ff0000"), "\x51\x51\x51\x51\xf0\x5a");
+  EXPECT_EQ(fill("i444", "#ffffff"), std::string(4, '\xeb') + std::string(8, '\x80'));
+}
+
+}  // namespace
+}  // namespace tooltest

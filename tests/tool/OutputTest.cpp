@@ -1,0 +1,113 @@
+// How outputs come to be, and what is said on the terminal.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <sstream>
+#include <thread>
+
+#include "Program.h"
+
+namespace tooltest {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+const std::string kStart = "YUV4MPEG2 W2 H1 Cmono\nFRAME\nab";
+
+TEST(Output, ReplacesAnExistingFileAndKeepsItsRights) {
+  Workplace place;
+  place.Write("target.png", "old");
+  fs::permissions(place.Path("target.png"), fs::perms(0640));
+  fs::create_symlink("target.png", place.Path("link.png"));
+  ASSERT_EQ(place.Run({"fill", "link.png", "--size", "2x2", "--colour", "1"}).exitCode, 0);
+  EXPECT_TRUE(fs::is_symlink(place.Path("link.png")));
+  EXPECT_EQ(place.Read("target.png").substr(1, 3), "PNG");
+  EXPECT_EQ(fs::status(place.Path("target.png")).permissions(), fs::perms(0640));
+  EXPECT_EQ(place.Files(), (std::vector<std::string>{"link.png", "target.png"}));
+}
+
+TEST(Output, MayBeTheInput) {
+  Workplace place;
+  place.Write("clip.y4m", kStart + "FRAME\ncd");
+  ASSERT_EQ(place.Run({"mirror", "clip.y4m", "clip.y4m"}).exitCode, 0);
+  EXPECT_EQ(place.Read("clip.y4m"), "YUV4MPEG2 W2 H1 Cmono F25:1\nFRAME\nbaFRAME\ndc");
+}
+
+TEST(Output, IsRemovedWhenTheProgramIsInterrupted) {
+  for (int signal : {SIGINT, SIGTERM}) {
+    Workplace place;
+    int pipe[2];
+    ASSERT_EQ(::pipe2(pipe, O_CLOEXEC), 0);
+    const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
+    const int process = Start(place.Path(""), {"copy", "-", "x.y4m"}, pipe[0], null, null);
+    ASSERT_EQ(write(pipe[1], kStart.data(), kStart.size()), static_cast<ssize_t>(kStart.size()));
+    for (int i = 0; i < 500 && place.Files().empty(); ++i) std::this_thread::sleep_for(10ms);
+    EXPECT_EQ(place.Files().size(), 1u);  // the temporary file
+    EXPECT_FALSE(fs::exists(place.Path("x.y4m")));
+    kill(process, signal);
+    EXPECT_EQ(WaitFor(process), 128 + signal);
+    EXPECT_TRUE(place.Files().empty());
+    close(pipe[0]);
+    close(pipe[1]);
+    close(null);
+  }
+}
+
+TEST(Progress, IsShownOnATerminal) {
+  Workplace place;
+  const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+  ASSERT_EQ(grantpt(terminal) + unlockpt(terminal), 0);
+  const int screen = open(ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  int pipe[2];
+  ASSERT_EQ(::pipe2(pipe, O_CLOEXEC), 0);
+  const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
+  const int process = Start(place.Path(""), {"copy", "-", "x.y4m"}, pipe[0], null, screen);
+  ASSERT_GT(write(pipe[1], kStart.data(), kStart.size()), 0);
+  std::this_thread::sleep_for(500ms);  // longer than the tool waits before it shows a bar
+  ASSERT_GT(write(pipe[1], "FRAME\ncd", 8), 0);
+  close(pipe[1]);
+  EXPECT_EQ(WaitFor(process), 0);
+  char text[1000];
+  const ssize_t count = read(terminal, text, sizeof text);
+  ASSERT_GT(count, 0);
+  EXPECT_NE(std::string(text, static_cast<std::size_t>(count)).find("2 frames"), std::string::npos);
+  for (int descriptor : {pipe[0], null, screen, terminal}) close(descriptor);
+}
+
+TEST(Help, IsThereForEverySubCommand) {
+  Workplace place;
+  const Outcome all = place.Run({"--help"});
+  EXPECT_EQ(all.exitCode, 0);
+  std::istringstream lines(all.out.substr(all.out.find("Subcommands:")));
+  std::string line;
+  std::getline(lines, line);
+  int commands = 0;
+  while (std::getline(lines, line) && line.starts_with("  ")) {
+    std::string name;
+    std::istringstream(line) >> name;
+    if (name.empty() || line[2] == ' ') continue;  // the second line of a description
+    ++commands;
+    const Outcome help = place.Run({name, "--help"});
+    EXPECT_EQ(help.exitCode, 0) << name;
+    EXPECT_NE(help.out.find("Usage: qvtool " + name), std::string::npos) << help.out;
+    EXPECT_EQ(help.err, "");
+  }
+  EXPECT_GE(commands, 7);
+}
+
+TEST(Info, NamesWhatTheLibraryRuns) {
+  Workplace place;
+  const std::string info = place.Run({"info"}).out;
+  for (const char* part : {"version", "processor", "variant", "wide level", "thread budget",
+                           "CopyRows_8u_C1", "Mirror_8u_C3", "[own]"})
+    EXPECT_NE(info.find(part), std::string::npos) << part;
+}
+
+}  // namespace
+}  // namespace tooltest

@@ -1,0 +1,79 @@
+// Arguments that several sub-commands take, and the text forms of sizes, regions and colours.
+#ifndef QVTOOL_ARGUMENTS_H
+#define QVTOOL_ARGUMENTS_H
+
+#include <CLI/App.hpp>
+#include <array>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Error.h"
+#include "io/FrameStream.h"
+
+namespace qvtool {
+
+// Each parser throws a UsageError that names the argument, what was given and what is wanted.
+int ParseInteger(const std::string& argument, const std::string& text, int least, int most);
+IppiSize ParseSize(const std::string& argument, const std::string& text);      // "640x360"
+IppiRect ParseRegion(const std::string& argument, const std::string& text);    // "x,y,w,h"
+
+// A colour as the user gives it: "#rrggbb", one value, or one value a channel in the order of the
+// layout (grey; blue, green, red; Y, Cb, Cr).
+class Colour {
+ public:
+  static Colour Parse(const std::string& argument, const std::string& text);
+
+  // The sample values of every channel of `layout` except alpha: grey or B, G, R or Y, Cb, Cr.
+  // Throws a UsageError when a colour of this form cannot be meant for the layout.
+  std::array<unsigned char, 3> In(Layout layout) const;
+
+ private:
+  std::string argument_;
+  std::string text_;
+  bool isRgb_ = false;
+  std::vector<unsigned char> values_;
+};
+
+// The positional IN and OUT with what belongs to them.
+void AddInput(CLI::App& app, InputSpec& spec);
+void AddOutput(CLI::App& app, OutputSpec& spec);
+
+// The same without the positional, for sub-commands that name their files in another way.
+void AddRawInputOptions(CLI::App& app, InputSpec& spec);
+void AddOutputOptions(CLI::App& app, OutputSpec& spec);
+
+CLI::Option* AddRegion(CLI::App& app, std::optional<IppiRect>& region);
+
+// Throws a UsageError when the region is not inside the frame.
+void CheckRegion(const IppiRect& region, const Frame& frame);
+
+CLI::Option* AddInteger(CLI::App& app, const std::string& name, int& value, int least, int most,
+                        const std::string& about);
+
+// An option that is one of a few words.
+template <class Value>
+CLI::Option* AddChoice(CLI::App& app, const std::string& name, Value& value,
+                       const std::vector<std::pair<std::string, Value>>& choices,
+                       const std::string& about) {
+  std::string words;
+  for (const auto& [word, meaning] : choices) words += (words.empty() ? "" : "|") + word;
+  CLI::Option* option = app.add_option_function<std::string>(
+      name,
+      [name, words, choices, &value](const std::string& text) {
+        for (const auto& [word, meaning] : choices) {
+          if (word == text) {
+            value = meaning;
+            return;
+          }
+        }
+        throw UsageError(name + ": '" + text + "' given; wanted is " + words);
+      },
+      about);
+  return option->type_name(words);
+}
+
+}  // namespace qvtool
+
+#endif

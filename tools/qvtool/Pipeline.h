@@ -1,0 +1,21 @@
+// The loop that most sub-commands are: read a frame, work on it, write it.
+#ifndef QVTOOL_PIPELINE_H
+#define QVTOOL_PIPELINE_H
+
+#include <functional>
+
+#include "io/FrameStream.h"
+
+namespace qvtool {
+
+// Works on one frame. `in` may be changed; `out` keeps its memory from frame to frame and is given
+// its shape by the function. Returns the one of the two that is to be written.
+using FrameFunction = std::function<Frame&(Frame& in, Frame& out)>;
+
+// Runs `work` on every frame of the input and writes the results, with a progress bar for videos.
+// Arguments of the output are checked before the first frame is read.
+void ForEachFrame(const InputSpec& input, const OutputSpec& output, const FrameFunction& work);
+
+}  // namespace qvtool
+
+#endif

@@ -1,0 +1,193 @@
+// qvtool copy: copies, crops and changes the layout of pixels.
+#include <functional>
+
+#include "Command.h"
+#include "Pipeline.h"
+#include "io/Status.h"
+
+namespace qvtool {
+namespace {
+
+enum class Target { Same, Bgr, Bgra, Blue, Green, Red };
+
+struct Options {
+  InputSpec input;
+  OutputSpec output;
+  std::optional<IppiRect> region;
+  Target target = Target::Same;
+  std::string onto;
+  std::string alpha;
+};
+
+// The frame itself, or a copy of the part that the region covers.
+Frame& Crop(const Options& options, Frame& in, Frame& out) {
+  const IppiRect region = options.region.value_or(in.Bounds());
+  CheckRegion(region, in);
+  const LayoutInfo& info = in.Info();
+  // Chroma of a region that starts between two chroma samples would be shifted against its luma.
+  for (int i = 0; i < info.planes; ++i) {
+    const int columns = 1 << info.plane[i].shiftX;
+    const int rows = 1 << info.plane[i].shiftY;
+    if (region.x % columns != 0 || region.y % rows != 0)
+      throw UsageError("--region: " + std::to_string(region.x) + "," + std::to_string(region.y) +
+                       " given as its corner; wanted is a multiple of " + std::to_string(columns) +
+                       "," + std::to_string(rows) + ", where " + NameOf(in.GetLayout()) +
+                       " frames have chroma samples");
+  }
+  out.Reset(in.GetLayout(), region.width, region.height);
+  for (int i = 0; i < in.Planes(); ++i) {
+    const Plane from = in.PlaneAt(i).Cut(region, info.plane[i]);
+    const Plane& to = out.PlaneAt(i);
+    const bool isColour = from.bytes == 3;
+    Check("qvCopy", CqvAccLib::qvCopy(isColour ? CqvAccLib::ThreeChannels : CqvAccLib::OneChannel,
+                                      from.data, from.step, to.data, to.step,
+                                      isColour ? from.Size() : from.SizeInBytes()));
+  }
+  return out;
+}
+
+[[noreturn]] void CannotBecome(const Frame& frame, const char* wanted) {
+  throw Error("--to: " + NameOf(frame.GetLayout()) + " frames cannot become " + wanted +
+              " by copying");
+}
+
+void GreyToBgr(const Plane& from, const Plane& to) {
+  Check("qvDup", CqvAccLib::qvDup(CqvAccLib::OneChannel, from.data, from.step, to.data, to.step,
+                                  from.Size()));
+}
+
+void CopyColour(const Plane& from, const Plane& to) {
+  Check("qvCopy", CqvAccLib::qvCopy(CqvAccLib::ThreeChannels, from.data, from.step, to.data, to.step,
+                                    from.Size()));
+}
+
+// A picture given by an option, which must have the size of the frames.
+Frame Companion(const char* option, const std::string& path, const Frame& frame) {
+  Frame picture = ReadPicture(path);
+  if (picture.Width() != frame.Width() || picture.Height() != frame.Height())
+    throw Error(std::string(option) + ": " + path + " is " + std::to_string(picture.Width()) + "x" +
+                std::to_string(picture.Height()) + "; wanted is the size of the input, " +
+                std::to_string(frame.Width()) + "x" + std::to_string(frame.Height()));
+  return picture;
+}
+
+class Copier {
+ public:
+  explicit Copier(const Options& options) : options_(options) {}
+
+  Frame& operator()(Frame& in, Frame& out) {
+    Frame& part = options_.region ? Crop(options_, in, cropped_) : in;
+    switch (options_.target) {
+      case Target::Same: return options_.region ? part : Crop(options_, in, out);
+      case Target::Bgr: return ToBgr(part, out);
+      case Target::Bgra: return ToBgra(part, out);
+      default: return IntoChannel(part, out);
+    }
+  }
+
+ private:
+  Frame& ToBgr(const Frame& in, Frame& out) {
+    if (in.Info().isYCbCr) CannotBecome(in, "bgr");
+    out.Reset(Layout::Bgr, in.Width(), in.Height());
+    if (in.GetLayout() == Layout::Grey)
+      GreyToBgr(in.PlaneAt(0), out.PlaneAt(0));
+    else
+      CopyColour(in.PlaneAt(0), out.PlaneAt(0));
+    return out;
+  }
+
+  Frame& ToBgra(const Frame& in, Frame& out) {
+    if (in.Info().isYCbCr) CannotBecome(in, "bgra");
+    out.Reset(Layout::Bgra, in.Width(), in.Height());
+    if (in.GetLayout() == Layout::Grey)
+      GreyToBgr(in.PlaneAt(0), out.PlaneAt(0));
+    else
+      CopyColour(in.PlaneAt(0), out.PlaneAt(0));
+    const Plane& alpha = out.PlaneAt(1);
+    if (!options_.alpha.empty()) {
+      if (companion_.Empty()) companion_ = Companion("--alpha", options_.alpha, in);
+      if (companion_.GetLayout() != Layout::Grey)
+        throw Error("--alpha: " + options_.alpha + " is " + NameOf(companion_.GetLayout()) +
+                    "; wanted is a grey picture");
+      const Plane& from = companion_.PlaneAt(0);
+      Check("qvCopy", CqvAccLib::qvCopy(CqvAccLib::OneChannel, from.data, from.step, alpha.data,
+                                        alpha.step, alpha.Size()));
+    } else if (in.GetLayout() == Layout::Bgra) {
+      const Plane& from = in.PlaneAt(1);
+      Check("qvCopy", CqvAccLib::qvCopy(CqvAccLib::OneChannel, from.data, from.step, alpha.data,
+                                        alpha.step, alpha.Size()));
+    } else {
+      const unsigned char opaque = 255;
+      Check("qvSet", CqvAccLib::qvSet(CqvAccLib::OneChannel, &opaque, alpha.data, alpha.step,
+                                      alpha.Size()));
+    }
+    return out;
+  }
+
+  Frame& IntoChannel(const Frame& in, Frame& out) {
+    if (in.GetLayout() != Layout::Grey)
+      throw Error("--to: " + NameOf(in.GetLayout()) + " frames given; wanted is a grey plane for the channel");
+    out.Reset(Layout::Bgr, in.Width(), in.Height());
+    const Plane& from = in.PlaneAt(0);
+    const Plane& to = out.PlaneAt(0);
+    if (options_.onto.empty()) {
+      const unsigned char black[3] = {};
+      Check("qvSet",
+            CqvAccLib::qvSet(CqvAccLib::ThreeChannels, black, to.data, to.step, to.Size()));
+    } else {
+      if (companion_.Empty()) companion_ = Companion("--onto", options_.onto, in);
+      if (companion_.Info().isYCbCr)
+        throw Error("--onto: " + options_.onto + " is " + NameOf(companion_.GetLayout()) +
+                    "; wanted is a grey or colour picture");
+      if (companion_.GetLayout() == Layout::Grey)
+        GreyToBgr(companion_.PlaneAt(0), to);
+      else
+        CopyColour(companion_.PlaneAt(0), to);
+    }
+    const int channel = static_cast<int>(options_.target) - static_cast<int>(Target::Blue);
+    Check("qvCopy", CqvAccLib::qvCopy(CqvAccLib::PlaneToThreeChannels, from.data, from.step,
+                                      to.data + channel, to.step, from.Size()));
+    return out;
+  }
+
+  const Options& options_;
+  Frame cropped_;
+  Frame companion_;
+};
+
+void Run(const Options& options) {
+  const bool intoChannel = options.target >= Target::Blue;
+  if (!options.onto.empty() && !intoChannel)
+    throw UsageError("--onto: only with --to blue, --to green or --to red");
+  if (!options.alpha.empty() && options.target != Target::Bgra)
+    throw UsageError("--alpha: only with --to bgra");
+  Copier copier(options);
+  ForEachFrame(options.input, options.output, std::ref(copier));
+}
+
+void Configure(CLI::App& app) {
+  auto options = std::make_shared<Options>();
+  AddInput(app, options->input);
+  AddOutput(app, options->output);
+  AddRegion(app, options->region);
+  AddChoice<Target>(app, "--to", options->target,
+                    {{"same", Target::Same},
+                     {"bgr", Target::Bgr},
+                     {"bgra", Target::Bgra},
+                     {"blue", Target::Blue},
+                     {"green", Target::Green},
+                     {"red", Target::Red}},
+                    "Layout of the output: bgr drops alpha and makes grey into three channels, bgra "
+                    "adds alpha, blue, green and red put a grey plane into that channel");
+  app.add_option("--onto", options->onto,
+                 "Picture whose other channels stay beside the one written (black)")
+      ->type_name("FILE");
+  app.add_option("--alpha", options->alpha, "Grey picture that becomes the alpha of --to bgra (255)")
+      ->type_name("FILE");
+  app.callback([options] { Run(*options); });
+}
+
+const Command command{"copy", "Copy, crop, or change between grey, BGR and BGRA", Configure};
+
+}  // namespace
+}  // namespace qvtool

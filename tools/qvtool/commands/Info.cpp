@@ -1,0 +1,69 @@
+// qvtool info: what this processor gets, or what a file holds.
+#include <cstdio>
+#include <cstring>
+
+#include "Command.h"
+#include "HostInfo.h"
+#include "io/Y4mFile.h"
+
+namespace qvtool {
+namespace {
+
+void PrintHost() {
+  const HostInfo host = DescribeHost();
+  std::printf("version          %s\n", QVACCELERATEDLIB_VERSION);
+  std::printf("processor        class 0x%x: %s\n", host.cpuCode, host.cpuClass.c_str());
+  std::printf("variant          %d (%s)\n", host.variantIndex, host.variant.c_str());
+  std::printf("wide level       %d (%s)\n", host.wideLevel, host.wide.c_str());
+  std::printf("carry-less level %d (%s)\n", host.carrylessLevel, host.carryless.c_str());
+  std::printf("thread budget    %d\n", host.threadBudget);
+  std::printf("\nRows of each kernel that are written for a level; '-' uses those of the next lower one,\n"
+              "[ ] marks what this processor runs.\n\n%-26s", "");
+  for (const char* level : kLevelNames) std::printf(" %-9s", level);
+  std::printf("\n");
+  for (const KernelLevels& kernel : AllKernels()) {
+    std::printf("%-26s", kernel.name);
+    // A built level serves itself, or else repeats the name of a lower one.
+    const char* running = kernel.level[host.builtLevel];
+    for (int i = 0; i < kBuiltLevels; ++i) {
+      const bool own = std::strcmp(kernel.level[i], kLevelNames[i]) == 0;
+      const bool here = own && std::strcmp(running, kLevelNames[i]) == 0;
+      std::printf(" %-9s", here ? "[own]" : own ? "own" : "-");
+    }
+    std::printf("\n");
+  }
+}
+
+void PrintFile(const InputSpec& input) {
+  const auto reader = OpenInput(input);
+  Frame frame;
+  long frames = 0;
+  while (reader->Next(frame)) ++frames;
+  if (frames == 0) throw Error(reader->Source().Name() + ": holds no frame");
+  std::printf("format  %s\nlayout  %s\nsize    %dx%d\n", NameOf(reader->Format()),
+              NameOf(frame.GetLayout()).c_str(), frame.Width(), frame.Height());
+  if (!reader->IsVideo()) return;
+  std::printf("frames  %ld\n", frames);
+  if (reader->Format() != FileFormat::Y4m) return;
+  std::printf("fields ");
+  for (const std::string& field : reader->Fields()) std::printf(" %s", field.c_str());
+  std::printf("\n");
+}
+
+void Configure(CLI::App& app) {
+  auto input = std::make_shared<InputSpec>();
+  app.add_option("IN", input->path, "A file to describe instead of the library; - for standard input");
+  AddRawInputOptions(app, *input);
+  app.callback([input] {
+    if (input->path.empty())
+      PrintHost();
+    else
+      PrintFile(*input);
+  });
+}
+
+const Command command{"info", "Show what the library runs on this processor, or what a file holds",
+                      Configure};
+
+}  // namespace
+}  // namespace qvtool

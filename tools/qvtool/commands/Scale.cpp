@@ -1,0 +1,57 @@
+// qvtool scale: darkens frames by a constant.
+#include "Command.h"
+#include "Pipeline.h"
+#include "io/Status.h"
+
+namespace qvtool {
+namespace {
+
+struct Options {
+  InputSpec input;
+  OutputSpec output;
+  int value = 255;
+  bool alpha = false;
+};
+
+void ScalePlane(const Plane& plane, int value) {
+  Check("qvMulCScale",
+        CqvAccLib::qvMulCScale(CqvAccLib::ScalePlane, static_cast<unsigned char>(value), plane.data,
+                               plane.step, plane.SizeInBytes()));
+}
+
+Frame& Scale(const Options& options, Frame& frame) {
+  const LayoutInfo& info = frame.Info();
+  if (options.alpha) {
+    if (info.alphaPlane < 0)
+      throw Error("--alpha: the frames are " + NameOf(info.layout) + ", which has no alpha");
+    ScalePlane(frame.PlaneAt(info.alphaPlane), options.value);
+    return frame;
+  }
+  if (info.layout == Layout::Yuyv)
+    throw Error("scaling takes planes of luma, and yuyv frames mix luma with chroma");
+  // Chroma lies around 128: only luma can be scaled towards black.
+  ScalePlane(frame.PlaneAt(0), options.value);
+  return frame;
+}
+
+void Run(const Options& options) {
+  ForEachFrame(options.input, options.output,
+               [&](Frame& in, Frame&) -> Frame& { return Scale(options, in); });
+}
+
+void Configure(CLI::App& app) {
+  auto options = std::make_shared<Options>();
+  AddInput(app, options->input);
+  AddOutput(app, options->output);
+  AddInteger(app, "--by", options->value, 0, 255,
+             "Every byte becomes floor(byte * this / 255): 255 changes nothing, 0 is black")
+      ->required();
+  app.add_flag("--alpha", options->alpha, "Scale the alpha instead of the colours: fade to nothing");
+  app.footer("Of frames with luma and chroma only the luma is scaled.");
+  app.callback([options] { Run(*options); });
+}
+
+const Command command{"scale", "Multiply all samples by a constant from 0 to 1", Configure};
+
+}  // namespace
+}  // namespace qvtool

@@ -1,0 +1,19 @@
+// How long calls take.
+#ifndef QVTOOL_DEMO_MEASURE_H
+#define QVTOOL_DEMO_MEASURE_H
+
+#include "demo/Panel.h"
+
+namespace qvtool::demo {
+
+struct Timing {
+  double milliseconds;  // median of the runs
+  int runs;
+};
+
+// Makes the calls once unmeasured and then several times. Throws an Error when one of them fails.
+Timing Measure(const Panel& panel);
+
+}  // namespace qvtool::demo
+
+#endif

@@ -1,0 +1,163 @@
+#include "demo/Scene.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "Error.h"
+#include "demo/TestCard.h"
+#include "io/FrameStream.h"
+#include "io/Status.h"
+
+namespace qvtool::demo {
+namespace {
+
+unsigned char Clamp(double value) {
+  return static_cast<unsigned char>(std::lround(std::clamp(value, 0.0, 255.0)));
+}
+
+// Luma by the weights of ITU-R BT.601, full range.
+Frame Luma(const Frame& bgr) {
+  Frame grey(Layout::Grey, bgr.Width(), bgr.Height());
+  for (int y = 0; y < bgr.Height(); ++y) {
+    const unsigned char* from = bgr.PlaneAt(0).Row(y);
+    unsigned char* to = grey.PlaneAt(0).Row(y);
+    for (int x = 0; x < bgr.Width(); ++x, from += 3)
+      to[x] = static_cast<unsigned char>((114 * from[0] + 587 * from[1] + 299 * from[2] + 500) / 1000);
+  }
+  return grey;
+}
+
+// A plain conversion of planar frames, ITU-R BT.601 studio range, chroma repeated.
+Frame PlanarToBgr(const Frame& frame) {
+  const LayoutInfo& info = frame.Info();
+  Frame bgr(Layout::Bgr, frame.Width(), frame.Height());
+  for (int y = 0; y < frame.Height(); ++y) {
+    unsigned char* to = bgr.PlaneAt(0).Row(y);
+    for (int x = 0; x < frame.Width(); ++x, to += 3) {
+      const double luma = (frame.PlaneAt(0).Row(y)[x] - 16) * 255.0 / 219;
+      const auto chroma = [&](int plane) {
+        const PlaneShape& shape = info.plane[plane];
+        return (frame.PlaneAt(plane).Row(y >> shape.shiftY)[x >> shape.shiftX] - 128) * 255.0 / 224;
+      };
+      const double cb = chroma(1), cr = chroma(2);
+      to[0] = Clamp(luma + 1.772 * cb);
+      to[1] = Clamp(luma - 0.344136 * cb - 0.714136 * cr);
+      to[2] = Clamp(luma + 1.402 * cr);
+    }
+  }
+  return bgr;
+}
+
+Frame ToBgr(Frame frame, const std::string& path) {
+  switch (frame.GetLayout()) {
+    case Layout::Bgr:
+      return frame;
+    case Layout::Grey:
+    case Layout::Bgra: {
+      Frame bgr(Layout::Bgr, frame.Width(), frame.Height());
+      const Plane& from = frame.PlaneAt(0);
+      const Plane& to = bgr.PlaneAt(0);
+      if (from.bytes == 1)
+        Check("qvDup", CqvAccLib::qvDup(CqvAccLib::OneChannel, from.data, from.step, to.data,
+                                        to.step, to.Size()));
+      else
+        Check("qvCopy", CqvAccLib::qvCopy(CqvAccLib::ThreeChannels, from.data, from.step, to.data,
+                                          to.step, to.Size()));
+      return bgr;
+    }
+    case Layout::I420:
+    case Layout::I411:
+    case Layout::I422:
+    case Layout::I444:
+    case Layout::I444Alpha:
+      return PlanarToBgr(frame);
+    default:
+      throw Error(path + ": the demo takes pictures and Y4M clips");
+  }
+}
+
+// The frame moved left by `pixels`; its last columns stay.
+Frame Panned(const Frame& frame, int pixels) {
+  Frame panned = frame.Clone();
+  const Plane& from = frame.PlaneAt(0);
+  const Plane& to = panned.PlaneAt(0);
+  if (frame.Width() > pixels)
+    Check("qvCopy",
+          CqvAccLib::qvCopy(CqvAccLib::ThreeChannels, from.data + 3 * pixels, from.step, to.data,
+                            to.step, {frame.Width() - pixels, frame.Height()}));
+  return panned;
+}
+
+Frame Weave(const Frame& even, const Frame& odd) {
+  Frame woven = even.Clone();
+  if (even.Height() < 2) return woven;
+  const Plane& from = odd.PlaneAt(0);
+  const Plane& to = woven.PlaneAt(0);
+  Check("qvCopy", CqvAccLib::qvCopy(CqvAccLib::ThreeChannels, from.Row(1), 2 * from.step, to.Row(1),
+                                    2 * to.step, {even.Width(), even.Height() / 2}));
+  return woven;
+}
+
+Frame Vignette(int width, int height) {
+  Frame mask(Layout::Grey, width, height);
+  for (int y = 0; y < height; ++y) {
+    unsigned char* row = mask.PlaneAt(0).Row(y);
+    for (int x = 0; x < width; ++x) {
+      const double dx = (x + 0.5) / width * 2 - 1;
+      const double dy = (y + 0.5) / height * 2 - 1;
+      row[x] = Clamp((1.05 - std::sqrt(dx * dx + dy * dy)) / 0.45 * 255);
+    }
+  }
+  return mask;
+}
+
+IppiRect Inside(IppiRect region, const Frame& frame) {
+  region.width = std::min(region.width, frame.Width());
+  region.height = std::min(region.height, frame.Height());
+  region.x = std::clamp(region.x, 0, frame.Width() - region.width);
+  region.y = std::clamp(region.y, 0, frame.Height() - region.height);
+  return region;
+}
+
+Scene Complete(Scene scene) {
+  scene.woven = Weave(scene.colour, scene.later);
+  scene.grey = Luma(scene.colour);
+  scene.mask = Vignette(scene.colour.Width(), scene.colour.Height());
+  scene.moving = Inside(scene.moving, scene.colour);
+  scene.fine = Inside(scene.fine, scene.colour);
+  scene.about += ", " + std::to_string(scene.colour.Width()) + " × " +
+                 std::to_string(scene.colour.Height());
+  return scene;
+}
+
+}  // namespace
+
+Scene TestCardScene() {
+  Scene scene;
+  scene.about = "The test card";
+  scene.colour = DrawTestCard(21);
+  scene.later = DrawTestCard(22);
+  scene.moving = kTestCardMotion;
+  scene.fine = kTestCardDetail;
+  return Complete(std::move(scene));
+}
+
+Scene FileScene(const std::string& path) {
+  InputSpec spec;
+  spec.path = path;
+  const auto reader = OpenInput(spec);
+  Frame frame;
+  if (!reader->Next(frame)) throw Error(reader->Source().Name() + ": holds no frame");
+  Scene scene;
+  scene.about = path.substr(path.rfind('/') + 1);
+  scene.colour = ToBgr(std::move(frame), path);
+  Frame second;
+  scene.later = reader->Next(second) ? ToBgr(std::move(second), path)
+                                     : Panned(scene.colour, std::max(1, scene.colour.Width() / 160));
+  const int width = scene.colour.Width();
+  const int height = scene.colour.Height();
+  scene.moving = scene.fine = {width / 2 - 180, height / 2 - 101, 360, 202};
+  return Complete(std::move(scene));
+}
+
+}  // namespace qvtool::demo

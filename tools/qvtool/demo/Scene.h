@@ -1,0 +1,33 @@
+// The frames that the demo works on.
+#ifndef QVTOOL_DEMO_SCENE_H
+#define QVTOOL_DEMO_SCENE_H
+
+#include <string>
+
+#include "io/Frame.h"
+
+namespace qvtool::demo {
+
+struct Scene {
+  std::string about;  // what the frames show and their size
+
+  Frame colour;  // Bgr
+  Frame later;   // Bgr, one field later: what moves has moved on
+  Frame woven;   // Bgr, an interlaced frame: even rows of `colour`, odd rows of `later`
+  Frame grey;    // Grey, the luma of `colour`
+  Frame mask;    // Grey, an alpha plane: opaque in the middle, fading towards the edges
+
+  // A part of the frame in which something moves, and one with fine detail; both are inside the frame.
+  IppiRect moving;
+  IppiRect fine;
+};
+
+// The test card, drawn by the tool.
+Scene TestCardScene();
+
+// A picture, which pans a little from field to field, or the first two frames of a Y4M clip.
+Scene FileScene(const std::string& path);
+
+}  // namespace qvtool::demo
+
+#endif

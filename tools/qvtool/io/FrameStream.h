@@ -1,0 +1,86 @@
+// Frames in and out: what all file formats have in common, and the choice between them.
+#ifndef QVTOOL_IO_FRAMESTREAM_H
+#define QVTOOL_IO_FRAMESTREAM_H
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "io/ByteSource.h"
+#include "io/Frame.h"
+#include "io/OutputFile.h"
+
+namespace qvtool {
+
+enum class FileFormat { Png, Jpeg, Y4m, Raw };
+
+const char* NameOf(FileFormat format);
+
+// What a video stream says of itself besides its size: the fields of a Y4M header as they are
+// written there ("F25:1", "Ip", "A1:1", "C420jpeg", "XYSCSS=420"). Empty for pictures.
+using VideoFields = std::vector<std::string>;
+
+struct InputSpec {
+  std::string path;
+  // Both are given for headerless frames, and neither otherwise.
+  std::optional<Layout> layout;
+  std::optional<IppiSize> size;
+  // Frame rate of headerless frames, "25:1".
+  std::string rate = "25:1";
+};
+
+struct OutputSpec {
+  std::string path;
+  // Unset: by the extension of the path; for standard output, as the input.
+  std::optional<FileFormat> format;
+  int quality = 92;  // of a JPEG
+};
+
+class FrameReader {
+ public:
+  virtual ~FrameReader() = default;
+
+  // Reads the next frame; false at the end. Throws an Error for damaged input.
+  virtual bool Next(Frame& frame) = 0;
+
+  FileFormat Format() const { return format_; }
+  const VideoFields& Fields() const { return fields_; }
+  ByteSource& Source() { return *source_; }
+  bool IsVideo() const { return format_ == FileFormat::Y4m || format_ == FileFormat::Raw; }
+
+ protected:
+  FrameReader(std::unique_ptr<ByteSource> source, FileFormat format)
+      : source_(std::move(source)), format_(format) {}
+
+  std::unique_ptr<ByteSource> source_;
+  FileFormat format_;
+  VideoFields fields_;
+};
+
+class FrameWriter {
+ public:
+  virtual ~FrameWriter() = default;
+  virtual void Write(const Frame& frame) = 0;
+  // Makes the output appear under its name. Without it, nothing is left behind.
+  virtual void Finish() = 0;
+};
+
+// Chooses by the first bytes of the input; headerless frames by the layout given.
+std::unique_ptr<FrameReader> OpenInput(const InputSpec& spec);
+
+// The format that `spec` asks for; `input` is what an output to a pipe follows.
+FileFormat OutputFormat(const OutputSpec& spec, FileFormat input);
+
+// A path such as frame-%04d.png makes a picture of every frame, counted from 1.
+std::unique_ptr<FrameWriter> OpenOutput(const OutputSpec& spec, FileFormat input,
+                                        const VideoFields& fields);
+
+// The whole of a picture file, or the first frame of a video.
+Frame ReadPicture(const std::string& path);
+
+void WriteFile(const std::string& path, const std::vector<unsigned char>& bytes);
+
+}  // namespace qvtool
+
+#endif

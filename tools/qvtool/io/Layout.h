@@ -1,0 +1,57 @@
+// How the pixels of a frame lie in memory: the planes and their subsampling.
+#ifndef QVTOOL_IO_LAYOUT_H
+#define QVTOOL_IO_LAYOUT_H
+
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace qvtool {
+
+enum class Layout {
+  Grey,       // one plane of bytes
+  Bgr,        // blue, green, red interleaved
+  Bgra,       // a BGR plane and a plane of alpha; packed as B, G, R, A in files
+  Yuyv,       // Y0, Cb, Y1, Cr packed, 4:2:2
+  I420,       // planes Y, Cb, Cr, 4:2:0
+  Yv12,       // planes Y, Cr, Cb, 4:2:0
+  Nv12,       // plane Y and a plane of Cb, Cr pairs, 4:2:0
+  I411,       // planes Y, Cb, Cr, 4:1:1
+  I422,       // planes Y, Cb, Cr, 4:2:2
+  I444,       // planes Y, Cb, Cr, 4:4:4
+  I444Alpha,  // planes Y, Cb, Cr, 4:4:4 and a plane of alpha
+};
+
+// A plane has one unit of `bytes` bytes for every 2^shiftX columns and 2^shiftY rows of pixels,
+// rounded up at the right and lower edge.
+struct PlaneShape {
+  int shiftX;
+  int shiftY;
+  int bytes;
+};
+
+struct LayoutInfo {
+  Layout layout;
+  std::string_view name;
+  int planes;
+  PlaneShape plane[4];
+
+  // Whether plane 0 is luma and the colour planes lie around 128.
+  bool isYCbCr;
+  // The plane that holds alpha, or -1.
+  int alphaPlane;
+};
+
+std::span<const LayoutInfo> AllLayouts();
+const LayoutInfo& Describe(Layout layout);
+inline std::string NameOf(Layout layout) { return std::string(Describe(layout).name); }
+
+// The names of all layouts, for messages: "grey, bgr, ...".
+std::string LayoutNames();
+
+// Throws a UsageError that names the argument when there is no such layout.
+Layout ParseLayout(const std::string& argument, const std::string& text);
+
+}  // namespace qvtool
+
+#endif

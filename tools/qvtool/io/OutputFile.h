@@ -1,0 +1,39 @@
+// A file that appears under its name only once it is complete.
+#ifndef QVTOOL_IO_OUTPUTFILE_H
+#define QVTOOL_IO_OUTPUTFILE_H
+
+#include <cstdio>
+#include <string>
+
+namespace qvtool {
+
+// Writes to a temporary file beside `path` and renames it on Commit; what is not committed is
+// removed, also when the program is interrupted. Standard output ("-"), devices and named pipes are
+// written to directly. Every failure throws an Error that names the file.
+class OutputFile {
+ public:
+  explicit OutputFile(const std::string& path);
+  ~OutputFile();
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+
+  const std::string& Name() const { return name_; }
+  void Write(const void* bytes, std::size_t count);
+  void Write(const std::string& text) { Write(text.data(), text.size()); }
+  void Commit();
+
+ private:
+  [[noreturn]] void Fail(const char* what);
+
+  std::string name_;
+  std::string target_;
+  std::string temporary_;
+  std::FILE* file_ = nullptr;
+};
+
+// Has interruption signals remove the temporary file that is open. Called once, by main.
+void RemoveTemporaryFilesOnSignals();
+
+}  // namespace qvtool
+
+#endif

@@ -1,0 +1,27 @@
+// PNG pictures to and from memory.
+#ifndef QVTOOL_IO_PNGFILE_H
+#define QVTOOL_IO_PNGFILE_H
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "io/Frame.h"
+
+namespace qvtool {
+
+bool LooksLikePng(std::string_view firstBytes);
+
+// Decodes any PNG to 8 bits a sample: a grey one to a Grey frame, one with alpha or a transparent
+// colour to a Bgra frame, all others to a Bgr frame. Samples are taken as they are, whatever gamma
+// the file states; 16-bit samples are rounded to the nearest 8-bit value. `name` is what errors call
+// the picture.
+Frame DecodePng(std::span<const unsigned char> bytes, const std::string& name);
+
+// Encodes a Grey, Bgr or Bgra frame; any other layout throws an Error. `level` is the compression
+// effort from 1 (fast) to 9 (small).
+std::vector<unsigned char> EncodePng(const Frame& frame, const std::string& name, int level = 6);
+
+}  // namespace qvtool
+
+#endif

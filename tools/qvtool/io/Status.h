@@ -1,0 +1,17 @@
+// Turns the status of an operation into an Error.
+#ifndef QVTOOL_IO_STATUS_H
+#define QVTOOL_IO_STATUS_H
+
+#include "qvAcceleratedLib/CqvAccLib.h"
+
+namespace qvtool {
+
+// The meaning of a status, in a few words.
+const char* Meaning(IppStatus status);
+
+// Throws an Error that names the operation when the status is below 0; warnings pass.
+void Check(const char* operation, IppStatus status);
+
+}  // namespace qvtool
+
+#endif

@@ -1,0 +1,135 @@
+#include "io/Y4mFile.h"
+
+#include <charconv>
+#include <sstream>
+
+#include "Error.h"
+#include "io/RawFrames.h"
+
+namespace qvtool {
+namespace {
+
+constexpr std::string_view kMagic = "YUV4MPEG2";
+constexpr std::size_t kLongestLine = 4096;
+
+struct Colour {
+  std::string_view token;
+  Layout layout;
+};
+
+// The first token of a layout is the one written when the stream does not bring its own.
+constexpr Colour kColours[] = {
+    {"420jpeg", Layout::I420}, {"420mpeg2", Layout::I420}, {"420paldv", Layout::I420},
+    {"420", Layout::I420},     {"411", Layout::I411},      {"422", Layout::I422},
+    {"444", Layout::I444},     {"444alpha", Layout::I444Alpha}, {"mono", Layout::Grey},
+};
+
+int ParseExtent(const std::string& name, const std::string& field) {
+  int value = 0;
+  const char* end = field.data() + field.size();
+  const auto [stop, error] = std::from_chars(field.data() + 1, end, value);
+  if (error != std::errc() || stop != end || value < 1)
+    throw Error(name + ": the Y4M header says '" + field + "'; wanted is " + field[0] +
+                " and a number of at least 1");
+  return value;
+}
+
+Layout ParseColour(const std::string& name, std::string_view token) {
+  for (const Colour& colour : kColours)
+    if (colour.token == token) return colour.layout;
+  std::string known;
+  for (const Colour& colour : kColours)
+    known += (known.empty() ? "" : ", ") + std::string(colour.token);
+  throw Error(name + ": the Y4M colour format is '" + std::string(token) +
+              "'; wanted is one of the 8-bit formats " + known);
+}
+
+const Colour* FindColour(Layout layout) {
+  for (const Colour& colour : kColours)
+    if (colour.layout == layout) return &colour;
+  return nullptr;
+}
+
+}  // namespace
+
+bool LooksLikeY4m(std::string_view firstBytes) { return firstBytes.starts_with(kMagic); }
+
+Y4mReader::Y4mReader(std::unique_ptr<ByteSource> source)
+    : FrameReader(std::move(source), FileFormat::Y4m) {
+  const std::string& name = source_->Name();
+  std::string line;
+  if (!source_->ReadLine(line, kLongestLine))
+    throw Error(name + ": the Y4M header line is cut short or has no end");
+  std::istringstream words(line.substr(kMagic.size()));
+  for (std::string field; words >> field;) {
+    switch (field[0]) {
+      case 'W': size_.width = ParseExtent(name, field); break;
+      case 'H': size_.height = ParseExtent(name, field); break;
+      case 'C': layout_ = ParseColour(name, std::string_view(field).substr(1)); [[fallthrough]];
+      default: fields_.push_back(field);
+    }
+  }
+  if (size_.width == 0 || size_.height == 0)
+    throw Error(name + ": the Y4M header gives no " + (size_.width == 0 ? "width" : "height"));
+}
+
+bool Y4mReader::Next(Frame& frame) {
+  const std::string& name = source_->Name();
+  std::string line;
+  if (!source_->ReadLine(line, kLongestLine)) {
+    if (line.empty()) return false;
+    throw Error(name + ": frame " + std::to_string(frames_ + 1) + " is cut short in its header");
+  }
+  ++frames_;
+  if (line != "FRAME" && !line.starts_with("FRAME "))
+    throw Error(name + ": there is no frame header where frame " + std::to_string(frames_) +
+                " should begin");
+  try {
+    frame.Reset(layout_, size_.width, size_.height);
+  } catch (const Error& error) {
+    throw Error(name + ": " + error.what());
+  }
+  frame.parameters = line.substr(5);
+  ReadPlanes(*source_, frame, frames_);
+  return true;
+}
+
+void Y4mWriter::WriteHeader(const Frame& frame) {
+  layout_ = frame.GetLayout();
+  size_ = frame.Size();
+  const Colour* colour = FindColour(layout_);
+  if (!colour)
+    throw Error(file_.Name() + ": Y4M holds planar frames (grey, i420, i411, i422, i444, i444a), and "
+                "these are " + NameOf(layout_));
+  std::string line = std::string(kMagic) + " W" + std::to_string(size_.width) + " H" +
+                     std::to_string(size_.height);
+  bool hasRate = false;
+  bool hasColour = layout_ == Layout::I420;  // what a header without the field means
+  bool changed = false;
+  for (const std::string& field : fields_) {
+    if (field[0] == 'C' && ParseColour(file_.Name(), std::string_view(field).substr(1)) != layout_) {
+      changed = true;
+      hasColour = false;
+      continue;
+    }
+    // A second, older way to write the subsampling, which must not contradict the first.
+    if (changed && field.starts_with("XYSCSS=")) continue;
+    hasColour |= field[0] == 'C';
+    hasRate |= field[0] == 'F';
+    line += " " + field;
+  }
+  if (!hasRate) line += " F25:1";
+  if (!hasColour || changed) line += " C" + std::string(colour->token);
+  file_.Write(line + "\n");
+}
+
+void Y4mWriter::Write(const Frame& frame) {
+  if (size_.width == 0) WriteHeader(frame);
+  if (frame.GetLayout() != layout_ || frame.Width() != size_.width ||
+      frame.Height() != size_.height)
+    throw Error(file_.Name() + ": all frames of a Y4M stream have one size and layout");
+  file_.Write("FRAME" + frame.parameters + "\n");
+  WritePlanes(file_, frame);
+}
+
+}  // namespace qvtool

@@ -1,0 +1,44 @@
+// Y4M: uncompressed video with a line of text before the stream and before every frame.
+#ifndef QVTOOL_IO_Y4MFILE_H
+#define QVTOOL_IO_Y4MFILE_H
+
+#include "io/FrameStream.h"
+
+namespace qvtool {
+
+bool LooksLikeY4m(std::string_view firstBytes);
+
+// Reads 8-bit streams: 4:2:0 in all its sitings, 4:1:1, 4:2:2, 4:4:4 with or without alpha, mono.
+class Y4mReader : public FrameReader {
+ public:
+  explicit Y4mReader(std::unique_ptr<ByteSource> source);
+  bool Next(Frame& frame) override;
+
+  Layout GetLayout() const { return layout_; }
+  IppiSize Size() const { return size_; }
+
+ private:
+  Layout layout_ = Layout::I420;
+  IppiSize size_ = {};
+  long frames_ = 0;
+};
+
+// Writes `fields` into the stream header, with the colour field adjusted to the frames.
+class Y4mWriter : public FrameWriter {
+ public:
+  Y4mWriter(const std::string& path, const VideoFields& fields) : fields_(fields), file_(path) {}
+  void Write(const Frame& frame) override;
+  void Finish() override { file_.Commit(); }
+
+ private:
+  void WriteHeader(const Frame& frame);
+
+  VideoFields fields_;
+  OutputFile file_;
+  Layout layout_ = Layout::Grey;
+  IppiSize size_ = {};
+};
+
+}  // namespace qvtool
+
+#endif
