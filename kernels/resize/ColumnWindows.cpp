@@ -9,17 +9,54 @@ namespace {
 
 ptrdiff_t PaddedCount(const AxisTaps& taps) { return (ptrdiff_t{taps.count} + 63) / 64 * 64; }
 
+template <int kPairs, bool kEven>
+void FillWindows(const AxisTaps& taps, const WindowShape& shape, const ColumnWindows& windows) {
+  const int perBlock = shape.vectorBytes / 2;
+  const int perGroup = perBlock / 2 / shape.windowsPerVector;
+  const int origin = taps.first[0];
+  const int span = taps.first[taps.count - 1] + taps.taps - origin;
+  const int lastBase = span > shape.windowBytes ? span - shape.windowBytes : 0;
+  constexpr int kTaps = kEven ? 2 * kPairs : 2 * kPairs - 1;
+  int* base = windows.base;
+  unsigned char* index = windows.index;
+  unsigned char* weights = reinterpret_cast<unsigned char*>(windows.weights);
+  for (ptrdiff_t block = 0; block < windows.blocks; ++block) {
+    for (int v = 0; v < 2; ++v) {
+      for (int w = 0; w < shape.windowsPerVector; ++w) {
+        ptrdiff_t i = block * perBlock + (2 * w + v) * perGroup;
+        int start = i < taps.count ? taps.first[i] - origin : 0;
+        if (start > lastBase) start = lastBase;
+        *base++ = start;
+        for (int s = 0; s < perGroup; ++s, ++i) {
+          const ptrdiff_t at = 4 * (w * perGroup + s);
+          // The second byte of a pair that an odd count leaves open is any one: its weight is 0.
+          uint32_t first = 0, pairWeights[kPairs] = {};
+          if (i < taps.count) {
+            first = static_cast<uint32_t>(taps.first[i] - origin - start);
+            const short* const from = taps.weights + i * kTaps;
+            memcpy(pairWeights, from, kTaps * sizeof(short));
+          }
+          for (int p = 0; p < kPairs; ++p) {
+            const uint32_t second = first + 2 * p + (kEven || p < kPairs - 1);
+            const uint32_t bytes = 0x80008000u | (first + 2 * p) | second << 16;
+            memcpy(index + p * shape.vectorBytes + at, &bytes, 4);
+            memcpy(weights + p * shape.vectorBytes + at, &pairWeights[p], 4);
+          }
+        }
+      }
+      index += kPairs * shape.vectorBytes;
+      weights += kPairs * shape.vectorBytes;
+    }
+  }
+}
+
 }  // namespace
 
 bool PlanWindows(const AxisTaps& taps, const WindowShape& shape, void* memory,
                  ColumnWindows* windows) {
-  const int perVector = shape.vectorBytes / 4;
-  const int perGroup = perVector / shape.windowsPerVector;
-  const int perBlock = 2 * perVector;
+  const int perBlock = shape.vectorBytes / 2;
+  const int perGroup = perBlock / 2 / shape.windowsPerVector;
   const ptrdiff_t padded = PaddedCount(taps);
-  const int origin = taps.first[0];
-  const int span = taps.first[taps.count - 1] + taps.taps - origin;
-  const int lastBase = span > shape.windowBytes ? span - shape.windowBytes : 0;
   for (ptrdiff_t i = 0; i < taps.count; i += perGroup) {
     const ptrdiff_t end = i + perGroup < taps.count ? i + perGroup : taps.count;
     if (taps.first[end - 1] + taps.taps - taps.first[i] > shape.windowBytes) return false;
@@ -32,42 +69,15 @@ bool PlanWindows(const AxisTaps& taps, const WindowShape& shape, void* memory,
   windows->weights = reinterpret_cast<short*>(windows->index + padded * 4 * pairs);
   windows->base = reinterpret_cast<int*>(windows->index + padded * 8 * pairs);
 
-  int* base = windows->base;
-  for (ptrdiff_t block = 0; block < windows->blocks; ++block) {
-    for (int v = 0; v < 2; ++v) {
-      unsigned char* const index =
-          windows->index + (2 * block + v) * pairs * shape.vectorBytes;
-      short* const weights =
-          windows->weights + (2 * block + v) * pairs * (shape.vectorBytes / 2);
-      for (int w = 0; w < shape.windowsPerVector; ++w) {
-        const ptrdiff_t group = block * perBlock + (2 * w + v) * perGroup;
-        int start = group < taps.count ? taps.first[group] - origin : 0;
-        if (start > lastBase) start = lastBase;
-        *base++ = start;
-        for (int s = 0; s < perGroup; ++s) {
-          const ptrdiff_t i = group + s;
-          const int lane = w * perGroup + s;
-          for (int p = 0; p < pairs; ++p) {
-            uint32_t bytes = 0x80008000;
-            uint32_t pairWeights = 0;
-            if (i < taps.count) {
-              const uint32_t at =
-                  static_cast<uint32_t>(taps.first[i] - origin - start) + 2 * p;
-              const short* from = taps.weights + i * taps.taps + 2 * p;
-              pairWeights = static_cast<uint16_t>(from[0]);
-              bytes |= at;
-              if (2 * p + 1 < taps.taps) {
-                pairWeights |= static_cast<uint32_t>(static_cast<uint16_t>(from[1])) << 16;
-                bytes |= (at + 1) << 16;
-              }
-            }
-            memcpy(index + p * shape.vectorBytes + 4 * lane, &bytes, 4);
-            memcpy(reinterpret_cast<unsigned char*>(weights) + p * shape.vectorBytes + 4 * lane,
-                   &pairWeights, 4);
-          }
-        }
-      }
-    }
+  switch (taps.taps) {
+    case 1: FillWindows<1, false>(taps, shape, *windows); break;
+    case 2: FillWindows<1, true>(taps, shape, *windows); break;
+    case 3: FillWindows<2, false>(taps, shape, *windows); break;
+    case 4: FillWindows<2, true>(taps, shape, *windows); break;
+    case 5: FillWindows<3, false>(taps, shape, *windows); break;
+    case 6: FillWindows<3, true>(taps, shape, *windows); break;
+    case 7: FillWindows<4, false>(taps, shape, *windows); break;
+    default: FillWindows<4, true>(taps, shape, *windows); break;
   }
   return true;
 }
