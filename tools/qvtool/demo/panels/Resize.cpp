@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "demo/Panel.h"
 
 namespace qvtool::demo {
@@ -32,12 +34,14 @@ void Make(const Scene& scene, Gallery& gallery) {
     const bool up = scale.factor > 1;
     const Plane from = up ? src.Cut(part, scene.colour.Info().plane[0]) : src;
     const IppiRect all = {0, 0, from.columns, from.rows};
-    const IppiSize size = {static_cast<int>(from.columns * scale.factor),
-                           static_cast<int>(from.rows * scale.factor)};
-    const IppiRect shown = {static_cast<int>(part.x * scale.factor),
-                            static_cast<int>(part.y * scale.factor),
-                            static_cast<int>(part.width * scale.factor),
-                            static_cast<int>(part.height * scale.factor)};
+    const auto scaled = [&](int length) {
+      return std::max(1, static_cast<int>(length * scale.factor));
+    };
+    const IppiSize size = {scaled(from.columns), scaled(from.rows)};
+    const IppiSize shownSize = {scaled(part.width), scaled(part.height)};
+    const IppiRect shown = {std::min(scaled(part.x), size.width - shownSize.width),
+                            std::min(scaled(part.y), size.height - shownSize.height),
+                            shownSize.width, shownSize.height};
     for (const Method& method : kMethods) {
       Frame result(Layout::Bgr, size.width, size.height);
       const Plane& dst = result.PlaneAt(0);
