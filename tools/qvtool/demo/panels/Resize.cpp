@@ -45,7 +45,8 @@ void Make(const Scene& scene, Gallery& gallery) {
     for (const Method& method : kMethods) {
       Frame result(Layout::Bgr, size.width, size.height);
       const Plane& dst = result.PlaneAt(0);
-      const double factor = scale.factor;
+      const double xFactor = static_cast<double>(size.width) / from.columns;
+      const double yFactor = static_cast<double>(size.height) / from.rows;
       const int code = method.code;
       Picture after = {"Resized", result};
       if (!up) after.detail = shown;
@@ -55,8 +56,8 @@ void Make(const Scene& scene, Gallery& gallery) {
                     std::to_string(code),
            .formula = method.formula,
            .calls = {QV_CALL(CqvAccLib::qvResize(CqvAccLib::ThreeChannels, from.data, from.Size(),
-                                                 from.step, all, dst.data, dst.step, size, factor,
-                                                 factor, code))},
+                                                 from.step, all, dst.data, dst.step, size, xFactor,
+                                                 yFactor, code))},
            .before = {{"A part of the frame", scene.colour, part}},
            .after = {after}});
     }
