@@ -15,6 +15,14 @@
 
 namespace qv {
 
+// Area averaging by exactly two on both axes, with the bytes that the filter writes for it:
+// dst[x, y] = (src[2x, 2y] + src[2x + 1, 2y] + src[2x, 2y + 1] + src[2x + 1, 2y + 1] + 2) >> 2.
+// `size` is the destination's.
+IppStatus HalveRows_8u_C1(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
+                          IppiSize size);
+IppStatus HalveRows_8u_C3(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
+                          IppiSize size);
+
 // How the samples of a row are interleaved.
 enum class RowLayout { kGray, kTriples, kPairs422 };
 
