@@ -1,5 +1,5 @@
-// The separable filter against double precision: taps from any positions, and images whose every byte
-// is compared with the unrounded sum over exact weights.
+// The separable filter against double precision: taps from any positions, and images whose every
+// byte is compared with the unrounded sum over exact weights.
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -17,7 +17,8 @@
 namespace qv::test {
 namespace {
 
-// One axis of a filter as a dense list of (source sample, exact weight) for each destination sample.
+// One axis of a filter as a dense list of (source sample, exact weight) for each destination
+// sample.
 using ExactAxis = std::vector<std::vector<std::pair<int, double>>>;
 
 double Kernel(int interpolation, double x) {

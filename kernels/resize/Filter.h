@@ -2,9 +2,9 @@
 // levels write the same bytes, each within one unit of the sum that the exact weights would give.
 //
 // Arguments are the caller's to get right; nothing is checked. `src` is the first byte of the
-// region that the taps count from, `dst` the first destination pixel. Only source samples that a tap
-// names are read, whole pixels of them (4:2:2: whole four-byte pairs). The scratch memory needs no
-// alignment and as many bytes as the planning function of the kernel says.
+// region that the taps count from, `dst` the first destination pixel. Only source samples that a
+// tap names are read, whole pixels of them (4:2:2: whole four-byte pairs). The scratch memory
+// needs no alignment and as many bytes as the planning function of the kernel says.
 #ifndef QV_KERNELS_RESIZE_FILTER_H
 #define QV_KERNELS_RESIZE_FILTER_H
 
@@ -77,8 +77,8 @@ __attribute__((always_inline)) constexpr RowComponent Component(RowLayout layout
 }
 
 // How FilterRows carves its scratch memory, in bytes from its 64-byte aligned start. The sizes hold
-// for every level. Per component k: `line` holds kBatchRows rows of source samples, one after another,
-// and `ring` ringRows filtered rows, padded to whole blocks of 64 pixels (pairs).
+// for every level. Per component k: `line` holds kBatchRows rows of source samples, one after
+// another, and `ring` ringRows filtered rows, padded to whole blocks of 64 pixels (pairs).
 constexpr int kBatchRows = 2;
 
 struct FilterScratch {

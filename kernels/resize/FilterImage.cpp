@@ -8,8 +8,8 @@ namespace qv {
 
 namespace {
 
-// Work memory of one call, handed out in pieces; `bytes` is computed wide so that a demand no memory
-// can meet fails here instead of wrapping round.
+// Work memory of one call, handed out in pieces; `bytes` is computed wide so that a demand no
+// memory can meet fails here instead of wrapping round.
 class WorkMemory {
  public:
   explicit WorkMemory(long long bytes)

@@ -35,8 +35,8 @@ QV_INLINE void ZipBytes(Vec a, Vec b, Vec* low, Vec* high) {
   *high = _mm512_permutex2var_epi64(l, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), h);
 }
 
-// Filtered rows keep the order that PackSigned32 of samples 0 .. 15 and 16 .. 31 leaves: four of the
-// first, four of the second, and so on. Bytes from two such vectors, in order of samples.
+// Filtered rows keep the order that PackSigned32 of samples 0 .. 15 and 16 .. 31 leaves: four of
+// the first, four of the second, and so on. Bytes from two such vectors, in order of samples.
 QV_INLINE Vec PackSamples(Vec a, Vec b) {
   return _mm512_permutexvar_epi32(
       _mm512_setr_epi32(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15),
@@ -78,8 +78,8 @@ QV_INLINE void ZipBytes(Vec a, Vec b, Vec* low, Vec* high) {
   *high = _mm256_permute2x128_si256(l, h, 0x31);
 }
 
-// Each 16-byte lane has a window of its own, and the windows are dealt out so that filtered rows are in
-// order.
+// Each 16-byte lane has a window of its own, and the windows are dealt out so that filtered rows
+// are in order.
 QV_INLINE Vec PackSamples(Vec a, Vec b) { return PackBytesInOrder(a, b); }
 constexpr int SampleOfQuarter(int quarter) { return quarter * 4; }
 

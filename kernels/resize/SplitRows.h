@@ -19,8 +19,8 @@ QV_INLINE void SplitPlain(const Byte* from, int stride, Byte* line, ptrdiff_t co
 QV_INLINE void SplitTriples(const Byte* row, Byte* const* lines, ptrdiff_t count) {
   ptrdiff_t i = 0;
   if constexpr (kHasBytePermute) {
-    // Byte j of line k is byte 3 * j + k of three vectors. The first two vectors serve j < 43; of the
-    // third the bytes from 128 on.
+    // Byte j of line k is byte 3 * j + k of three vectors. The first two vectors serve j < 43; of
+    // the third the bytes from 128 on.
     static constexpr auto index = [](int k) {
       return MakeByteTable([k](int j) { return (3 * j + k) & 127; });
     };
