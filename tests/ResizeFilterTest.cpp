@@ -1,5 +1,5 @@
-// The separable filter against double precision: taps from any positions, and images whose every byte
-// is compared with the unrounded sum over exact weights.
+// The separable filter against double precision: taps from any positions, and images whose every
+// byte is compared with the unrounded sum over exact weights.
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include "kernels/resize/Filter.h"
+#include "kernels/resize/FilterImage.h"
 #include "tests/support/Guarded.h"
 #include "tests/support/Levels.h"
 #include "tests/support/Random.h"
@@ -17,7 +17,8 @@
 namespace qv::test {
 namespace {
 
-// One axis of a filter as a dense list of (source sample, exact weight) for each destination sample.
+// One axis of a filter as a dense list of (source sample, exact weight) for each destination
+// sample.
 using ExactAxis = std::vector<std::vector<std::pair<int, double>>>;
 
 double Kernel(int interpolation, double x) {
@@ -333,6 +334,28 @@ TEST_P(Filter, AreasStayNearExactMeans) {
     RecordProperty("largest" + std::to_string(spans), std::to_string(worst.largest));
     RecordProperty("mean" + std::to_string(spans), std::to_string(worst.sum / worst.count));
   }
+}
+
+TEST_P(Filter, HalvesAsTapsDo) {
+  const UseLevel use(GetParam());
+  Random random(20265);
+  for (RowLayout layout : {RowLayout::kGray, RowLayout::kTriples})
+    for (int width : {1, 2, 19, 20, 21, 22, 23, 64, 157}) {
+      const int channels = ComponentCount(layout), height = 5;
+      std::vector<unsigned char> src(std::size_t(4) * channels * width * height);
+      random.Fill(src.data(), src.size());
+      const Taps x = Taps::From(AxisArea{width, 2, 2 * width});
+      const Taps y = Taps::From(AxisArea{height, 2, 2 * height});
+      std::vector<unsigned char> filtered(std::size_t(channels) * width * height), halved = filtered;
+      std::vector<unsigned char> scratch(FilterScratchBytes(layout, {x.taps, {}}, y.taps));
+      const auto filter = channels == 1 ? FilterRows_8u_C1 : FilterRows_8u_C3;
+      filter(src.data(), 2 * channels * width, {x.taps, {}}, y.taps, filtered.data(),
+             channels * width, scratch.data());
+      const FilterTask task = {layout, src.data(), 2 * channels * width, halved.data(),
+                               channels * width};
+      EXPECT_EQ(AverageImage(task, {width, 2, 2 * width}, {}, {height, 2, 2 * height}), StatusOk);
+      EXPECT_EQ(halved, filtered) << width;
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Levels, Filter, testing::ValuesIn(BuiltLevels()),

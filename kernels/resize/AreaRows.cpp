@@ -1,10 +1,11 @@
 // Area averaging over intervals of any length: the source rows of a span are added up column by
 // column, their sums scaled to means with 7 fractional bits, and the means added up along the row.
 //
-// Errors, in units of the result: a mean is rounded by at most 1/256; a share is rounded by at most half
-// of a 4096th, two of them on each axis against a total of at least one sample: together at most
-// 0.004 + 2 * 255 / 4096 = 0.13 (where the unit of shares is smaller than 4096 the total is larger by
-// more). All sums are whole numbers, so the order in which they are taken changes nothing.
+// Errors, in units of the result: a mean is rounded by at most 1/256; a share is rounded by at
+// most half of a 4096th, two of them on each axis against a total of at least one sample: together
+// at most 0.004 + 2 * 255 / 4096 = 0.13 (where the unit of shares is smaller than 4096 the total
+// is larger by more). All sums are whole numbers, so the order in which they are taken changes
+// nothing.
 #include "kernels/resize/Filter.h"
 #include "kernels/level/Level.h"
 

@@ -33,9 +33,9 @@ void CubicWeights(const float* fractions, ChunkWeights& w) {
   }
 }
 
-// sinc(x) sinc(x / 3), |x| < 3, of the six taps, divided by their sum. With u = f - 0.5, the weights of
-// tap k and of its mirror image 5 - k are E(u^2) + u O(u^2) and E(u^2) - u O(u^2); E and O
-// are interpolated at five Chebyshev nodes each, which leaves an error of 1.4e-6 at the most.
+// sinc(x) sinc(x / 3), |x| < 3, of the six taps, divided by their sum. With u = f - 0.5, the
+// weights of tap k and of its mirror image 5 - k are E(u^2) + u O(u^2) and E(u^2) - u O(u^2); E
+// and O are interpolated at five Chebyshev nodes each, which leaves an error of 1.4e-6 at the most.
 void LanczosWeights(const float* fractions, ChunkWeights& w) {
   static constexpr float kEven[3][5] = {
       {0.0244565218f, -0.0881212090f, -0.0569745537f, 0.0789541984f, -0.0253755572f},
@@ -63,8 +63,8 @@ void WeightsOf(int interpolation, const float* f, ChunkWeights& w) {
   else LanczosWeights(f, w);
 }
 
-// A running sum of weights in units of 1/16384, rounded. The rounded weights are its differences: each
-// is less than a unit off, any run of them too, and all together sum to 16384.
+// A running sum of weights in units of 1/16384, rounded. The rounded weights are its differences:
+// each is less than a unit off, any run of them too, and all together sum to 16384.
 constexpr float kOne = 16384;
 constexpr int kBias = 32768;  // keeps the sum positive, where conversion rounds down
 

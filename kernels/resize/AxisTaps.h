@@ -15,8 +15,8 @@ struct AxisPositions {
 
 // Destination sample i is the sum of weights[i * taps + t] times source sample first[i] + t,
 // t = 0 .. taps-1. 16384 stands for 1.0 and each row of weights sums to exactly that; first never
-// descends. Taps beyond the region are folded into the weight of its edge sample, so that first[i] ..
-// first[i] + taps - 1 are always inside 0 .. sourceLength-1.
+// descends. Taps beyond the region are folded into the weight of its edge sample, so that first[i]
+// .. first[i] + taps - 1 are always inside 0 .. sourceLength-1.
 struct AxisTaps {
   int count;
   int taps;
@@ -62,8 +62,8 @@ struct AreaSpan {
   unsigned firstShare, lastShare;
 };
 
-// The intervals of one axis. `unit` is a power of two: 4096, less if an interval is so long that the
-// sum of its shares, sum(i), would pass 2^24 otherwise, but never below 1.
+// The intervals of one axis. `unit` is a power of two: 4096, less if an interval is so long that
+// the sum of its shares, sum(i), would pass 2^24 otherwise, but never below 1.
 struct AxisSpans {
   int count;
   unsigned unit;

@@ -2,9 +2,9 @@
 // levels write the same bytes, each within one unit of the sum that the exact weights would give.
 //
 // Arguments are the caller's to get right; nothing is checked. `src` is the first byte of the
-// region that the taps count from, `dst` the first destination pixel. Only source samples that a tap
-// names are read, whole pixels of them (4:2:2: whole four-byte pairs). The scratch memory needs no
-// alignment and as many bytes as the planning function of the kernel says.
+// region that the taps count from, `dst` the first destination pixel. Only source samples that a
+// tap names are read, whole pixels of them (4:2:2: whole four-byte pairs). The scratch memory
+// needs no alignment and as many bytes as the planning function of the kernel says.
 #ifndef QV_KERNELS_RESIZE_FILTER_H
 #define QV_KERNELS_RESIZE_FILTER_H
 
@@ -14,6 +14,14 @@
 #include "qvAcceleratedLib/CqvAccLib.h"
 
 namespace qv {
+
+// Area averaging by exactly two on both axes, with the bytes that the filter writes for it:
+// dst[x, y] = (src[2x, 2y] + src[2x + 1, 2y] + src[2x, 2y + 1] + src[2x + 1, 2y + 1] + 2) >> 2.
+// `size` is the destination's.
+IppStatus HalveRows_8u_C1(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
+                          IppiSize size);
+IppStatus HalveRows_8u_C3(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
+                          IppiSize size);
 
 // How the samples of a row are interleaved.
 enum class RowLayout { kGray, kTriples, kPairs422 };
@@ -69,8 +77,8 @@ __attribute__((always_inline)) constexpr RowComponent Component(RowLayout layout
 }
 
 // How FilterRows carves its scratch memory, in bytes from its 64-byte aligned start. The sizes hold
-// for every level. Per component k: `line` holds kBatchRows rows of source samples, one after another,
-// and `ring` ringRows filtered rows, padded to whole blocks of 64 pixels (pairs).
+// for every level. Per component k: `line` holds kBatchRows rows of source samples, one after
+// another, and `ring` ringRows filtered rows, padded to whole blocks of 64 pixels (pairs).
 constexpr int kBatchRows = 2;
 
 struct FilterScratch {

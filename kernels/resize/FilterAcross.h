@@ -10,8 +10,8 @@ namespace qv::QV_LEVEL {
 
 namespace {
 
-// How the rows of a component are filtered along x: by windows of 16 or 64 bytes, by windows of 128, or
-// (windowBytes 0) by words.
+// How the rows of a component are filtered along x: by windows of 16 or 64 bytes, by windows of
+// 128, or (windowBytes 0) by words.
 struct AcrossPlan {
   int windowBytes;
   ColumnWindows windows;
@@ -87,8 +87,8 @@ void FilterByWindows(const Byte* const* lines, int rows, const ColumnWindows& wi
   }
 }
 
-// One row of source samples widened to words: where taps lie too far apart for windows, or there are no
-// byte shuffles. Four or eight words are read at each sample's first tap.
+// One row of source samples widened to words: where taps lie too far apart for windows, or there
+// are no byte shuffles. Four or eight words are read at each sample's first tap.
 QV_INLINE __m128i LoadFour(const short* p) {
   return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
 }

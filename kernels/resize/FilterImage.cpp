@@ -8,8 +8,8 @@ namespace qv {
 
 namespace {
 
-// Work memory of one call, handed out in pieces; `bytes` is computed wide so that a demand no memory
-// can meet fails here instead of wrapping round.
+// Work memory of one call, handed out in pieces; `bytes` is computed wide so that a demand no
+// memory can meet fails here instead of wrapping round.
 class WorkMemory {
  public:
   explicit WorkMemory(long long bytes)
@@ -67,6 +67,11 @@ IppStatus RunSpans(const FilterTask& task, const AreaColumns& x, const AxisSpans
   return kernel(task.src, task.srcStep, x, y, task.dst, task.dstStep, scratch.Take<void>(0));
 }
 
+// True if every interval is two whole samples inside the region.
+bool HalvesExactly(const AxisArea& area) {
+  return area.inverse == 2 && area.count <= area.sourceLength / 2;
+}
+
 AxisTaps PlanTaps(const AxisPositions& positions, int interpolation) {
   return {positions.count, TapCount(interpolation, positions.sourceLength), nullptr, nullptr};
 }
@@ -93,6 +98,10 @@ IppStatus FilterImage(const FilterTask& task, int interpolation, const AxisPosit
 IppStatus AverageImage(const FilterTask& task, const AxisArea& x, const AxisArea& chroma,
                        const AxisArea& y) {
   const bool pairs = task.layout == RowLayout::kPairs422;
+  if (!pairs && HalvesExactly(x) && HalvesExactly(y)) {
+    const auto halve = task.layout == RowLayout::kGray ? HalveRows_8u_C1 : HalveRows_8u_C3;
+    return halve(task.src, task.srcStep, task.dst, task.dstStep, {x.count, y.count});
+  }
   const AxisArea none = {};
   const AxisArea* const areas[3] = {&x, pairs ? &chroma : &none, &y};
   int most = 1, taps[3];

@@ -1,5 +1,5 @@
-// The separable filter from positions or intervals to pixels: builds taps, takes the work memory that
-// the kernels want, runs them and releases it.
+// The separable filter from positions or intervals to pixels: builds taps, takes the work memory
+// that the kernels want, runs them and releases it.
 #ifndef QV_KERNELS_RESIZE_FILTERIMAGE_H
 #define QV_KERNELS_RESIZE_FILTERIMAGE_H
 
@@ -7,8 +7,8 @@
 
 namespace qv {
 
-// One image region and what becomes of it. `src` is the region's first byte, `dst` the first byte to
-// write.
+// One image region and what becomes of it. `src` is the region's first byte, `dst` the first byte
+// to write.
 struct FilterTask {
   RowLayout layout;
   const unsigned char* src;

@@ -5,8 +5,8 @@ namespace qv {
 
 namespace {
 
-// Rows of work memory are whole blocks of 64 samples; the widest window may reach past a short line by
-// kReadAhead.
+// Rows of work memory are whole blocks of 64 samples; the widest window may reach past a short
+// line by kReadAhead.
 constexpr long long kBlock = 64;
 constexpr long long kReadAhead = 128;
 

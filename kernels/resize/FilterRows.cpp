@@ -6,8 +6,8 @@
 // most -0.5 that is -8160 .. 24480. Along y every product is rounded to 5 fractional bits by
 // (h * w + 2^14) >> 15, the sum stays within 2 * 24480 / 2, and (sum + 16) >> 5 is the result.
 //
-// Error, in units of the result, beyond that of the weights: 1/64 from x, 1/64 for each of at most 8
-// taps along y; together at most 0.15, as an independent error at most 0.03 root mean square. An
+// Error, in units of the result, beyond that of the weights: 1/64 from x, 1/64 for each of at most
+// 8 taps along y; together at most 0.15, as an independent error at most 0.03 root mean square. An
 // error of weights of half a unit each, 8 taps, adds at most 255 * 8 / 32768 = 0.07 on each axis.
 // So the result is never more than 0.5 + 0.3 from the exact value, and on average not more than
 // 0.25 + 0.03^2.

@@ -28,4 +28,14 @@ QV_AREA_ENTRY(AreaRows_8u_C3)
 QV_AREA_ENTRY(AreaRows422_8u_C2)
 #undef QV_AREA_ENTRY
 
+IppStatus HalveRows_8u_C1(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
+                          IppiSize size) {
+  return HalveRows_8u_C1_Table(src, srcStep, dst, dstStep, size);
+}
+
+IppStatus HalveRows_8u_C3(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
+                          IppiSize size) {
+  return HalveRows_8u_C3_Table(src, srcStep, dst, dstStep, size);
+}
+
 }  // namespace qv

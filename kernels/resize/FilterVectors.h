@@ -18,9 +18,11 @@ Vec SpreadPairs(WideWindow w, Vec index);
 
 // (a * b + 2^14) >> 15 of signed 16-bit lanes; not for -32768 * -32768.
 QV_INLINE Vec MulRounded15(Vec a, Vec b) { return _mm512_mulhrs_epi16(a, b); }
-template <int n> QV_INLINE Vec ShiftRightSigned16(Vec v) { return _mm512_srai_epi16(v, n); }
 
-// Bytes from words, with saturation, and every second byte of two vectors, in order.
+// Sums of neighbouring bytes as words.
+QV_INLINE Vec AddBytePairs(Vec v) { return _mm512_maddubs_epi16(v, Splat8(1)); }
+
+// Bytes from the words of two vectors, with saturation, in order.
 QV_INLINE Vec PackBytesInOrder(Vec a, Vec b) {
   return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7),
                                   _mm512_packus_epi16(a, b));
@@ -33,8 +35,8 @@ QV_INLINE void ZipBytes(Vec a, Vec b, Vec* low, Vec* high) {
   *high = _mm512_permutex2var_epi64(l, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), h);
 }
 
-// Filtered rows keep the order that PackSigned32 of samples 0 .. 15 and 16 .. 31 leaves: four of the
-// first, four of the second, and so on. Bytes from two such vectors, in order of samples.
+// Filtered rows keep the order that PackSigned32 of samples 0 .. 15 and 16 .. 31 leaves: four of
+// the first, four of the second, and so on. Bytes from two such vectors, in order of samples.
 QV_INLINE Vec PackSamples(Vec a, Vec b) {
   return _mm512_permutexvar_epi32(
       _mm512_setr_epi32(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15),
@@ -63,7 +65,8 @@ QV_INLINE Vec SpreadPairs(WideWindow w, Vec index) {
 #elif defined(__AVX2__)
 
 QV_INLINE Vec MulRounded15(Vec a, Vec b) { return _mm256_mulhrs_epi16(a, b); }
-template <int n> QV_INLINE Vec ShiftRightSigned16(Vec v) { return _mm256_srai_epi16(v, n); }
+
+QV_INLINE Vec AddBytePairs(Vec v) { return _mm256_maddubs_epi16(v, Splat8(1)); }
 
 QV_INLINE Vec PackBytesInOrder(Vec a, Vec b) {
   return _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8);
@@ -75,8 +78,8 @@ QV_INLINE void ZipBytes(Vec a, Vec b, Vec* low, Vec* high) {
   *high = _mm256_permute2x128_si256(l, h, 0x31);
 }
 
-// Each 16-byte lane has a window of its own, and the windows are dealt out so that filtered rows are in
-// order.
+// Each 16-byte lane has a window of its own, and the windows are dealt out so that filtered rows
+// are in order.
 QV_INLINE Vec PackSamples(Vec a, Vec b) { return PackBytesInOrder(a, b); }
 constexpr int SampleOfQuarter(int quarter) { return quarter * 4; }
 
@@ -92,6 +95,7 @@ QV_INLINE Vec SpreadPairs(Window w, Vec index) { return ShuffleBytes(w, index); 
 
 #if defined(__SSSE3__)
 QV_INLINE Vec MulRounded15(Vec a, Vec b) { return _mm_mulhrs_epi16(a, b); }
+QV_INLINE Vec AddBytePairs(Vec v) { return _mm_maddubs_epi16(v, Splat8(1)); }
 QV_INLINE Vec SpreadPairs(Vec w, Vec index) { return ShuffleBytes(w, index); }
 #else
 // From the halves of the product: (high * 2^16 + low + 2^14) >> 15 with low unsigned.
@@ -100,9 +104,11 @@ QV_INLINE Vec MulRounded15(Vec a, Vec b) {
   return _mm_add_epi16(_mm_slli_epi16(_mm_mulhi_epi16(a, b), 1),
                        _mm_srli_epi16(_mm_add_epi16(low, _mm_set1_epi16(1)), 1));
 }
+QV_INLINE Vec AddBytePairs(Vec v) {
+  return _mm_add_epi16(_mm_and_si128(v, _mm_set1_epi16(255)), _mm_srli_epi16(v, 8));
+}
 Vec SpreadPairs(Vec w, Vec index);
 #endif
-template <int n> QV_INLINE Vec ShiftRightSigned16(Vec v) { return _mm_srai_epi16(v, n); }
 
 QV_INLINE Vec PackBytesInOrder(Vec a, Vec b) { return _mm_packus_epi16(a, b); }
 

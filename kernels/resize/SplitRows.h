@@ -16,11 +16,11 @@ QV_INLINE void SplitPlain(const Byte* from, int stride, Byte* line, ptrdiff_t co
 #if QV_HAS_VECTORS
 
 // `count` pixels of three bytes to three lines, which may be written a block past their end.
-void SplitTriples(const Byte* row, Byte* const* lines, ptrdiff_t count) {
+QV_INLINE void SplitTriples(const Byte* row, Byte* const* lines, ptrdiff_t count) {
   ptrdiff_t i = 0;
   if constexpr (kHasBytePermute) {
-    // Byte j of line k is byte 3 * j + k of three vectors. The first two vectors serve j < 43; of the
-    // third the bytes from 128 on.
+    // Byte j of line k is byte 3 * j + k of three vectors. The first two vectors serve j < 43; of
+    // the third the bytes from 128 on.
     static constexpr auto index = [](int k) {
       return MakeByteTable([k](int j) { return (3 * j + k) & 127; });
     };
@@ -32,15 +32,21 @@ void SplitTriples(const Byte* row, Byte* const* lines, ptrdiff_t count) {
       return mask;
     };
     constexpr unsigned long long kThird[3] = {third(0), third(1), third(2)};
-    for (; i < count; i += 64) {
-      const Byte* from = row + 3 * i;
-      const ptrdiff_t left = 3 * (count - i);
-      const Vec a = LoadPart(from, FirstOf64(left, 0)), b = LoadPart(from + 64, FirstOf64(left, 64)),
-                c = LoadPart(from + 128, FirstOf64(left, 128));
+    const auto split = [&](Vec a, Vec b, Vec c) __attribute__((always_inline)) {
       for (int k = 0; k < 3; ++k) {
         const Vec at = Load(kIndex[k].b);
         Store(lines[k] + i, PermuteBytesOver(PermuteBytes2(a, at, b), kThird[k], c, at));
       }
+    };
+    for (; i + 64 <= count; i += 64) {
+      const Byte* from = row + 3 * i;
+      split(Load(from), Load(from + 64), Load(from + 128));
+    }
+    if (i < count) {
+      const Byte* from = row + 3 * i;
+      const ptrdiff_t left = 3 * (count - i);
+      split(LoadPart(from, FirstOf64(left, 0)), LoadPart(from + 64, FirstOf64(left, 64)),
+            LoadPart(from + 128, FirstOf64(left, 128)));
     }
     return;
   } else if constexpr (kHasByteShuffle) {
@@ -72,7 +78,7 @@ void SplitTriples(const Byte* row, Byte* const* lines, ptrdiff_t count) {
 }
 
 // `count` pairs of four bytes Y0 Cb Y1 Cr to a line of 2 * count luma samples and two of chroma.
-void SplitPairs(const Byte* row, Byte* const* lines, ptrdiff_t count) {
+QV_INLINE void SplitPairs(const Byte* row, Byte* const* lines, ptrdiff_t count) {
   const Vec low = Splat16(255);
   ptrdiff_t i = 0;
   for (; i + kVecBytes <= count; i += kVecBytes) {
@@ -92,7 +98,7 @@ void SplitPairs(const Byte* row, Byte* const* lines, ptrdiff_t count) {
 }
 
 // `count` bytes to words; a block past the end may be written.
-void WidenLine(const Byte* line, short* words, ptrdiff_t count) {
+QV_INLINE void WidenLine(const Byte* line, short* words, ptrdiff_t count) {
   const __m128i zero = _mm_setzero_si128();
   ptrdiff_t i = 0;
   for (; i + 16 <= count; i += 16) {

@@ -127,8 +127,17 @@ void CheckArea(Case& c, AreaKernel* kernel, RowLayout layout) {
   });
 }
 
+void CheckHalve(Case& c, decltype(HalveRows_8u_C1)* kernel, int channels) {
+  const IppiSize size = c.Size();
+  const Image src = c.Source(std::ptrdiff_t{2} * channels * size.width, 2 * size.height);
+  const Image dst = c.Destination(std::ptrdiff_t{channels} * size.width, size.height);
+  c.Compare([=] { return kernel(src.data, src.step, dst.data, dst.step, size); });
+}
+
 }  // namespace
 
+QV_CHECK(HalveRows_8u_C1) { CheckHalve(c, HalveRows_8u_C1, 1); }
+QV_CHECK(HalveRows_8u_C3) { CheckHalve(c, HalveRows_8u_C3, 3); }
 QV_CHECK(FilterRows_8u_C1) { CheckFilter(c, FilterRows_8u_C1, RowLayout::kGray); }
 QV_CHECK(FilterRows_8u_C3) { CheckFilter(c, FilterRows_8u_C3, RowLayout::kTriples); }
 QV_CHECK(FilterRows422_8u_C2) { CheckFilter(c, FilterRows422_8u_C2, RowLayout::kPairs422); }
