@@ -1,0 +1,24 @@
+# The DLL: exported names for the C++ ABIs of MinGW and of Visual C++, and nothing of the compiler's
+# runtime to be found beside it.
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  set(exports windows32.def)
+else()
+  set(exports windows64.def)
+endif()
+
+# Operations that this version does not have yet are left out.
+file(STRINGS CqvAccLib.cpp definitions REGEX "CqvAccLib::(qv[A-Za-z0-9]+|operator=)\\(")
+file(STRINGS exports/${exports} lines REGEX "^(LIBRARY|EXPORTS|  )")
+set(kept)
+foreach(line IN LISTS lines)
+  string(REGEX MATCH "CqvAccLib[0-9]+(qv[A-Za-z0-9]+)ENS_" named "${line}")
+  if(NOT named OR definitions MATCHES "CqvAccLib::${CMAKE_MATCH_1}\\(")
+    string(APPEND kept "${line}\n")
+  endif()
+endforeach()
+file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/${exports} "${kept}")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS CqvAccLib.cpp exports/${exports})
+
+target_sources(qvAcceleratedLib PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${exports})
+set_target_properties(qvAcceleratedLib PROPERTIES PREFIX "")
+target_link_options(qvAcceleratedLib PRIVATE -static)
