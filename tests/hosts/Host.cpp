@@ -70,7 +70,7 @@ void CallTransfers() {
 #if defined(HAS_qvMulCScale)
   Report("qvMulCScale", CqvAccLib::qvMulCScale(CqvAccLib::ScalePlane, 137, dst, kWidth, size));
 #endif
-  unsigned sum = 0;
+  [[maybe_unused]] unsigned sum = 0;
 #if defined(HAS_qvCRC32)
   Report("qvCRC32", CqvAccLib::qvCRC32(CqvAccLib::OneChannel, src, 123457, &sum), sum);
 #endif
@@ -160,6 +160,7 @@ void CallCompositions() {
                                  kWidth * 3, 99, destination[0], kWidth * 3, size, AlphaAtop));
 #endif
 #if defined(HAS_qvMergeAlphaOver)
+  for (int i = 0; i < kWidth * kHeight; ++i) source[1][i] = chroma[0][i];
   Report("qvMergeAlphaOver",
          CqvAccLib::qvMergeAlphaOver(CqvAccLib::ThreeChannels, destination[0], kWidth * 3, chroma[0],
                                      kWidth, destination[1], kWidth * 3, chroma[1], kWidth,
