@@ -1,7 +1,11 @@
 // The exported operations: each picks its kernel, cuts the image and calls the kernel once a band.
 #include "qvAcceleratedLib/CqvAccLib.h"
 
+#include "kernels/checksum/Checksum.h"
+#include "kernels/color/Color.h"
+#include "kernels/composite/Composite.h"
 #include "kernels/copy/Copy.h"
+#include "kernels/deinterlace/Deinterlace.h"
 #include "qvAcceleratedLib/BandSplit.h"
 #include "qvAcceleratedLib/Settings.h"
 
@@ -118,10 +122,107 @@ IppStatus CqvAccLib::qvMulCScale(qvDataType type, unsigned char value, unsigned 
 
 // ---- Checksums ----------------------------------------------------------------------------------
 
+// A checksum depends on all bytes before: one call, no bands.
+IppStatus CqvAccLib::qvCRC32(qvDataType, const unsigned char* src, int length, unsigned int* crc) {
+  return Crc32_8u(src, length, crc);
+}
+
+IppStatus CqvAccLib::qvAdler32(qvDataType, const unsigned char* src, int length,
+                               unsigned int* adler) {
+  return Adler32_8u(src, length, adler);
+}
+
 // ---- Colour-format conversion -------------------------------------------------------------------
+
+namespace {
+
+// The planes of a 4:2:0 image from an even row on; a chroma row serves two. Null arrays give null.
+struct PlanesFrom {
+  PlanesFrom(unsigned char* const* planes, const int* steps, ptrdiff_t row) {
+    if (!planes || !steps) return;
+    for (int c = 0; c < 3; ++c) moved[c] = Advance(planes[c], row * steps[c] / (c == 0 ? 1 : 2));
+    array = moved;
+  }
+  unsigned char* moved[3];
+  unsigned char** array = nullptr;
+};
+
+}  // namespace
+
+IppStatus CqvAccLib::qvYCbCr420(qvDataType, const unsigned char* srcY, int srcYStep,
+                                const unsigned char* srcCbCr, int srcCbCrStep,
+                                unsigned char** const dst, int* const dstStep, IppiSize size) {
+  const Bands bands = PlanEvenBands(size.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    const PlanesFrom planes(dst, dstStep, bands.First(i));
+    return YCbCrInterleavedTo420_8u_P2P3(Advance(srcY, bands.First(i) * srcYStep), srcYStep,
+                                         Advance(srcCbCr, bands.First(i) * srcCbCrStep / 2),
+                                         srcCbCrStep, planes.array, dstStep,
+                                         {size.width, bands.Height(i)});
+  });
+}
+
+IppStatus CqvAccLib::qvYCbCr422ToYCrCb420(qvDataType, const unsigned char* src, int srcStep,
+                                          unsigned char** const dst, int* const dstStep,
+                                          IppiSize size) {
+  const Bands bands = PlanEvenBands(size.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    const PlanesFrom planes(dst, dstStep, bands.First(i));
+    return YCbCr422ToYCrCb420_8u_C2P3(Advance(src, bands.First(i) * srcStep), srcStep,
+                                      planes.array, dstStep, {size.width, bands.Height(i)});
+  });
+}
+
+IppStatus CqvAccLib::qvYCbCr420ToBGR(qvDataType, unsigned char** const src, int* const srcStep,
+                                     unsigned char* dst, int dstStep, IppiSize size) {
+  const Bands bands = PlanEvenBands(size.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    const PlanesFrom planes(src, srcStep, bands.First(i));
+    return YCbCr420ToBGR_8u_P3C3(planes.array, srcStep, Advance(dst, bands.First(i) * dstStep),
+                                 dstStep, {size.width, bands.Height(i)});
+  });
+}
+
+IppStatus CqvAccLib::qvYCbCr422ToBGR(qvDataType, const unsigned char* src, int srcStep,
+                                     unsigned char* dst, int dstStep, IppiSize size) {
+  const Bands bands = PlanEvenBands(size.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    return YCbCr422ToBGR_8u_C2C3(Advance(src, bands.First(i) * srcStep), srcStep,
+                                 Advance(dst, bands.First(i) * dstStep), dstStep,
+                                 {size.width, bands.Height(i)});
+  });
+}
 
 // ---- Resizing -----------------------------------------------------------------------------------
 
 // ---- Rotation and perspective -------------------------------------------------------------------
 
 // ---- Compositing and deinterlacing --------------------------------------------------------------
+
+IppStatus CqvAccLib::qvAlphaCompC(qvDataType type, const unsigned char* src1, int src1Step,
+                                  unsigned char alpha1, const unsigned char* src2, int src2Step,
+                                  unsigned char alpha2, unsigned char* dst, int dstStep,
+                                  IppiSize size, IppiAlphaType alphaType) {
+  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
+  const auto kernel = type == OneChannel ? AlphaCompC_8u_C1 : AlphaCompC_8u_C3;
+  const Bands bands = PlanBands(size.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    return kernel(Advance(src1, bands.First(i) * src1Step), src1Step, alpha1,
+                  Advance(src2, bands.First(i) * src2Step), src2Step, alpha2,
+                  Advance(dst, bands.First(i) * dstStep), dstStep, {size.width, bands.Height(i)},
+                  alphaType);
+  });
+}
+
+IppStatus CqvAccLib::qvDeinterlace(qvDataType type, const unsigned char* src, int srcStep,
+                                   unsigned char* dst, int dstStep, IppiSize size,
+                                   unsigned int centreWeight, unsigned int mode) {
+  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
+  // Three-channel rows are filtered together with their padding.
+  const int rowBytes = type == OneChannel ? size.width : srcStep;
+  const Bands strips = PlanBands(rowBytes, ThreadBudget);
+  return RunBands(strips, [&](int i) {
+    return Deinterlace_8u(Advance(src, strips.First(i)), srcStep, Advance(dst, strips.First(i)),
+                          dstStep, strips.Height(i), size.height, centreWeight, mode);
+  });
+}

@@ -165,25 +165,81 @@ class QVACCELERATEDLIB_API CqvAccLib {
 
   // ---- Checksums --------------------------------------------------------------------------------
 
+  // A checksum is a running value: pass the value of fresh data (0 for CRC-32, 1 for Adler-32) in
+  // before the first piece of a message and the result of one call into the next. The value after
+  // the last piece is the checksum of the whole message, however it was cut. `type` is ignored; src
+  // points at `length` bytes, of any alignment. One thread does the work.
+
+  // CRC-32 of ITU-T V.42 and ISO 3309: the remainder modulo
+  //   x^32 + x^26 + x^23 + x^22 + x^16 + x^12 + x^11 + x^10 + x^8 + x^7 + x^5 + x^4 + x^2 + x + 1
+  // with the low bit of each byte first, register set to ones at the start and complemented at the
+  // end. The value is the finished CRC of the bytes so far: *crc is complemented, fed the bytes
+  // (r = (r >> 8) ^ T[(r ^ byte) & 255], T[128] = 0xEDB88320) and complemented again. Fresh: 0. The
+  // nine characters "123456789" give 0xCBF43926.
+  // Returns -8 if src or crc is null; -6 if length is below 1. *crc is kept then.
   static IppStatus qvCRC32(qvDataType type, const unsigned char* src, int length,
                            unsigned int* crc);
 
+  // Adler-32 of RFC 1950: *adler = b * 65536 + a, and each byte d makes
+  //   a = (a + d) mod 65521, b = (b + a) mod 65521
+  // Fresh: 1. The three characters "abc" give 0x024D0127. A starting value may have halves of 65521
+  // and above; those of a result are below 65521.
+  // Returns -6, and sets *adler to 0, if src is null; 0, and keeps *adler, if length is below 1.
+  // adler must not be null: it is read before anything is checked.
   static IppStatus qvAdler32(qvDataType type, const unsigned char* src, int length,
                              unsigned int* adler);
 
   // ---- Colour-format conversion -----------------------------------------------------------------
 
+  // Samples are 8-bit BT.601 in studio range: Y 16 to 235, Cb and Cr 16 to 240 around 128; every
+  // byte value is accepted. Packed 4:2:2 lies in memory as Y0, Cb, Y1, Cr for two pixels side by
+  // side; a 4:2:0 chroma sample serves a block of 2 x 2 pixels. Chroma is repeated, never
+  // interpolated. `type` is ignored. >> is the arithmetic shift, clamp() limits to 0 .. 255. Bands
+  // have an even height. Source and destination must not overlap.
+
+  // Splits two-plane 4:2:0 into three planes: a luma plane (width x height bytes) and a plane of
+  // height / 2 rows of width / 2 pairs Cb, Cr become dst[0] = Y, dst[1] = Cb, dst[2] = Cr, with
+  // steps dstStep[0 .. 2]. An odd last column or row is left unwritten without a warning.
+  //   dst[1][k][j] = srcCbCr[k][2j]
+  //   dst[2][k][j] = srcCbCr[k][2j + 1]
+  // Returns -8 if srcY, srcCbCr, dst, dstStep or one of the three planes is null; -6 if width or
+  // height is below 2.
   static IppStatus qvYCbCr420(qvDataType type, const unsigned char* srcY, int srcYStep,
                               const unsigned char* srcCbCr, int srcCbCrStep,
                               unsigned char** const dst, int* const dstStep, IppiSize size);
 
+  // Splits packed 4:2:2 into planar 4:2:0, in the order dst[0] = Y, dst[1] = Cr, dst[2] = Cb. The
+  // chroma of each two rows is that of the upper one; the lower one's is dropped, not averaged. An
+  // odd last column or row is left unwritten without a warning.
+  //   dst[0][y][2j] = src[y][4j]         dst[0][y][2j + 1] = src[y][4j + 2]
+  //   dst[1][k][j]  = src[2k][4j + 3]    dst[2][k][j]      = src[2k][4j + 1]
+  // Returns -8 if src, dst, dstStep or one of the three planes is null; -6 if width or height is
+  // below 2.
   static IppStatus qvYCbCr422ToYCrCb420(qvDataType type, const unsigned char* src, int srcStep,
                                         unsigned char** const dst, int* const dstStep,
                                         IppiSize size);
 
+  // Converts planar 4:2:0, src[0] = Y, src[1] = Cb, src[2] = Cr with steps srcStep[0 .. 2], to
+  // pixels B, G, R. With u = Cb - 128 and v = Cr - 128:
+  //   B = clamp((76284 Y + 132186 u - 1187776) >> 16)
+  //   G = clamp((76284 Y - 25690 u - 53281 v - 1187776) >> 16)
+  //   R = clamp((76284 Y + 104595 v - 1187776) >> 16)
+  // which is ITU-R BT.601 in 16.16 fixed point, rounded half up (1187776 = 16 * 76284 - 32768). An
+  // odd last column or row is left unwritten; the planes need not have samples for it.
+  // Returns -8 if src, srcStep or dst is null; -6 if width or height is below 1; -8 if one of the
+  // three planes is null; 35 if width or height is odd (all the rest is converted).
   static IppStatus qvYCbCr420ToBGR(qvDataType type, unsigned char** const src, int* const srcStep,
                                    unsigned char* dst, int dstStep, IppiSize size);
 
+  // Converts packed 4:2:2 to pixels B, G, R:
+  //   B = clamp((76284 Y + 132186 Cb - 18140365) >> 16)
+  //   G = clamp((76284 Y - 53281 Cr - 25690 Cb + 8887730) >> 16)
+  //   R = clamp((76284 Y + 104595 Cr - 14608761) >> 16)
+  // which is ITU-R BT.601 in 16.16 fixed point, rounded down, with offsets 13, 14 and 57 below the
+  // exact ones of Y - 16, Cb - 128 and Cr - 128, so that whole numbers come out one lower. The last
+  // pixel of an odd width has the first two bytes of a group alone: it takes its Cr from the group
+  // before, and nothing behind its Cb is read.
+  // Returns -8 if src or dst is null; -6 if width is below 2 or height below 1.
   static IppStatus qvYCbCr422ToBGR(qvDataType type, const unsigned char* src, int srcStep,
                                    unsigned char* dst, int dstStep, IppiSize size);
 
@@ -226,20 +282,85 @@ class QVACCELERATEDLIB_API CqvAccLib {
 
   // ---- Compositing and deinterlacing ------------------------------------------------------------
 
+  // Composes two images, each under one alpha for the whole image (Porter and Duff 1984). A and B are
+  // the bytes of src1 and src2 at the same place, a1 and a2 their alphas, x / 255 is truncated:
+  // with x * y = floor(xy / 255),
+  //   0 over   A * a1 + B * a2 * (255 - a1)                6 premultiplied  A + B * (255 - a1)
+  //   1 in     A * a1 * a2                                 7                A * a2
+  //   2 out    A * a1 * (255 - a2)                         8                A * (255 - a2)
+  //   3 atop   A * a1 * a2 + B * a2 * (255 - a1)           9                A * a2 + B * (255 - a1)
+  //   4 xor    A * a1 * (255 - a2) + B * a2 * (255 - a1)  10  A * (255 - a2) + B * (255 - a1)
+  //   5 plus   A * a1 + B * a2                            11                A + B
+  // Products are worked out from left to right, each truncated before the next. Sums saturate at
+  // 255. Codes 1, 2, 7 and 8 do not read src2. One byte a pixel for type 2, three for type 4, all
+  // alike. dst may be src1 or src2 at the same step; otherwise the images must not overlap.
+  // Returns -2 for any other type; -8 if src1, src2 or dst is null (src2 also where it is not
+  // read); -6 if width or height is below 1; -50 for an alphaType other than 0 to 11.
   static IppStatus qvAlphaCompC(qvDataType type, const unsigned char* src1, int src1Step,
                                 unsigned char alpha1, const unsigned char* src2, int src2Step,
                                 unsigned char alpha2, unsigned char* dst, int dstStep,
                                 IppiSize size, IppiAlphaType alphaType);
 
+  // Places a colour image (three bytes a pixel, alike) with an alpha plane over a second one, in
+  // place: fg is replaced by the colours of the result, dstAlpha receives its alpha. Alpha planes
+  // have one byte a pixel, 0 transparent to 255 opaque; dstAlpha's rows lie fgAlphaStep apart.
+  //
+  // Fill dstAlpha with a copy of fgAlpha before the call. The library has two paths: one for
+  // processors without SSE2 reads the foreground alpha from fgAlpha alone, the other merges dstAlpha
+  // in place; with the copy both mean the same. They round differently.
+  //
+  // With F and B a foreground and a background byte, fa and ba the alphas of their pixel:
+  //   without SSE2, in integers, all quotients truncated
+  //     a  = fa + (255 - fa) * ba / 256                       to dstAlpha
+  //     F' = (F * fa + B * (255 - fa) * ba / 256) / (a + 1)   an opaque 255 becomes 254
+  //     on width pixels a row; rowBytes is ignored
+  //   with SSE2, on all rows first
+  //     a  = min(255, d + (255 - d) * ba / 256)               d is dstAlpha's byte, replaced by a
+  //   on width pixels a row, and then
+  //     F' = (F * (fa / 255) + ((1 - fa / 255) * (ba / 255)) * B) / ((a + 1) / 255)
+  //   in single precision, every operation rounded to nearest even in this order, the quotient
+  //   rounded to nearest even and limited to 255, on rowBytes colour bytes a row: pass 3 * width.
+  //   The host's rounding mode does not matter. If dstAlpha is fgAlpha, the colours are merged with
+  //   the merged alpha.
+  //
+  // dstAlpha may be fgAlpha or, at the same step, bgAlpha; otherwise the five planes must not
+  // overlap. `type` is ignored.
+  // Returns 0. Nothing is checked: no pointer may be null. A height below 1 or a width below 0 does
+  // nothing.
   static IppStatus qvMergeAlphaOver(qvDataType type, unsigned char* fg, int fgStep,
                                     unsigned char* fgAlpha, int fgAlphaStep, unsigned char* bg,
                                     int bgStep, unsigned char* bgAlpha, int bgAlphaStep,
                                     unsigned char* dstAlpha, int rowBytes, int width, int height);
 
+  // Mixes src into srcDst under an alpha plane of one byte a pixel. With S and D the bytes of src
+  // and srcDst and a the alpha of their pixel,
+  //   D = min(255, floor(a * S / 255) + floor(((255 - a) * D + 1) / 256))
+  // on width bytes a row for type 2 and 3 * width for type 4. The shares are divided by different
+  // numbers: where a is 0, a D of 255 becomes 254. src may be srcDst at the same step; otherwise the
+  // images must not overlap.
+  // Returns -2 for any other type. Nothing else is checked: no pointer may be null. A width or height
+  // below 1 does nothing.
   static IppStatus qvMergeAlphaPlus(qvDataType type, unsigned char* srcDst, int srcDstStep,
                                     unsigned char* src, int srcStep, unsigned char* alpha,
                                     int alphaStep, int width, int height);
 
+  // Smooths the combing of an interlaced frame: a filtered row is a weighted mean of the source row
+  // at the same place and its two neighbours. With w = min(centreWeight, 256), in 1/256, and
+  // s = (256 - w) / 2 truncated,
+  //   dst[r] = floor(((src[r - 1] + src[r + 1]) * s + src[r] * w) / 256)
+  // An odd w darkens slightly (the weights add up to 255). `mode` says which of the rows 0 to H - 1
+  // are written, H the height:
+  //   mode 1    filtered 1 to H - 2, row 0 copied; row H - 1 is not written
+  //   mode 4    filtered -1 to H - 2; row H - 1 is not written
+  //   mode 16   filtered -1 to H - 2, row H - 1 copied
+  //   other     filtered 1 to H - 2, rows 0 and H - 1 copied
+  // Modes 4 and 16 begin one row before the pointers: they write row -1 of dst and read rows -2
+  // and -1 of src, which must exist.
+  // A row is size.width bytes for type 2. For type 4 it is the whole srcStep, whatever size.width
+  // says: bytes between the pixels and the next row are filtered too, also into dst. Source and
+  // destination must not overlap. Large frames are cut into columns, not bands.
+  // Returns -2 for any other type; -8 if src or dst is null; -6 if height is below 3 or a row has
+  // fewer than 1 byte.
   static IppStatus qvDeinterlace(qvDataType type, const unsigned char* src, int srcStep,
                                  unsigned char* dst, int dstStep, IppiSize size,
                                  unsigned int centreWeight, unsigned int mode);

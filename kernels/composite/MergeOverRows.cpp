@@ -1,0 +1,91 @@
+// Placing a colour image with its own alpha plane over another one.
+#include "kernels/composite/Composite.h"
+#include "kernels/composite/RoundingMode.h"
+#include "kernels/level/Level.h"
+
+namespace qv::QV_LEVEL {
+
+namespace {
+
+// ---- Integer path -------------------------------------------------------------------------------
+
+void MergePixelPlain(Byte* fg, unsigned fa, const Byte* bg, unsigned ba, Byte* dstAlpha) {
+  const unsigned weight = (255 - fa) * ba;
+  const unsigned a = fa + (weight >> 8);
+  *dstAlpha = static_cast<Byte>(a);
+  for (int c = 0; c < 3; ++c)
+    fg[c] = static_cast<Byte>((fg[c] * fa + ((bg[c] * weight) >> 8)) / (a + 1));
+}
+
+// ---- Single-precision path ----------------------------------------------------------------------
+
+// a = min(255, d + ((255 - d) * ba >> 8)), in place.
+void AlphaRow(Byte* dstAlpha, const Byte* bgAlpha, ptrdiff_t width) {
+  for (ptrdiff_t x = 0; x < width; ++x) {
+    const int d = dstAlpha[x];
+    dstAlpha[x] = ToByte(d + (((255 - d) * bgAlpha[x]) >> 8));
+  }
+}
+
+// To nearest even by moving the binary point to the end of the significand: the sum's last bit is
+// worth 1, and the addition rounds. For 0 <= x < 2^22.
+QV_INLINE int NearestInt(float x) {
+  const float shifted = x + 0x1.8p23f;
+  int32_t bits;
+  memcpy(&bits, &shifted, 4);
+  return bits - 0x4B400000;
+}
+
+// The sum is at most 255 and the divisor at least 1 / 255: no operation comes near overflow or the
+// subnormal range.
+void ColourRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
+               const Byte* mergedAlpha, ptrdiff_t bytes) {
+  for (ptrdiff_t i = 0; i < bytes; ++i) {
+    const ptrdiff_t pixel = i / 3;
+    const float fgWeight = static_cast<float>(fgAlpha[pixel]) / 255.0f;
+    const float bgWeight = (1.0f - fgWeight) * (static_cast<float>(bgAlpha[pixel]) / 255.0f);
+    const float divisor = static_cast<float>(mergedAlpha[pixel] + 1) / 255.0f;
+    const float sum =
+        static_cast<float>(fg[i]) * fgWeight + bgWeight * static_cast<float>(bg[i]);
+    fg[i] = ToByte(NearestInt(sum / divisor));
+  }
+}
+
+__attribute__((noinline)) void MergeRows(Byte* fg, int fgStep, const Byte* fgAlpha,
+                                         int fgAlphaStep, const Byte* bg, int bgStep,
+                                         const Byte* bgAlpha, int bgAlphaStep, Byte* dstAlpha,
+                                         int rowBytes, int width, int height) {
+  for (int y = 0; y < height; ++y)
+    AlphaRow(RowAt(dstAlpha, fgAlphaStep, y), RowAt(bgAlpha, bgAlphaStep, y), width);
+  for (int y = 0; y < height; ++y)
+    ColourRow(RowAt(fg, fgStep, y), RowAt(fgAlpha, fgAlphaStep, y), RowAt(bg, bgStep, y),
+              RowAt(bgAlpha, bgAlphaStep, y), RowAt(dstAlpha, fgAlphaStep, y), rowBytes);
+}
+
+}  // namespace
+
+IppStatus MergeAlphaOverPlain_8u(Byte* fg, int fgStep, const Byte* fgAlpha, int fgAlphaStep,
+                                 const Byte* bg, int bgStep, const Byte* bgAlpha, int bgAlphaStep,
+                                 Byte* dstAlpha, int width, int height) {
+  for (int y = 0; y < height; ++y) {
+    Byte* const f = RowAt(fg, fgStep, y);
+    const Byte* const b = RowAt(bg, bgStep, y);
+    const Byte* const fa = RowAt(fgAlpha, fgAlphaStep, y);
+    const Byte* const ba = RowAt(bgAlpha, bgAlphaStep, y);
+    Byte* const a = RowAt(dstAlpha, fgAlphaStep, y);
+    for (ptrdiff_t x = 0; x < width; ++x) MergePixelPlain(f + 3 * x, fa[x], b + 3 * x, ba[x], a + x);
+  }
+  return StatusOk;
+}
+
+IppStatus MergeAlphaOver_8u(Byte* fg, int fgStep, const Byte* fgAlpha, int fgAlphaStep,
+                            const Byte* bg, int bgStep, const Byte* bgAlpha, int bgAlphaStep,
+                            Byte* dstAlpha, int rowBytes, int width, int height) {
+  if (width < 0) return StatusOk;
+  const RoundToNearest rounding;
+  MergeRows(fg, fgStep, fgAlpha, fgAlphaStep, bg, bgStep, bgAlpha, bgAlphaStep, dstAlpha, rowBytes,
+            width, height);
+  return StatusOk;
+}
+
+}  // namespace qv::QV_LEVEL

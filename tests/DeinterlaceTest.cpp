@@ -1,0 +1,126 @@
+// qvDeinterlace: the filter for all sums and weights at all levels, the rows of each mode, strips.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "qvAcceleratedLib/CqvAccLib.h"
+#include "tests/support/Levels.h"
+#include "tests/support/Random.h"
+
+namespace qv::test {
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+using Lib = CqvAccLib;
+
+Lib::qvDataType Type(int value) { return static_cast<Lib::qvDataType>(value); }
+
+unsigned char Filtered(unsigned above, unsigned centre, unsigned below, unsigned centreWeight) {
+  const unsigned w = std::min(centreWeight, 256u), s = (256 - w) / 2;
+  return static_cast<unsigned char>(((above + below) * s + centre * w) / 256);
+}
+
+TEST(Deinterlace, IsTheFormulaForAllSumsAndWeightsAtAllLevels) {
+  const int width = 511 * 256;
+  Bytes src(3 * width), dst(3 * width), expected(width);
+  for (int i = 0; i < width; ++i) {
+    const int sum = i / 256;
+    const int above = i % 3 ? std::min(sum, 255) : sum - std::min(sum, 255);
+    src[i] = static_cast<unsigned char>(above);
+    src[width + i] = static_cast<unsigned char>(i % 256);
+    src[2 * width + i] = static_cast<unsigned char>(sum - above);
+  }
+  for (unsigned w = 0; w <= 258; ++w) {
+    const unsigned weight = w == 258 ? 0xFFFFFFFFu : w;
+    for (int i = 0; i < width; ++i)
+      expected[i] = Filtered(src[i], src[width + i], src[2 * width + i], weight);
+    for (const Level& level : AvailableLevels()) {
+      const UseLevel use(level);
+      ASSERT_EQ(Lib::qvDeinterlace(Type(2), src.data(), width, dst.data(), width, {width, 3},
+                                   weight, 1),
+                StatusOk);
+      ASSERT_TRUE(std::equal(expected.begin(), expected.end(), dst.begin() + width))
+          << weight << ' ' << level.name;
+    }
+  }
+}
+
+// Rows around the image must keep their bytes unless a mode names them; strips must not change
+// anything; the last bytes of a three-channel row are filtered up to the step.
+TEST(Deinterlace, WritesTheRowsOfItsMode) {
+  const int height = 9, lead = 3, srcStep = 500, dstStep = 510, rows = height + lead + 2;
+  Bytes src(std::size_t{srcStep} * rows);
+  Random(5).Fill(src.data(), src.size());
+  struct {
+    unsigned mode;
+    int firstFiltered;
+    bool copiesFirst, copiesLast;
+  } const cases[] = {{1, 1, true, false},  {4, -1, false, false}, {16, -1, false, true},
+                     {0, 1, true, true},   {2, 1, true, true},    {17, 1, true, true},
+                     {0xFFFFFFFFu, 1, true, true}};
+  for (const auto& c : cases)
+    for (const int type : {2, 4})
+      for (const int height_ : {3, height})
+        for (const int budget : {1, 2, 3, 8})
+          for (const Level& level : AvailableLevels()) {
+            const UseBudget useBudget(budget);
+            const UseLevel use(level);
+            const int width = type == 2 ? 333 : 111;
+            const int rowBytes = type == 2 ? width : srcStep;
+            Bytes dst(std::size_t{dstStep} * rows, 7), expected = dst;
+            for (int y = -1; y < height_; ++y)
+              for (int x = 0; x < rowBytes; ++x) {
+                const auto at = [&](int row) { return src[(row + lead) * srcStep + x]; };
+                unsigned char& out = expected[(y + lead) * dstStep + x];
+                if (y >= c.firstFiltered && y <= height_ - 2)
+                  out = Filtered(at(y - 1), at(y), at(y + 1), 100);
+                else if ((y == 0 && c.copiesFirst) || (y == height_ - 1 && c.copiesLast))
+                  out = at(y);
+              }
+            ASSERT_EQ(Lib::qvDeinterlace(Type(type), src.data() + lead * srcStep, srcStep,
+                                         dst.data() + lead * dstStep, dstStep, {width, height_},
+                                         100, c.mode),
+                      StatusOk);
+            ASSERT_TRUE(dst == expected)
+                << "mode " << c.mode << ", type " << type << ", height " << height_ << ", budget "
+                << budget << ", " << level.name;
+          }
+}
+
+TEST(Deinterlace, ChecksInTheDocumentedOrder) {
+  Bytes image(2000, 5);
+  const Bytes before = image;
+  unsigned char* const p = image.data();
+  struct {
+    int type;
+    const unsigned char* src;
+    unsigned char* dst;
+    int srcStep, width, height;
+    IppStatus expected;
+  } const cases[] = {
+      {9, nullptr, nullptr, 0, 0, 0, StatusDataTypeErr},
+      {2, nullptr, p, 9, 0, 2, StatusNullPtrErr},
+      {2, p, nullptr, 9, 200, 2, StatusNullPtrErr},
+      {4, p, nullptr, 300, 9, 9, StatusNullPtrErr},
+      {2, p, p, 9, 9, 2, StatusSizeErr},
+      {2, p, p, 200, 200, 2, StatusSizeErr},
+      {2, p, p, 9, 0, 3, StatusSizeErr},
+      {4, p, p, 0, 9, 3, StatusSizeErr},
+      {4, p + 1000, p + 1000, -9, 9, 3, StatusSizeErr},
+  };
+  for (const Level& level : AvailableLevels())
+    for (const int budget : {1, 2}) {
+      const UseLevel use(level);
+      const UseBudget useBudget(budget);
+      for (const auto& c : cases)
+        EXPECT_EQ(Lib::qvDeinterlace(Type(c.type), c.src, c.srcStep, c.dst, 9,
+                                     {c.width, c.height}, 100, 16),
+                  c.expected)
+            << c.type << ' ' << c.height << ' ' << level.name;
+    }
+  EXPECT_TRUE(image == before);
+}
+
+}  // namespace
+}  // namespace qv::test
