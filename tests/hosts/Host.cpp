@@ -10,7 +10,7 @@ constexpr int kWidth = 322, kHeight = 210;  // enough rows for several bands
 unsigned char source[2][kHeight * kWidth * 4], destination[2][kHeight * kWidth * 4];
 unsigned char chroma[2][kHeight * kWidth];
 const IppiSize size = {kWidth, kHeight};
-const IppiRect whole = {0, 0, kWidth, kHeight};
+[[maybe_unused]] const IppiRect whole = {0, 0, kWidth, kHeight};
 
 void Print(const char* text, int length);
 
