@@ -70,35 +70,9 @@ void FilterRow(const Byte* above, const Byte* centre, const Byte* below, Byte* d
     FilterRowPlain(above, centre, below, dst, bytes, centreWeight, sideWeight);
 }
 
-// floor((a + b) / 2): the average of the complements rounds up, which is down for the bytes.
-QV_INLINE Vec AverageComplements(Vec a, Vec b) {
-#if defined(__AVX512BW__)
-  return _mm512_avg_epu8(a, b);
-#elif defined(__AVX2__)
-  return _mm256_avg_epu8(a, b);
-#else
-  return _mm_avg_epu8(a, b);
-#endif
-}
-
-// The weights 64, 128, 64: floor((floor((above + below) / 2) + centre) / 2), the same as one
-// truncation of the whole sum by 4.
-void FilterRowEvenly(const Byte* above, const Byte* centre, const Byte* below, Byte* dst,
-                     ptrdiff_t bytes, unsigned centreWeight, unsigned sideWeight) {
-  const Vec ones = Splat8(-1);
-  const auto filter = [&](ptrdiff_t i) {
-    const Vec sides = AverageComplements(SubSaturated8(ones, Load(above + i)), SubSaturated8(ones, Load(below + i)));
-    Store(dst + i,
-          SubSaturated8(ones, AverageComplements(sides, SubSaturated8(ones, Load(centre + i)))));
-  };
-  if (!CoverWithBlocks<kVecBytes>(bytes, filter, BytesToAlign(dst)))
-    FilterRowPlain(above, centre, below, dst, bytes, centreWeight, sideWeight);
-}
-
 using RowFunction = decltype(FilterRowPlain);
 
 constexpr RowFunction* RowOf(unsigned sideWeight) {
-  if (sideWeight == 64) return FilterRowEvenly;
   return kHasWeightedByteSums && sideWeight <= 64 ? FilterRow<kHasWeightedByteSums>
                                                   : FilterRow<false>;
 }
