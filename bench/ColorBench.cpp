@@ -51,7 +51,7 @@ static const bench::Family color([](bench::Suite& s) {
   for (const IppiSize size : bench::kFrames) {
     const bench::Buffers b = s.Frame(size);
     const int w = size.width, h = size.height;
-    const Planes in(b.src, size), out(b.dst, size);
+    Planes in(b.src, size), out(b.dst, size);
     [[maybe_unused]] const unsigned char* const pairs = in.data[1];  // of a two-plane frame
 
     s.Ours(kPackedToBgr, size, 5,

@@ -1,6 +1,10 @@
 // The exported operations: each picks its kernel, cuts the image and calls the kernel once a band.
 #include "qvAcceleratedLib/CqvAccLib.h"
 
+#include <new>
+
+#include "kernels/copy/Copy.h"
+#include "kernels/resize/Resize.h"
 #include "kernels/checksum/Checksum.h"
 #include "kernels/color/Color.h"
 #include "kernels/composite/Composite.h"
@@ -196,6 +200,66 @@ IppStatus CqvAccLib::qvYCbCr422ToBGR(qvDataType, const unsigned char* src, int s
 }
 
 // ---- Resizing -----------------------------------------------------------------------------------
+
+namespace {
+
+// As many bands as keep each larger than MinRowsPerBand in the whole source and in the destination.
+Bands PlanResizeBands(int srcHeight, int dstHeight, int budget) {
+  const Bands source = PlanBands(srcHeight, budget);
+  const Bands destination = PlanBands(dstHeight, budget);
+  const int count = source.count < destination.count ? source.count : destination.count;
+  return {count, count > 1 ? dstHeight / count : dstHeight, dstHeight};
+}
+
+// A whole image whose size hardly changes is not worth a filter.
+bool IsNearIdentity(IppiSize srcSize, IppiRect srcRoi, IppiSize dstRoiSize) {
+  const auto differs = [](int a, int b) { return a < b ? b - 1ll > a : a - 1ll > b; };
+  return !differs(srcSize.width, dstRoiSize.width) &&
+         !differs(srcSize.height, dstRoiSize.height) && srcRoi.x == 0 && srcRoi.y == 0 &&
+         srcRoi.width == srcSize.width && srcRoi.height == srcSize.height;
+}
+
+}  // namespace
+
+IppStatus CqvAccLib::qvResize(qvDataType type, const unsigned char* src, IppiSize srcSize,
+                              int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
+                              IppiSize dstRoiSize, double xFactor, double yFactor,
+                              int interpolation) {
+  if (IsNearIdentity(srcSize, srcRoi, dstRoiSize)) interpolation = InterpolateNearest;
+  if (interpolation == InterpolateArea && (xFactor > 1 || yFactor > 1))
+    interpolation = InterpolateLanczos;
+  const Bands bands = PlanResizeBands(srcSize.height, dstRoiSize.height, ThreadBudget);
+  const int channels = type == OneChannel ? 1 : type == ThreeChannels ? 3 : 0;
+  int bufferBytes = 0;
+  if (bands.count == 1 ||
+      (bands.count > 1 && ResizeBandBufferSize(dstRoiSize, channels, interpolation,
+                                               &bufferBytes) != StatusOk)) {
+    if (channels == 0) return StatusDataTypeErr;
+    const auto kernel = channels == 1 ? Resize_8u_C1 : Resize_8u_C3;
+    return kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoiSize, xFactor, yFactor,
+                  interpolation);
+  }
+  const auto kernel = channels == 1 ? ResizeBand_8u_C1 : ResizeBand_8u_C3;
+  return RunBands(bands, [&](int i) {
+    const IppiRect band = {0, static_cast<int>(bands.First(i)), dstRoiSize.width,
+                           bands.Height(i)};
+    auto* const buffer = new (std::nothrow) unsigned char[static_cast<size_t>(bufferBytes)];
+    const IppStatus status = kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, band, xFactor,
+                                    yFactor, 0, 0, interpolation, buffer);
+    delete[] buffer;
+    return status;
+  });
+}
+
+IppStatus CqvAccLib::qvResizeYUV422(qvDataType, const unsigned char* src, IppiSize srcSize,
+                                    int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
+                                    IppiSize dstRoiSize, double xFactor, double yFactor,
+                                    int interpolation) {
+  // Area averaging and Lanczos are done as cubic.
+  if (interpolation > InterpolateCubic) interpolation = InterpolateCubic;
+  return ResizeYUV422_8u_C2(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoiSize, xFactor,
+                            yFactor, interpolation);
+}
 
 // ---- Rotation and perspective -------------------------------------------------------------------
 

@@ -156,10 +156,9 @@ class QVACCELERATEDLIB_API CqvAccLib {
                                 unsigned char* dst, int dstStep, IppiSize size,
                                 const unsigned char* palette, int bitSize);
 
-  // Scales every byte in place by value / 255, truncated: x = floor(x * value / 255).
-  // size.width counts bytes.
-  // Returns -2 if type is not 16; -8 if srcDst is null; -14 if srcDstStep is below 1; -6 if width or
-  // height is below 1.
+  // Scales every byte in place by value / 255, truncated: x = floor(x * value / 255). size.width
+  // counts bytes. Returns -2 if type is not 16; -8 if srcDst is null; -14 if srcDstStep is below 1;
+  // -6 if width or height is below 1.
   static IppStatus qvMulCScale(qvDataType type, unsigned char value, unsigned char* srcDst,
                                int srcDstStep, IppiSize size);
 
@@ -245,11 +244,88 @@ class QVACCELERATEDLIB_API CqvAccLib {
 
   // ---- Resizing ---------------------------------------------------------------------------------
 
+  // Scales the region srcRoi of an image of srcSize pixels into dst, by xFactor and yFactor
+  // (destination size over source size). src points at the image's first pixel, not the region's;
+  // dst points at the first pixel written. Pixels of type 2 have one byte, of type 4 three.
+  // Interpolation:
+  //   1   nearest neighbour
+  //   2   linear
+  //   4   cubic, Keys' kernel with a = -0.5 (Keys 1981)
+  //   8   area averaging, the mean over the part of the source that a pixel covers; with a factor
+  //       above 1 it is done as 16
+  //   16  Lanczos, three lobes: six taps, weights scaled to sum 1
+  // The filters are not widened when reducing: 8 is the method for strong reductions.
+  //
+  // The region is clipped to the image; let W x H be what is left of it. Written are trunc(W *
+  // xFactor + 1e-07) columns and trunc(H * yFactor + 1e-07) rows, but at least one and at most
+  // dstRoiSize; the rest of dst is left alone. Pixels outside the clipped region are never read:
+  // taps that fall there take its nearest edge pixel.
+  //
+  // Where destination pixel i of an axis of L source pixels with factor F lies in the region, a
+  // whole number being the middle of a pixel:
+  //   code 1          (i + 0.5) / F - 0.5, rounded:  pixel centres
+  //   codes 2, 4, 16  i * (L - 1) / (L * F - 1):     corner-aligned
+  //   code 8          covers (i / F - 0.5, (i + 1) / F - 0.5)
+  // Five pixels from three (F = 5/3), source pixels as |, destination pixels as o:
+  //   source            |---------|---------|
+  //   code 1          o-----o-----o-----o-----o
+  //   codes 2 to 16     o----o----o----o----o
+  // Positions are accumulated, in double precision: code 1 starts at 0.5 / F and adds 1 / F, the
+  // others start at 0 and add the step.
+  //
+  // Code 2 has the arithmetic p0 * (16384 - w) + p1 * w, w = trunc(fraction * 16384 + 1e-07): along
+  // x h = (sum + 128) >> 8, then along y out = (h0 * (16384 - w) + h1 * w + 524288) >> 20. The
+  // others round the exact value to nearest and limit it to 0 .. 255; each byte is within one unit
+  // of it, and on average within 0.26 (0.25 is a perfect rounding).
+  //
+  // Bands. With a budget of several threads, and more than 64 rows of both srcSize and dstRoiSize a
+  // band, codes 1, 2, 4 and 16 run in bands, which lie differently: all codes use pixel centres, in
+  // coordinates of the whole image,
+  //   code 1  trunc((i + 0.5) / F + 1e-10);  codes 2, 4, 16  (i + 0.5) / F - 0.5,
+  // and written is what the region becomes there: from trunc(srcRoi.x * xFactor + 0.4999999999) to
+  // before trunc((srcRoi.x + W) * xFactor + 0.4999999999), rows likewise, as far as it lies in
+  // dstRoiSize. So a region that does not start at 0 is displaced in dst by its origin times the
+  // factor. The number of bands makes no difference; whether there are several does.
+  //
+  // If dstRoiSize differs from srcSize by at most one pixel each way and srcRoi is the whole image,
+  // code 1 is used whatever is asked for. If the source image is narrower or lower than 8 pixels,
+  // code 16 becomes 4; than 4 pixels, code 4 becomes 2; than 2 pixels, all but 8 become 1 (not in
+  // bands).
+  //
+  // Source and destination must not overlap. Returns -2 for any other type; -8 if src or dst is
+  // null; -6 if srcSize or srcRoi has a width or height below 1 or srcRoi an origin below 0; 29,
+  // with nothing written, if srcRoi's origin is outside the image; -6 if dstRoiSize has a width or
+  // height below 1; -23 if a factor is not above 0; -22 for any other interpolation; -201 if W *
+  // xFactor or H * yFactor, plus 1e-07, is below 0.5; -9 if work memory cannot be had. In bands -6
+  // for dstRoiSize comes before 29, -23 and -22 too; there is no -201; 1 if the projected region
+  // ends before dst starts, and -8 stands for lacking memory of a band.
   static IppStatus qvResize(qvDataType type, const unsigned char* src, IppiSize srcSize,
                             int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                             IppiSize dstRoiSize, double xFactor, double yFactor,
                             int interpolation);
 
+  // Scales a region of a packed 4:2:2 image: pairs of pixels of four bytes, Y0 Cb Y1 Cr. Arguments
+  // are those of qvResize, sizes and coordinates in pixels; `type` is ignored. Interpolation is 1
+  // (nearest neighbour), 2 (linear) or 4 (cubic); larger values are done as 4. Runs on the calling
+  // thread.
+  //
+  // Luma is resized on its grid of pixels, Cb and Cr each on the grid of pairs, with the positions
+  // of qvResize outside bands and each byte within one unit of the exact value.
+  //
+  // The region's first byte is src + 4 * srcRoi.x + srcStep * srcRoi.y: four bytes for each pixel
+  // of srcRoi.x, which is twice what pixels take. 2 * W bytes from there must be readable in every
+  // row of the region, W being srcRoi.width clipped to srcSize.width - srcRoi.x. Written are w / 2
+  // pairs (an odd last pixel is not), w = trunc(W * xFactor + 1e-07), at most dstRoiSize.width and
+  // at least 2, and trunc(H * yFactor + 1e-07) rows, at most dstRoiSize.height and at least one. If
+  // the source image is narrower than 8 pixels or lower than 4, code 4 becomes 2; narrower than 4
+  // or lower than 2, all become 1.
+  //
+  // Returns -8 if src or dst is null; -6 if srcSize or srcRoi has a width or height below 1 or
+  // srcRoi an origin below 0; 29, with nothing written, if srcRoi's origin is outside the image; -6
+  // if dstRoiSize has a width or height below 1, if srcSize.width, srcRoi.width or srcRoi.x is odd,
+  // or if dstRoiSize.width is below 2; -23 if a factor is not above 0; -22 for an interpolation of
+  // 0, 3 or below; -201 if W * xFactor + 1e-07 is below 1.5 or H * yFactor + 1e-07 below 0.5; -9 if
+  // work memory cannot be had.
   static IppStatus qvResizeYUV422(qvDataType type, const unsigned char* src, IppiSize srcSize,
                                   int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                                   IppiSize dstRoiSize, double xFactor, double yFactor,

@@ -1,5 +1,5 @@
-// qvYCbCr422ToBGR, qvYCbCr420ToBGR, qvYCbCr420 and qvYCbCr422ToYCrCb420 through the public interface:
-// the formulas for every input at every level, odd sizes, bands, statuses and their order.
+// qvYCbCr422ToBGR, qvYCbCr420ToBGR, qvYCbCr420 and qvYCbCr422ToYCrCb420 through the public
+// interface: the formulas for every input at every level, odd sizes, bands, statuses and their order.
 #include <gtest/gtest.h>
 
 #include <algorithm>

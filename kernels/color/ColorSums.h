@@ -1,8 +1,8 @@
 // B, G and R of pixel pairs in 16.16 fixed point, exact in 32 bits.
 //
-// The coefficients are wider than the 16 bits that a multiply-add of pairs takes, but split into
-// factors: 76284 = 4 * 19071, 132186 = 6 * 22031 and 104595 = 5 * 20919, and 4, 6 and 5 times a byte
-// is a small number. 53281 is prime: it is 65536 - 12255. No sum passes 2^27.
+// The coefficients are wider than the 16 bits that a multiply-add of pairs takes, but they have
+// factors: 76284 = 4 * 19071, 132186 = 6 * 22031 and 104595 = 5 * 20919, and 4, 6 and 5 times a
+// byte is a small number. 53281 has none: it is 65536 - 12255. No sum passes 2^27.
 #ifndef QV_KERNELS_COLOR_COLORSUMS_H
 #define QV_KERNELS_COLOR_COLORSUMS_H
 

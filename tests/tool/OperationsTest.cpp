@@ -132,6 +132,14 @@ TEST(PlanarVideo, PlanesAreWorkedOnEachOnItsOwnGrid) {
        header + "abcdef" "g00jkl" "mnopqrstuvwx" "11CDEF" "223456"},
       {{"copy", "-", "-", "--region", "2,2,3,2"},
        "YUV4MPEG2 W3 H2 C420jpeg F25:1\nFRAME\n" "opquvw" "EF" "56"},
+      // 12x8 has chroma of 6x4, 3x3 of the lower right has chroma of 2x2.
+      {{"resize", "-", "-", "--factor", "2", "--method", "nearest"},
+       "YUV4MPEG2 W12 H8 C420jpeg F25:1\nFRAME\n"
+       "aabbccddeeff" "aabbccddeeff" "gghhiijjkkll" "gghhiijjkkll"
+       "mmnnooppqqrr" "mmnnooppqqrr" "ssttuuvvwwxx" "ssttuuvvwwxx"
+       "AABBCC" "AABBCC" "DDEEFF" "DDEEFF" "112233" "112233" "445566" "445566"},
+      {{"resize", "-", "-", "--to", "3x3", "--region", "2,0,4,4", "--method", "nearest"},
+       "YUV4MPEG2 W3 H3 C420jpeg F25:1\nFRAME\n" "cef" "oqr" "uwx" "BCEF" "2356"},
       {{"copy", "-", "-", "--format", "raw"}, luma + cb + cr},
       {{"palette", "-", "-", "--name", "grey", "--format", "raw"},
        [&] {
