@@ -3,6 +3,8 @@
 // compiler without a C library can build it; on Windows it brings its own entry point.
 #include <qvAcceleratedLib/CqvAccLib.h>
 
+#include <initializer_list>
+
 namespace {
 
 constexpr int kWidth = 322, kHeight = 210;  // enough rows for several bands
