@@ -3,10 +3,15 @@
 set(QV_LEVELS generic sse2 ssse3 avx2 avx512)
 
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
-  set(QV_LEVEL_FLAGS_generic -march=i686 -mno-mmx -mno-sse -O2)
+  # The oldest processor has no SSE: its doubles are x87 registers, which keep more than a double
+  # holds. Whatever is built for it rounds what it assigns by storing it (see X87Precision.h for what
+  # it does not assign).
+  set(QV_BASELINE_FLAGS -march=i686 -mno-mmx -mno-sse -mfpmath=387 -ffloat-store)
+  set(QV_LEVEL_FLAGS_generic ${QV_BASELINE_FLAGS} -O2)
   set(fp_in_sse -mfpmath=sse)
 else()
-  set(QV_LEVEL_FLAGS_generic -mno-sse3 -O2)
+  set(QV_BASELINE_FLAGS -mno-sse3)
+  set(QV_LEVEL_FLAGS_generic ${QV_BASELINE_FLAGS} -O2)
   set(fp_in_sse)
 endif()
 set(QV_LEVEL_FLAGS_sse2 -msse2 -mno-sse3 ${fp_in_sse} -O3)
@@ -14,7 +19,22 @@ set(QV_LEVEL_FLAGS_ssse3 -mssse3 -mno-sse4.1 -mno-sse4a ${fp_in_sse} -O3)
 set(QV_LEVEL_FLAGS_avx2 -mavx2 -mno-fma -mno-avx512f ${fp_in_sse} -O3)
 set(QV_LEVEL_FLAGS_avx512 -mavx512f -mavx512bw -mavx512vl -mavx512dq -mavx512vbmi
     -mprefer-vector-width=512 ${fp_in_sse} -O3
-    -Wno-maybe-uninitialized -Wno-uninitialized)  # GCC 12 warns of its own _mm512_undefined_*
+    -Wno-uninitialized -Wno-maybe-uninitialized)  # GCC 12 warns of its own _mm512_undefined_*
+
+# 32-bit Windows promises a stack aligned to 4 bytes, to hosts' calls as to new threads. GCC's attribute
+# for that does not reach the bodies of parallel regions, so it is an option for everything.
+if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 4)
+  add_compile_options(-mincoming-stack-boundary=2)
+endif()
+
+# GCC for 64-bit Windows takes the stack to be aligned to 16 bytes, as it is, and yet keeps wider
+# vectors there with moves that want more (GCC bug 54412, open as of GCC 12). The assembler makes
+# unaligned ones of them, which are as fast.
+if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 8)
+  foreach(level avx2 avx512)
+    list(APPEND QV_LEVEL_FLAGS_${level} -Wa,-muse-unaligned-vector-move)
+  endforeach()
+endif()
 
 # One object library a level, qvRows_<level>, from the one list of row sources.
 function(qv_add_levels)

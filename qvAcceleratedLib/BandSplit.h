@@ -6,6 +6,7 @@
 #include <stddef.h>
 
 #include "qvAcceleratedLib/CqvAccLib.h"
+#include "qvAcceleratedLib/X87Precision.h"
 
 namespace qv {
 
@@ -57,11 +58,13 @@ constexpr Pointer Advance(Pointer p, ptrdiff_t bytes) {
 // already.
 template <class Body>
 IppStatus RunBands(const Bands& bands, const Body& body) {
+  const X87Precision precision;
   if (bands.count == 1) return body(0);
   IppStatus status = StatusOk;
   const int last = bands.count - 1;
 #pragma omp parallel for schedule(static) if (!omp_in_parallel())
   for (int i = 0; i <= last; ++i) {
+    const X87Precision threadPrecision;
     const IppStatus bandStatus = body(i);
     if (i == last) status = bandStatus;
   }

@@ -1,8 +1,16 @@
 // The exported operations: each picks its kernel, cuts the image and calls the kernel once a band.
 #include "qvAcceleratedLib/CqvAccLib.h"
 
+#include <new>
+
+#include "kernels/copy/Copy.h"
+#include "kernels/resize/Resize.h"
+#include "kernels/checksum/Checksum.h"
+#include "kernels/color/Color.h"
 #include "kernels/composite/Composite.h"
 #include "kernels/copy/Copy.h"
+#include "kernels/geometry/Geometry.h"
+#include "kernels/geometry/Transform.h"
 #include "kernels/deinterlace/Deinterlace.h"
 #include "qvAcceleratedLib/BandSplit.h"
 #include "qvAcceleratedLib/Settings.h"
@@ -120,11 +128,202 @@ IppStatus CqvAccLib::qvMulCScale(qvDataType type, unsigned char value, unsigned 
 
 // ---- Checksums ----------------------------------------------------------------------------------
 
+// A checksum depends on all bytes before: one call, no bands.
+IppStatus CqvAccLib::qvCRC32(qvDataType, const unsigned char* src, int length, unsigned int* crc) {
+  return Crc32_8u(src, length, crc);
+}
+
+IppStatus CqvAccLib::qvAdler32(qvDataType, const unsigned char* src, int length,
+                               unsigned int* adler) {
+  return Adler32_8u(src, length, adler);
+}
+
 // ---- Colour-format conversion -------------------------------------------------------------------
+
+namespace {
+
+// The planes of a 4:2:0 image from an even row on; a chroma row serves two. Null arrays give null.
+struct PlanesFrom {
+  PlanesFrom(unsigned char* const* planes, const int* steps, ptrdiff_t row) {
+    if (!planes || !steps) return;
+    for (int c = 0; c < 3; ++c) moved[c] = Advance(planes[c], row * steps[c] / (c == 0 ? 1 : 2));
+    array = moved;
+  }
+  unsigned char* moved[3];
+  unsigned char** array = nullptr;
+};
+
+}  // namespace
+
+IppStatus CqvAccLib::qvYCbCr420(qvDataType, const unsigned char* srcY, int srcYStep,
+                                const unsigned char* srcCbCr, int srcCbCrStep,
+                                unsigned char** const dst, int* const dstStep, IppiSize size) {
+  const Bands bands = PlanEvenBands(size.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    const PlanesFrom planes(dst, dstStep, bands.First(i));
+    return YCbCrInterleavedTo420_8u_P2P3(Advance(srcY, bands.First(i) * srcYStep), srcYStep,
+                                         Advance(srcCbCr, bands.First(i) * srcCbCrStep / 2),
+                                         srcCbCrStep, planes.array, dstStep,
+                                         {size.width, bands.Height(i)});
+  });
+}
+
+IppStatus CqvAccLib::qvYCbCr422ToYCrCb420(qvDataType, const unsigned char* src, int srcStep,
+                                          unsigned char** const dst, int* const dstStep,
+                                          IppiSize size) {
+  const Bands bands = PlanEvenBands(size.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    const PlanesFrom planes(dst, dstStep, bands.First(i));
+    return YCbCr422ToYCrCb420_8u_C2P3(Advance(src, bands.First(i) * srcStep), srcStep,
+                                      planes.array, dstStep, {size.width, bands.Height(i)});
+  });
+}
+
+IppStatus CqvAccLib::qvYCbCr420ToBGR(qvDataType, unsigned char** const src, int* const srcStep,
+                                     unsigned char* dst, int dstStep, IppiSize size) {
+  const Bands bands = PlanEvenBands(size.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    const PlanesFrom planes(src, srcStep, bands.First(i));
+    return YCbCr420ToBGR_8u_P3C3(planes.array, srcStep, Advance(dst, bands.First(i) * dstStep),
+                                 dstStep, {size.width, bands.Height(i)});
+  });
+}
+
+IppStatus CqvAccLib::qvYCbCr422ToBGR(qvDataType, const unsigned char* src, int srcStep,
+                                     unsigned char* dst, int dstStep, IppiSize size) {
+  const Bands bands = PlanEvenBands(size.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    return YCbCr422ToBGR_8u_C2C3(Advance(src, bands.First(i) * srcStep), srcStep,
+                                 Advance(dst, bands.First(i) * dstStep), dstStep,
+                                 {size.width, bands.Height(i)});
+  });
+}
 
 // ---- Resizing -----------------------------------------------------------------------------------
 
+namespace {
+
+// As many bands as keep each larger than MinRowsPerBand in the whole source and in the destination.
+Bands PlanResizeBands(int srcHeight, int dstHeight, int budget) {
+  const Bands source = PlanBands(srcHeight, budget);
+  const Bands destination = PlanBands(dstHeight, budget);
+  const int count = source.count < destination.count ? source.count : destination.count;
+  return {count, count > 1 ? dstHeight / count : dstHeight, dstHeight};
+}
+
+// A whole image whose size hardly changes is not worth a filter.
+bool IsNearIdentity(IppiSize srcSize, IppiRect srcRoi, IppiSize dstRoiSize) {
+  const auto differs = [](int a, int b) { return a < b ? b - 1ll > a : a - 1ll > b; };
+  return !differs(srcSize.width, dstRoiSize.width) &&
+         !differs(srcSize.height, dstRoiSize.height) && srcRoi.x == 0 && srcRoi.y == 0 &&
+         srcRoi.width == srcSize.width && srcRoi.height == srcSize.height;
+}
+
+}  // namespace
+
+IppStatus CqvAccLib::qvResize(qvDataType type, const unsigned char* src, IppiSize srcSize,
+                              int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
+                              IppiSize dstRoiSize, double xFactor, double yFactor,
+                              int interpolation) {
+  if (IsNearIdentity(srcSize, srcRoi, dstRoiSize)) interpolation = InterpolateNearest;
+  if (interpolation == InterpolateArea && (xFactor > 1 || yFactor > 1))
+    interpolation = InterpolateLanczos;
+  const Bands bands = PlanResizeBands(srcSize.height, dstRoiSize.height, ThreadBudget);
+  const int channels = type == OneChannel ? 1 : type == ThreeChannels ? 3 : 0;
+  int bufferBytes = 0;
+  if (bands.count == 1 ||
+      (bands.count > 1 && ResizeBandBufferSize(dstRoiSize, channels, interpolation,
+                                               &bufferBytes) != StatusOk)) {
+    if (channels == 0) return StatusDataTypeErr;
+    const auto kernel = channels == 1 ? Resize_8u_C1 : Resize_8u_C3;
+    return kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoiSize, xFactor, yFactor,
+                  interpolation);
+  }
+  const auto kernel = channels == 1 ? ResizeBand_8u_C1 : ResizeBand_8u_C3;
+  return RunBands(bands, [&](int i) {
+    const IppiRect band = {0, static_cast<int>(bands.First(i)), dstRoiSize.width,
+                           bands.Height(i)};
+    auto* const buffer = new (std::nothrow) unsigned char[static_cast<size_t>(bufferBytes)];
+    const IppStatus status = kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, band, xFactor,
+                                    yFactor, 0, 0, interpolation, buffer);
+    delete[] buffer;
+    return status;
+  });
+}
+
+IppStatus CqvAccLib::qvResizeYUV422(qvDataType, const unsigned char* src, IppiSize srcSize,
+                                    int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
+                                    IppiSize dstRoiSize, double xFactor, double yFactor,
+                                    int interpolation) {
+  // Area averaging and Lanczos are done as cubic.
+  if (interpolation > InterpolateCubic) interpolation = InterpolateCubic;
+  return ResizeYUV422_8u_C2(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoiSize, xFactor,
+                            yFactor, interpolation);
+}
+
 // ---- Rotation and perspective -------------------------------------------------------------------
+
+IppStatus CqvAccLib::qvRotate(qvDataType type, const unsigned char* src, IppiSize srcSize,
+                              int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
+                              IppiRect dstRoi, double angle, double xShift, double yShift,
+                              int interpolation) {
+  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
+  const auto kernel = type == OneChannel ? Rotate_8u_C1 : Rotate_8u_C3;
+  return kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, angle, xShift, yShift,
+                interpolation);
+}
+
+namespace {
+
+// The rows of a destination region that are band i. Pointers stay: the warp works in absolute
+// coordinates.
+IppiRect BandOf(const Bands& bands, int i, IppiRect roi) {
+  return {roi.x, static_cast<int>(roi.y + bands.First(i)), roi.width, bands.Height(i)};
+}
+
+}  // namespace
+
+IppStatus CqvAccLib::qvWarpPerspective(qvDataType type, const unsigned char* src, IppiSize srcSize,
+                                       int srcStep, IppiRect srcRoi, unsigned char* dst,
+                                       int dstStep, IppiRect dstRoi, const double coeffs[3][3],
+                                       int interpolation) {
+  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
+  const auto kernel = type == OneChannel ? WarpPerspective_8u_C1 : WarpPerspective_8u_C3;
+  const Bands bands = PlanBands(dstRoi.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    return kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, BandOf(bands, i, dstRoi), coeffs,
+                  interpolation);
+  });
+}
+
+// On one band the second image waits for the first one's success; on several it does not, and its
+// status hides the first one's.
+IppStatus CqvAccLib::qvWarpPerspectiveEx(qvDataType, const unsigned char* src, IppiSize srcSize,
+                                         int srcStep, IppiRect srcRoi, unsigned char* dst,
+                                         int dstStep, IppiRect dstRoi, const double coeffs[3][3],
+                                         int interpolation, const unsigned char* src2,
+                                         int src2Step, unsigned char* dst2, int dst2Step,
+                                         const double coeffs2[3][3]) {
+  const Bands bands = PlanBands(dstRoi.height, ThreadBudget);
+  return RunBands(bands, [&](int i) {
+    const IppiRect band = BandOf(bands, i, dstRoi);
+    const IppStatus status = WarpPerspective_8u_C3(src, srcSize, srcStep, srcRoi, dst, dstStep,
+                                                   band, coeffs, interpolation);
+    if (!src2 || !dst2 || (bands.count == 1 && status != StatusOk)) return status;
+    return WarpPerspective_8u_C1(src2, srcSize, src2Step, srcRoi, dst2, dst2Step, band, coeffs2,
+                                 interpolation);
+  });
+}
+
+IppStatus CqvAccLib::qvGetPerspectiveTransform(qvDataType, IppiRect roi, const double quad[4][2],
+                                               double coeffs[3][3]) {
+  return GetPerspectiveTransform_64f(roi, quad, coeffs);
+}
+
+IppStatus CqvAccLib::qvGetRotateBound(qvDataType, IppiRect roi, double bound[2][2], double angle,
+                                      double xShift, double yShift) {
+  return GetRotateBound_64f(roi, bound, angle, xShift, yShift);
+}
 
 // ---- Compositing and deinterlacing --------------------------------------------------------------
 

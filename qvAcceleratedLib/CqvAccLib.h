@@ -156,44 +156,176 @@ class QVACCELERATEDLIB_API CqvAccLib {
                                 unsigned char* dst, int dstStep, IppiSize size,
                                 const unsigned char* palette, int bitSize);
 
-  // Scales every byte in place by value / 255, truncated: x = floor(x * value / 255).
-  // size.width counts bytes.
-  // Returns -2 if type is not 16; -8 if srcDst is null; -14 if srcDstStep is below 1; -6 if width or
-  // height is below 1.
+  // Scales every byte in place by value / 255, truncated: x = floor(x * value / 255). size.width
+  // counts bytes. Returns -2 if type is not 16; -8 if srcDst is null; -14 if srcDstStep is below 1;
+  // -6 if width or height is below 1.
   static IppStatus qvMulCScale(qvDataType type, unsigned char value, unsigned char* srcDst,
                                int srcDstStep, IppiSize size);
 
   // ---- Checksums --------------------------------------------------------------------------------
 
+  // A checksum is a running value: pass the value of fresh data (0 for CRC-32, 1 for Adler-32) in
+  // before the first piece of a message and the result of one call into the next. The value after
+  // the last piece is the checksum of the whole message, however it was cut. `type` is ignored; src
+  // points at `length` bytes, of any alignment. One thread does the work.
+
+  // CRC-32 of ITU-T V.42 and ISO 3309: the remainder modulo
+  //   x^32 + x^26 + x^23 + x^22 + x^16 + x^12 + x^11 + x^10 + x^8 + x^7 + x^5 + x^4 + x^2 + x + 1
+  // with the low bit of each byte first, register set to ones at the start and complemented at the
+  // end. The value is the finished CRC of the bytes so far: *crc is complemented, fed the bytes
+  // (r = (r >> 8) ^ T[(r ^ byte) & 255], T[128] = 0xEDB88320) and complemented again. Fresh: 0. The
+  // nine characters "123456789" give 0xCBF43926.
+  // Returns -8 if src or crc is null; -6 if length is below 1. *crc is kept then.
   static IppStatus qvCRC32(qvDataType type, const unsigned char* src, int length,
                            unsigned int* crc);
 
+  // Adler-32 of RFC 1950: *adler = b * 65536 + a, and each byte d makes
+  //   a = (a + d) mod 65521, b = (b + a) mod 65521
+  // Fresh: 1. The three characters "abc" give 0x024D0127. A starting value may have halves of 65521
+  // and above; those of a result are below 65521.
+  // Returns -6, and sets *adler to 0, if src is null; 0, and keeps *adler, if length is below 1.
+  // adler must not be null: it is read before anything is checked.
   static IppStatus qvAdler32(qvDataType type, const unsigned char* src, int length,
                              unsigned int* adler);
 
   // ---- Colour-format conversion -----------------------------------------------------------------
 
+  // Samples are 8-bit BT.601 in studio range: Y 16 to 235, Cb and Cr 16 to 240 around 128; every
+  // byte value is accepted. Packed 4:2:2 lies in memory as Y0, Cb, Y1, Cr for two pixels side by
+  // side; a 4:2:0 chroma sample serves a block of 2 x 2 pixels. Chroma is repeated, never
+  // interpolated. `type` is ignored. >> is the arithmetic shift, clamp() limits to 0 .. 255. Bands
+  // have an even height. Source and destination must not overlap.
+
+  // Splits two-plane 4:2:0 into three planes: a luma plane (width x height bytes) and a plane of
+  // height / 2 rows of width / 2 pairs Cb, Cr become dst[0] = Y, dst[1] = Cb, dst[2] = Cr, with
+  // steps dstStep[0 .. 2]. An odd last column or row is left unwritten without a warning.
+  //   dst[1][k][j] = srcCbCr[k][2j]
+  //   dst[2][k][j] = srcCbCr[k][2j + 1]
+  // Returns -8 if srcY, srcCbCr, dst, dstStep or one of the three planes is null; -6 if width or
+  // height is below 2.
   static IppStatus qvYCbCr420(qvDataType type, const unsigned char* srcY, int srcYStep,
                               const unsigned char* srcCbCr, int srcCbCrStep,
                               unsigned char** const dst, int* const dstStep, IppiSize size);
 
+  // Splits packed 4:2:2 into planar 4:2:0, in the order dst[0] = Y, dst[1] = Cr, dst[2] = Cb. The
+  // chroma of each two rows is that of the upper one; the lower one's is dropped, not averaged. An
+  // odd last column or row is left unwritten without a warning.
+  //   dst[0][y][2j] = src[y][4j]         dst[0][y][2j + 1] = src[y][4j + 2]
+  //   dst[1][k][j]  = src[2k][4j + 3]    dst[2][k][j]      = src[2k][4j + 1]
+  // Returns -8 if src, dst, dstStep or one of the three planes is null; -6 if width or height is
+  // below 2.
   static IppStatus qvYCbCr422ToYCrCb420(qvDataType type, const unsigned char* src, int srcStep,
                                         unsigned char** const dst, int* const dstStep,
                                         IppiSize size);
 
+  // Converts planar 4:2:0, src[0] = Y, src[1] = Cb, src[2] = Cr with steps srcStep[0 .. 2], to
+  // pixels B, G, R. With u = Cb - 128 and v = Cr - 128:
+  //   B = clamp((76284 Y + 132186 u - 1187776) >> 16)
+  //   G = clamp((76284 Y - 25690 u - 53281 v - 1187776) >> 16)
+  //   R = clamp((76284 Y + 104595 v - 1187776) >> 16)
+  // which is ITU-R BT.601 in 16.16 fixed point, rounded half up (1187776 = 16 * 76284 - 32768). An
+  // odd last column or row is left unwritten; the planes need not have samples for it.
+  // Returns -8 if src, srcStep or dst is null; -6 if width or height is below 1; -8 if one of the
+  // three planes is null; 35 if width or height is odd (all the rest is converted).
   static IppStatus qvYCbCr420ToBGR(qvDataType type, unsigned char** const src, int* const srcStep,
                                    unsigned char* dst, int dstStep, IppiSize size);
 
+  // Converts packed 4:2:2 to pixels B, G, R:
+  //   B = clamp((76284 Y + 132186 Cb - 18140365) >> 16)
+  //   G = clamp((76284 Y - 53281 Cr - 25690 Cb + 8887730) >> 16)
+  //   R = clamp((76284 Y + 104595 Cr - 14608761) >> 16)
+  // which is ITU-R BT.601 in 16.16 fixed point, rounded down, with offsets 13, 14 and 57 below the
+  // exact ones of Y - 16, Cb - 128 and Cr - 128, so that whole numbers come out one lower. The last
+  // pixel of an odd width has the first two bytes of a group alone: it takes its Cr from the group
+  // before, and nothing behind its Cb is read.
+  // Returns -8 if src or dst is null; -6 if width is below 2 or height below 1.
   static IppStatus qvYCbCr422ToBGR(qvDataType type, const unsigned char* src, int srcStep,
                                    unsigned char* dst, int dstStep, IppiSize size);
 
   // ---- Resizing ---------------------------------------------------------------------------------
 
+  // Scales the region srcRoi of an image of srcSize pixels into dst, by xFactor and yFactor
+  // (destination size over source size). src points at the image's first pixel, not the region's;
+  // dst points at the first pixel written. Pixels of type 2 have one byte, of type 4 three.
+  // Interpolation:
+  //   1   nearest neighbour
+  //   2   linear
+  //   4   cubic, Keys' kernel with a = -0.5 (Keys 1981)
+  //   8   area averaging, the mean over the part of the source that a pixel covers; with a factor
+  //       above 1 it is done as 16
+  //   16  Lanczos, three lobes: six taps, weights scaled to sum 1
+  // The filters are not widened when reducing: 8 is the method for strong reductions.
+  //
+  // The region is clipped to the image; let W x H be what is left of it. Written are trunc(W *
+  // xFactor + 1e-07) columns and trunc(H * yFactor + 1e-07) rows, but at least one and at most
+  // dstRoiSize; the rest of dst is left alone. Pixels outside the clipped region are never read:
+  // taps that fall there take its nearest edge pixel.
+  //
+  // Where destination pixel i of an axis of L source pixels with factor F lies in the region, a
+  // whole number being the middle of a pixel:
+  //   code 1          (i + 0.5) / F - 0.5, rounded:  pixel centres
+  //   codes 2, 4, 16  i * (L - 1) / (L * F - 1):     corner-aligned
+  //   code 8          covers (i / F - 0.5, (i + 1) / F - 0.5)
+  // Five pixels from three (F = 5/3), source pixels as |, destination pixels as o:
+  //   source            |---------|---------|
+  //   code 1          o-----o-----o-----o-----o
+  //   codes 2 to 16     o----o----o----o----o
+  // Positions are accumulated, in double precision: code 1 starts at 0.5 / F and adds 1 / F, the
+  // others start at 0 and add the step.
+  //
+  // Code 2 has the arithmetic p0 * (16384 - w) + p1 * w, w = trunc(fraction * 16384 + 1e-07): along
+  // x h = (sum + 128) >> 8, then along y out = (h0 * (16384 - w) + h1 * w + 524288) >> 20. The
+  // others round the exact value to nearest and limit it to 0 .. 255; each byte is within one unit
+  // of it, and on average within 0.26 (0.25 is a perfect rounding).
+  //
+  // Bands. With a budget of several threads, and more than 64 rows of both srcSize and dstRoiSize a
+  // band, codes 1, 2, 4 and 16 run in bands, which lie differently: all codes use pixel centres, in
+  // coordinates of the whole image,
+  //   code 1  trunc((i + 0.5) / F + 1e-10);  codes 2, 4, 16  (i + 0.5) / F - 0.5,
+  // and written is what the region becomes there: from trunc(srcRoi.x * xFactor + 0.4999999999) to
+  // before trunc((srcRoi.x + W) * xFactor + 0.4999999999), rows likewise, as far as it lies in
+  // dstRoiSize. So a region that does not start at 0 is displaced in dst by its origin times the
+  // factor. The number of bands makes no difference; whether there are several does.
+  //
+  // If dstRoiSize differs from srcSize by at most one pixel each way and srcRoi is the whole image,
+  // code 1 is used whatever is asked for. If the source image is narrower or lower than 8 pixels,
+  // code 16 becomes 4; than 4 pixels, code 4 becomes 2; than 2 pixels, all but 8 become 1 (not in
+  // bands).
+  //
+  // Source and destination must not overlap. Returns -2 for any other type; -8 if src or dst is
+  // null; -6 if srcSize or srcRoi has a width or height below 1 or srcRoi an origin below 0; 29,
+  // with nothing written, if srcRoi's origin is outside the image; -6 if dstRoiSize has a width or
+  // height below 1; -23 if a factor is not above 0; -22 for any other interpolation; -201 if W *
+  // xFactor or H * yFactor, plus 1e-07, is below 0.5; -9 if work memory cannot be had. In bands -6
+  // for dstRoiSize comes before 29, -23 and -22 too; there is no -201; 1 if the projected region
+  // ends before dst starts, and -8 stands for lacking memory of a band.
   static IppStatus qvResize(qvDataType type, const unsigned char* src, IppiSize srcSize,
                             int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                             IppiSize dstRoiSize, double xFactor, double yFactor,
                             int interpolation);
 
+  // Scales a region of a packed 4:2:2 image: pairs of pixels of four bytes, Y0 Cb Y1 Cr. Arguments
+  // are those of qvResize, sizes and coordinates in pixels; `type` is ignored. Interpolation is 1
+  // (nearest neighbour), 2 (linear) or 4 (cubic); larger values are done as 4. Runs on the calling
+  // thread.
+  //
+  // Luma is resized on its grid of pixels, Cb and Cr each on the grid of pairs, with the positions
+  // of qvResize outside bands and each byte within one unit of the exact value.
+  //
+  // The region's first byte is src + 4 * srcRoi.x + srcStep * srcRoi.y: four bytes for each pixel
+  // of srcRoi.x, which is twice what pixels take. 2 * W bytes from there must be readable in every
+  // row of the region, W being srcRoi.width clipped to srcSize.width - srcRoi.x. Written are w / 2
+  // pairs (an odd last pixel is not), w = trunc(W * xFactor + 1e-07), at most dstRoiSize.width and
+  // at least 2, and trunc(H * yFactor + 1e-07) rows, at most dstRoiSize.height and at least one. If
+  // the source image is narrower than 8 pixels or lower than 4, code 4 becomes 2; narrower than 4
+  // or lower than 2, all become 1.
+  //
+  // Returns -8 if src or dst is null; -6 if srcSize or srcRoi has a width or height below 1 or
+  // srcRoi an origin below 0; 29, with nothing written, if srcRoi's origin is outside the image; -6
+  // if dstRoiSize has a width or height below 1, if srcSize.width, srcRoi.width or srcRoi.x is odd,
+  // or if dstRoiSize.width is below 2; -23 if a factor is not above 0; -22 for an interpolation of
+  // 0, 3 or below; -201 if W * xFactor + 1e-07 is below 1.5 or H * yFactor + 1e-07 below 0.5; -9 if
+  // work memory cannot be had.
   static IppStatus qvResizeYUV422(qvDataType type, const unsigned char* src, IppiSize srcSize,
                                   int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                                   IppiSize dstRoiSize, double xFactor, double yFactor,
@@ -201,16 +333,57 @@ class QVACCELERATEDLIB_API CqvAccLib {
 
   // ---- Rotation and perspective -----------------------------------------------------------------
 
+  // Rotation and warping. Pointers point at pixel (0, 0) of the whole image, never at a region; regions
+  // and positions are in pixels of the whole images, and pixel (x, y) is a sample at exactly that
+  // position. Every destination pixel asks where it comes from: it is mapped back through the
+  // transform to a source position (X, Y). It is written if (X, Y) lies inside the rectangle of corner
+  // pixels of srcRoi's part inside the image, its edges and 1e-6 pixel beyond included, and keeps
+  // its value otherwise. All channels of a pixel are sampled at one position, from pixels of that part only;
+  // taps beyond take its nearest edge pixel:
+  //   interpolation 1   nearest neighbour: pixel (floor(X + 0.5), floor(Y + 0.5))
+  //   interpolation 2   linear: two taps an axis, weights 1 - |d|
+  //   interpolation 4   cubic (Keys 1981, a = -0.5): four taps an axis, with weights
+  //                     1.5 |d|^3 - 2.5 |d|^2 + 1 below 1, -0.5 |d|^3 + 2.5 |d|^2 - 4 |d| + 2 below 2
+  // d being the distance of the tap. Bit 31 of the interpolation is ignored. Positions are exact to
+  // better than 2^-11 pixel, weights have 14 fractional bits, and the rounded and saturated result is
+  // within one unit of the exact one. Source and destination must not overlap.
+  // Statuses of warps and of rotations that are not quarter turns, in this order: -2 for a type other
+  // than 2 and 4; -8 if src or dst is null; -6 if a width or height of srcSize, srcRoi or dstRoi is
+  // below 1 or an origin of a region is negative; -14 if a step is below 1; -22 for another
+  // interpolation; -56 if the transform's upper-left 2 x 2 block is singular (relative to its
+  // diagonal, to 1e-12), or carries the corner pixels of srcRoi onto a quadrilateral that is
+  // degenerate (a width or height of 1) or not convex; -57 if srcRoi has no pixel inside the image; 29 if
+  // that quadrilateral misses dstRoi. Nothing is written unless the status is 0.
+
+  // Rotates about pixel (0, 0) by `angle` degrees, counter-clockwise as seen on the screen, and
+  // shifts by (xShift, yShift) pixels. With a the angle in radians, source (x, y) goes to
+  //   x' = cos a * x + sin a * y + xShift,   y' = -sin a * x + cos a * y + yShift
+  // Runs on the calling thread. Quarter turns (90, 180 or 270 degrees plus whole turns) with
+  // whole shifts move pixels without sampling; their statuses are: -2; -8; -6; -14; 29 if srcRoi
+  // starts outside of the image or the turned region misses dstRoi. They do not look at the interpolation.
+  // Other rotations: see above.
   static IppStatus qvRotate(qvDataType type, const unsigned char* src, IppiSize srcSize,
                             int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                             IppiRect dstRoi, double angle, double xShift, double yShift,
                             int interpolation);
 
+  // Warps through a matrix that carries source (X, Y) to the destination, such as
+  // qvGetPerspectiveTransform gives:
+  //   x' = (c00 X + c01 Y + c02) / (c20 X + c21 Y + c22)
+  //   y' = (c10 X + c11 Y + c12) / (c20 X + c21 Y + c22)
+  // Statuses: see above. On several bands the status is the last band's, so 29 may mean that only the
+  // last band was missed.
   static IppStatus qvWarpPerspective(qvDataType type, const unsigned char* src, IppiSize srcSize,
                                      int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                                      IppiRect dstRoi, const double coeffs[3][3],
                                      int interpolation);
 
+  // qvWarpPerspective on a three-channel image and, if src2 and dst2 are both non-null, on a
+  // one-channel image of the same size and regions with its own steps and matrix, for instance a mask. `type`
+  // is ignored.
+  // Returns the status of the last warp made. On one band the second image is warped only if the
+  // first warp returned 0; on several bands (dstRoi higher than 64 rows a thread) it always is, and
+  // its status replaces the first one's.
   static IppStatus qvWarpPerspectiveEx(qvDataType type, const unsigned char* src, IppiSize srcSize,
                                        int srcStep, IppiRect srcRoi, unsigned char* dst,
                                        int dstStep, IppiRect dstRoi, const double coeffs[3][3],
@@ -218,9 +391,24 @@ class QVACCELERATEDLIB_API CqvAccLib {
                                        unsigned char* dst2, int dst2Step,
                                        const double coeffs2[3][3]);
 
+  // Derives the matrix that carries a region onto a quadrilateral:
+  //   x' = (c00 X + c01 Y + c02) / (c20 X + c21 Y + c22)
+  //   y' = (c10 X + c11 Y + c12) / (c20 X + c21 Y + c22)
+  // quad[0..3] are the (x, y) images, in pixels, of the centres of the region's top-left, top-right,
+  // bottom-right and bottom-left pixels; they may turn either way round. `type` is ignored; no
+  // pointer is checked. The result fits qvWarpPerspective.
+  // Returns -6 if roi.x or roi.y is negative or its width or height is below 1; -58 if three corners
+  // lie on one line or the quadrilateral is not convex; -57 if width or height is 1. Nothing is
+  // written then.
   static IppStatus qvGetPerspectiveTransform(qvDataType type, IppiRect roi, const double quad[4][2],
                                              double coeffs[3][3]);
 
+  // The smallest upright rectangle around a region after qvRotate by `angle` degrees and a shift in
+  // pixels. With the centres of the region's corner pixels at (x, y) and a = angle in radians:
+  //   x' = cos a * x + sin a * y + xShift,   y' = -sin a * x + cos a * y + yShift
+  //   bound[0] = (smallest x', smallest y'), bound[1] = (largest x', largest y')
+  // Multiples of 90 degrees are exact. `type` is ignored; no pointer is checked.
+  // Returns -6, with nothing written, if roi.x or roi.y is negative or its width or height is below 1.
   static IppStatus qvGetRotateBound(qvDataType type, IppiRect roi, double bound[2][2], double angle,
                                     double xShift, double yShift);
 

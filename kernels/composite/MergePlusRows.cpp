@@ -40,9 +40,7 @@ QV_INLINE Vec MixWords(Vec alphaTwice, Vec srcAndOne, Vec rest, Vec dst) {
 }
 
 QV_INLINE Vec MixBytes(Vec alpha, Vec src, Vec dst) {
-  // Saturated, though it never saturates: GCC 12 makes a plain complement for AVX-512 an operation
-  // that waits for the old content of its register.
-  const Vec rest = SubSaturated8(Splat8(-1), alpha), one = Splat8(1);
+  const Vec rest = Xor(alpha, Splat8(-1)), one = Splat8(1);
   return PackUnsigned16(
       MixWords(InterleaveLow8(alpha, alpha), InterleaveLow8(one, src),
                InterleaveLow8(rest, Zero()), InterleaveLow8(dst, Zero())),

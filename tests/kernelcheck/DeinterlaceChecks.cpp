@@ -1,4 +1,3 @@
-#include <cstdlib>
 #include "kernels/deinterlace/Deinterlace.h"
 #include "tests/kernelcheck/Case.h"
 
@@ -13,7 +12,7 @@ QV_CHECK(Deinterlace_8u) {
   src.data += std::ptrdiff_t{2} * rowsBefore * src.step;
   const Image dst = c.Destination(size.width, size.height + rowsBefore, false, rowsBefore);
   const unsigned weight = static_cast<unsigned>(
-      c.IsBench() ? (getenv("W")?atoi(getenv("W")):100) : c.random.OneIn(4) ? c.random.Pick(0, 1, 128, 255, 256, 257, -1)
+      c.IsBench() ? 100 : c.random.OneIn(4) ? c.random.Pick(0, 1, 128, 255, 256, 257, -1)
                                             : c.random.Between(0, 256));
   c.Compare([=] {
     return Deinterlace_8u(src.data, src.step, dst.data, dst.step, size.width, size.height, weight,

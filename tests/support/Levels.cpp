@@ -2,6 +2,8 @@
 
 #include "dispatch/VariantIndex.h"
 #include "qvAcceleratedLib/Settings.h"
+#include "qvAcceleratedLib/Startup.h"
+#include "qvAcceleratedLib/X87Precision.h"
 
 namespace qv::test {
 
@@ -13,8 +15,18 @@ void Set(const Level& level) {
   CarrylessLevel = level.carrylessLevel;
 }
 
+Level Machine() {
+#if defined(_WIN32)
+  LibraryStartup();  // on Windows the loader of the DLL would have called it
+#endif
+  return {"machine", VariantIndex, WideLevel, CarrylessLevel};
+}
+
 // What start-up found, before any test changed it.
-const Level kMachine = {"machine", VariantIndex, WideLevel, CarrylessLevel};
+const Level kMachine = Machine();
+
+// Tests call kernels and planning directly, where the operations would have set this.
+const X87Precision kPrecision;
 
 }  // namespace
 

@@ -8,7 +8,8 @@ namespace {
 
 std::size_t Count(const std::string& text, const std::string& part) {
   std::size_t count = 0;
-  for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+  for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+    ++count;
   return count;
 }
 
@@ -26,6 +27,10 @@ void CheckPage(const Workplace& place) {
   EXPECT_GE(figures, 28u);
   EXPECT_EQ(Count(page, " src=\"data:image/"), figures);
   EXPECT_EQ(Count(page, " src="), figures);
+  // The first bytes of the formats, in base 64.
+  EXPECT_EQ(Count(page, " src=\"data:image/png;base64,iVBORw0KGgo") +
+                Count(page, " src=\"data:image/jpeg;base64,/9j/"),
+            figures);
   for (const char* outside : {"http:", "https:", "@import", "url("})
     EXPECT_EQ(Count(page, outside), 0u) << outside;
   for (std::size_t at = 0;;) {
@@ -33,7 +38,8 @@ void CheckPage(const Workplace& place) {
     if (at == std::string::npos) break;
     EXPECT_EQ(place.Read("out/" + file).substr(1, 3), "PNG") << file;
   }
-  for (const char* operation : {"qvCopy(", "qvDup(", "qvSet(", "qvMirror(", "qvLUTPalette(", "qvMulCScale("})
+  for (const char* operation :
+       {"qvCopy(", "qvDup(", "qvSet(", "qvMirror(", "qvLUTPalette(", "qvMulCScale("})
     EXPECT_GT(Count(page, operation), 0u) << operation;
   EXPECT_EQ(Count(page, "</b> ms<"), Count(page, "<article"));
 }
@@ -44,7 +50,8 @@ TEST(Demo, ShowsTheTestCard) {
   ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
   CheckPage(place);
   // The pictures are those of the operations: the mirrored frame, mirrored, is the frame.
-  ASSERT_EQ(place.Run({"mirror", "out/mirror-both-after.png", "back.png", "--axis", "both"}).exitCode, 0);
+  ASSERT_EQ(
+      place.Run({"mirror", "out/mirror-both-after.png", "back.png", "--axis", "both"}).exitCode, 0);
   EXPECT_TRUE(place.Run({"copy", "back.png", "-", "--format", "raw"}).out ==
               place.Run({"copy", "out/frame-colour.png", "-", "--format", "raw"}).out);
 }
@@ -56,10 +63,13 @@ TEST(Demo, ShowsTheUsersOwnFrames) {
     std::string input;
   };
   const Case cases[] = {
-      {"photo.jpg", {"copy", "-", "photo.jpg", "--layout", "bgr", "--size", "61x43"}, Noise(61 * 43 * 3, 2)},
+      {"photo.jpg",
+       {"copy", "-", "photo.jpg", "--layout", "bgr", "--size", "61x43"},
+       Noise(61 * 43 * 3, 2)},
       {"tiny.png", {"fill", "tiny.png", "--layout", "grey", "--size", "1x1", "--colour", "9"}, ""},
       {"tall.png", {"fill", "tall.png", "--size", "3x4000", "--colour", "9"}, ""},
-      {"clip.y4m", {"copy", "-", "clip.y4m"},
+      {"clip.y4m",
+       {"copy", "-", "clip.y4m"},
        "YUV4MPEG2 W9 H5 C420\nFRAME\n" + Noise(75, 3) + "FRAME\n" + Noise(75, 4)},
   };
   for (const Case& test : cases) {

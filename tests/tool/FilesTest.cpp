@@ -48,9 +48,9 @@ TEST(Raw, EveryLayoutPassesUnchanged) {
     const char* layout;
     std::size_t bytes;  // of a 5x3 frame
   };
-  const Case cases[] = {{"grey", 15}, {"bgr", 45},  {"bgra", 60}, {"yuyv", 36}, {"i420", 27},
-                        {"yv12", 27}, {"nv12", 27}, {"i411", 27}, {"i422", 33}, {"i444", 45},
-                        {"i444a", 60}};
+  const Case cases[] = {{"grey", 15}, {"bgr", 45},  {"bgra", 60}, {"yuyv", 36},
+                        {"i420", 27}, {"yv12", 27}, {"nv12", 27}, {"i411", 27},
+                        {"i422", 33}, {"i444", 45}, {"i444a", 60}};
   for (const Case& test : cases) {
     Workplace place;
     const std::string frames = Noise(test.bytes * 2, 5);
@@ -66,8 +66,8 @@ TEST(Raw, EveryLayoutPassesUnchanged) {
 
 TEST(Raw, BecomesY4mWithItsRate) {
   Workplace place;
-  const Outcome outcome = place.Run({"copy", "-", "-", "--layout", "i422", "--size", "2x1", "--rate",
-                                     "30000:1001", "--format", "y4m"},
+  const Outcome outcome = place.Run({"copy", "-", "-", "--layout", "i422", "--size", "2x1",
+                                     "--rate", "30000:1001", "--format", "y4m"},
                                     "abcd");
   EXPECT_EQ(outcome.out, "YUV4MPEG2 W2 H1 F30000:1001 Ip A1:1 C422\nFRAME\nabcd");
 }
@@ -75,11 +75,14 @@ TEST(Raw, BecomesY4mWithItsRate) {
 TEST(Y4m, ColourFieldFollowsTheFrames) {
   // A grey picture as Y4M, and a frame each of a mono stream as pictures.
   Workplace place;
-  ASSERT_EQ(place.Run({"fill", "grey.png", "--layout", "grey", "--size", "3x2", "--colour", "65"}).exitCode, 0);
+  ASSERT_EQ(place.Run({"fill", "grey.png", "--layout", "grey", "--size", "3x2", "--colour", "65"})
+                .exitCode,
+            0);
   EXPECT_EQ(place.Run({"copy", "grey.png", "-", "--format", "y4m"}).out,
             "YUV4MPEG2 W3 H2 F25:1 Cmono\nFRAME\nAAAAAA");
-  ASSERT_EQ(place.Run({"copy", "-", "out-%03d.png"},
-                      "YUV4MPEG2 W2 H1 Cmono\nFRAME\nab\nFRAME\ncd").exitCode, 1);  // a byte too much
+  ASSERT_EQ(place.Run({"copy", "-", "out-%03d.png"}, "YUV4MPEG2 W2 H1 Cmono\nFRAME\nab\nFRAME\ncd")
+                .exitCode,
+            1);  // a byte too much
   const Outcome outcome =
       place.Run({"copy", "-", "out-%03d.png"}, "YUV4MPEG2 W2 H1 Cmono\nFRAME\nabFRAME\ncd");
   EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
@@ -95,8 +98,12 @@ TEST(Jpeg, KeepsThePictureAndItsChannels) {
       for (int x = 0; x < 40; ++x)
         for (int c = 0; c < bytes; ++c)
           source += static_cast<char>(c == 0 ? 6 * x : c == 1 ? 9 * y : 200 - 2 * x - 2 * y);
-    ASSERT_EQ(place.Run({"copy", "-", "a.jpg", "--layout", layout, "--size", "40x24", "--quality", "100"},
-                        source).exitCode, 0);
+    ASSERT_EQ(
+        place
+            .Run({"copy", "-", "a.jpg", "--layout", layout, "--size", "40x24", "--quality", "100"},
+                 source)
+            .exitCode,
+        0);
     EXPECT_EQ(place.Read("a.jpg").substr(0, 3), "\xff\xd8\xff");
     const Outcome back = place.Run({"copy", "a.jpg", "-", "--format", "raw"});
     ASSERT_EQ(back.out.size(), source.size()) << back.err;
@@ -116,10 +123,12 @@ TEST(Inputs, AreRecognisedByContentAlsoFromPipes) {
   ASSERT_EQ(place.Run({"fill", "a.png", "--size", "9x5", "--colour", "9"}).exitCode, 0);
   place.Write("wrong.txt", place.Read("a.png"));
   EXPECT_NE(place.Run({"info", "wrong.txt"}).out.find("format  PNG"), std::string::npos);
-  EXPECT_NE(place.Run({"info", "-"}, place.Read("a.jpg")).out.find("format  JPEG"), std::string::npos);
+  EXPECT_NE(place.Run({"info", "-"}, place.Read("a.jpg")).out.find("format  JPEG"),
+            std::string::npos);
   EXPECT_EQ(place.Run({"copy", "-", "-"}, place.Read("a.png")).out.substr(1, 3), "PNG");
   const std::string info = place.Run({"info", "-"}, "YUV4MPEG2 W2 H1 F24:1 Cmono\nFRAME\nab").out;
-  for (const char* part : {"format  Y4M", "layout  grey", "size    2x1", "frames  1", "F24:1 Cmono"})
+  for (const char* part :
+       {"format  Y4M", "layout  grey", "size    2x1", "frames  1", "F24:1 Cmono"})
     EXPECT_NE(info.find(part), std::string::npos) << part << " is not in\n" << info;
 }
 

@@ -27,7 +27,7 @@ using Formula = std::function<int(Pixels& source, int x, int y, int c)>;
 
 struct Operation {
   const char* name;
-  Arguments arguments;  // between the sub-command's name and what describes the frames
+  const char* command;  // without what describes the frames
   const char* layout;
   int sourceBytes;
   int resultBytes;
@@ -46,14 +46,13 @@ TEST_P(OperationTest, FollowsItsFormula) {
   Pixels source{Noise(kWidth * kHeight * static_cast<std::size_t>(operation.sourceBytes), 7),
                 operation.sourceBytes};
   place.Write("own.txt", "#010203\n#ff8000\n");
-  place.Write("other.raw", std::string(kWidth * kHeight * 3, '\x42'));
-  ASSERT_EQ(place.Run({"copy", "other.raw", "other.png", "--layout", "bgr", "--size", "37x21"}).exitCode,
-            0);
-  place.Write("mask.raw", std::string(kWidth * kHeight, '\x33'));
-  ASSERT_EQ(place.Run({"copy", "mask.raw", "mask.png", "--layout", "grey", "--size", "37x21"}).exitCode,
-            0);
+  const auto make = [&](const char* file, const char* colour, const char* layout) {
+    return place.Run({"fill", file, "--colour", colour, "--layout", layout, "--size", "37x21"});
+  };
+  ASSERT_EQ(make("other.png", "66", "bgr").exitCode, 0);
+  ASSERT_EQ(make("mask.png", "51", "grey").exitCode, 0);
 
-  Arguments arguments = operation.arguments;
+  Arguments arguments = Words(operation.command);
   arguments.insert(arguments.end(), {"-", "-", "--layout", operation.layout, "--size", "37x21"});
   const Outcome outcome = place.Run(arguments, source.data);
   ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
@@ -69,44 +68,44 @@ TEST_P(OperationTest, FollowsItsFormula) {
 bool InRegion(int x, int y) { return x >= 3 && x < 20 && y >= 4 && y < 13; }
 
 const Operation kOperations[] = {
-    {"copy", {"copy"}, "bgr", 3, 3, At},
-    {"greyToBgr", {"copy", "--to", "bgr"}, "grey", 1, 3,
+    {"copy", "copy", "bgr", 3, 3, At},
+    {"greyToBgr", "copy --to bgr", "grey", 1, 3,
      [](Pixels& s, int x, int y, int) { return At(s, x, y, 0); }},
-    {"bgrToBgra", {"copy", "--to", "bgra"}, "bgr", 3, 4,
+    {"bgrToBgra", "copy --to bgra", "bgr", 3, 4,
      [](Pixels& s, int x, int y, int c) { return c == 3 ? 255 : At(s, x, y, c); }},
-    {"bgraWithMask", {"copy", "--to", "bgra", "--alpha", "mask.png"}, "bgr", 3, 4,
-     [](Pixels& s, int x, int y, int c) { return c == 3 ? 0x33 : At(s, x, y, c); }},
-    {"bgraToBgr", {"copy", "--to", "bgr"}, "bgra", 4, 3, At},
-    {"bgraStays", {"copy"}, "bgra", 4, 4, At},
-    {"intoGreen", {"copy", "--to", "green"}, "grey", 1, 3,
+    {"bgraWithMask", "copy --to bgra --alpha mask.png", "bgr", 3, 4,
+     [](Pixels& s, int x, int y, int c) { return c == 3 ? 51 : At(s, x, y, c); }},
+    {"bgraToBgr", "copy --to bgr", "bgra", 4, 3, At},
+    {"bgraStays", "copy", "bgra", 4, 4, At},
+    {"intoGreen", "copy --to green", "grey", 1, 3,
      [](Pixels& s, int x, int y, int c) { return c == 1 ? At(s, x, y, 0) : 0; }},
-    {"intoRedOfPicture", {"copy", "--to", "red", "--onto", "other.png"}, "grey", 1, 3,
-     [](Pixels& s, int x, int y, int c) { return c == 2 ? At(s, x, y, 0) : 0x42; }},
-    {"mirrorTopBottom", {"mirror", "--axis", "top-bottom"}, "bgr", 3, 3,
+    {"intoRedOfPicture", "copy --to red --onto other.png", "grey", 1, 3,
+     [](Pixels& s, int x, int y, int c) { return c == 2 ? At(s, x, y, 0) : 66; }},
+    {"mirrorTopBottom", "mirror --axis top-bottom", "bgr", 3, 3,
      [](Pixels& s, int x, int y, int c) { return At(s, x, kHeight - 1 - y, c); }},
-    {"mirrorLeftRight", {"mirror"}, "bgra", 4, 4,
+    {"mirrorLeftRight", "mirror", "bgra", 4, 4,
      [](Pixels& s, int x, int y, int c) { return At(s, kWidth - 1 - x, y, c); }},
-    {"mirrorBoth", {"mirror", "--axis", "both"}, "grey", 1, 1,
+    {"mirrorBoth", "mirror --axis both", "grey", 1, 1,
      [](Pixels& s, int x, int y, int c) { return At(s, kWidth - 1 - x, kHeight - 1 - y, c); }},
-    {"scale", {"scale", "--by", "77"}, "bgr", 3, 3,
+    {"scale", "scale --by 77", "bgr", 3, 3,
      [](Pixels& s, int x, int y, int c) { return At(s, x, y, c) * 77 / 255; }},
-    {"scaleLeavesAlpha", {"scale", "--by", "200"}, "bgra", 4, 4,
+    {"scaleLeavesAlpha", "scale --by 200", "bgra", 4, 4,
      [](Pixels& s, int x, int y, int c) {
        return c == 3 ? At(s, x, y, c) : At(s, x, y, c) * 200 / 255;
      }},
-    {"scaleAlphaAlone", {"scale", "--by", "200", "--alpha"}, "bgra", 4, 4,
+    {"scaleAlphaAlone", "scale --by 200 --alpha", "bgra", 4, 4,
      [](Pixels& s, int x, int y, int c) {
        return c == 3 ? At(s, x, y, c) * 200 / 255 : At(s, x, y, c);
      }},
-    {"fillRegion", {"fill", "--colour", "#102030", "--region", "3,4,17,9"}, "bgr", 3, 3,
+    {"fillRegion", "fill --colour #102030 --region 3,4,17,9", "bgr", 3, 3,
      [](Pixels& s, int x, int y, int c) {
        return InRegion(x, y) ? 0x30 - 0x10 * c : At(s, x, y, c);
      }},
-    {"fillAll", {"fill", "--colour", "1,2,3"}, "bgra", 4, 4,
+    {"fillAll", "fill --colour 1,2,3", "bgra", 4, 4,
      [](Pixels&, int, int, int c) { return c == 3 ? 255 : c + 1; }},
-    {"palette", {"palette", "--name", "grey"}, "grey", 1, 3,
+    {"palette", "palette --name grey", "grey", 1, 3,
      [](Pixels& s, int x, int y, int) { return At(s, x, y, 0); }},
-    {"ownPaletteOfOneBit", {"palette", "--palette", "own.txt", "--bits", "1"}, "grey", 1, 3,
+    {"ownPaletteOfOneBit", "palette --palette own.txt --bits 1", "grey", 1, 3,
      [](Pixels& s, int x, int y, int c) {
        constexpr int kEntries[2][3] = {{3, 2, 1}, {0x00, 0x80, 0xff}};
        return kEntries[At(s, x, y, 0) & 1][c];
@@ -126,12 +125,21 @@ TEST(PlanarVideo, PlanesAreWorkedOnEachOnItsOwnGrid) {
   const std::string luma = "abcdefghijklmnopqrstuvwx", cb = "ABCDEF", cr = "123456";
   const Case cases[] = {
       {{"mirror", "-", "-"}, header + "fedcba" "lkjihg" "rqponm" "xwvuts" "CBAFED" "321654"},
-      {{"mirror", "-", "-", "--axis", "both"}, header + "xwvutsrqponmlkjihgfedcba" "FEDCBA" "654321"},
+      {{"mirror", "-", "-", "--axis", "both"},
+       header + "xwvutsrqponmlkjihgfedcba" "FEDCBA" "654321"},
       {{"scale", "-", "-", "--by", "0"}, header + std::string(24, '\0') + cb + cr},
       {{"fill", "-", "-", "--colour", "48,49,50", "--region", "1,1,2,1"},
        header + "abcdef" "g00jkl" "mnopqrstuvwx" "11CDEF" "223456"},
       {{"copy", "-", "-", "--region", "2,2,3,2"},
        "YUV4MPEG2 W3 H2 C420jpeg F25:1\nFRAME\n" "opquvw" "EF" "56"},
+      // 12x8 has chroma of 6x4, 3x3 of the lower right has chroma of 2x2.
+      {{"resize", "-", "-", "--factor", "2", "--method", "nearest"},
+       "YUV4MPEG2 W12 H8 C420jpeg F25:1\nFRAME\n"
+       "aabbccddeeff" "aabbccddeeff" "gghhiijjkkll" "gghhiijjkkll"
+       "mmnnooppqqrr" "mmnnooppqqrr" "ssttuuvvwwxx" "ssttuuvvwwxx"
+       "AABBCC" "AABBCC" "DDEEFF" "DDEEFF" "112233" "112233" "445566" "445566"},
+      {{"resize", "-", "-", "--to", "3x3", "--region", "2,0,4,4", "--method", "nearest"},
+       "YUV4MPEG2 W3 H3 C420jpeg F25:1\nFRAME\n" "cef" "oqr" "uwx" "BCEF" "2356"},
       {{"copy", "-", "-", "--format", "raw"}, luma + cb + cr},
       {{"palette", "-", "-", "--name", "grey", "--format", "raw"},
        [&] {

@@ -59,25 +59,42 @@ TEST(Output, IsRemovedWhenTheProgramIsInterrupted) {
   }
 }
 
-TEST(Progress, IsShownOnATerminal) {
-  Workplace place;
-  const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-  ASSERT_EQ(grantpt(terminal) + unlockpt(terminal), 0);
-  const int screen = open(ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
+// Copies a stream that takes longer than the tool waits before it shows a bar.
+void CopySlowly(const Workplace& place, int err) {
   int pipe[2];
   ASSERT_EQ(::pipe2(pipe, O_CLOEXEC), 0);
   const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
-  const int process = Start(place.Path(""), {"copy", "-", "x.y4m"}, pipe[0], null, screen);
+  const int process = Start(place.Path(""), {"copy", "-", "x.y4m"}, pipe[0], null, err);
   ASSERT_GT(write(pipe[1], kStart.data(), kStart.size()), 0);
-  std::this_thread::sleep_for(500ms);  // longer than the tool waits before it shows a bar
+  std::this_thread::sleep_for(500ms);
   ASSERT_GT(write(pipe[1], "FRAME\ncd", 8), 0);
   close(pipe[1]);
   EXPECT_EQ(WaitFor(process), 0);
+  close(pipe[0]);
+  close(null);
+}
+
+TEST(Progress, IsShownOnATerminal) {
+  Workplace place;
+  const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+  if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0)
+    GTEST_SKIP() << "no pseudo-terminals here";
+  const int screen = open(ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  CopySlowly(place, screen);
   char text[1000];
   const ssize_t count = read(terminal, text, sizeof text);
   ASSERT_GT(count, 0);
   EXPECT_NE(std::string(text, static_cast<std::size_t>(count)).find("2 frames"), std::string::npos);
-  for (int descriptor : {pipe[0], null, screen, terminal}) close(descriptor);
+  close(screen);
+  close(terminal);
+}
+
+TEST(Progress, IsNotWrittenIntoFiles) {
+  Workplace place;
+  const int file = open(place.Path("log").c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
+  CopySlowly(place, file);
+  close(file);
+  EXPECT_EQ(place.Read("log"), "");
 }
 
 TEST(Help, IsThereForEverySubCommand) {

@@ -98,17 +98,15 @@ std::string Expected(const Kind& kind, int x, int y) {
     return static_cast<char>((Sample(kind, x, y, c) * 255 + most / 2) / most);
   };
   const std::string alphaOfKey =
-      kind.transparent ? std::string(1, Sample(kind, x, y, 0) == Sample(kind, 0, 0, 0) ? '\0' : '\xff')
-                       : "";
+      kind.transparent
+          ? std::string(1, Sample(kind, x, y, 0) == Sample(kind, 0, 0, 0) ? '\0' : '\xff')
+          : "";
   switch (kind.colour) {
     case PNG_COLOR_TYPE_GRAY:
       return kind.transparent ? std::string(3, eight(0)) + alphaOfKey : std::string(1, eight(0));
-    case PNG_COLOR_TYPE_GRAY_ALPHA:
-      return std::string(3, eight(0)) + eight(1);
-    case PNG_COLOR_TYPE_RGB:
-      return {eight(2), eight(1), eight(0)};
-    case PNG_COLOR_TYPE_RGB_ALPHA:
-      return {eight(2), eight(1), eight(0), eight(3)};
+    case PNG_COLOR_TYPE_GRAY_ALPHA: return std::string(3, eight(0)) + eight(1);
+    case PNG_COLOR_TYPE_RGB: return {eight(2), eight(1), eight(0)};
+    case PNG_COLOR_TYPE_RGB_ALPHA: return {eight(2), eight(1), eight(0), eight(3)};
     default: {
       const int index = Sample(kind, x, y, 0);
       const png_color entry = Entry(index);

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <stdexcept>
 
 namespace tooltest {
@@ -21,6 +22,11 @@ std::string ReadFile(const fs::path& path) {
 }
 
 }  // namespace
+
+Arguments Words(const std::string& line) {
+  std::istringstream stream(line);
+  return {std::istream_iterator<std::string>(stream), {}};
+}
 
 Workplace::Workplace() {
   std::string name = (fs::temp_directory_path() / "qvtool-test-XXXXXX").string();
@@ -41,7 +47,8 @@ std::string Workplace::Read(const std::string& name) const { return ReadFile(Pat
 
 std::vector<std::string> Workplace::Files() const {
   std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(folder_)) names.push_back(entry.path().filename());
+  for (const auto& entry : fs::directory_iterator(folder_))
+    names.push_back(entry.path().filename());
   std::sort(names.begin(), names.end());
   return names;
 }
@@ -68,7 +75,8 @@ Outcome Workplace::Run(const Arguments& arguments, const std::string& input) con
 
 int Start(const fs::path& folder, const Arguments& arguments, int in, int out, int err) {
   std::vector<char*> words{const_cast<char*>("qvtool")};
-  for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
+  for (const std::string& argument : arguments)
+    words.push_back(const_cast<char*>(argument.c_str()));
   words.push_back(nullptr);
   const int process = fork();
   if (process == 0) {

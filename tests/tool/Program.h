@@ -10,6 +10,9 @@ namespace tooltest {
 
 using Arguments = std::vector<std::string>;
 
+// A command line as one would type it; no argument holds a space.
+Arguments Words(const std::string& line);
+
 struct Outcome {
   int exitCode;  // 128 + n when it was ended by signal n
   std::string out;
@@ -37,7 +40,8 @@ class Workplace {
 };
 
 // Starts qvtool in `folder` with these descriptors as its standard streams; returns its process.
-int Start(const std::filesystem::path& folder, const Arguments& arguments, int in, int out, int err);
+int Start(const std::filesystem::path& folder, const Arguments& arguments, int in, int out,
+          int err);
 int WaitFor(int process);  // its exit code
 
 // Bytes that look random and are the same for the same seed.

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Opens the demo page in headless Chromium, wide and narrow: every picture must decode, nothing may be
-# fetched, no script may fail, and nothing may stick out sideways.
+# Opens the demo page in headless Chromium, wide and narrow: every picture must decode, nothing may
+# be fetched, no script may fail, and nothing may stick out sideways.
 #
 #   check_page.sh QVTOOL CHROMIUM
 set -eu

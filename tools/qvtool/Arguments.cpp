@@ -45,8 +45,8 @@ bool IsRate(const std::string& text) {
 int ParseInteger(const std::string& argument, const std::string& text, int least, int most) {
   const auto value = Integer(text);
   if (!value || *value < least || *value > most)
-    throw UsageError(Given(argument, text) + "a whole number from " + std::to_string(least) + " to " +
-                     std::to_string(most));
+    throw UsageError(Given(argument, text) + "a whole number from " + std::to_string(least) +
+                     " to " + std::to_string(most));
   return *value;
 }
 
@@ -106,8 +106,10 @@ Colour Colour::Parse(const std::string& argument, const std::string& text) {
 std::array<unsigned char, 3> Colour::In(Layout layout) const {
   const bool isYCbCr = Describe(layout).isYCbCr;
   if (layout == Layout::Grey) {
-    const bool isGrey = values_.size() == 1 || (values_[0] == values_[1] && values_[1] == values_[2]);
-    if (!isGrey) throw UsageError(Given(argument_, text_) + "a grey value, because the frame is grey");
+    const bool isGrey =
+        values_.size() == 1 || (values_[0] == values_[1] && values_[1] == values_[2]);
+    if (!isGrey)
+      throw UsageError(Given(argument_, text_) + "a grey value, because the frame is grey");
     return {values_[0], values_[0], values_[0]};
   }
   if (values_.size() == 1) {
@@ -164,15 +166,17 @@ void AddOutputOptions(CLI::App& app, OutputSpec& spec) {
 }
 
 void AddInput(CLI::App& app, InputSpec& spec) {
-  app.add_option("IN", spec.path, "PNG, JPEG or Y4M file, headerless frames, or - for standard input")
+  app.add_option("IN", spec.path,
+                 "PNG, JPEG or Y4M file, headerless frames, or - for standard input")
       ->required();
   AddRawInputOptions(app, spec);
 }
 
 void AddOutput(CLI::App& app, OutputSpec& spec) {
-  app.add_option("OUT", spec.path,
-                 ".png, .jpg, .y4m, .raw or .yuv file, frame-%04d.png for a picture of every frame, "
-                 "or - for standard output")
+  app.add_option(
+         "OUT", spec.path,
+         ".png, .jpg, .y4m, .raw or .yuv file, frame-%04d.png for a picture of every frame, "
+         "or - for standard output")
       ->required();
   AddOutputOptions(app, spec);
 }
@@ -188,8 +192,8 @@ CLI::Option* AddRegion(CLI::App& app, std::optional<IppiRect>& region) {
 
 void CheckRegion(const IppiRect& region, const Frame& frame) {
   if (region.x > frame.Width() - region.width || region.y > frame.Height() - region.height)
-    throw UsageError("--region: " + std::to_string(region.x) + "," + std::to_string(region.y) + "," +
-                     std::to_string(region.width) + "," + std::to_string(region.height) +
+    throw UsageError("--region: " + std::to_string(region.x) + "," + std::to_string(region.y) +
+                     "," + std::to_string(region.width) + "," + std::to_string(region.height) +
                      " given; wanted is a part of the frame of " + std::to_string(frame.Width()) +
                      "x" + std::to_string(frame.Height()));
 }

@@ -16,8 +16,8 @@ namespace qvtool {
 
 // Each parser throws a UsageError that names the argument, what was given and what is wanted.
 int ParseInteger(const std::string& argument, const std::string& text, int least, int most);
-IppiSize ParseSize(const std::string& argument, const std::string& text);      // "640x360"
-IppiRect ParseRegion(const std::string& argument, const std::string& text);    // "x,y,w,h"
+IppiSize ParseSize(const std::string& argument, const std::string& text);    // "640x360"
+IppiRect ParseRegion(const std::string& argument, const std::string& text);  // "x,y,w,h"
 
 // A colour as the user gives it: "#rrggbb", one value, or one value a channel in the order of the
 // layout (grey; blue, green, red; Y, Cb, Cr).

@@ -35,8 +35,8 @@ void CheckCommandName(int argc, char** argv) {
     if (std::string(command->name) == argv[1]) return;
     names += (names.empty() ? "" : ", ") + std::string(command->name);
   }
-  throw qvtool::UsageError("there is no sub-command '" + std::string(argv[1]) + "'; wanted is one of " +
-                           names);
+  throw qvtool::UsageError("there is no sub-command '" + std::string(argv[1]) +
+                           "'; wanted is one of " + names);
 }
 
 // The help to look at: that of the sub-command, if one was recognised.

@@ -57,8 +57,8 @@ void GreyToBgr(const Plane& from, const Plane& to) {
 }
 
 void CopyColour(const Plane& from, const Plane& to) {
-  Check("qvCopy", CqvAccLib::qvCopy(CqvAccLib::ThreeChannels, from.data, from.step, to.data, to.step,
-                                    from.Size()));
+  Check("qvCopy", CqvAccLib::qvCopy(CqvAccLib::ThreeChannels, from.data, from.step, to.data,
+                                    to.step, from.Size()));
 }
 
 // A picture given by an option, which must have the size of the frames.
@@ -118,15 +118,16 @@ class Copier {
                                         alpha.step, alpha.Size()));
     } else {
       const unsigned char opaque = 255;
-      Check("qvSet", CqvAccLib::qvSet(CqvAccLib::OneChannel, &opaque, alpha.data, alpha.step,
-                                      alpha.Size()));
+      Check("qvSet",
+            CqvAccLib::qvSet(CqvAccLib::OneChannel, &opaque, alpha.data, alpha.step, alpha.Size()));
     }
     return out;
   }
 
   Frame& IntoChannel(const Frame& in, Frame& out) {
     if (in.GetLayout() != Layout::Grey)
-      throw Error("--to: " + NameOf(in.GetLayout()) + " frames given; wanted is a grey plane for the channel");
+      throw Error("--to: " + NameOf(in.GetLayout()) +
+                  " frames given; wanted is a grey plane for the channel");
     out.Reset(Layout::Bgr, in.Width(), in.Height());
     const Plane& from = in.PlaneAt(0);
     const Plane& to = out.PlaneAt(0);
@@ -170,19 +171,21 @@ void Configure(CLI::App& app) {
   AddInput(app, options->input);
   AddOutput(app, options->output);
   AddRegion(app, options->region);
-  AddChoice<Target>(app, "--to", options->target,
-                    {{"same", Target::Same},
-                     {"bgr", Target::Bgr},
-                     {"bgra", Target::Bgra},
-                     {"blue", Target::Blue},
-                     {"green", Target::Green},
-                     {"red", Target::Red}},
-                    "Layout of the output: bgr drops alpha and makes grey into three channels, bgra "
-                    "adds alpha, blue, green and red put a grey plane into that channel");
+  AddChoice<Target>(
+      app, "--to", options->target,
+      {{"same", Target::Same},
+       {"bgr", Target::Bgr},
+       {"bgra", Target::Bgra},
+       {"blue", Target::Blue},
+       {"green", Target::Green},
+       {"red", Target::Red}},
+      "Layout of the output: bgr drops alpha and makes grey into three channels, bgra "
+      "adds alpha, blue, green and red put a grey plane into that channel");
   app.add_option("--onto", options->onto,
                  "Picture whose other channels stay beside the one written (black)")
       ->type_name("FILE");
-  app.add_option("--alpha", options->alpha, "Grey picture that becomes the alpha of --to bgra (255)")
+  app.add_option("--alpha", options->alpha,
+                 "Grey picture that becomes the alpha of --to bgra (255)")
       ->type_name("FILE");
   app.callback([options] { Run(*options); });
 }

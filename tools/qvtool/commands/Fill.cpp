@@ -15,7 +15,8 @@ struct Options {
 };
 
 void FillPlane(const Plane& plane, const unsigned char* value) {
-  Check("qvSet", CqvAccLib::qvSet(plane.Type("filling"), value, plane.data, plane.step, plane.Size()));
+  Check("qvSet",
+        CqvAccLib::qvSet(plane.Type("filling"), value, plane.data, plane.step, plane.Size()));
 }
 
 // Packed 4:2:2 and pairs of chroma samples have no fill of their own.
@@ -70,8 +71,9 @@ void Run(Options& options) {
 
 void Configure(CLI::App& app) {
   auto options = std::make_shared<Options>();
-  app.add_option("[IN] OUT", options->paths,
-                 "The frames to fill, if any, and the file to write; - for standard input or output")
+  app.add_option(
+         "[IN] OUT", options->paths,
+         "The frames to fill, if any, and the file to write; - for standard input or output")
       ->required()
       ->expected(1, 2);
   app.add_option_function<std::string>(

@@ -17,8 +17,10 @@ void PrintHost() {
   std::printf("wide level       %d (%s)\n", host.wideLevel, host.wide.c_str());
   std::printf("carry-less level %d (%s)\n", host.carrylessLevel, host.carryless.c_str());
   std::printf("thread budget    %d\n", host.threadBudget);
-  std::printf("\nRows of each kernel that are written for a level; '-' uses those of the next lower one,\n"
-              "[ ] marks what this processor runs.\n\n%-26s", "");
+  std::printf(
+      "\nRows of each kernel that are written for a level; '-' uses those of the next lower one,\n"
+      "[ ] marks what this processor runs.\n\n%-26s",
+      "");
   for (const char* level : kLevelNames) std::printf(" %-9s", level);
   std::printf("\n");
   for (const KernelLevels& kernel : AllKernels()) {
@@ -52,7 +54,8 @@ void PrintFile(const InputSpec& input) {
 
 void Configure(CLI::App& app) {
   auto input = std::make_shared<InputSpec>();
-  app.add_option("IN", input->path, "A file to describe instead of the library; - for standard input");
+  app.add_option("IN", input->path,
+                 "A file to describe instead of the library; - for standard input");
   AddRawInputOptions(app, *input);
   app.callback([input] {
     if (input->path.empty())

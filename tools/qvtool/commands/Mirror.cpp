@@ -27,20 +27,18 @@ Frame& Mirror(IppiAxis axis, const Frame& in, Frame& out) {
 }
 
 void Run(const Options& options) {
-  ForEachFrame(options.input, options.output, [&](Frame& in, Frame& out) -> Frame& {
-    return Mirror(options.axis, in, out);
-  });
+  ForEachFrame(options.input, options.output,
+               [&](Frame& in, Frame& out) -> Frame& { return Mirror(options.axis, in, out); });
 }
 
 void Configure(CLI::App& app) {
   auto options = std::make_shared<Options>();
   AddInput(app, options->input);
   AddOutput(app, options->output);
-  AddChoice<IppiAxis>(app, "--axis", options->axis,
-                      {{"top-bottom", AxisHorizontal},
-                       {"left-right", AxisVertical},
-                       {"both", AxisBoth}},
-                      "Which way to flip (left-right); both is a turn by 180 degrees");
+  AddChoice<IppiAxis>(
+      app, "--axis", options->axis,
+      {{"top-bottom", AxisHorizontal}, {"left-right", AxisVertical}, {"both", AxisBoth}},
+      "Which way to flip (left-right); both is a turn by 180 degrees");
   app.callback([options] { Run(*options); });
 }
 

@@ -27,8 +27,8 @@ void Run(const Options& options) {
     out.Reset(Layout::Bgr, in.Width(), in.Height());
     const Plane& to = out.PlaneAt(0);
     Check("qvLUTPalette",
-          CqvAccLib::qvLUTPalette(CqvAccLib::OneChannel, indices.data, indices.step, to.data, to.step,
-                                  to.Size(), palette.data(), options.bits));
+          CqvAccLib::qvLUTPalette(CqvAccLib::OneChannel, indices.data, indices.step, to.data,
+                                  to.step, to.Size(), palette.data(), options.bits));
     return out;
   });
 }

@@ -46,7 +46,8 @@ void Configure(CLI::App& app) {
   AddInteger(app, "--by", options->value, 0, 255,
              "Every byte becomes floor(byte * this / 255): 255 changes nothing, 0 is black")
       ->required();
-  app.add_flag("--alpha", options->alpha, "Scale the alpha instead of the colours: fade to nothing");
+  app.add_flag("--alpha", options->alpha,
+               "Scale the alpha instead of the colours: fade to nothing");
   app.footer("Of frames with luma and chroma only the luma is scaled.");
   app.callback([options] { Run(*options); });
 }

@@ -64,8 +64,7 @@ constexpr Glyph kGlyphs[] = {
 bool GlyphDot(char character, int column, int row) {
   if (character >= 'a' && character <= 'z') character = static_cast<char>(character - 'a' + 'A');
   for (const Glyph& glyph : kGlyphs)
-    if (glyph.character == character)
-      return glyph.rows[row * (kGlyphWidth + 1) + column] == '#';
+    if (glyph.character == character) return glyph.rows[row * (kGlyphWidth + 1) + column] == '#';
   return false;
 }
 

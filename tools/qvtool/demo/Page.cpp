@@ -29,7 +29,8 @@ std::string Escape(const std::string& text) {
 }
 
 std::string ReplaceAll(std::string text, const std::string& what, const std::string& with) {
-  for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + with.size()))
+  for (std::size_t at = text.find(what); at != std::string::npos;
+       at = text.find(what, at + with.size()))
     text.replace(at, what.size(), with);
   return text;
 }
@@ -45,7 +46,9 @@ std::string Number(double value) {
 }
 
 // The call as a reader would write it inside the class's scope.
-std::string CallText(const std::string& text) { return Escape(ReplaceAll(text, "CqvAccLib::", "")); }
+std::string CallText(const std::string& text) {
+  return Escape(ReplaceAll(text, "CqvAccLib::", ""));
+}
 
 }  // namespace
 
@@ -91,17 +94,16 @@ std::string Page::Figure(const Panel& panel, const Picture& picture, const char*
   const std::string caption = Escape(picture.caption);
   return "<figure><img class=\"" + classes + "\" width=\"" + std::to_string(shown.width) +
          "\" height=\"" + std::to_string(shown.height) + "\" alt=\"" + Escape(panel.title) + ": " +
-         caption + "\" data-file=\"" + file + "\" src=\"" + shown.uri + "\"><figcaption><b>" + role +
-         "</b> " + caption + "</figcaption></figure>\n";
+         caption + "\" data-file=\"" + file + "\" src=\"" + shown.uri + "\"><figcaption><b>" +
+         role + "</b> " + caption + "</figcaption></figure>\n";
 }
 
 void Page::Add(const Panel& panel) {
   const Timing timing = Measure(panel);
   if (panel.finish) panel.finish();
   const Frame& result = panel.after.front().frame;
-  const double pixels = panel.pixels > 0
-                            ? static_cast<double>(panel.pixels)
-                            : static_cast<double>(result.Width()) * result.Height();
+  const double pixels = panel.pixels > 0 ? static_cast<double>(panel.pixels)
+                                         : static_cast<double>(result.Width()) * result.Height();
   const double nanoseconds = timing.milliseconds * 1e6 / pixels;
   rows_.push_back({panel.name, panel.title, timing.milliseconds, nanoseconds});
 
@@ -113,8 +115,8 @@ void Page::Add(const Panel& panel) {
     cards_ += (&call == &panel.calls.front() ? "" : "\n") + CallText(call.text) + ";";
   cards_ += "</pre>\n<p class=\"numbers\"><span><b>" + Number(timing.milliseconds) +
             "</b> ms</span><span><b>" + Number(nanoseconds) +
-            "</b> ns per pixel</span><span class=\"runs\">median of " + std::to_string(timing.runs) +
-            " runs</span></p>\n<div class=\"pictures\">\n";
+            "</b> ns per pixel</span><span class=\"runs\">median of " +
+            std::to_string(timing.runs) + " runs</span></p>\n<div class=\"pictures\">\n";
   std::size_t number = 0;
   for (const Picture& picture : panel.before) cards_ += Figure(panel, picture, "before", ++number);
   number = 0;

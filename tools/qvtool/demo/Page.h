@@ -35,7 +35,8 @@ class Page : public Gallery {
     double nanoseconds;  // a pixel
   };
 
-  std::string Figure(const Panel& panel, const Picture& picture, const char* role, std::size_t number);
+  std::string Figure(const Panel& panel, const Picture& picture, const char* role,
+                     std::size_t number);
   std::string Save(const std::string& name, const Frame& frame);
   std::string Summary() const;
   std::string Chips() const;
@@ -45,8 +46,8 @@ class Page : public Gallery {
   std::string cards_;
   bool open_ = false;
   std::vector<Row> rows_;
-  std::map<const Frame*, std::string> saved_;      // pictures of the scene, by file name
-  std::map<const Frame*, Embedded> embedded_;      // the same, scaled down
+  std::map<const Frame*, std::string> saved_;  // pictures of the scene, by file name
+  std::map<const Frame*, Embedded> embedded_;  // the same, scaled down
 };
 
 }  // namespace qvtool::demo

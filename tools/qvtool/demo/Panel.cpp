@@ -21,7 +21,8 @@ PanelSource::PanelSource(int rank, const char* heading, void (*make)(const Scene
 std::vector<const PanelSource*> AllPanels() {
   auto sources = Registered();
   std::sort(sources.begin(), sources.end(), [](const PanelSource* a, const PanelSource* b) {
-    return std::pair(a->rank, std::string(a->heading)) < std::pair(b->rank, std::string(b->heading));
+    return std::pair(a->rank, std::string(a->heading)) <
+           std::pair(b->rank, std::string(b->heading));
   });
   return sources;
 }

@@ -14,7 +14,8 @@
 //     gallery.Add({.name = "mirror-left-right",
 //                  .title = "Mirror, left to right",
 //                  .formula = "dst(W - 1 - x, y) = src(x, y)",
-//                  .calls = {QV_CALL(CqvAccLib::qvMirror(CqvAccLib::ThreeChannels, src.data, src.step,
+//                  .calls = {QV_CALL(CqvAccLib::qvMirror(CqvAccLib::ThreeChannels, src.data,
+//                  src.step,
 //                                                        dst.data, dst.step, src.Size(),
 //                                                        AxisVertical))},
 //                  .before = {{"The frame", scene.colour}},
@@ -46,8 +47,10 @@ struct Call {
   std::function<IppStatus()> make;
 };
 
-#define QV_CALL(...) \
-  ::qvtool::demo::Call { #__VA_ARGS__, [&] { return __VA_ARGS__; } }
+#define QV_CALL(...)                          \
+  ::qvtool::demo::Call {                      \
+#__VA_ARGS__, [&] { return __VA_ARGS__; } \
+  }
 
 // A picture of a panel: Grey, Bgr or Bgra. `detail` shows this part at its own size instead of the
 // whole scaled down.
@@ -58,14 +61,14 @@ struct Picture {
 };
 
 struct Panel {
-  std::string name;                          // of its files; lower case, unique
+  std::string name;  // of its files; lower case, unique
   std::string title;
-  std::string formula;                       // one line
-  std::string note = {};                     // a sentence more, where it helps
-  std::vector<Call> calls;                   // made and timed in this order, together
-  std::function<void()> prepare = {};        // run before each round of calls, untimed
-  std::function<void()> finish = {};         // run once after the last round, before the pictures
-  long long pixels = 0;                      // that the calls write; 0: those of the first picture after
+  std::string formula;                 // one line
+  std::string note = {};               // a sentence more, where it helps
+  std::vector<Call> calls;             // made and timed in this order, together
+  std::function<void()> prepare = {};  // run before each round of calls, untimed
+  std::function<void()> finish = {};   // run once after the last round, before the pictures
+  long long pixels = 0;                // that the calls write; 0: those of the first picture after
   std::vector<Picture> before;
   std::vector<Picture> after;
 };

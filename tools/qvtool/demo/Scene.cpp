@@ -22,7 +22,8 @@ Frame Luma(const Frame& bgr) {
     const unsigned char* from = bgr.PlaneAt(0).Row(y);
     unsigned char* to = grey.PlaneAt(0).Row(y);
     for (int x = 0; x < bgr.Width(); ++x, from += 3)
-      to[x] = static_cast<unsigned char>((114 * from[0] + 587 * from[1] + 299 * from[2] + 500) / 1000);
+      to[x] =
+          static_cast<unsigned char>((114 * from[0] + 587 * from[1] + 299 * from[2] + 500) / 1000);
   }
   return grey;
 }
@@ -50,8 +51,7 @@ Frame PlanarToBgr(const Frame& frame) {
 
 Frame ToBgr(Frame frame, const std::string& path) {
   switch (frame.GetLayout()) {
-    case Layout::Bgr:
-      return frame;
+    case Layout::Bgr: return frame;
     case Layout::Grey:
     case Layout::Bgra: {
       Frame bgr(Layout::Bgr, frame.Width(), frame.Height());
@@ -69,10 +69,8 @@ Frame ToBgr(Frame frame, const std::string& path) {
     case Layout::I411:
     case Layout::I422:
     case Layout::I444:
-    case Layout::I444Alpha:
-      return PlanarToBgr(frame);
-    default:
-      throw Error(path + ": the demo takes pictures and Y4M clips");
+    case Layout::I444Alpha: return PlanarToBgr(frame);
+    default: throw Error(path + ": the demo takes pictures and Y4M clips");
   }
 }
 
@@ -82,9 +80,8 @@ Frame Panned(const Frame& frame, int pixels) {
   const Plane& from = frame.PlaneAt(0);
   const Plane& to = panned.PlaneAt(0);
   if (frame.Width() > pixels)
-    Check("qvCopy",
-          CqvAccLib::qvCopy(CqvAccLib::ThreeChannels, from.data + 3 * pixels, from.step, to.data,
-                            to.step, {frame.Width() - pixels, frame.Height()}));
+    Check("qvCopy", CqvAccLib::qvCopy(CqvAccLib::ThreeChannels, from.data + 3 * pixels, from.step,
+                                      to.data, to.step, {frame.Width() - pixels, frame.Height()}));
   return panned;
 }
 
@@ -125,8 +122,8 @@ Scene Complete(Scene scene) {
   scene.mask = Vignette(scene.colour.Width(), scene.colour.Height());
   scene.moving = Inside(scene.moving, scene.colour);
   scene.fine = Inside(scene.fine, scene.colour);
-  scene.about += ", " + std::to_string(scene.colour.Width()) + " × " +
-                 std::to_string(scene.colour.Height());
+  scene.about +=
+      ", " + std::to_string(scene.colour.Width()) + " × " + std::to_string(scene.colour.Height());
   return scene;
 }
 
@@ -152,8 +149,9 @@ Scene FileScene(const std::string& path) {
   scene.about = path.substr(path.rfind('/') + 1);
   scene.colour = ToBgr(std::move(frame), path);
   Frame second;
-  scene.later = reader->Next(second) ? ToBgr(std::move(second), path)
-                                     : Panned(scene.colour, std::max(1, scene.colour.Width() / 160));
+  scene.later = reader->Next(second)
+                    ? ToBgr(std::move(second), path)
+                    : Panned(scene.colour, std::max(1, scene.colour.Width() / 160));
   const int width = scene.colour.Width();
   const int height = scene.colour.Height();
   scene.moving = scene.fine = {width / 2 - 180, height / 2 - 101, 360, 202};

@@ -17,7 +17,8 @@ struct Scene {
   Frame grey;    // Grey, the luma of `colour`
   Frame mask;    // Grey, an alpha plane: opaque in the middle, fading towards the edges
 
-  // A part of the frame in which something moves, and one with fine detail; both are inside the frame.
+  // A part of the frame in which something moves, and one with fine detail; both are inside the
+  // frame.
   IppiRect moving;
   IppiRect fine;
 };

@@ -68,8 +68,10 @@ class Canvas {
 
 void DrawGrid(Canvas& canvas) {
   canvas.Rectangle(0, 0, kTestCardWidth, kTestCardHeight, kBackground);
-  for (int x = 60; x < kTestCardWidth; x += 120) canvas.Rectangle(x - 1, 0, 2, kTestCardHeight, kGrid);
-  for (int y = 60; y < kTestCardHeight; y += 120) canvas.Rectangle(0, y - 1, kTestCardWidth, 2, kGrid);
+  for (int x = 60; x < kTestCardWidth; x += 120)
+    canvas.Rectangle(x - 1, 0, 2, kTestCardHeight, kGrid);
+  for (int y = 60; y < kTestCardHeight; y += 120)
+    canvas.Rectangle(0, y - 1, kTestCardWidth, 2, kGrid);
   // Blocks around the edge show when a row or column is lost.
   constexpr int kBlock = 60;
   constexpr int kDepth = 20;
@@ -85,7 +87,8 @@ void DrawGrid(Canvas& canvas) {
   }
 }
 
-void DrawRing(Canvas& canvas, double cx, double cy, double radius, double width, const Rgb& colour) {
+void DrawRing(Canvas& canvas, double cx, double cy, double radius, double width,
+              const Rgb& colour) {
   const int reach = static_cast<int>(radius + width + 2);
   canvas.Each(static_cast<int>(cx) - reach, static_cast<int>(cy) - reach, 2 * reach, 2 * reach,
               [&](int x, int y) {

@@ -76,8 +76,7 @@ Frame Cut(const Frame& frame, const IppiRect& region) {
 }  // namespace
 
 Embedded Embed(const Picture& picture) {
-  const Frame small =
-      picture.detail ? Cut(picture.frame, *picture.detail) : Shrink(picture.frame);
+  const Frame small = picture.detail ? Cut(picture.frame, *picture.detail) : Shrink(picture.frame);
   const bool exact = picture.detail || picture.frame.GetLayout() == Layout::Bgra;
   const auto bytes = exact ? EncodePng(small, picture.caption, 9)
                            : EncodeJpeg(small, picture.caption, kJpegQuality);

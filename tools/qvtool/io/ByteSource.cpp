@@ -36,8 +36,7 @@ std::string_view ByteSource::Peek(std::size_t bytes) {
   bytes = std::min(bytes, kLookAhead);
   if (position_ == 0 && aheadBytes_ < bytes) {
     aheadBytes_ += std::fread(ahead_ + aheadBytes_, 1, bytes - aheadBytes_, file_.get());
-    if (std::ferror(file_.get()))
-      throw Error(name_ + ": cannot read: " + std::strerror(errno));
+    if (std::ferror(file_.get())) throw Error(name_ + ": cannot read: " + std::strerror(errno));
   }
   const std::size_t left = std::min(bytes, aheadBytes_ - aheadUsed_);
   return {reinterpret_cast<const char*>(ahead_ + aheadUsed_), left};

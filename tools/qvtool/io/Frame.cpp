@@ -32,7 +32,8 @@ std::string Gigabytes(double bytes) {
 CqvAccLib::qvDataType Plane::Type(const char* operation) const {
   if (bytes == 1) return CqvAccLib::OneChannel;
   if (bytes == 3) return CqvAccLib::ThreeChannels;
-  throw Error(std::string(operation) + " takes pixels of one or three bytes, and these are groups of " +
+  throw Error(std::string(operation) +
+              " takes pixels of one or three bytes, and these are groups of " +
               std::to_string(bytes));
 }
 
@@ -47,7 +48,8 @@ Plane Plane::Cut(const IppiRect& region, const PlaneShape& shape) const {
 
 void Frame::Reset(Layout layout, int width, int height) {
   if (planes_ != 0 && layout == layout_ && width == width_ && height == height_) return;
-  if (width < 1 || height < 1) TooLarge(layout, width, height, "width and height must be at least 1");
+  if (width < 1 || height < 1)
+    TooLarge(layout, width, height, "width and height must be at least 1");
 
   const LayoutInfo& info = Describe(layout);
   Plane planes[4];
@@ -60,13 +62,14 @@ void Frame::Reset(Layout layout, int width, int height) {
     const long long step =
         (columns * shape.bytes + kRowAlignment - 1) / kRowAlignment * kRowAlignment;
     if (step > INT_MAX) TooLarge(layout, width, height, "a row step is limited to 2^31 - 1 bytes");
-    planes[i] = {nullptr, static_cast<int>(step), static_cast<int>(columns),
-                 static_cast<int>(rows), shape.bytes};
+    planes[i] = {nullptr, static_cast<int>(step), static_cast<int>(columns), static_cast<int>(rows),
+                 shape.bytes};
     // Four planes of at most 2^31 * 2^31 bytes could overflow 64 bits; a double cannot, and it
     // decides before the integer is used.
     total += static_cast<double>(step) * static_cast<double>(rows);
-    offsets[i] = i == 0 ? 0 : offsets[i - 1] + static_cast<long long>(planes[i - 1].step) *
-                                                   planes[i - 1].rows;
+    offsets[i] =
+        i == 0 ? 0
+               : offsets[i - 1] + static_cast<long long>(planes[i - 1].step) * planes[i - 1].rows;
     // The system promises more memory than it has and ends a program that takes it at its word.
     const double machine =
         static_cast<double>(sysconf(_SC_PHYS_PAGES)) * static_cast<double>(sysconf(_SC_PAGESIZE));
@@ -94,9 +97,9 @@ Frame Frame::Clone() const {
   Frame copy(layout_, width_, height_);
   copy.parameters = parameters;
   for (int i = 0; i < planes_; ++i)
-    Check("qvCopy", CqvAccLib::qvCopy(CqvAccLib::OneChannel, plane_[i].data, plane_[i].step,
-                                      copy.plane_[i].data, copy.plane_[i].step,
-                                      plane_[i].SizeInBytes()));
+    Check("qvCopy",
+          CqvAccLib::qvCopy(CqvAccLib::OneChannel, plane_[i].data, plane_[i].step,
+                            copy.plane_[i].data, copy.plane_[i].step, plane_[i].SizeInBytes()));
   return copy;
 }
 

@@ -53,16 +53,20 @@ std::optional<Numbering> FindNumbering(const std::string& path) {
 class PictureWriter : public FrameWriter {
  public:
   PictureWriter(const OutputSpec& spec, FileFormat format)
-      : path_(spec.path), format_(format), quality_(spec.quality), numbering_(FindNumbering(path_)) {}
+      : path_(spec.path),
+        format_(format),
+        quality_(spec.quality),
+        numbering_(FindNumbering(path_)) {}
 
   void Write(const Frame& frame) override {
     ++frames_;
     if (frames_ == 2 && !numbering_)
-      throw Error(path_ + ": the input has more than one frame; a name such as frame-%04d.png makes "
+      throw Error(path_ +
+                  ": the input has more than one frame; a name such as frame-%04d.png makes "
                   "a picture of each");
     const std::string path = numbering_ ? Numbered(frames_) : path_;
-    auto bytes = format_ == FileFormat::Png ? EncodePng(frame, path)
-                                            : EncodeJpeg(frame, path, quality_);
+    auto bytes =
+        format_ == FileFormat::Png ? EncodePng(frame, path) : EncodeJpeg(frame, path, quality_);
     if (numbering_)
       WriteFile(path, bytes);
     else
@@ -123,7 +127,8 @@ std::unique_ptr<FrameReader> OpenInput(const InputSpec& spec) {
   if (LooksLikeJpeg(first))
     return std::make_unique<PictureReader>(std::move(source), FileFormat::Jpeg);
   if (LooksLikeY4m(first)) return std::make_unique<Y4mReader>(std::move(source));
-  throw Error(source->Name() + ": neither PNG, JPEG nor Y4M; headerless frames need --layout and --size");
+  throw Error(source->Name() +
+              ": neither PNG, JPEG nor Y4M; headerless frames need --layout and --size");
 }
 
 FileFormat OutputFormat(const OutputSpec& spec, FileFormat input) {
@@ -135,8 +140,9 @@ FileFormat OutputFormat(const OutputSpec& spec, FileFormat input) {
   if (extension == ".y4m") return FileFormat::Y4m;
   if (extension == ".raw" || extension == ".yuv") return FileFormat::Raw;
   throw UsageError(spec.path + ": " +
-                   (extension.empty() ? std::string("the name has no extension")
-                                      : "there is no format for the extension '" + extension + "'") +
+                   (extension.empty()
+                        ? std::string("the name has no extension")
+                        : "there is no format for the extension '" + extension + "'") +
                    "; wanted is .png, .jpg, .jpeg, .y4m, .raw or .yuv, or --format");
 }
 

@@ -35,10 +35,8 @@ void OnMessage(j_common_ptr jpeg, int level) {
     case JWRN_ADOBE_XFORM:
     case JWRN_EXTRANEOUS_DATA:
     case JWRN_JFIF_MAJOR:
-    case JWRN_TOO_MUCH_DATA:
-      return;
-    default:
-      OnError(jpeg);
+    case JWRN_TOO_MUCH_DATA: return;
+    default: OnError(jpeg);
   }
 }
 
@@ -116,9 +114,7 @@ bool LooksLikeJpeg(std::string_view firstBytes) { return firstBytes.starts_with(
 
 Frame DecodeJpeg(std::span<const unsigned char> bytes, const std::string& name) {
   JpegReader reader;
-  const auto damaged = [&] {
-    return Error(name + ": not a whole JPEG: " + reader.errors.message);
-  };
+  const auto damaged = [&] { return Error(name + ": not a whole JPEG: " + reader.errors.message); };
   if (!ReadHeader(reader, bytes)) throw damaged();
   const int channels = reader.jpeg.num_components;
   if (channels != 1 && channels != 3)

@@ -14,8 +14,8 @@
 namespace qvtool {
 namespace {
 
-// The name that a signal handler removes. It may read nothing but plain memory, and the tool has one
-// output open at a time.
+// The name that a signal handler removes. It may read nothing but plain memory, and the tool has
+// one output open at a time.
 char openTemporary[PATH_MAX + 16];
 volatile std::sig_atomic_t temporaryIsOpen = 0;
 
@@ -65,7 +65,8 @@ OutputFile::OutputFile(const std::string& path) : name_(path), target_(path) {
     Fail("create");
   }
   Remember(temporary_);
-  // mkstemp makes private files; this one gets the rights that it would have had under its own name.
+  // mkstemp makes private files; this one gets the rights that it would have had under its own
+  // name.
   const mode_t mask = umask(0);
   umask(mask);
   fchmod(descriptor, exists ? about.st_mode & 07777 : 0666 & ~mask);

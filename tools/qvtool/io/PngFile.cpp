@@ -8,8 +8,8 @@
 #include "Error.h"
 #include "io/Status.h"
 
-// libpng leaves through longjmp. It may not jump over objects that have destructors, so the functions
-// that call it hold none: they answer false, and the text waits in the state.
+// libpng leaves through longjmp. It may not jump over objects that have destructors, so the
+// functions that call it hold none: they answer false, and the text waits in the state.
 
 namespace qvtool {
 namespace {
@@ -55,7 +55,8 @@ void OnRead(png_structp png, png_bytep to, png_size_t count) {
   state->at += count;
 }
 
-bool Append(std::vector<unsigned char>& out, const unsigned char* bytes, std::size_t count) noexcept {
+bool Append(std::vector<unsigned char>& out, const unsigned char* bytes,
+            std::size_t count) noexcept {
   try {
     out.insert(out.end(), bytes, bytes + count);
     return true;
@@ -137,7 +138,9 @@ std::vector<png_bytep> RowPointers(unsigned char* data, std::ptrdiff_t step, int
 
 }  // namespace
 
-bool LooksLikePng(std::string_view firstBytes) { return firstBytes.starts_with("\x89PNG\r\n\x1a\n"); }
+bool LooksLikePng(std::string_view firstBytes) {
+  return firstBytes.starts_with("\x89PNG\r\n\x1a\n");
+}
 
 Frame DecodePng(std::span<const unsigned char> bytes, const std::string& name) {
   PngState state;
@@ -167,7 +170,8 @@ Frame DecodePng(std::span<const unsigned char> bytes, const std::string& name) {
   } else if (state.layout == Layout::Bgra) {
     std::vector<unsigned char> packed(static_cast<std::size_t>(state.width) * 4 *
                                       static_cast<std::size_t>(state.height));
-    auto rows = RowPointers(packed.data(), static_cast<std::ptrdiff_t>(state.width) * 4, state.height);
+    auto rows =
+        RowPointers(packed.data(), static_cast<std::ptrdiff_t>(state.width) * 4, state.height);
     if (!ReadRows(state, rows.data())) throw damaged();
     UnpackAlpha(packed.data(), frame);
   } else {
@@ -182,9 +186,7 @@ std::vector<unsigned char> EncodePng(const Frame& frame, const std::string& name
   std::vector<unsigned char> packed;
   std::vector<png_bytep> rows;
   switch (frame.GetLayout()) {
-    case Layout::Grey:
-      colour = PNG_COLOR_TYPE_GRAY;
-      [[fallthrough]];
+    case Layout::Grey: colour = PNG_COLOR_TYPE_GRAY; [[fallthrough]];
     case Layout::Bgr:
       rows = RowPointers(frame.PlaneAt(0).data, frame.PlaneAt(0).step, frame.Height());
       break;

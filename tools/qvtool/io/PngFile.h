@@ -14,8 +14,8 @@ bool LooksLikePng(std::string_view firstBytes);
 
 // Decodes any PNG to 8 bits a sample: a grey one to a Grey frame, one with alpha or a transparent
 // colour to a Bgra frame, all others to a Bgr frame. Samples are taken as they are, whatever gamma
-// the file states; 16-bit samples are rounded to the nearest 8-bit value. `name` is what errors call
-// the picture.
+// the file states; 16-bit samples are rounded to the nearest 8-bit value. `name` is what errors
+// call the picture.
 Frame DecodePng(std::span<const unsigned char> bytes, const std::string& name);
 
 // Encodes a Grey, Bgr or Bgra frame; any other layout throws an Error. `level` is the compression

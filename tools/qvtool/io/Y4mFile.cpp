@@ -19,8 +19,8 @@ struct Colour {
 
 // The first token of a layout is the one written when the stream does not bring its own.
 constexpr Colour kColours[] = {
-    {"420jpeg", Layout::I420}, {"420mpeg2", Layout::I420}, {"420paldv", Layout::I420},
-    {"420", Layout::I420},     {"411", Layout::I411},      {"422", Layout::I422},
+    {"420jpeg", Layout::I420}, {"420mpeg2", Layout::I420},      {"420paldv", Layout::I420},
+    {"420", Layout::I420},     {"411", Layout::I411},           {"422", Layout::I422},
     {"444", Layout::I444},     {"444alpha", Layout::I444Alpha}, {"mono", Layout::Grey},
 };
 
@@ -99,15 +99,18 @@ void Y4mWriter::WriteHeader(const Frame& frame) {
   size_ = frame.Size();
   const Colour* colour = FindColour(layout_);
   if (!colour)
-    throw Error(file_.Name() + ": Y4M holds planar frames (grey, i420, i411, i422, i444, i444a), and "
-                "these are " + NameOf(layout_));
+    throw Error(file_.Name() +
+                ": Y4M holds planar frames (grey, i420, i411, i422, i444, i444a), and "
+                "these are " +
+                NameOf(layout_));
   std::string line = std::string(kMagic) + " W" + std::to_string(size_.width) + " H" +
                      std::to_string(size_.height);
   bool hasRate = false;
   bool hasColour = layout_ == Layout::I420;  // what a header without the field means
   bool changed = false;
   for (const std::string& field : fields_) {
-    if (field[0] == 'C' && ParseColour(file_.Name(), std::string_view(field).substr(1)) != layout_) {
+    if (field[0] == 'C' &&
+        ParseColour(file_.Name(), std::string_view(field).substr(1)) != layout_) {
       changed = true;
       hasColour = false;
       continue;

@@ -17,7 +17,8 @@ struct Planes {
               Frame(Layout::Grey, bgr.Width(), bgr.Height())} {
     for (int y = 0; y < bgr.Height(); ++y)
       for (int x = 0; x < bgr.Width(); ++x)
-        for (int c = 0; c < 3; ++c) plane[c].PlaneAt(0).Row(y)[x] = bgr.PlaneAt(0).Row(y)[3 * x + c];
+        for (int c = 0; c < 3; ++c)
+          plane[c].PlaneAt(0).Row(y)[x] = bgr.PlaneAt(0).Row(y)[3 * x + c];
   }
   Frame plane[3];
 };
@@ -89,7 +90,8 @@ void Alpha(const Scene& scene, Gallery& gallery) {
   const int height = scene.colour.Height();
   const IppiSize size = scene.colour.Size();
   const int step = width * 4;
-  std::vector<unsigned char> packed(static_cast<std::size_t>(step) * static_cast<std::size_t>(height));
+  std::vector<unsigned char> packed(static_cast<std::size_t>(step) *
+                                    static_cast<std::size_t>(height));
 
   Frame masked(Layout::Bgra, width, height);
   Clear(masked.PlaneAt(0), 0);

@@ -27,8 +27,8 @@ void Make(const Scene& scene, Gallery& gallery) {
                .title = "Fill a region of a plane",
                .formula = "dst[k] = value[0]",
                .note = "A region is a pointer to its first pixel with the step of the whole image.",
-               .calls = {QV_CALL(CqvAccLib::qvSet(CqvAccLib::OneChannel, &grey, part.data, part.step,
-                                                  part.Size()))},
+               .calls = {QV_CALL(CqvAccLib::qvSet(CqvAccLib::OneChannel, &grey, part.data,
+                                                  part.step, part.Size()))},
                .pixels = static_cast<long long>(region.width) * region.height,
                .before = {{"A grey plane", scene.grey}},
                .after = {{"Its middle filled", blanked}}});

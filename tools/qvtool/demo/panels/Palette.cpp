@@ -13,7 +13,8 @@ void Make(const Scene& scene, Gallery& gallery) {
     const char* note;
   };
   constexpr Look kLooks[] = {
-      {"palette-heat", "Palette of 256 colours", "heat", 8, "Dark becomes cold, bright becomes hot."},
+      {"palette-heat", "Palette of 256 colours", "heat", 8,
+       "Dark becomes cold, bright becomes hot."},
       {"palette-low-bits", "Palette of 32 colours", "spectrum", 5,
        "Five bits: only the low bits of a byte count, so the palette repeats every 32 levels."}};
   for (const Look& look : kLooks) {
@@ -27,9 +28,9 @@ void Make(const Scene& scene, Gallery& gallery) {
                  .title = look.title,
                  .formula = "dst[3k + c] = palette[3 (src[k] mod 2^bitSize) + c]",
                  .note = look.note,
-                 .calls = {QV_CALL(CqvAccLib::qvLUTPalette(CqvAccLib::OneChannel, src.data, src.step,
-                                                           dst.data, dst.step, src.Size(), palette,
-                                                           bitSize))},
+                 .calls = {QV_CALL(CqvAccLib::qvLUTPalette(CqvAccLib::OneChannel, src.data,
+                                                           src.step, dst.data, dst.step, src.Size(),
+                                                           palette, bitSize))},
                  .before = {{"A grey plane", scene.grey}},
                  .after = {{std::string("Through the palette '") + look.palette + "'", result}}});
   }

@@ -1,0 +1,134 @@
+// The warp: checks, and the walk over the area in tiles.
+#include <math.h>
+#include <stddef.h>
+
+#include "kernels/geometry/GeometryChecks.h"
+#include "kernels/geometry/WarpPlan.h"
+
+namespace qv {
+
+namespace {
+
+// A turned row crosses many source rows, and its neighbours cross the same ones: working in tiles
+// of this size, the source pixels of a tile stay in the first-level cache from row to row.
+constexpr int kTileRows = 32;
+constexpr int kTileColumns = 2 * kWarpBlock;
+
+bool IsConditioned(const double c[3][3]) {
+  const double p = c[0][0] * c[1][1], q = c[0][1] * c[1][0];
+  if (fabs(p) > 1e-200) return fabs((p - q) / p) > 1e-12;
+  return fabs(q) > 1e-12;
+}
+
+// Whether a convex quadrilateral and a rectangle have no point in common: two convex figures are apart
+// if and only if one of their edges has the other figure wholly on its outer side.
+bool AreApart(const double quad[4][2], const Corners& rect) {
+  double bound[2][2];
+  BoundingBoxOfQuad(quad, bound);
+  if (bound[1][0] < rect.x0 || bound[0][0] > rect.x1 || bound[1][1] < rect.y0 ||
+      bound[0][1] > rect.y1)
+    return true;
+  const double outside = CheckQuadrangle(quad) == 1 ? 1 : -1;
+  for (int i = 0; i < 4; ++i) {
+    const double* a = quad[i];
+    const double* b = quad[(i + 1) % 4];
+    const double dx = b[0] - a[0], dy = b[1] - a[1];
+    bool all = true;
+    for (int k = 0; k < 4; ++k) {
+      const double x = k & 1 ? rect.x1 : rect.x0, y = k & 2 ? rect.y1 : rect.y0;
+      if (!((dx * (y - a[1]) - dy * (x - a[0])) * outside < 0)) all = false;
+    }
+    if (all) return true;
+  }
+  return false;
+}
+
+// Whether anything was written.
+bool WarpTiles(const WarpPlan& plan, const GeometryImages& images, const Corners& part,
+               WarpSource source, int srcStep, int dstStep) {
+  const auto kernel = images.channels == 3 ? WarpRow_8u_C3 : WarpRow_8u_C1;
+  bool any = false;
+  const Span rows = plan.Rows();
+  // Counted down to the last row, which may be the largest int there is.
+  for (int y0 = rows.first; y0 <= rows.last; y0 += kTileRows) {
+    const int height = rows.last - y0 < kTileRows ? rows.last - y0 + 1 : kTileRows;
+    Span spans[kTileRows];
+    Span all = {0x7FFFFFFF, -1};
+    for (int i = 0; i < height; ++i) {
+      spans[i] = plan.Columns(y0 + i);
+      if (spans[i].last < spans[i].first) continue;
+      if (spans[i].first < all.first) all.first = spans[i].first;
+      if (spans[i].last > all.last) all.last = spans[i].last;
+      any = true;
+    }
+    for (int x0 = all.first & -kTileColumns; x0 <= all.last; x0 += kTileColumns)
+      for (int i = 0; i < height; ++i) {
+        const int first = spans[i].first < x0 ? x0 : spans[i].first;
+        const int last =
+            spans[i].last - x0 < kTileColumns ? spans[i].last : x0 + kTileColumns - 1;
+        if (last < first) continue;
+        WarpSegment segments[kTileColumns];
+        const int count = plan.Segments(y0 + i, first, last, segments);
+        for (int k = 0; k < images.count; ++k) {
+          source.first = images.src[k] + static_cast<ptrdiff_t>(part.y0) * srcStep +
+                         static_cast<ptrdiff_t>(part.x0) * images.channels;
+          kernel(&source, segments, count, first, last,
+                 images.dst[k] + static_cast<ptrdiff_t>(y0 + i) * dstStep);
+        }
+      }
+  }
+  return any;
+}
+
+}  // namespace
+
+IppStatus WarpPerspectiveCore(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
+                              void* dst, int dstStep, IppiRect dstRoi, int layout,
+                              const double coeffs[3][3], int interpolation) {
+  const IppStatus status = CheckRegions(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi);
+  if (status != StatusOk) return status;
+  const int method = interpolation & 0x7FFFFFFF;
+  if (method != WarpNearest && method != WarpLinear && method != WarpCubic)
+    return StatusInterpolationErr;
+  GeometryImages images;
+  if (FindImages(src, dst, layout, images) != StatusOk) return StatusNullPtrErr;
+  if (!IsConditioned(coeffs)) return StatusCoeffErr;
+  double quad[4][2];
+  ProjectRectCorners(coeffs, CornersOf(srcRoi), quad);
+  if (CheckQuadrangle(quad) < 0) return StatusCoeffErr;
+  const IppiRect part = ClipToImage(srcRoi, srcSize);
+  if (part.width < 1 || part.height < 1) return StatusRectErr;
+
+  const WarpSource source = {nullptr, srcStep, part.width, part.height,
+                             static_cast<WarpMethod>(method)};
+  const Corners sampled = CornersOf(part), destination = CornersOf(dstRoi);
+  const WarpPlan plan(coeffs, sampled, destination, source.method);
+  if (WarpTiles(plan, images, sampled, source, srcStep, dstStep)) return StatusOk;
+  return AreApart(quad, destination) ? StatusNoOverlapWarning : StatusOk;
+}
+
+IppStatus WarpAffineCore(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi, void* dst,
+                         int dstStep, IppiRect dstRoi, int layout, const double coeffs[2][3],
+                         int interpolation) {
+  const double projective[3][3] = {{coeffs[0][0], coeffs[0][1], coeffs[0][2]},
+                                   {coeffs[1][0], coeffs[1][1], coeffs[1][2]},
+                                   {0, 0, 1}};
+  return WarpPerspectiveCore(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, layout,
+                             projective, interpolation);
+}
+
+IppStatus WarpPerspective_8u_C1(const unsigned char* src, IppiSize srcSize, int srcStep,
+                                IppiRect srcRoi, unsigned char* dst, int dstStep, IppiRect dstRoi,
+                                const double coeffs[3][3], int interpolation) {
+  return WarpPerspectiveCore(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi,
+                             LayoutOneChannel, coeffs, interpolation);
+}
+
+IppStatus WarpPerspective_8u_C3(const unsigned char* src, IppiSize srcSize, int srcStep,
+                                IppiRect srcRoi, unsigned char* dst, int dstStep, IppiRect dstRoi,
+                                const double coeffs[3][3], int interpolation) {
+  return WarpPerspectiveCore(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi,
+                             LayoutThreeChannels, coeffs, interpolation);
+}
+
+}  // namespace qv

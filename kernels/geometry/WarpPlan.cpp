@@ -1,0 +1,213 @@
+#include "kernels/geometry/WarpPlan.h"
+
+#include <math.h>
+
+namespace qv {
+
+namespace {
+
+constexpr double kOne = 1 << kWarpBits;
+
+// A segment's polynomial is worth c0 at its centre and moves from there by at most kReach pixels,
+// so that it stays above 0, where truncation is floor, and below 2^21, where a float still has
+// two bits below a step of the position.
+constexpr double kReach = 64;
+constexpr double kCentre = (kReach + 1) * kOne;
+
+// Largest distance in pixels between a segment's cubic and the true positions.
+constexpr double kFitError = 1.0 / 32768;
+
+double Clamp(double v, double low, double high) { return v < low ? low : v > high ? high : v; }
+
+// The inverse of a matrix up to a factor, such that its third component is above 0 where it comes back
+// from (x, y). False if there is none that doubles can hold.
+bool InvertFor(const double c[3][3], double x, double y, double m[3][3]) {
+  double largest = 0;
+  for (int i = 0; i < 9; ++i) {
+    const double v = fabs(c[i / 3][i % 3]);
+    if (!(v <= 1.7e308)) return false;
+    if (v > largest) largest = v;
+  }
+  // Scaled by a power of two, which is exact, no product below can overflow.
+  int exponent;
+  frexp(largest, &exponent);
+  double n[3][3];
+  for (int i = 0; i < 9; ++i) n[i / 3][i % 3] = ldexp(c[i / 3][i % 3], -exponent);
+  for (int i = 0; i < 3; ++i)
+    for (int k = 0; k < 3; ++k) {
+      const int a = (k + 1) % 3, b = (k + 2) % 3, d = (i + 1) % 3, e = (i + 2) % 3;
+      m[i][k] = n[a][d] * n[b][e] - n[a][e] * n[b][d];
+    }
+  const double det = n[0][0] * m[0][0] + n[0][1] * m[1][0] + n[0][2] * m[2][0];
+  const double w = n[2][0] * x + n[2][1] * y + n[2][2];
+  if (!(det > 0 || det < 0) || !(w > 0 || w < 0)) return false;
+  const double sign = (det > 0) == (w > 0) ? 1 : -1;
+  for (int i = 0; i < 9; ++i) m[i / 3][i % 3] *= sign;
+  return true;
+}
+
+}  // namespace
+
+WarpPlan::WarpPlan(const double coeffs[3][3], const Corners& source, const Corners& destination,
+                   WarpMethod method)
+    : low_{source.x0 - kTolerance, source.y0 - kTolerance},
+      high_{source.x1 + kTolerance, source.y1 + kTolerance},
+      source_(source),
+      destination_(destination),
+      // Positions are truncated to what the method tells apart: a whole pixel, a step of the position,
+      // a phase of the cubic table. Half of that makes it rounding to nearest.
+      bias_(method == WarpNearest  ? kOne / 2
+            : method == WarpLinear ? 0.5
+                                   : kOne / kCubicPhases / 2),
+      affine_(coeffs[2][0] == 0 && coeffs[2][1] == 0),
+      rows_{0, -1} {
+  regular_ = InvertFor(coeffs, (source.x0 + source.x1) / 2, (source.y0 + source.y1) / 2, m_);
+  if (!regular_) return;
+  if (affine_) {
+    const double w = m_[2][2];
+    for (int i = 0; i < 9; ++i) m_[i / 3][i % 3] /= w;
+  }
+  // No row of an int step holds columns beyond this, and aligned blocks end below INT_MAX.
+  constexpr double kLast = 0x7FFFFFFF - kWarpBlock;
+  destination_.x1 = Clamp(destination_.x1, -1, kLast);
+  destination_.y1 = Clamp(destination_.y1, -1, kLast);
+  FindRows(coeffs);
+}
+
+// The rows that the image of the source's rectangle, tolerance included, can touch.
+void WarpPlan::FindRows(const double coeffs[3][3]) {
+  double low = destination_.y0, high = destination_.y1;
+  const Corners wide = {low_[0], low_[1], high_[0], high_[1]};
+  double quad[4][2], bound[2][2];
+  ProjectRectCorners(coeffs, wide, quad);
+  BoundingBoxOfQuad(quad, bound);
+  bool bounded = true;  // the tolerance may just cross the line at infinity
+  const double signAt0 = coeffs[2][0] * wide.x0 + coeffs[2][1] * wide.y0 + coeffs[2][2];
+  for (int i = 0; i < 4; ++i) {
+    const double x = i & 1 ? wide.x1 : wide.x0, y = i & 2 ? wide.y1 : wide.y0;
+    const double w = coeffs[2][0] * x + coeffs[2][1] * y + coeffs[2][2];
+    if (!(w * signAt0 > 0)) bounded = false;
+  }
+  if (bounded) {
+    if (bound[0][1] - 1 > low) low = bound[0][1] - 1;
+    if (bound[1][1] + 1 < high) high = bound[1][1] + 1;
+  }
+  if (low <= high) rows_ = {static_cast<int>(low), static_cast<int>(high)};
+}
+
+WarpPlan::Row WarpPlan::RowAt(int y) const {
+  return {m_[0][1] * y + m_[0][2], m_[1][1] * y + m_[1][2], m_[2][1] * y + m_[2][2]};
+}
+
+bool WarpPlan::Contains(const Row& row, int x) const {
+  const double w = m_[2][0] * x + row.w;
+  const double px = m_[0][0] * x + row.x, py = m_[1][0] * x + row.y;
+  return w > 0 && px >= low_[0] * w && px <= high_[0] * w && py >= low_[1] * w &&
+         py <= high_[1] * w;
+}
+
+Span WarpPlan::Columns(int y) const {
+  const Span none = {0, -1};
+  const Row row = RowAt(y);
+  // Each inequality as a x + b >= 0.
+  const double a[5] = {m_[2][0], m_[0][0] - low_[0] * m_[2][0], high_[0] * m_[2][0] - m_[0][0],
+                       m_[1][0] - low_[1] * m_[2][0], high_[1] * m_[2][0] - m_[1][0]};
+  const double b[5] = {row.w, row.x - low_[0] * row.w, high_[0] * row.w - row.x,
+                       row.y - low_[1] * row.w, high_[1] * row.w - row.y};
+  double low = destination_.x0, high = destination_.x1;
+  for (int i = 0; i < 5; ++i) {
+    if (a[i] > 0) {
+      const double bound = -b[i] / a[i];
+      if (bound > low) low = bound;
+    } else if (a[i] < 0) {
+      const double bound = -b[i] / a[i];
+      if (bound < high) high = bound;
+    } else if (!(b[i] >= 0)) {
+      return none;
+    }
+  }
+  // The divisions only tell where to look: Contains decides, so that the area is exactly the
+  // pixels that satisfy it.
+  if (!(low <= high + 2)) return none;
+  const int begin = static_cast<int>(destination_.x0), end = static_cast<int>(destination_.x1);
+  const int from = static_cast<int>(Clamp(low - 1, begin, end));
+  const int to = static_cast<int>(Clamp(high + 2, begin, end));
+  Span span = {from, to};
+  while (span.first <= to && !Contains(row, span.first)) ++span.first;
+  if (span.first > to) return none;
+  while (span.first > begin && Contains(row, span.first - 1)) --span.first;
+  while (!Contains(row, span.last)) --span.last;
+  while (span.last < end && Contains(row, span.last + 1)) ++span.last;
+  return span;
+}
+
+int WarpPlan::Segments(int y, int first, int last, WarpSegment* segments) const {
+  const Row row = RowAt(y);
+  int count = 0;
+  for (int begin = first & -kWarpBlock; begin <= last; begin += kWarpBlock)
+    count += Cover(row, begin, kWarpBlock, {first, last}, segments + count);
+  return count;
+}
+
+// One segment if a cubic fits the whole run, else those of its halves; a single column always fits.
+int WarpPlan::Cover(const Row& row, int begin, int count, Span wanted,
+                    WarpSegment* segments) const {
+  if (begin > wanted.last || begin + (count - 1) < wanted.first) return 0;
+  segments[0].first = begin;
+  segments[0].count = count;
+  if (Fit(row, segments[0])) return 1;
+  const int half = count / 2;
+  const int done = Cover(row, begin, half, wanted, segments);
+  return done + Cover(row, begin + half, half, wanted, segments + done);
+}
+
+// With P the position at the centre, S its slope there and k = m20 / W:
+//   position(t) = P + S t / (1 + k t) = P + S t (1 - k t + k^2 t^2 - k^3 t^3 + ...).
+// On |t| <= h the term in t^4 is replaced by h^2 t^2 - h^4 / 8, which is off by h^4 / 8 at most
+// (Chebyshev); the terms behind it add less than a factor of 1 / (1 - |k| h).
+bool WarpPlan::Fit(const Row& row, WarpSegment& segment) const {
+  const int half = segment.count / 2;
+  const double centre = segment.first + half, h = half;
+  const double w = affine_ ? 1 : m_[2][0] * centre + row.w;
+  const double r = 1 / w;
+  const double k = affine_ ? 0 : m_[2][0] * r;
+  const double e = fabs(k) * h;
+  const bool single = segment.count == 1;
+  if (!single && !(w > 0 && e < 0.25)) return false;
+  const double e3 = e * e * e / (1 - e) / 8;
+  const double numerator[2] = {row.x, row.y};
+  for (int axis = 0; axis < 2; ++axis) {
+    const double p = (m_[axis][0] * centre + numerator[axis]) * r;
+    if (single) {
+      segment.coeff[axis][1] = segment.coeff[axis][2] = segment.coeff[axis][3] = 0;
+      Place(axis, p, segment);
+      continue;
+    }
+    const double slope = affine_ ? m_[axis][0] : (m_[axis][0] - p * m_[2][0]) * r;
+    const double reach = fabs(slope) * h;
+    if (!(reach <= kReach * 0.75 && reach * e3 <= kFitError && fabs(p) <= 0x1p31)) return false;
+    const double c2 = -slope * k, c3 = -c2 * k, c4 = -c3 * k;
+    segment.coeff[axis][1] = static_cast<float>(slope * kOne);
+    segment.coeff[axis][2] = static_cast<float>((c2 + c4 * h * h) * kOne);
+    segment.coeff[axis][3] = static_cast<float>(c3 * kOne);
+    Place(axis, p - c4 * h * h * h * h / 8, segment);
+  }
+  return true;
+}
+
+// Splits a position into the whole number `base` and c0, which carries the fraction.
+void WarpPlan::Place(int axis, double position, WarpSegment& segment) const {
+  // Clamped, the cast is defined even for a single column whose position is no number; above 0,
+  // it is floor. Below 2^47 a double still holds 1/64 of a step.
+  constexpr double kOffset = 0x1p46;
+  double p = position * kOne + bias_;
+  p = (p > -kOffset ? p < kOffset ? p : kOffset : -kOffset) + kOffset;
+  const long long whole = static_cast<long long>(p);
+  const long long origin = static_cast<long long>(axis == 0 ? source_.x0 : source_.y0);
+  segment.base[axis] = whole - static_cast<long long>(kOffset) - origin * (1 << kWarpBits) -
+                       static_cast<long long>(kCentre);
+  segment.coeff[axis][0] =
+      static_cast<float>(kCentre + (p - static_cast<double>(whole)));
+}
+
+}  // namespace qv

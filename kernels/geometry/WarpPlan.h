@@ -1,0 +1,64 @@
+// Planning of a warp: which pixels are written and where each of them samples.
+#ifndef QV_KERNELS_GEOMETRY_WARPPLAN_H
+#define QV_KERNELS_GEOMETRY_WARPPLAN_H
+
+#include "kernels/geometry/Transform.h"
+#include "kernels/geometry/WarpSource.h"
+
+namespace qv {
+
+// Inclusive; empty if last < first.
+struct Span {
+  int first, last;
+};
+
+// The warp of the region `source` of an image (clipped to it) into the region `destination`.
+//
+// The area written: a destination pixel (x, y) belongs to it if its position in the source,
+//   X = (m00 x + m01 y + m02) / W,  Y = (m10 x + m11 y + m12) / W,  W = m20 x + m21 y + m22,
+// m the inverse of the matrix, lies inside the rectangle of the source's corner pixels, or outside
+// by no more than kTolerance, and W has the sign that it has there.
+//
+// That sign is one and the same: a matrix that carries the rectangle onto a convex quadrilateral has a
+// forward denominator of one sign at all its corners (the turn at a corner of the image has the sign of
+// the determinant times those of three denominators), hence inside, and W is its inverse up to the
+// determinant. With W made positive, "inside" is five linear inequalities in x and y, so the area
+// is convex and each of its rows is one span.
+class WarpPlan {
+ public:
+  static constexpr double kTolerance = 1e-6;
+
+  // Coefficients as qvWarpPerspective takes them; already checked.
+  WarpPlan(const double coeffs[3][3], const Corners& source, const Corners& destination,
+           WarpMethod method);
+
+  // Rows outside of this have an empty span.
+  Span Rows() const { return rows_; }
+  Span Columns(int y) const;
+
+  // Segments that cover columns first .. last of row y, which lie inside its span, and at most
+  // last - first + 2 * kWarpBlock columns in all. Returns how many; there is one per column at most.
+  int Segments(int y, int first, int last, WarpSegment* segments) const;
+
+ private:
+  struct Row {
+    double x, y, w;  // m01 y + m02, m11 y + m12, m21 y + m22
+  };
+  Row RowAt(int y) const;
+  bool Contains(const Row& row, int x) const;
+  void FindRows(const double coeffs[3][3]);
+  int Cover(const Row& row, int begin, int count, Span wanted, WarpSegment* segments) const;
+  bool Fit(const Row& row, WarpSegment& segment) const;
+  void Place(int axis, double position, WarpSegment& segment) const;
+
+  double m_[3][3];
+  double low_[2], high_[2];  // of X and Y, tolerance included
+  Corners source_, destination_;
+  double bias_;
+  bool regular_, affine_;
+  Span rows_;
+};
+
+}  // namespace qv
+
+#endif

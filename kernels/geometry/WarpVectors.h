@@ -1,0 +1,201 @@
+// What warping needs of a level beyond the common vocabulary: single precision, 32-bit lanes, and
+// fetches from scattered addresses.
+#ifndef QV_KERNELS_GEOMETRY_WARPVECTORS_H
+#define QV_KERNELS_GEOMETRY_WARPVECTORS_H
+
+#include "kernels/geometry/GeometryVectors.h"
+
+#if QV_HAS_VECTORS
+
+namespace qv::QV_LEVEL {
+
+constexpr int kLanes32 = kVecBytes / 4;
+
+#if defined(__AVX512F__)
+
+using VecF = __m512;
+QV_INLINE VecF LoadF(const float* p) { return _mm512_loadu_ps(p); }
+QV_INLINE VecF SplatF(float x) { return _mm512_set1_ps(x); }
+QV_INLINE VecF AddF(VecF a, VecF b) { return _mm512_add_ps(a, b); }
+QV_INLINE VecF MulF(VecF a, VecF b) { return _mm512_mul_ps(a, b); }
+QV_INLINE Vec Truncate(VecF v) { return _mm512_cvttps_epi32(v); }
+
+QV_INLINE Vec Min32(Vec a, Vec b) { return _mm512_min_epi32(a, b); }
+QV_INLINE Vec Max32(Vec a, Vec b) { return _mm512_max_epi32(a, b); }
+QV_INLINE Vec MulLow32(Vec a, Vec b) { return _mm512_mullo_epi32(a, b); }
+QV_INLINE bool AnyGreater32(Vec a, Vec b) { return _mm512_cmpgt_epi32_mask(a, b) != 0; }
+template <int lane> QV_INLINE Vec SplatInLanes32(Vec v) {
+  return _mm512_shuffle_epi32(v, static_cast<_MM_PERM_ENUM>(lane * 0x55));
+}
+
+QV_INLINE Vec Gather32(const void* base, Vec offset) {
+  return _mm512_i32gather_epi32(offset, base, 1);
+}
+QV_INLINE Vec GatherTable32(const void* table, Vec index) {
+  return _mm512_i32gather_epi32(index, table, 8);
+}
+template <int kHalf> QV_INLINE Vec Gather64(const Byte* base, Vec offset) {
+  const Vec order = _mm512_setr_epi32(0, 1, 4, 5, 8, 9, 12, 13, 2, 3, 6, 7, 10, 11, 14, 15);
+  const Vec sorted = _mm512_permutexvar_epi32(order, offset);
+  return _mm512_i32gather_epi64(_mm512_extracti64x4_epi64(sorted, kHalf), base, 1);
+}
+template <int kPart> QV_INLINE Vec Gather128(const Byte* base, const int* offset) {
+  const auto load = [=](int i) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(base + offset[4 * i + kPart]));
+  };
+  const __m256i low = _mm256_inserti128_si256(_mm256_castsi128_si256(load(0)), load(1), 1);
+  const __m256i high = _mm256_inserti128_si256(_mm256_castsi128_si256(load(2)), load(3), 1);
+  return _mm512_inserti64x4(_mm512_zextsi256_si512(low), high, 1);
+}
+QV_INLINE void StoreAsBytes(Byte* p, Vec v) {
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(p),
+                   _mm512_cvtusepi32_epi8(_mm512_max_epi32(v, Zero())));
+}
+
+#elif defined(__AVX2__)
+
+using VecF = __m256;
+QV_INLINE VecF LoadF(const float* p) { return _mm256_loadu_ps(p); }
+QV_INLINE VecF SplatF(float x) { return _mm256_set1_ps(x); }
+QV_INLINE VecF AddF(VecF a, VecF b) { return _mm256_add_ps(a, b); }
+QV_INLINE VecF MulF(VecF a, VecF b) { return _mm256_mul_ps(a, b); }
+QV_INLINE Vec Truncate(VecF v) { return _mm256_cvttps_epi32(v); }
+
+QV_INLINE Vec Min32(Vec a, Vec b) { return _mm256_min_epi32(a, b); }
+QV_INLINE Vec Max32(Vec a, Vec b) { return _mm256_max_epi32(a, b); }
+QV_INLINE Vec MulLow32(Vec a, Vec b) { return _mm256_mullo_epi32(a, b); }
+QV_INLINE bool AnyGreater32(Vec a, Vec b) {
+  return _mm256_movemask_epi8(_mm256_cmpgt_epi32(a, b)) != 0;
+}
+template <int lane> QV_INLINE Vec SplatInLanes32(Vec v) {
+  return _mm256_shuffle_epi32(v, lane * 0x55);
+}
+
+QV_INLINE Vec Gather32(const void* base, Vec offset) {
+  return _mm256_i32gather_epi32(static_cast<const int*>(base), offset, 1);
+}
+QV_INLINE Vec GatherTable32(const void* table, Vec index) {
+  return _mm256_i32gather_epi32(static_cast<const int*>(table), index, 8);
+}
+template <int kHalf> QV_INLINE Vec Gather64(const Byte* base, Vec offset) {
+  const Vec sorted =
+      _mm256_permutevar8x32_epi32(offset, _mm256_setr_epi32(0, 1, 4, 5, 2, 3, 6, 7));
+  return _mm256_i32gather_epi64(reinterpret_cast<const long long*>(base),
+                                _mm256_extracti128_si256(sorted, kHalf), 1);
+}
+template <int kPart> QV_INLINE Vec Gather128(const Byte* base, const int* offset) {
+  const auto load = [=](int i) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(base + offset[4 * i + kPart]));
+  };
+  return _mm256_inserti128_si256(_mm256_castsi128_si256(load(0)), load(1), 1);
+}
+QV_INLINE void StoreAsBytes(Byte* p, Vec v) {
+  v = _mm256_packus_epi16(_mm256_packs_epi32(v, v), v);
+  v = _mm256_permutevar8x32_epi32(v, _mm256_setr_epi32(0, 4, 0, 0, 0, 0, 0, 0));
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm256_castsi256_si128(v));
+}
+
+#else
+
+using VecF = __m128;
+QV_INLINE VecF LoadF(const float* p) { return _mm_loadu_ps(p); }
+QV_INLINE VecF SplatF(float x) { return _mm_set1_ps(x); }
+QV_INLINE VecF AddF(VecF a, VecF b) { return _mm_add_ps(a, b); }
+QV_INLINE VecF MulF(VecF a, VecF b) { return _mm_mul_ps(a, b); }
+QV_INLINE Vec Truncate(VecF v) { return _mm_cvttps_epi32(v); }
+
+QV_INLINE Vec Choose(Vec mask, Vec a, Vec b) {
+  return _mm_or_si128(_mm_and_si128(mask, a), _mm_andnot_si128(mask, b));
+}
+QV_INLINE Vec Min32(Vec a, Vec b) { return Choose(_mm_cmpgt_epi32(a, b), b, a); }
+QV_INLINE Vec Max32(Vec a, Vec b) { return Choose(_mm_cmpgt_epi32(a, b), a, b); }
+QV_INLINE Vec MulLow32(Vec a, Vec b) {
+  const Vec even = _mm_mul_epu32(a, b);
+  const Vec odd = _mm_mul_epu32(_mm_srli_epi64(a, 32), _mm_srli_epi64(b, 32));
+  return _mm_unpacklo_epi32(_mm_shuffle_epi32(even, _MM_SHUFFLE(0, 0, 2, 0)),
+                            _mm_shuffle_epi32(odd, _MM_SHUFFLE(0, 0, 2, 0)));
+}
+QV_INLINE bool AnyGreater32(Vec a, Vec b) { return _mm_movemask_epi8(_mm_cmpgt_epi32(a, b)) != 0; }
+template <int lane> QV_INLINE Vec SplatInLanes32(Vec v) {
+  return _mm_shuffle_epi32(v, lane * 0x55);
+}
+
+template <int i> QV_INLINE int Lane32(Vec v) {
+  return _mm_cvtsi128_si32(_mm_shuffle_epi32(v, i * 0x55));
+}
+QV_INLINE Vec LoadDword(const void* p) {
+  int bits;
+  memcpy(&bits, p, 4);
+  return _mm_cvtsi32_si128(bits);
+}
+QV_INLINE Vec LoadQword(const void* p) {
+  return _mm_loadl_epi64(static_cast<const Vec*>(p));
+}
+QV_INLINE Vec Gather32(const void* base, Vec offset) {
+  const Byte* const p = static_cast<const Byte*>(base);
+  return _mm_unpacklo_epi64(
+      _mm_unpacklo_epi32(LoadDword(p + Lane32<0>(offset)), LoadDword(p + Lane32<1>(offset))),
+      _mm_unpacklo_epi32(LoadDword(p + Lane32<2>(offset)), LoadDword(p + Lane32<3>(offset))));
+}
+QV_INLINE Vec GatherTable32(const void* table, Vec index) {
+  return Gather32(table, _mm_slli_epi32(index, 3));
+}
+template <int kHalf> QV_INLINE Vec Gather64(const Byte* base, Vec offset) {
+  return _mm_unpacklo_epi64(LoadQword(base + Lane32<2 * kHalf>(offset)),
+                            LoadQword(base + Lane32<2 * kHalf + 1>(offset)));
+}
+template <int kPart> QV_INLINE Vec Gather128(const Byte* base, const int* offset) {
+  return Load(base + offset[kPart]);
+}
+QV_INLINE void StoreAsBytes(Byte* p, Vec v) {
+  v = _mm_packs_epi32(v, v);
+  const int bits = _mm_cvtsi128_si32(_mm_packus_epi16(v, v));
+  memcpy(p, &bits, 4);
+}
+
+#endif
+
+// Gather32: 4 bytes for each lane, from base + offset. GatherTable32: from an array of 8-byte
+// entries. Gather64<h>: 8 bytes for lanes 2 h and 2 h + 1 of each 16-byte lane of `offset`. Gather128<k>:
+// 16 bytes for lane k of each. StoreAsBytes saturates 32-bit lanes and stores kLanes32 bytes.
+
+// Three-byte pixels as 16-bit pairs, for products with pairs of weights: in each 16-byte lane the words
+// (b0, b1, g0, g1, r0, r1, any, any) of the two neighbours that half kHalf of the lane begins with, and
+// (b0, b2, g0, g2, r0, r2, any, any) of the even (or odd, 1 and 3) ones of the four that the lane begins with.
+#if defined(__SSSE3__)
+template <int kHalf> QV_INLINE Vec SpreadPairs(Vec v) {
+  static constexpr auto kIndex = MakeByteTable([](int i) {
+    const int n = i % 16;
+    return n % 2 || n >= 12 ? 0x80 : 8 * kHalf + n / 4 + n / 2 % 2 * 3;
+  });
+  return ShuffleBytes(v, Load(&kIndex));
+}
+template <int kOdd> QV_INLINE Vec SpreadTaps(Vec v) {
+  static constexpr auto kIndex = MakeByteTable([](int i) {
+    const int n = i % 16;
+    return n % 2 || n >= 12 ? 0x80 : 3 * kOdd + n / 4 + n / 2 % 2 * 6;
+  });
+  return ShuffleBytes(v, Load(&kIndex));
+}
+#else
+template <int kHalf> QV_INLINE Vec SpreadPairs(Vec v) {
+  const Vec next = _mm_srli_epi64(v, 24);
+  return InterleaveLow8(kHalf ? InterleaveHigh8(v, next) : InterleaveLow8(v, next), Zero());
+}
+template <int kOdd> QV_INLINE Vec SpreadTaps(Vec v) {
+  const Vec pairs = InterleaveLow8(v, _mm_srli_si128(v, 6));
+  return InterleaveLow8(kOdd ? _mm_srli_si128(pairs, 6) : pairs, Zero());
+}
+#endif
+
+// `v` brought into 0 .. high.
+QV_INLINE Vec Clamp32(Vec v, Vec high) { return Min32(Max32(v, Zero()), high); }
+
+// 32-bit lanes of (low 16 bits of a, low 16 bits of b).
+QV_INLINE Vec Pair16(Vec a, Vec b) { return Or(And(a, Splat32(0xFFFF)), ShiftLeft32<16>(b)); }
+
+}  // namespace qv::QV_LEVEL
+
+#endif  // QV_HAS_VECTORS
+
+#endif

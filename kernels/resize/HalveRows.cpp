@@ -1,0 +1,120 @@
+// Area averaging by exactly two on both axes.
+#include "kernels/resize/Filter.h"
+#include "kernels/level/Level.h"
+
+#if QV_HAS_VECTORS
+#include "kernels/resize/FilterDown.h"
+#include "kernels/resize/SplitRows.h"
+#endif
+
+namespace qv::QV_LEVEL {
+
+namespace {
+
+template <int kChannels>
+QV_INLINE void HalvePlain(const Byte* upper, const Byte* lower, Byte* dst, ptrdiff_t width) {
+  for (ptrdiff_t x = 0; x < width; ++x)
+    for (int c = 0; c < kChannels; ++c) {
+      const ptrdiff_t left = 2 * kChannels * x + c, right = left + kChannels;
+      dst[kChannels * x + c] = static_cast<Byte>(
+          (upper[left] + upper[right] + lower[left] + lower[right] + 2) >> 2);
+    }
+}
+
+#if QV_HAS_VECTORS
+
+// Means of the byte pairs of two rows, as words.
+QV_INLINE Vec MeanWords(Vec upper, Vec lower) {
+  return ShiftRight16<2>(
+      Add16(Add16(AddBytePairs(upper), AddBytePairs(lower)), Splat16(2)));
+}
+
+QV_INLINE Vec HalveVector(const Byte* upper, const Byte* lower) {
+  return PackBytesInOrder(MeanWords(Load(upper), Load(lower)),
+                          MeanWords(Load(upper + kVecBytes), Load(lower + kVecBytes)));
+}
+
+QV_INLINE void HalveGray(const Byte* upper, const Byte* lower, Byte* dst, ptrdiff_t width) {
+  if (!CoverWithBlocks<kVecBytes>(width, [&](ptrdiff_t x) {
+        Store(dst + x, HalveVector(upper + 2 * x, lower + 2 * x));
+      }))
+    HalvePlain<1>(upper, lower, dst, width);
+}
+
+QV_INLINE void HalveTriples(const Byte* upper, const Byte* lower, Byte* dst, ptrdiff_t width) {
+  ptrdiff_t x = 0;
+  if constexpr (kHasBytePermute) {
+    // Ten destination pixels from 60 bytes: word j is made of the two bytes 6 * (j / 3) + j % 3 and
+    // three further. Two such vectors are 60 bytes of the destination.
+    static constexpr ByteTable kSides =
+        MakeByteTable([](int i) { return (6 * (i / 6) + i / 2 % 3 + (i & 1) * 3) & 63; });
+    static constexpr ByteTable kJoin =
+        MakeByteTable([](int i) { return i < 30 ? 2 * i : 64 + 2 * (i - 30); });
+    const Vec sides = Load(kSides.b), join = Load(kJoin.b);
+    const auto halve = [&](Vec a, Vec b, Vec c, Vec d) __attribute__((always_inline)) {
+      return PermuteBytes2(MeanWords(PermuteBytes(a, sides), PermuteBytes(b, sides)), join,
+                           MeanWords(PermuteBytes(c, sides), PermuteBytes(d, sides)));
+    };
+    // A block stores 64 bytes, 22 pixels' worth, of which the next block redoes four.
+    for (; x + 22 <= width; x += 20)
+      Store(dst + 3 * x, halve(Load(upper + 6 * x), Load(lower + 6 * x), Load(upper + 6 * x + 60),
+                               Load(lower + 6 * x + 60)));
+    for (; x < width; x += 20) {
+      const unsigned long long low = FirstOf64(6 * (width - x), 0),
+                               high = FirstOf64(6 * (width - x), 60);
+      const ptrdiff_t left = 3 * (width - x);
+      StorePart(dst + 3 * x,
+                halve(LoadPart(upper + 6 * x, low), LoadPart(lower + 6 * x, low),
+                      LoadPart(upper + 6 * x + 60, high), LoadPart(lower + 6 * x + 60, high)),
+                FirstOf64(left < 60 ? left : 60, 0));
+    }
+    return;
+  } else if constexpr (kHasByteShuffle) {
+    Byte bytes[2][3][2 * kVecBytes];
+    Byte* const lines[2][3] = {{bytes[0][0], bytes[0][1], bytes[0][2]},
+                               {bytes[1][0], bytes[1][1], bytes[1][2]}};
+    for (; x + kVecBytes <= width; x += kVecBytes) {
+      SplitTriples(upper + 6 * x, lines[0], 2 * kVecBytes);
+      SplitTriples(lower + 6 * x, lines[1], 2 * kVecBytes);
+      Vec v[3];
+      for (int k = 0; k < 3; ++k) v[k] = HalveVector(lines[0][k], lines[1][k]);
+      StoreTriples(dst + 3 * x, v);
+    }
+  }
+  HalvePlain<3>(upper + 6 * x, lower + 6 * x, dst + 3 * x, width - x);
+}
+
+#endif
+
+template <int kChannels>
+QV_INLINE void HalveRow(const Byte* upper, const Byte* lower, Byte* dst, ptrdiff_t width) {
+#if QV_HAS_VECTORS
+  if constexpr (kChannels == 1)
+    HalveGray(upper, lower, dst, width);
+  else
+    HalveTriples(upper, lower, dst, width);
+#else
+  HalvePlain<kChannels>(upper, lower, dst, width);
+#endif
+}
+
+template <int kChannels>
+QV_INLINE IppStatus HalveRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
+                              IppiSize size) {
+  for (ptrdiff_t y = 0; y < size.height; ++y)
+    HalveRow<kChannels>(RowAt(src, srcStep, 2 * y), RowAt(src, srcStep, 2 * y + 1),
+                        RowAt(dst, dstStep, y), size.width);
+  return StatusOk;
+}
+
+}  // namespace
+
+IppStatus HalveRows_8u_C1(const Byte* src, int srcStep, Byte* dst, int dstStep, IppiSize size) {
+  return HalveRows<1>(src, srcStep, dst, dstStep, size);
+}
+
+IppStatus HalveRows_8u_C3(const Byte* src, int srcStep, Byte* dst, int dstStep, IppiSize size) {
+  return HalveRows<3>(src, srcStep, dst, dstStep, size);
+}
+
+}  // namespace qv::QV_LEVEL

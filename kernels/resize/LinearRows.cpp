@@ -1,0 +1,218 @@
+// Linear rows: each source row interpolated once into 16-bit values with 6 fractional bits, two of
+// which make a destination row.
+#include "kernels/level/Level.h"
+#include "kernels/resize/ByteGather.h"
+#include "kernels/resize/ResizeRows.h"
+
+namespace qv::QV_LEVEL {
+
+using Value = unsigned short;
+
+// One source row: h = (p1 * w + p0 * (16384 - w) + 128) >> 8, plus `bias`.
+static void InterpolateRow(const Byte* row, const LinearTables& t, int bias, Value* out) {
+  const ptrdiff_t right = ptrdiff_t{t.xNeighbour} * t.channels;
+  for (ptrdiff_t j = 0; j < t.width; ++j) {
+    const Byte* const p = row + ptrdiff_t{t.x[j]} * t.channels;
+    const int w = t.xWeight[j];
+    for (int c = 0; c < t.channels; ++c)
+      out[j * t.channels + c] = static_cast<Value>(
+          ((p[c + right] * w + p[c] * (kWeightOne - w) + 128) >> 8) + bias);
+  }
+}
+
+// Calls blend(upper, lower, i) for every destination row i, with the two source rows that it lies
+// between as fill(y, out) makes them. They are kept until rows further down are wanted.
+template <class Fill, class Blend>
+QV_INLINE void WalkRows(const LinearTables& t, Value* upper, Value* lower, Fill fill,
+                        Blend blend) {
+  int upperRow = -1, lowerRow = -1;  // the source rows that are held
+  for (int i = 0; i < t.height; ++i) {
+    const int y = t.y[i];
+    if (y != upperRow) {
+      Value* const old = upper;
+      if (y == lowerRow) {
+        upper = lower;
+        lower = old;
+        lowerRow = -1;
+      } else {
+        fill(y, upper);
+      }
+      upperRow = y;
+    }
+    if (lowerRow != y + t.yNeighbour) {
+      lowerRow = y + t.yNeighbour;
+      fill(lowerRow, lower);
+    }
+    blend(upper, lower, i);
+  }
+}
+
+#if QV_HAS_VECTORS
+
+// Sixteen-bit lanes of two vectors, not above 255, as bytes in their order; the rounded product
+// (a * b + 0x4000) >> 15; and, for pairs of unsigned bytes (a) and signed bytes (b), the sums of
+// their products.
+#if defined(__AVX512BW__)
+QV_INLINE Vec PackInOrder(Vec a, Vec b) {
+  return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), PackUnsigned16(a, b));
+}
+QV_INLINE Vec MulRounded15(Vec a, Vec b) { return _mm512_mulhrs_epi16(a, b); }
+QV_INLINE Vec MulAddBytes(Vec a, Vec b) { return _mm512_maddubs_epi16(a, b); }
+#elif defined(__AVX2__)
+QV_INLINE Vec PackInOrder(Vec a, Vec b) {
+  return _mm256_permute4x64_epi64(PackUnsigned16(a, b), 0xD8);
+}
+QV_INLINE Vec MulRounded15(Vec a, Vec b) { return _mm256_mulhrs_epi16(a, b); }
+QV_INLINE Vec MulAddBytes(Vec a, Vec b) { return _mm256_maddubs_epi16(a, b); }
+#else
+QV_INLINE Vec PackInOrder(Vec a, Vec b) { return PackUnsigned16(a, b); }
+#if defined(__SSSE3__)
+QV_INLINE Vec MulRounded15(Vec a, Vec b) { return _mm_mulhrs_epi16(a, b); }
+QV_INLINE Vec MulAddBytes(Vec a, Vec b) { return _mm_maddubs_epi16(a, b); }
+#else
+Vec MulRounded15(Vec a, Vec b);
+Vec MulAddBytes(Vec a, Vec b);
+#endif
+#endif
+
+// Vector rows carry the vertical rounding, half of a byte's unit, with every value.
+constexpr int kHalf = 32;
+
+// (lower * w + upper * (16384 - w) + 2^19) >> 20 in 16-bit lanes. Let u be the nearer row, whose
+// weight is not the smaller one, d the other and w its weight, at most 8192. The sum is
+// 16384 * u + (d - u) * w + 2^19, and dropping its low 14 bits first changes nothing:
+//   (u + 32 + floor((d - u) * w / 16384)) >> 6.
+// The floor is the high half of (u - d) * (-4 * w), whose factors are within -16320 .. 16320 and
+// -32768 .. 0.
+static void BlendRows(const Value* upper, const Value* lower, int w, Byte* dst, ptrdiff_t bytes) {
+  const bool upperIsNearer = w <= kWeightOne / 2;
+  const Value* const near = upperIsNearer ? upper : lower;
+  const Value* const far = upperIsNearer ? lower : upper;
+  const Vec factor = Splat16(-4 * (upperIsNearer ? w : kWeightOne - w));
+  const auto half = [&](ptrdiff_t k) {
+    const Vec u = Load(near + k);
+    return ShiftRight16<6>(Add16(u, MulHighSigned16(Sub16(u, Load(far + k)), factor)));
+  };
+  const auto block = [&](ptrdiff_t k) { return PackInOrder(half(k), half(k + kVecBytes / 2)); };
+  ptrdiff_t k = 0;
+  for (; k <= bytes - kVecBytes; k += kVecBytes) Store(dst + k, block(k));
+  if (k == bytes) return;
+  if constexpr (kHasMaskedBytes) {
+    StorePart(dst + k, block(k), FirstOf64(bytes, k));
+  } else if (bytes >= kVecBytes) {
+    Store(dst + bytes - kVecBytes, block(bytes - kVecBytes));
+  } else {
+    Byte last[kVecBytes];
+    Store(last, block(k));
+    memcpy(dst, last, static_cast<size_t>(bytes));
+  }
+}
+
+// As InterpolateRow, from pairs of bytes (p0, p1) and twice the weight, below 32768:
+//   h = 64 * p0 + (((p1 - p0) * w + 128) >> 8),
+// since 16384 * p0 has no low bits; and the second term is the rounded product of 64 * (p1 - p0)
+// and 2 * w.
+template <int kLoads>
+QV_INLINE void InterpolatePairs(const ByteGather& g, const Byte* row, const Value* twiceWeight,
+                                ptrdiff_t vectors, Value* out) {
+  for (ptrdiff_t v = 0; v < vectors; ++v) {
+    const ptrdiff_t k = v * (kVecBytes / 2);
+    const Vec pairs = GatherBytes<kLoads>(g, row, v);
+    const Vec difference = MulAddBytes(pairs, Splat16(64 * 256 + (256 - 64)));
+    const Vec left = Add16(MulAddBytes(pairs, Splat16(64)), Splat16(kHalf));
+    Store(out + k, Add16(left, MulRounded15(difference, Load(twiceWeight + k))));
+  }
+}
+
+// The two bytes of each value and twice its weight. A full weight of the right sample becomes none
+// of the left one, so that twice the weight fits; a sample without weight may be any within the
+// row.
+static void FillPairs(const LinearTables& t, ptrdiff_t readable, int* offset, Value* twiceWeight) {
+  const int right = t.xNeighbour * t.channels;
+  for (ptrdiff_t j = 0; j < t.width; ++j) {
+    const bool onRight = t.xWeight[j] == kWeightOne;
+    const int first = t.x[j] * t.channels + (onRight ? right : 0);
+    for (int c = 0; c < t.channels; ++c) {
+      const ptrdiff_t k = j * t.channels + c;
+      offset[2 * k] = first + c;
+      offset[2 * k + 1] = first + c + right < readable ? first + c + right : first + c;
+      twiceWeight[k] = static_cast<Value>(onRight ? 0 : 2 * t.xWeight[j]);
+    }
+  }
+}
+
+// False if shuffles do not serve this resize.
+static bool ShuffledRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
+                         const LinearTables& t, Value* first, Value* second, Byte* work) {
+  const ptrdiff_t bytes = ptrdiff_t{t.width} * t.channels;
+  const ptrdiff_t readable = ptrdiff_t{t.srcWidth} * t.channels;
+  if (readable > INT32_MAX) return false;
+  const ptrdiff_t vectors = (2 * bytes + kVecBytes - 1) / kVecBytes;
+  auto* const twiceWeight = reinterpret_cast<Value*>(work);
+  auto* const offset = reinterpret_cast<int*>(twiceWeight + vectors * (kVecBytes / 2));
+  int* const at = offset + vectors * kVecBytes;
+  auto* const index = reinterpret_cast<Byte*>(at + vectors * kLanes);
+  FillPairs(t, readable, offset, twiceWeight);
+  ByteGather g;
+  if (!PlanGather(offset, 2 * bytes, false, readable, at, index, &g)) return false;
+  Byte copy[kPaddedRow] = {};
+  WithLoads(g.loads, [&]<int kLoads>() {
+    WalkRows(
+        t, first, second,
+        [&](int y, Value* out) {
+          const Byte* row = RowAt(src, srcStep, y);
+          if (g.padded) {
+            memcpy(copy, row, static_cast<size_t>(readable));
+            row = copy;
+          }
+          InterpolatePairs<kLoads>(g, row, twiceWeight, vectors, out);
+        },
+        [&](const Value* upper, const Value* lower, int i) {
+          BlendRows(upper, lower, t.yWeight[i], RowAt(dst, dstStep, i), bytes);
+        });
+  });
+  return true;
+}
+
+#else
+
+static void PlainRows(const Byte* src, int srcStep, Byte* dst, int dstStep, const LinearTables& t,
+                      Value* first, Value* second) {
+  const ptrdiff_t bytes = ptrdiff_t{t.width} * t.channels;
+  WalkRows(
+      t, first, second,
+      [&](int y, Value* out) { InterpolateRow(RowAt(src, srcStep, y), t, 0, out); },
+      [&](const Value* upper, const Value* lower, int i) {
+        Byte* const to = RowAt(dst, dstStep, i);
+        const unsigned w = t.yWeight[i];
+        for (ptrdiff_t k = 0; k < bytes; ++k)
+          to[k] = static_cast<Byte>((lower[k] * w + upper[k] * (kWeightOne - w) + 524288) >> 20);
+      });
+}
+
+#endif
+
+void LinearRows_8u(const Byte* src, int srcStep, Byte* dst, int dstStep,
+                   const LinearTables* tables, void* work) {
+  const LinearTables& t = *tables;
+  const ptrdiff_t padded = (ptrdiff_t{t.width} * t.channels + 63) / 64 * 64;
+  auto* const first = static_cast<Value*>(work);
+  Value* const second = first + padded;
+#if QV_HAS_VECTORS
+  if constexpr (kHasByteShuffle)
+    if (ShuffledRows(src, srcStep, dst, dstStep, t, first, second,
+                     reinterpret_cast<Byte*>(second + padded)))
+      return;
+  const ptrdiff_t bytes = ptrdiff_t{t.width} * t.channels;
+  WalkRows(
+      t, first, second,
+      [&](int y, Value* out) { InterpolateRow(RowAt(src, srcStep, y), t, kHalf, out); },
+      [&](const Value* upper, const Value* lower, int i) {
+        BlendRows(upper, lower, t.yWeight[i], RowAt(dst, dstStep, i), bytes);
+      });
+#else
+  PlainRows(src, srcStep, dst, dstStep, t, first, second);
+#endif
+}
+
+}  // namespace qv::QV_LEVEL

@@ -1,0 +1,112 @@
+// Nearest-neighbour rows of one- and three-byte pixels and of packed 4:2:2.
+#include "kernels/level/Level.h"
+#include "kernels/resize/ByteGather.h"
+#include "kernels/resize/ResizeRows.h"
+
+namespace qv::QV_LEVEL {
+
+static void PlainRow(const Byte* row, const NearestTables& t, Byte* dst) {
+  if (t.channels == 1) {
+    for (int j = 0; j < t.width; ++j) dst[j] = row[t.x[j]];
+  } else if (t.channels == 3) {
+    for (ptrdiff_t j = 0; j < t.width; ++j)
+      for (int c = 0; c < 3; ++c) dst[3 * j + c] = row[3 * ptrdiff_t{t.x[j]} + c];
+  } else {
+    for (ptrdiff_t j = 0; j < t.width / 2; ++j) {
+      const Byte* const chroma = row + 4 * ptrdiff_t{t.xChroma[j]};
+      dst[4 * j] = row[2 * ptrdiff_t{t.x[2 * j]}];
+      dst[4 * j + 1] = chroma[1];
+      dst[4 * j + 2] = row[2 * ptrdiff_t{t.x[2 * j + 1]}];
+      dst[4 * j + 3] = chroma[3];
+    }
+  }
+}
+
+// Calls fill(row, dst) for every destination row, except that rows of the same source row are
+// copies.
+template <class Fill>
+QV_INLINE void FillRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
+                        const NearestTables& t, Fill fill) {
+  const size_t bytes = static_cast<size_t>(t.width) * t.channels;
+  for (int i = 0; i < t.height; ++i) {
+    Byte* const to = RowAt(dst, dstStep, i);
+    if (i > 0 && t.y[i] == t.y[i - 1])
+      memcpy(to, RowAt(dst, dstStep, i - 1), bytes);
+    else
+      fill(RowAt(src, srcStep, t.y[i]), to);
+  }
+}
+
+#if QV_HAS_VECTORS
+
+static void FillOffsets(const NearestTables& t, int* offset) {
+  if (t.channels == 1) {
+    memcpy(offset, t.x, sizeof(int) * static_cast<size_t>(t.width));
+  } else if (t.channels == 3) {
+    for (ptrdiff_t j = 0; j < t.width; ++j)
+      for (int c = 0; c < 3; ++c) offset[3 * j + c] = 3 * t.x[j] + c;
+  } else {
+    for (ptrdiff_t j = 0; j < t.width / 2; ++j) {
+      offset[4 * j] = 2 * t.x[2 * j];
+      offset[4 * j + 1] = 4 * t.xChroma[j] + 1;
+      offset[4 * j + 2] = 2 * t.x[2 * j + 1];
+      offset[4 * j + 3] = 4 * t.xChroma[j] + 3;
+    }
+  }
+}
+
+template <int kLoads>
+QV_INLINE void GatherRow(const ByteGather& g, const Byte* row, Byte* dst, ptrdiff_t bytes) {
+  const ptrdiff_t vectors = bytes / kVecBytes, rest = bytes % kVecBytes;
+  for (ptrdiff_t v = 0; v < vectors; ++v)
+    Store(dst + v * kVecBytes, GatherBytes<kLoads>(g, row, v));
+  if (rest == 0) return;
+  const Vec last = GatherBytes<kLoads>(g, row, vectors);
+  if constexpr (kHasMaskedBytes)
+    StorePart(dst + vectors * kVecBytes, last, FirstOf64(rest, 0));
+  else
+    Store(dst + bytes - kVecBytes, last);
+}
+
+// False if shuffles do not serve this resize.
+static bool ShuffledRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
+                         const NearestTables& t, void* work) {
+  const ptrdiff_t bytes = ptrdiff_t{t.width} * t.channels;
+  const ptrdiff_t readable = ptrdiff_t{t.srcWidth} * t.channels;
+  if ((!kHasMaskedBytes && bytes < kVecBytes) || readable > INT32_MAX) return false;
+  const ptrdiff_t padded = (bytes + kVecBytes - 1) / kVecBytes * kVecBytes;
+  auto* const offset = static_cast<int*>(work);
+  int* const at = offset + padded;
+  auto* const index = reinterpret_cast<Byte*>(at + padded / kLaneBytes);
+  FillOffsets(t, offset);
+  ByteGather g;
+  if (!PlanGather(offset, bytes, !kHasMaskedBytes, readable, at, index, &g)) return false;
+  WithLoads(g.loads, [&]<int kLoads>() {
+    if (g.padded) {
+      Byte copy[kPaddedRow] = {};
+      FillRows(src, srcStep, dst, dstStep, t, [&](const Byte* row, Byte* to) {
+        memcpy(copy, row, static_cast<size_t>(readable));
+        GatherRow<kLoads>(g, copy, to, bytes);
+      });
+    } else {
+      FillRows(src, srcStep, dst, dstStep, t, [&](const Byte* row, Byte* to) {
+        GatherRow<kLoads>(g, row, to, bytes);
+      });
+    }
+  });
+  return true;
+}
+
+#endif
+
+void NearestRows_8u(const Byte* src, int srcStep, Byte* dst, int dstStep,
+                    const NearestTables* tables, [[maybe_unused]] void* work) {
+#if QV_HAS_VECTORS
+  if constexpr (kHasByteShuffle)
+    if (ShuffledRows(src, srcStep, dst, dstStep, *tables, work)) return;
+#endif
+  FillRows(src, srcStep, dst, dstStep, *tables,
+           [&](const Byte* row, Byte* to) { PlainRow(row, *tables, to); });
+}
+
+}  // namespace qv::QV_LEVEL

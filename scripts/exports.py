@@ -1,0 +1,67 @@
+#!/usr/bin/env python3
+"""Writes the export lists of the Windows DLLs from the public header.
+
+    scripts/exports.py           writes qvAcceleratedLib/exports/*.def
+    scripts/exports.py --check   compares them instead; exit code 1 if they differ
+
+Each member of the class is exported under the name that a MinGW host calls (the Itanium C++ ABI) and
+under the one that a Visual C++ host calls, the second an alias of the first. Clang knows both: it is
+asked for either's name of every member, which come in the order of the header. Names are ABI: a
+changed line is a host that no longer loads.
+"""
+import json
+import pathlib
+import subprocess
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+HEADER = ROOT / "qvAcceleratedLib" / "CqvAccLib.h"
+FOLDER = ROOT / "qvAcceleratedLib" / "exports"
+CLASS = "CqvAccLib"
+ARCHITECTURES = {"windows32": "i686", "windows64": "x86_64"}
+
+
+def members(target):
+    """Yields the mangled names of the class's declared member functions, in the header's order."""
+    tree = json.loads(subprocess.run(
+        ["clang++", f"--target={target}", "-x", "c++", "-std=c++20", "-ffreestanding", "-nostdinc",
+         "-fsyntax-only", "-Xclang", "-ast-dump=json", str(HEADER)],
+        check=True, stdout=subprocess.PIPE).stdout)
+    classes = [node for node in tree["inner"]
+               if node["kind"] == "CXXRecordDecl" and node.get("name") == CLASS]
+    for node in classes[-1]["inner"]:
+        if node["kind"] == "CXXMethodDecl" and not node.get("isImplicit"):
+            yield node["mangledName"]
+
+
+def export_list(architecture):
+    itanium = list(members(f"{architecture}-w64-mingw32"))
+    microsoft = list(members(f"{architecture}-pc-windows-msvc"))
+    if not itanium or len(itanium) != len(microsoft):
+        sys.exit(f"exports.py: {len(itanium)} and {len(microsoft)} names for {architecture}")
+    lines = ["; Written by scripts/exports.py.", "LIBRARY qvAcceleratedLib.dll", "EXPORTS"]
+    for gnu, visual in zip(itanium, microsoft):
+        if architecture == "i686":
+            gnu = gnu.removeprefix("_")  # of the object format, which the linker adds itself
+        lines += [f'  "{gnu}"', f'  "{visual}" = "{gnu}"']
+    return "\n".join(lines) + "\n"
+
+
+def main():
+    check = sys.argv[1:] == ["--check"]
+    if sys.argv[1:] and not check:
+        sys.exit(__doc__)
+    differing = []
+    for name, architecture in ARCHITECTURES.items():
+        path = FOLDER / f"{name}.def"
+        text = export_list(architecture)
+        if not check:
+            path.write_text(text)
+        elif not path.exists() or path.read_text() != text:
+            differing.append(path.name)
+    if differing:
+        sys.exit("the header gives other names than " + ", ".join(differing))
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,214 @@
+// qvCRC32 and qvAdler32 through the public interface, at every level: known values, the plain
+// definitions, zlib where it is found, pieces, worst cases, statuses.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "dispatch/VariantIndex.h"
+#include "qvAcceleratedLib/CqvAccLib.h"
+#include "tests/support/Guarded.h"
+#include "tests/support/Levels.h"
+#include "tests/support/Random.h"
+
+#if defined(QV_TEST_ZLIB)
+#include <zlib.h>
+#endif
+
+namespace qv::test {
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+using Lib = CqvAccLib;
+using Checksum = IppStatus (*)(Lib::qvDataType, const unsigned char*, int, unsigned int*);
+
+// The levels, and those that fold with less than the processor has.
+std::vector<Level> LevelsAndFoldings() {
+  std::vector<Level> levels;
+  for (const Level& level : AvailableLevels())
+    for (int folding = 0; folding <= level.carrylessLevel; ++folding)
+      levels.push_back({level.name, level.variantIndex, level.wideLevel, folding});
+  return levels;
+}
+
+template <class Body>
+void AtLevelsAndFoldings(const Body& body) {
+  for (const Level& level : LevelsAndFoldings()) {
+    const UseLevel use(level);
+    SCOPED_TRACE(testing::Message() << level.name << ", folding " << level.carrylessLevel);
+    body();
+  }
+}
+
+unsigned int Continue(Checksum checksum, unsigned int value, const unsigned char* src, int length) {
+  EXPECT_EQ(checksum(Lib::OneChannel, src, length, &value), StatusOk);
+  return value;
+}
+
+// The register of ITU-T V.42, a bit at a time.
+unsigned int BitwiseCrc(unsigned int crc, const unsigned char* src, int length) {
+  crc = ~crc;
+  for (int i = 0; i < length; ++i) {
+    crc ^= src[i];
+    for (int bit = 0; bit < 8; ++bit) crc = (crc >> 1) ^ (crc & 1 ? 0xEDB88320u : 0);
+  }
+  return ~crc;
+}
+
+// RFC 1950, with a remainder at each byte.
+unsigned int BytewiseAdler(unsigned int adler, const unsigned char* src, int length) {
+  unsigned int a = adler % 65536, b = adler / 65536;
+  for (int i = 0; i < length; ++i) {
+    a = (a + src[i]) % 65521;
+    b = (b + a) % 65521;
+  }
+  return b * 65536 + a;
+}
+
+TEST(Checksum, GivesKnownValuesWhateverTheType) {
+  const std::string digits = "123456789", letters = "abc", word = "Wikipedia";
+  const std::string full(5553, '\xFF'), zeros(32, '\0');
+  const struct {
+    Checksum checksum;
+    unsigned int start;
+    const std::string& text;
+    unsigned int expected;
+  } cases[] = {
+      {Lib::qvCRC32, 0, digits, 0xCBF43926},    {Lib::qvCRC32, 0, zeros, 0x190A55AD},
+      {Lib::qvAdler32, 1, letters, 0x024D0127}, {Lib::qvAdler32, 1, word, 0x11E60398},
+      {Lib::qvAdler32, 1, full, 0x8E299C8B},
+  };
+  AtLevelsAndFoldings([&] {
+    for (const auto& c : cases)
+      for (const int type : {0, 2, 12345}) {
+        unsigned int value = c.start;
+        EXPECT_EQ(c.checksum(static_cast<Lib::qvDataType>(type),
+                             reinterpret_cast<const unsigned char*>(c.text.data()),
+                             static_cast<int>(c.text.size()), &value),
+                  StatusOk);
+        EXPECT_EQ(value, c.expected) << c.text.substr(0, 9);
+      }
+  });
+}
+
+// Every length around the vector sizes, folding chains and unrolled runs, against the definitions,
+// flush to both guard pages.
+TEST(Checksum, EqualsTheDefinitionAtEveryShortLength) {
+  const GuardedMemory memory(1 << 16);
+  Random random(7);
+  random.Fill(memory.begin(), memory.capacity());
+  for (int length = 1; length <= 1700; ++length)
+    for (unsigned char* const src : {memory.begin(), memory.end() - length,
+                                     memory.begin() + random.Between(1, 63)}) {
+      const auto start = static_cast<unsigned int>(random.Next());
+      const unsigned int crc = BitwiseCrc(start, src, length);
+      const unsigned int adler = BytewiseAdler(start, src, length);
+      AtLevelsAndFoldings([&] {
+        ASSERT_EQ(Continue(Lib::qvCRC32, start, src, length), crc) << length;
+        ASSERT_EQ(Continue(Lib::qvAdler32, start, src, length), adler) << length;
+      });
+    }
+}
+
+// A message in random pieces of random lengths, so at random alignments, is the message in one.
+TEST(Checksum, OfPiecesIsTheChecksumOfTheWhole) {
+  const GuardedMemory memory(1 << 18);
+  Random random(11);
+  random.Fill(memory.begin(), memory.capacity());
+  for (int round = 0; round < 60; ++round) {
+    const int length = random.Between(1, static_cast<int>(memory.capacity()));
+    const unsigned char* const src = memory.end() - length;
+    const auto start = static_cast<unsigned int>(random.Next());
+    const unsigned int crc = BitwiseCrc(start, src, length);
+    const unsigned int adler = BytewiseAdler(start, src, length);
+    const int longest = random.Pick(20, 700, 9000, 300000);
+    AtLevelsAndFoldings([&] {
+      unsigned int crcSoFar = start, adlerSoFar = start;
+      for (int done = 0; done < length;) {
+        const int piece = std::min(random.Between(1, longest), length - done);
+        crcSoFar = Continue(Lib::qvCRC32, crcSoFar, src + done, piece);
+        adlerSoFar = Continue(Lib::qvAdler32, adlerSoFar, src + done, piece);
+        done += piece;
+      }
+      EXPECT_EQ(crcSoFar, crc);
+      EXPECT_EQ(adlerSoFar, adler);
+    });
+  }
+}
+
+TEST(Checksum, AgreesWithZlibOnRandomPieces) {
+#if defined(QV_TEST_ZLIB)
+  const GuardedMemory memory(1 << 20);
+  Random random(13);
+  random.Fill(memory.begin(), memory.capacity());
+  for (int round = 0; round < 400; ++round) {
+    const int first = random.Between(0, 1 << 12);
+    const int length = random.Between(1, random.Pick(100, 5000, (1 << 20) - (1 << 12)));
+    const unsigned char* const src = memory.begin() + first;
+    const auto start = static_cast<unsigned int>(random.Next());
+    const auto halves = static_cast<unsigned int>(random.Between(0, 65520) * 65536u +
+                                                  static_cast<unsigned>(random.Between(0, 65520)));
+    const auto crc = static_cast<unsigned int>(crc32_z(start, src, static_cast<z_size_t>(length)));
+    const auto adler =
+        static_cast<unsigned int>(adler32_z(halves, src, static_cast<z_size_t>(length)));
+    AtLevelsAndFoldings([&] {
+      ASSERT_EQ(Continue(Lib::qvCRC32, start, src, length), crc) << first << ' ' << length;
+      ASSERT_EQ(Continue(Lib::qvAdler32, halves, src, length), adler) << first << ' ' << length;
+    });
+  }
+#else
+  GTEST_SKIP() << "zlib was not found";
+#endif
+}
+
+// The largest sums there are: all 255 from starting sums up to the largest that fit their halves,
+// over lengths on both sides of each block that sums are reduced after (5552 bytes, 1023 vectors).
+TEST(Adler32, HoldsTheLargestSums) {
+  const Bytes full(70000, 255);
+  for (const unsigned int start : {0xFFFFFFFFu, 0xFFF1FFF1u, 0xFFF0FFF0u, 0x0000FFFFu, 0xFFFF0000u})
+    for (const int length :
+         {1, 2, 15, 16, 17, 63, 64, 65, 128, 2048, 5551, 5552, 5553, 11104, 16367, 16368, 16384,
+          32736, 32767, 65472, 65535, 65536, 65599, 70000}) {
+      const unsigned int expected = BytewiseAdler(start, full.data(), length);
+      AtLevelsAndFoldings([&] {
+        const unsigned int adler = Continue(Lib::qvAdler32, start, full.data(), length);
+        EXPECT_EQ(adler, expected) << std::hex << start << std::dec << ' ' << length;
+        EXPECT_LT(adler % 65536, 65521u);
+        EXPECT_LT(adler / 65536, 65521u);
+      });
+    }
+}
+
+TEST(Checksum, ReturnsTheDocumentedStatuses) {
+  const unsigned char byte = 1;
+  const struct {
+    Checksum checksum;
+    const unsigned char* src;
+    int length;
+    IppStatus status;
+    unsigned int left;  // of 0xFFFFFFFF
+  } cases[] = {
+      {Lib::qvCRC32, nullptr, 1, StatusNullPtrErr, 0xFFFFFFFF},
+      {Lib::qvCRC32, nullptr, 0, StatusNullPtrErr, 0xFFFFFFFF},
+      {Lib::qvCRC32, &byte, 0, StatusSizeErr, 0xFFFFFFFF},
+      {Lib::qvCRC32, &byte, -1, StatusSizeErr, 0xFFFFFFFF},
+      {Lib::qvAdler32, nullptr, 1, StatusSizeErr, 0},
+      {Lib::qvAdler32, nullptr, 0, StatusSizeErr, 0},
+      {Lib::qvAdler32, nullptr, -1, StatusSizeErr, 0},
+      {Lib::qvAdler32, &byte, 0, StatusOk, 0xFFFFFFFF},
+      {Lib::qvAdler32, &byte, -2147483647 - 1, StatusOk, 0xFFFFFFFF},
+  };
+  AtLevelsAndFoldings([&] {
+    for (const auto& c : cases) {
+      unsigned int value = 0xFFFFFFFF;
+      EXPECT_EQ(c.checksum(Lib::OneChannel, c.src, c.length, &value), c.status);
+      EXPECT_EQ(value, c.left);
+    }
+    EXPECT_EQ(Lib::qvCRC32(Lib::OneChannel, &byte, 1, nullptr), StatusNullPtrErr);
+    EXPECT_EQ(Lib::qvCRC32(Lib::OneChannel, &byte, 0, nullptr), StatusNullPtrErr);
+  });
+}
+
+}  // namespace
+}  // namespace qv::test

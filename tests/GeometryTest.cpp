@@ -1,0 +1,134 @@
+// qvGetPerspectiveTransform and qvGetRotateBound, and the pieces that warping and rotation share.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "kernels/geometry/Transform.h"
+#include "tests/support/Random.h"
+
+namespace qv::test {
+namespace {
+
+using Lib = CqvAccLib;
+constexpr auto kAnyType = static_cast<Lib::qvDataType>(12345);
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+TEST(Quadrangle, TellsTurnAndDefects) {
+  const struct {
+    double quad[4][2];
+    int expected;
+  } cases[] = {
+      {{{0, 0}, {1, 0}, {1, 1}, {0, 1}}, 1},
+      {{{0, 0}, {0, 1}, {1, 1}, {1, 0}}, 0},
+      {{{0, 0}, {2, 0}, {1, 0}, {0, 1}}, StatusBadArgErr},    // three on one line
+      {{{0, 0}, {0, 0}, {1, 1}, {0, 1}}, StatusBadArgErr},    // two corners in one place
+      {{{0, 0}, {4, 0}, {1, 1}, {0, 4}}, StatusQuadSignErr},  // dented
+      {{{0, 0}, {1, 1}, {1, 0}, {0, 1}}, StatusQuadSignErr},  // crossed
+      {{{0, 0}, {1, 0}, {kNaN, 1}, {0, 1}}, StatusBadArgErr},
+  };
+  for (const auto& c : cases) EXPECT_EQ(CheckQuadrangle(c.quad), c.expected) << &c - cases;
+}
+
+TEST(PerspectiveTransform, ChecksInOrderAndWritesNothing) {
+  const double good[4][2] = {{0, 0}, {9, 1}, {8, 7}, {1, 6}};
+  const double bent[4][2] = {{0, 0}, {4, 0}, {1, 1}, {0, 4}};
+  const struct {
+    IppiRect roi;
+    const double (&quad)[4][2];
+    int expected;
+  } cases[] = {
+      {{-1, 0, 5, 5}, good, StatusSizeErr}, {{0, -1, 5, 5}, good, StatusSizeErr},
+      {{0, 0, 0, 5}, bent, StatusSizeErr},  {{0, 0, 5, 0}, good, StatusSizeErr},
+      {{0, 0, 1, 5}, bent, StatusQuadErr},  {{0, 0, 1, 5}, good, StatusRectErr},
+      {{0, 0, 5, 1}, good, StatusRectErr},
+  };
+  for (const auto& c : cases) {
+    double m[3][3] = {{7, 7, 7}, {7, 7, 7}, {7, 7, 7}};
+    EXPECT_EQ(Lib::qvGetPerspectiveTransform(kAnyType, c.roi, c.quad, m), c.expected);
+    for (const auto& row : m)
+      for (const double v : row) EXPECT_EQ(v, 7);
+  }
+}
+
+// A random convex quadrilateral: the corners of a rectangle, each moved by less than a quarter of it.
+void MakeQuad(Random& random, double quad[4][2], bool otherWay) {
+  const double size = random.Between(2.0, 3000.0);
+  for (int i = 0; i < 4; ++i) {
+    const int k = otherWay ? (4 - i) % 4 : i;
+    quad[i][0] = (k == 1 || k == 2 ? size : 0) + random.Between(-.24, .24) * size;
+    quad[i][1] = (k < 2 ? 0 : size) + random.Between(-.24, .24) * size;
+  }
+}
+
+TEST(PerspectiveTransform, CarriesCornersAndBack) {
+  Random random(20);
+  for (int n = 0; n < 500; ++n) {
+    const IppiRect roi = {random.Between(0, 500), random.Between(0, 500), random.Between(2, 4000),
+                          random.Between(2, 4000)};
+    double quad[4][2], m[3][3], back[3][3], image[4][2];
+    MakeQuad(random, quad, n % 2);
+    ASSERT_EQ(Lib::qvGetPerspectiveTransform(kAnyType, roi, quad, m), StatusOk);
+    const Corners rect = CornersOf(roi);
+    ProjectRectCorners(m, rect, image);
+    int orientation = -1;
+    PerspectiveRectToQuad(rect, quad, back, &orientation, false);
+    EXPECT_EQ(orientation, n % 2 == 0);
+    for (int i = 0; i < 4; ++i) {
+      EXPECT_NEAR(image[i][0], quad[i][0], 1e-6);
+      EXPECT_NEAR(image[i][1], quad[i][1], 1e-6);
+      const double* q = quad[i];
+      const double w = back[2][0] * q[0] + back[2][1] * q[1] + back[2][2];
+      EXPECT_NEAR((back[0][0] * q[0] + back[0][1] * q[1] + back[0][2]) / w,
+                  i == 1 || i == 2 ? rect.x1 : rect.x0, 1e-6);
+      EXPECT_NEAR((back[1][0] * q[0] + back[1][1] * q[1] + back[1][2]) / w,
+                  i < 2 ? rect.y0 : rect.y1, 1e-6);
+    }
+  }
+}
+
+TEST(PerspectiveTransform, RegionOntoItselfIsIdentity) {
+  const IppiRect roi = {3, 5, 640, 480};
+  const double quad[4][2] = {{3, 5}, {642, 5}, {642, 484}, {3, 484}};
+  double m[3][3];
+  ASSERT_EQ(Lib::qvGetPerspectiveTransform(kAnyType, roi, quad, m), StatusOk);
+  for (int i = 0; i < 3; ++i)
+    for (int k = 0; k < 3; ++k) EXPECT_NEAR(m[i][k], i == k, 1e-12);
+}
+
+TEST(RotateBound, QuarterTurnsAreExact) {
+  const IppiRect roi = {0, 0, 4, 2};
+  const struct {
+    double angle, x0, y0, x1, y1;
+  } cases[] = {
+      {0, 0, 0, 3, 1},      {90, 0, -3, 1, 0},     {180, -3, -1, 0, 0},   {270, -1, 0, 0, 3},
+      {-90, -1, 0, 0, 3},   {450, 0, -3, 1, 0},    {-270, 0, -3, 1, 0},   {3600, 0, 0, 3, 1},
+      {-720, 0, 0, 3, 1},   {360e12, 0, 0, 3, 1},
+  };
+  for (const auto& c : cases) {
+    double bound[2][2];
+    ASSERT_EQ(Lib::qvGetRotateBound(kAnyType, roi, bound, c.angle, 10, -20), StatusOk);
+    EXPECT_EQ(bound[0][0], c.x0 + 10) << c.angle;
+    EXPECT_EQ(bound[0][1], c.y0 - 20) << c.angle;
+    EXPECT_EQ(bound[1][0], c.x1 + 10) << c.angle;
+    EXPECT_EQ(bound[1][1], c.y1 - 20) << c.angle;
+  }
+}
+
+TEST(RotateBound, HoldsTheRotatedCorners) {
+  const double a = 30.0 / 180 * 3.141592653589793, c = std::cos(a), s = std::sin(a);
+  double bound[2][2];
+  ASSERT_EQ(Lib::qvGetRotateBound(kAnyType, {10, 20, 101, 51}, bound, 30 - 360, .5, 2), StatusOk);
+  EXPECT_NEAR(bound[0][0], c * 10 + s * 20 + .5, 1e-12);
+  EXPECT_NEAR(bound[1][0], c * 110 + s * 70 + .5, 1e-12);
+  EXPECT_NEAR(bound[0][1], -s * 110 + c * 20 + 2, 1e-12);
+  EXPECT_NEAR(bound[1][1], -s * 10 + c * 70 + 2, 1e-12);
+  for (const IppiRect bad : {IppiRect{-1, 0, 2, 2}, {0, -1, 2, 2}, {0, 0, 0, 2}, {0, 0, 2, 0}}) {
+    double kept[2][2] = {{7, 7}, {7, 7}};
+    EXPECT_EQ(Lib::qvGetRotateBound(kAnyType, bad, kept, 30, 0, 0), StatusSizeErr);
+    EXPECT_EQ(kept[0][0], 7);
+  }
+}
+
+}  // namespace
+}  // namespace qv::test

@@ -1,0 +1,386 @@
+// qvResize and qvResizeYUV422 through the public interface: statuses, extents, bands and
+// conventions. What the kernels write byte for byte is ResizeAccuracyTest's.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+#include <vector>
+
+#include "kernels/resize/Resize.h"
+#include "tests/support/Levels.h"
+#include "tests/support/Random.h"
+
+namespace qv::test {
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+using Lib = CqvAccLib;
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+Lib::qvDataType Type(int value) { return static_cast<Lib::qvDataType>(value); }
+
+Bytes Noise(std::size_t n, std::uint64_t seed) {
+  Bytes bytes(n);
+  Random random(seed);
+  random.Fill(bytes.data(), n);
+  return bytes;
+}
+
+// ---- The front ----------------------------------------------------------------------------------
+
+struct Call {
+  IppiSize srcSize;
+  IppiRect roi;
+  IppiSize dstSize;
+  double xFactor, yFactor;
+  int code;
+  int type = 2;
+
+  IppStatus Run(const Bytes& src, Bytes* dst, int budget) const {
+    const UseBudget use(budget);
+    const int pixel = type == 4 ? 3 : 1;
+    dst->assign(std::size_t(dstSize.width) * dstSize.height * pixel, 77);
+    return Lib::qvResize(Type(type), src.data(), srcSize, srcSize.width * pixel, roi, dst->data(),
+                         dstSize.width * pixel, dstSize, xFactor, yFactor, code);
+  }
+};
+
+TEST(Resize, TakesTheShortcutsOfTheFront) {
+  const Bytes src = Noise(640 * 480 * 3, 1);
+  const IppiRect all = {0, 0, 640, 480};
+  Bytes nearest, dst;
+  // At most one pixel of difference: nearest neighbour, whatever code and factors.
+  const Call close = {{640, 480}, all, {641, 479}, 641 / 640.0, 479 / 480.0, 1};
+  for (const int budget : {1, 4}) {
+    ASSERT_EQ(close.Run(src, &nearest, budget), StatusOk);
+    for (const int code : {2, 4, 8, 16, 99}) {
+      Call other = close;
+      other.code = code;
+      ASSERT_EQ(other.Run(src, &dst, budget), StatusOk);
+      EXPECT_TRUE(dst == nearest) << code;
+      other.roi = {1, 0, 639, 480};
+      if (code != 99) {
+        ASSERT_EQ(other.Run(src, &dst, budget), StatusOk);
+        EXPECT_FALSE(dst == nearest) << code;
+      } else {
+        EXPECT_EQ(other.Run(src, &dst, budget), StatusInterpolationErr);
+      }
+    }
+  }
+  // Area averaging that enlarges is Lanczos; that reduces runs in one call whatever the budget.
+  for (const int budget : {1, 3}) {
+    Bytes lanczos;
+    const Call stretched = {{640, 480}, all, {1280, 240}, 2, 0.5, 16};
+    Call area = stretched;
+    area.code = 8;
+    ASSERT_EQ(stretched.Run(src, &lanczos, budget), StatusOk);
+    ASSERT_EQ(area.Run(src, &dst, budget), StatusOk);
+    EXPECT_TRUE(dst == lanczos);
+  }
+  const Call half = {{640, 480}, all, {320, 240}, 0.5, 0.5, 8};
+  Bytes whole;
+  ASSERT_EQ(half.Run(src, &whole, 1), StatusOk);
+  ASSERT_EQ(half.Run(src, &dst, 4), StatusOk);
+  EXPECT_TRUE(dst == whole);
+  // A budget without threads has no band.
+  EXPECT_EQ(half.Run(src, &dst, 0), StatusOk);
+  EXPECT_TRUE(std::all_of(dst.begin(), dst.end(), [](int b) { return b == 77; }));
+}
+
+TEST(Resize, BandsWriteWhatOneBandWrites) {
+  Random random(35);
+  const Bytes src = Noise(300 * 520 * 3, 2);
+  for (int run = 0; run < 10; ++run) {
+    Call call = {
+        {300, 520}, {0, 0, 300, 520}, {}, random.Between(0.3, 2.0), random.Between(0.9, 2.0),
+        1,          random.Pick(2, 4)};
+    if (random.OneIn(3)) call.yFactor = call.xFactor = 1.5;
+    if (random.OneIn(2)) call.roi = {random.Between(0, 99), random.Between(0, 60), 170, 400};
+    call.dstSize = {int(300 * call.xFactor), int(520 * call.yFactor)};
+    const int pixel = call.type == 4 ? 3 : 1;
+    for (const int code : {1, 2, 4, 16}) {
+      SCOPED_TRACE(testing::Message() << "code " << code << ", run " << run);
+      call.code = code;
+      int bytes = 0;
+      ASSERT_EQ(ResizeBandBufferSize(call.dstSize, pixel, code, &bytes), StatusOk);
+      Bytes buffer(static_cast<std::size_t>(bytes));
+      Bytes one(std::size_t(call.dstSize.width) * call.dstSize.height * pixel, 77), dst;
+      const auto kernel = pixel == 1 ? ResizeBand_8u_C1 : ResizeBand_8u_C3;
+      ASSERT_EQ(kernel(src.data(), call.srcSize, 300 * pixel, call.roi, one.data(),
+                       call.dstSize.width * pixel, {0, 0, call.dstSize.width, call.dstSize.height},
+                       call.xFactor, call.yFactor, 0, 0, code, buffer.data()),
+                StatusOk);
+      for (const int budget : {2, 3, 4, 7}) {
+        // The last band lies below what some regions become.
+        const IppStatus status = call.Run(src, &dst, budget);
+        ASSERT_TRUE(status == StatusOk ||
+                    (status == StatusNothingToDoWarning && call.roi.height < 520));
+        ASSERT_TRUE(dst == one) << budget;
+      }
+    }
+  }
+}
+
+// A region that does not begin at the image's origin lands displaced by its origin times the factor.
+TEST(Resize, BandsPlaceARegionByItsOrigin) {
+  const Bytes src = Noise(200 * 300, 4);
+  const Call call = {{200, 300}, {40, 30, 100, 200}, {400, 600}, 2, 2, 1};
+  Bytes dst;
+  ASSERT_EQ(call.Run(src, &dst, 2), StatusOk);
+  for (int y = 0; y < 600; ++y)
+    for (int x = 0; x < 400; ++x) {
+      const bool inside = x >= 80 && x < 280 && y >= 60 && y < 460;
+      ASSERT_EQ(dst[y * 400 + x], inside ? src[y / 2 * 200 + x / 2] : 77) << x << ' ' << y;
+    }
+}
+
+TEST(Resize, SaysHowLargeABandBufferIs) {
+  const int big = std::numeric_limits<int>::max();
+  struct {
+    IppiSize size;
+    int channels, code, expected, status;
+  } const cases[] = {
+      {{1920, 1080}, 1, 1, 188 * 64 + 15, 0},
+      {{1920, 1080}, 3, 1, 188 * 64 + 15, 0},
+      {{100, 10}, 3, 2, 8 * 128 + 224 * 3 * 4 + 15, 0},
+      {{100, 10}, 1, 4, 8 * 128 + 448 * 4 + 15, 0},
+      {{100, 10}, 4, 16, (8 * 32 + 4 * 688 + 688 + 144) * 4 + 15, 0},
+      {{100, 10}, 3, 8, 0, StatusInterpolationErr},
+      {{100, 10}, 2, 8, 0, StatusChannelErr},
+      {{0, 10}, 2, 8, 0, StatusSizeErr},
+      {{10, 0}, 2, 8, 0, StatusSizeErr},
+      {{big, 1}, 3, 1, 0, StatusSizeErr},
+      {{1, big}, 1, 16, 0, StatusSizeErr},
+      {{1 << 20, 1}, 3, 2, 65537 * 128 + ((2 << 20) + 16) * 12 + 15, 0},
+  };
+  for (const auto& c : cases) {
+    int bytes = 0;
+    EXPECT_EQ(ResizeBandBufferSize(c.size, c.channels, c.code, &bytes), c.status);
+    EXPECT_EQ(bytes, c.expected);
+  }
+  EXPECT_EQ(ResizeBandBufferSize({0, 0}, 2, 8, nullptr), StatusNullPtrErr);
+}
+
+// The first fault in the documented order decides, and nothing is written.
+TEST(Resize, ChecksInTheDocumentedOrder) {
+  Bytes image(40000, 5);
+  const Bytes before = image;
+  unsigned char* const p = image.data();
+  unsigned char* const null = nullptr;
+  const IppiRect all = {0, 0, 20, 20};
+  struct {
+    int type;
+    unsigned char *src, *dst;
+    IppiSize srcSize;
+    IppiRect roi;
+    IppiSize dstSize;
+    double x, y;
+    int code;
+    IppStatus expected;
+  } const cases[] = {
+      {3, null, p, {0, 0}, all, {0, 0}, 0, 0, 3, StatusDataTypeErr},
+      {2, null, p, {0, 0}, all, {0, 0}, 0, 0, 3, StatusNullPtrErr},
+      {4, p, null, {0, 0}, all, {0, 0}, 0, 0, 3, StatusNullPtrErr},
+      {2, p, p, {0, 20}, all, {0, 0}, 0, 0, 3, StatusSizeErr},
+      {2, p, p, {20, 0}, all, {0, 0}, 0, 0, 3, StatusSizeErr},
+      {2, p, p, {20, 20}, {-1, 99, 9, 9}, {0, 0}, 0, 0, 3, StatusSizeErr},
+      {2, p, p, {20, 20}, {99, -1, 9, 9}, {0, 0}, 0, 0, 3, StatusSizeErr},
+      {2, p, p, {20, 20}, {99, 0, 0, 9}, {0, 0}, 0, 0, 3, StatusSizeErr},
+      {2, p, p, {20, 20}, {0, 99, 9, 0}, {0, 0}, 0, 0, 3, StatusSizeErr},
+      {2, p, p, {20, 20}, {20, 0, 9, 9}, {0, 0}, 0, 0, 3, StatusNoOverlapWarning},
+      {4, p, p, {20, 20}, {0, 20, 9, 9}, {0, 0}, 0, 0, 3, StatusNoOverlapWarning},
+      {2, p, p, {20, 20}, all, {0, 9}, 0, 0, 3, StatusSizeErr},
+      {2, p, p, {20, 20}, all, {9, 0}, 0, 0, 3, StatusSizeErr},
+      {2, p, p, {20, 20}, all, {9, 9}, 0, 1, 3, StatusResizeFactorErr},
+      {2, p, p, {20, 20}, all, {9, 9}, 1, -1, 3, StatusResizeFactorErr},
+      {2, p, p, {20, 20}, all, {9, 9}, kNan, 1, 8, StatusResizeFactorErr},
+      {2, p, p, {20, 20}, all, {9, 9}, 1, kNan, 1, StatusResizeFactorErr},
+      {2, p, p, {20, 20}, all, {9, 9}, 0.5, -kInfinity, 8, StatusResizeFactorErr},
+      {2, p, p, {20, 20}, all, {9, 9}, 0.01, 1, 3, StatusInterpolationErr},
+      {2, p, p, {20, 20}, all, {9, 9}, 0.01, 1, 0, StatusInterpolationErr},
+      {2, p, p, {20, 20}, all, {9, 9}, 0.02, 1, 2, StatusEmptyOutputErr},
+      {4, p, p, {20, 20}, all, {9, 9}, 1, 0.0249, 8, StatusEmptyOutputErr},
+      {4, p, p, {20, 20}, all, {9, 9}, 1e-300, 1e300, 1, StatusEmptyOutputErr},
+      {4, p, p, {20, 20}, all, {9, 9}, 5e-324, 1, 16, StatusEmptyOutputErr},
+  };
+  for (const Level& level : AvailableLevels()) {
+    const UseLevel use(level);
+    for (const auto& c : cases)
+      EXPECT_EQ(Lib::qvResize(Type(c.type), c.src, c.srcSize, 60, c.roi, c.dst, 60, c.dstSize, c.x,
+                              c.y, c.code),
+                c.expected)
+          << &c - cases << ' ' << level.name;
+  }
+  // A band of an image large enough to be cut has an order of its own.
+  const UseBudget use(2);
+  const IppiRect big = {0, 0, 150, 150};
+  const auto banded = [&](unsigned char* src, IppiRect roi, double x, double y, int code) {
+    return Lib::qvResize(Type(2), src, {150, 150}, 150, roi, p, 140, {140, 140}, x, y, code);
+  };
+  EXPECT_EQ(banded(null, {-1, 0, 0, 0}, 0, 0, 2), StatusNullPtrErr);
+  EXPECT_EQ(banded(p, {-1, 0, 9, 9}, 0, 0, 2), StatusSizeErr);
+  EXPECT_EQ(banded(p, {150, 0, 9, 9}, 0, 1, 2), StatusResizeFactorErr);
+  EXPECT_EQ(banded(p, {150, 0, 9, 9}, 1, 1, 2), StatusNoOverlapWarning);
+  EXPECT_EQ(banded(p, {100, 0, 9, 9}, 2, 2, 2), StatusNothingToDoWarning);
+  EXPECT_EQ(banded(p, big, 0.9, 0.9, 3), StatusInterpolationErr);
+  EXPECT_EQ(Lib::qvResize(Type(3), null, {150, 150}, 150, big, p, 140, {140, 140}, 1, 1, 2),
+            StatusDataTypeErr);
+  EXPECT_TRUE(image == before);
+}
+
+TEST(ResizeBand, ChecksInTheDocumentedOrder) {
+  Bytes image(4000, 5);
+  const Bytes before = image;
+  unsigned char* const p = image.data();
+  struct {
+    IppiSize srcSize;
+    IppiRect roi, rect;
+    double factor, shift;
+    int code;
+    IppStatus expected;
+  } const cases[] = {
+      {{0, 9}, {30, 0, 9, 9}, {0, 0, 9, 9}, 0, 0, 3, StatusSizeErr},
+      {{20, 20}, {30, 0, 9, 9}, {-1, 0, 9, 9}, 0, 0, 3, StatusSizeErr},
+      {{20, 20}, {30, 0, 9, 9}, {0, 0, 9, 0}, 0, 0, 3, StatusSizeErr},
+      {{20, 20}, {30, 0, 9, 9}, {0, 0, 9, 9}, kNan, 0, 3, StatusResizeFactorErr},
+      {{20, 20}, {30, 0, 9, 9}, {0, 0, 9, 9}, 1, 0, 3, StatusInterpolationErr},
+      {{20, 20}, {30, 0, 9, 9}, {0, 0, 9, 9}, 2, 0, 8, StatusNoOverlapWarning},
+      {{20, 20}, {9, 0, 9, 9}, {0, 0, 9, 9}, 2, 0, 8, StatusNothingToDoWarning},
+      {{20, 20}, {0, 0, 9, 9}, {0, 0, 9, 9}, 2, -1e300, 1, StatusNothingToDoWarning},
+      {{20, 20}, {0, 0, 9, 9}, {0, 0, 9, 9}, 2, kInfinity, 1, StatusNothingToDoWarning},
+      {{20, 20}, {0, 0, 9, 9}, {0, 0, 9, 9}, 2, 0, 8, StatusResizeFactorErr},
+      {{20, 20}, {9, 9, 9, 9}, {0, 0, 9, 9}, 1, 0, 2, StatusOk},  // ends where it starts
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(ResizeBand_8u_C1(p, c.srcSize, 20, c.roi, p + 1000, 20, c.rect, c.factor, c.factor,
+                               c.shift, c.shift, c.code, p + 2000),
+              c.expected)
+        << &c - cases;
+  EXPECT_EQ(ResizeBand_8u_C1(p, {0, 9}, 20, {}, p, 20, {}, 1, 1, 0, 0, 2, nullptr),
+            StatusNullPtrErr);
+  EXPECT_TRUE(image == before);
+}
+
+// No factor and no size may lead to a conversion that C++ does not define, or to a wild address.
+TEST(Resize, SurvivesExtremeNumbers) {
+  const int big = std::numeric_limits<int>::max();
+  const Bytes src = Noise(64 * 64 * 3, 6);
+  Bytes buffer(1 << 20);
+  const double factors[] = {5e-324, 1e-300, 1e-9, 0.5, 1, 3, 1e9, 1e300, kInfinity};
+  const double shifts[] = {0, 1e300, -1e300, kInfinity, -kInfinity, kNan, 0.4999};
+  for (const double x : factors)
+    for (const double y : factors)
+      for (const int code : {1, 2, 4, 8, 16}) {
+        Bytes dst(16 * 16 * 3);
+        Resize_8u_C3(src.data(), {64, 64}, 192, {3, 0, big, big}, dst.data(), 48, {16, 16}, x, y,
+                     code);
+        ResizeYUV422_8u_C2(src.data(), {64, 64}, 128, {0, 3, 1000, big}, dst.data(), 48, {16, 16},
+                           x, y, code == 16 ? 2 : code);
+        for (const double shift : shifts)
+          ResizeBand_8u_C1(src.data(), {64, 64}, 64, {1, 2, big, big}, dst.data(), 16,
+                           {0, 0, 16, 16}, x, y, shift, -shift, code, buffer.data());
+      }
+  // A destination that no memory has tables for.
+  Bytes dst(16);
+  EXPECT_EQ(
+      Resize_8u_C1(src.data(), {64, 64}, 64, {0, 0, 64, 64}, dst.data(), 1, {big, 1}, 1e300, 1, 8),
+      StatusInterpolationErr);
+}
+
+TEST(Resize, OfOnePixelIsThatPixel) {
+  const Bytes src = {9, 8, 7};
+  for (const int code : {1, 2, 4, 16}) {
+    Bytes dst(7 * 5 * 3);
+    EXPECT_EQ(Lib::qvResize(Type(4), src.data(), {1, 1}, 3, {0, 0, 1, 1}, dst.data(), 21, {7, 5}, 7,
+                            5, code),
+              StatusOk);
+    for (std::size_t k = 0; k < dst.size(); ++k) ASSERT_EQ(dst[k], src[k % 3]);
+  }
+}
+
+// ---- Packed 4:2:2 -------------------------------------------------------------------------------
+
+TEST(ResizeYUV422, ChecksInTheDocumentedOrder) {
+  Bytes image(20000, 5);
+  const Bytes before = image;
+  unsigned char* const p = image.data();
+  struct {
+    unsigned char* src;
+    IppiSize srcSize;
+    IppiRect roi;
+    IppiSize dstSize;
+    double x, y;
+    int code;
+    IppStatus expected;
+  } const cases[] = {
+      {nullptr, {0, 0}, {}, {0, 0}, 0, 0, 0, StatusNullPtrErr},
+      {p, {0, 9}, {99, 0, 9, 9}, {0, 0}, 0, 0, 0, StatusSizeErr},
+      {p, {21, 9}, {99, 0, 9, 9}, {0, 0}, 0, 0, 0, StatusNoOverlapWarning},
+      {p, {20, 9}, {20, 0, 9, 9}, {0, 0}, 0, 0, 0, StatusNoOverlapWarning},
+      {p, {20, 9}, {0, 0, 10, 9}, {2, 0}, 0, 0, 0, StatusSizeErr},
+      {p, {21, 9}, {0, 0, 10, 9}, {8, 8}, 0, 0, 0, StatusSizeErr},
+      {p, {20, 9}, {0, 0, 9, 9}, {8, 8}, 0, 0, 0, StatusSizeErr},
+      {p, {20, 9}, {1, 0, 10, 9}, {8, 8}, 0, 0, 0, StatusSizeErr},
+      {p, {20, 9}, {0, 0, 10, 9}, {1, 8}, 0, 0, 0, StatusSizeErr},
+      {p, {20, 9}, {0, 0, 10, 9}, {8, 8}, kNan, 1, 0, StatusResizeFactorErr},
+      {p, {20, 9}, {0, 0, 10, 9}, {8, 8}, 1, 0, 0, StatusResizeFactorErr},
+      {p, {20, 9}, {0, 0, 10, 9}, {8, 8}, 0.01, 1, 3, StatusInterpolationErr},
+      {p, {20, 9}, {0, 0, 10, 9}, {8, 8}, 0.01, 1, 0, StatusInterpolationErr},
+      {p, {20, 9}, {0, 0, 10, 9}, {8, 8}, 0.01, 1, -1, StatusInterpolationErr},
+      {p, {20, 9}, {0, 0, 10, 9}, {8, 8}, 0.14, 1, 2, StatusEmptyOutputErr},
+      {p, {20, 9}, {0, 0, 10, 9}, {8, 8}, 1, 0.05, 16, StatusEmptyOutputErr},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(Lib::qvResizeYUV422(Type(77), c.src, c.srcSize, 60, c.roi, p, 60, c.dstSize, c.x, c.y,
+                                  c.code),
+              c.expected)
+        << &c - cases;
+  EXPECT_EQ(ResizeYUV422_8u_C2(p, {20, 9}, 60, {0, 0, 10, 9}, p, 60, {8, 8}, 2, 1, 8),
+            StatusResizeFactorErr);
+  EXPECT_TRUE(image == before);
+}
+
+TEST(ResizeYUV422, AddressesTheRegionByFourBytesAPixel) {
+  const Bytes src = Noise(400 * 60, 7);
+  Bytes dst(100 * 2 * 50);
+  ASSERT_EQ(Lib::qvResizeYUV422(Type(0), src.data(), {200, 60}, 400, {2, 5, 100, 50}, dst.data(),
+                                200, {100, 50}, 1, 1, 1),
+            StatusOk);
+  for (int y = 0; y < 50; ++y)
+    for (int k = 0; k < 200; ++k) ASSERT_EQ(dst[y * 200 + k], src[(y + 5) * 400 + 8 + k]);
+}
+
+TEST(ResizeYUV422, ChoosesMethodAndExtent) {
+  const Bytes src = Noise(64 * 40, 8);
+  const auto run = [&](IppiSize size, int code, double x, Bytes* dst) {
+    dst->assign(64 * 40, 77);
+    return Lib::qvResizeYUV422(Type(0), src.data(), size, 64, {0, 0, size.width, size.height},
+                               dst->data(), 64, {32, 40}, x, 1.5, code);
+  };
+  Bytes a, b;
+  struct {
+    IppiSize size;
+    int code, same;
+    bool equal;
+  } const cases[] = {
+      {{16, 16}, 16, 4, true}, {{16, 16}, 8, 4, true}, {{16, 16}, 4, 2, false},
+      {{6, 10}, 4, 2, true},   {{10, 3}, 4, 2, true},  {{8, 4}, 4, 2, false},
+      {{2, 10}, 2, 1, true},   {{10, 1}, 4, 1, true},  {{4, 2}, 2, 1, false},
+  };
+  for (const auto& c : cases) {
+    ASSERT_EQ(run(c.size, c.code, 1.5, &a), StatusOk);
+    ASSERT_EQ(run(c.size, c.same, 1.5, &b), StatusOk);
+    EXPECT_EQ(a == b, c.equal) << &c - cases;
+  }
+  EXPECT_EQ(run({2, 10}, 1, 0.7, &a), StatusEmptyOutputErr);
+  EXPECT_EQ(run({2, 10}, 1, 0.8, &a), StatusOk);  // 1.6 pixels are a pair
+  EXPECT_NE(a[3], 77);
+  EXPECT_EQ(a[4], 77);
+  EXPECT_EQ(run({2, 10}, 1, 2.5, &a), StatusOk);  // five pixels are two pairs
+  EXPECT_EQ(a[8], 77);
+}
+
+}  // namespace
+}  // namespace qv::test

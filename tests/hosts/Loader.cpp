@@ -1,0 +1,177 @@
+// A host that loads the DLL while it runs: often, with its threads at odd stack addresses, and where
+// the DLL cannot make itself stay.
+//
+//   loader DLL reload     load, run on several threads, unload; 100 times
+//   loader DLL stack      calls from threads whose stacks are aligned to 4 bytes (32-bit) or are an
+//                         odd multiple of 16 bytes (64-bit)
+//   loader DLL unpinned   loads it where GetModuleHandleEx fails
+#include <windows.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "qvAcceleratedLib/CqvAccLib.h"
+
+namespace {
+
+using Mirror = IppStatus(int type, const unsigned char* src, int srcStep, unsigned char* dst,
+                         int dstStep, IppiSize size, IppiAxis axis);
+
+constexpr int kWidth = 257, kHeight = 301;  // several bands
+
+struct Images {
+  std::vector<unsigned char> source, mirrored;
+
+  Images() : source(kWidth * kHeight), mirrored(source.size()) {
+    for (std::size_t i = 0; i < source.size(); ++i) source[i] = static_cast<unsigned char>(i * 7 + i / 251);
+  }
+};
+
+void Require(bool condition, const char* what) {
+  if (condition) return;
+  std::printf("FAILED: %s (error %lu)\n", what, GetLastError());
+  std::exit(1);
+}
+
+HMODULE Load(const char* path) {
+  const HMODULE library = LoadLibraryA(path);
+  Require(library != nullptr, "the DLL cannot be loaded");
+  return library;
+}
+
+Mirror* Find(HMODULE library) {
+  const FARPROC found = GetProcAddress(
+      library, "_ZN9CqvAccLib8qvMirrorENS_10qvDataTypeEPKhiPhi8IppiSize8IppiAxis");
+  Require(found != nullptr, "the DLL has no qvMirror");
+  Mirror* mirror;
+  std::memcpy(&mirror, &found, sizeof mirror);
+  return mirror;
+}
+
+bool IsMirrored(const Images& images) {
+  for (int y = 0; y < kHeight; ++y)
+    for (int x = 0; x < kWidth; ++x)
+      if (images.mirrored[static_cast<std::size_t>(y * kWidth + x)] !=
+          images.source[static_cast<std::size_t>(y * kWidth + kWidth - 1 - x)])
+        return false;
+  return true;
+}
+
+void Run(Mirror* mirror) {
+  Images images;
+  const IppStatus status = mirror(2, images.source.data(), kWidth, images.mirrored.data(), kWidth,
+                                  {kWidth, kHeight}, AxisVertical);
+  Require(status == StatusOk && IsMirrored(images), "qvMirror");
+}
+
+void Reload(const char* path) {
+  for (int i = 0; i < 100; ++i) {
+    const HMODULE library = Load(path);
+    Run(Find(library));
+    Require(FreeLibrary(library), "FreeLibrary");
+  }
+  // The threads of the last team may still be about to go to sleep.
+  Sleep(50);
+}
+
+// ---- Odd stacks ---------------------------------------------------------------------------------
+
+Mirror* odd_mirror;
+Images* odd_images;
+IppStatus odd_status;
+
+extern "C" void CallFromOddStack() {
+  odd_status = odd_mirror(2, odd_images->source.data(), kWidth, odd_images->mirrored.data(), kWidth,
+                          {kWidth, kHeight}, AxisVertical);
+}
+
+#if defined(__i386__)
+constexpr std::size_t kOffsets[] = {0, 4, 8, 12};
+#else
+constexpr std::size_t kOffsets[] = {0, 16, 32, 48};
+#endif
+
+// Calls CallFromOddStack with a stack pointer that is `offset` above a multiple of 64 at the call.
+void CallAt(std::size_t offset) {
+#if defined(__i386__)
+  __asm__ volatile(
+      "movl %%esp, %%ebx\n\t"
+      "andl $-64, %%esp\n\t"
+      "subl $64, %%esp\n\t"
+      "addl %0, %%esp\n\t"
+      "call *%1\n\t"
+      "movl %%ebx, %%esp"
+      :
+      : "S"(offset), "D"(&CallFromOddStack)
+      : "ebx", "eax", "ecx", "edx", "cc", "memory");
+#else
+  __asm__ volatile(
+      "movq %%rsp, %%rbx\n\t"
+      "andq $-64, %%rsp\n\t"
+      "subq $128, %%rsp\n\t"  // the callee's home area, and room to move up
+      "addq %0, %%rsp\n\t"
+      "call *%1\n\t"
+      "movq %%rbx, %%rsp"
+      :
+      : "S"(offset), "D"(&CallFromOddStack)
+      : "rbx", "rax", "rcx", "rdx", "r8", "r9", "r10", "r11", "xmm0", "xmm1", "xmm2", "xmm3", "xmm4",
+        "xmm5", "cc", "memory");
+#endif
+}
+
+DWORD WINAPI OddThread(void*) {
+  for (const std::size_t offset : kOffsets) {
+    odd_images->mirrored.assign(odd_images->mirrored.size(), 0);
+    odd_status = StatusBadArgErr;
+    CallAt(offset);
+    if (odd_status != StatusOk || !IsMirrored(*odd_images)) return static_cast<DWORD>(offset + 1);
+  }
+  return 0;
+}
+
+void CallFromOddStacks(const char* path) {
+  odd_mirror = Find(Load(path));
+  odd_images = new Images;
+  for (int i = 0; i < 4; ++i) {
+    const HANDLE thread = CreateThread(nullptr, 0, OddThread, nullptr, 0, nullptr);
+    WaitForSingleObject(thread, INFINITE);
+    DWORD code = 1;
+    Require(GetExitCodeThread(thread, &code) && code == 0, "a call from an odd stack");
+  }
+}
+
+// ---- A system that cannot pin -------------------------------------------------------------------
+
+void LoadUnpinned(const char* path) {
+  // Makes the system's function return 0.
+#if defined(__i386__)
+  const unsigned char fail[] = {0x31, 0xC0, 0xC2, 0x0C, 0x00};  // xor eax, eax; ret 12
+#else
+  const unsigned char fail[] = {0x31, 0xC0, 0xC3};  // xor eax, eax; ret
+#endif
+  const FARPROC found = GetProcAddress(GetModuleHandleA("kernel32.dll"), "GetModuleHandleExW");
+  void* code;
+  std::memcpy(&code, &found, sizeof code);
+  DWORD old;
+  Require(VirtualProtect(code, sizeof fail, PAGE_EXECUTE_READWRITE, &old), "VirtualProtect");
+  std::memcpy(code, fail, sizeof fail);
+  FlushInstructionCache(GetCurrentProcess(), code, sizeof fail);
+  HMODULE self;
+  Require(!GetModuleHandleExW(0, nullptr, &self), "GetModuleHandleExW still works");
+  Run(Find(Load(path)));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  setvbuf(stdout, nullptr, _IONBF, 0);
+  if (argc != 3) return 2;
+  if (!std::strcmp(argv[2], "reload")) Reload(argv[1]);
+  else if (!std::strcmp(argv[2], "stack")) CallFromOddStacks(argv[1]);
+  else if (!std::strcmp(argv[2], "unpinned")) LoadUnpinned(argv[1]);
+  else return 2;
+  std::printf("done\n");
+  ExitProcess(0);
+}

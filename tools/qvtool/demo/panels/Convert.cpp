@@ -1,0 +1,134 @@
+#include <algorithm>
+
+#include "demo/Panel.h"
+
+namespace qvtool::demo {
+namespace {
+
+unsigned char Round(double value) {
+  return static_cast<unsigned char>(std::clamp(value + 0.5, 0.0, 255.0));
+}
+
+// ITU-R BT.601 in studio range from a pixel B, G, R.
+unsigned char Luma(const unsigned char* p) {
+  return Round(16 + (0.114 * p[0] + 0.587 * p[1] + 0.299 * p[2]) * 219 / 255);
+}
+unsigned char Cb(const unsigned char* p) {
+  const double y = 0.114 * p[0] + 0.587 * p[1] + 0.299 * p[2];
+  return Round(128 + (p[0] - y) / 1.772 * 224 / 255);
+}
+unsigned char Cr(const unsigned char* p) {
+  const double y = 0.114 * p[0] + 0.587 * p[1] + 0.299 * p[2];
+  return Round(128 + (p[2] - y) / 1.402 * 224 / 255);
+}
+
+// The frame as a camera delivers it, cut to an even size: packed 4:2:2, each group with the chroma
+// of its left pixel.
+Frame Packed(const Frame& colour) {
+  Frame packed(Layout::Yuyv, colour.Width() & ~1, colour.Height() & ~1);
+  for (int y = 0; y < packed.Height(); ++y) {
+    const unsigned char* from = colour.PlaneAt(0).Row(y);
+    unsigned char* to = packed.PlaneAt(0).Row(y);
+    for (int x = 0; x < packed.Width(); x += 2, from += 6, to += 4) {
+      to[0] = Luma(from);
+      to[1] = Cb(from);
+      to[2] = Luma(from + 3);
+      to[3] = Cr(from);
+    }
+  }
+  return packed;
+}
+
+// A view of one plane as a grey picture.
+Frame Grey(const Plane& plane) {
+  Frame grey(Layout::Grey, plane.columns, plane.rows);
+  for (int y = 0; y < plane.rows; ++y)
+    std::copy_n(plane.Row(y), plane.columns, grey.PlaneAt(0).Row(y));
+  return grey;
+}
+
+// Packed bytes or chroma pairs as they lie in memory.
+Frame Bytes(const Plane& plane) {
+  return Grey({plane.data, plane.step, plane.RowBytes(), plane.rows, 1});
+}
+
+void Make(const Scene& scene, Gallery& gallery) {
+  if (scene.colour.Width() < 2 || scene.colour.Height() < 2) return;  // nothing to share chroma
+  const Frame packed = Packed(scene.colour);
+  const IppiSize size = packed.Size();
+  const Plane& src = packed.PlaneAt(0);
+  const Frame packedBytes = Bytes(src);
+
+  Frame fromPacked(Layout::Bgr, size.width, size.height);
+  const Plane& dst = fromPacked.PlaneAt(0);
+  gallery.Add({.name = "convert-packed-to-bgr",
+               .title = "Packed 4:2:2 to BGR",
+               .formula = "B = (76284 Y + 132186 Cb - 18140365) >> 16, G and R likewise",
+               .calls = {QV_CALL(CqvAccLib::qvYCbCr422ToBGR(CqvAccLib::ThreeChannels, src.data,
+                                                            src.step, dst.data, dst.step, size))},
+               .before = {{"Y0, Cb, Y1, Cr as bytes", packedBytes}},
+               .after = {{"B, G, R", fromPacked}}});
+
+  Frame planar(Layout::Yv12, size.width, size.height);
+  unsigned char* yCrCb[3];
+  unsigned char* yCbCr[3];
+  int steps[3];
+  for (int i = 0; i < 3; ++i) {
+    yCrCb[i] = yCbCr[i] = planar.PlaneAt(i).data;
+    steps[i] = planar.PlaneAt(i).step;
+  }
+  std::swap(yCbCr[1], yCbCr[2]);
+  Frame luma(Layout::Grey, 1, 1), cb(Layout::Grey, 1, 1), cr(Layout::Grey, 1, 1);
+  const auto show = [&] {
+    luma = Grey(planar.PlaneAt(0));
+    cr = Grey(planar.PlaneAt(1));
+    cb = Grey(planar.PlaneAt(2));
+  };
+  const long long pixels = static_cast<long long>(size.width) * size.height;
+  gallery.Add({.name = "convert-packed-to-planar",
+               .title = "Packed 4:2:2 to planar 4:2:0",
+               .formula = "Y keeps every sample, Cb and Cr those of the upper row of two",
+               .calls = {QV_CALL(CqvAccLib::qvYCbCr422ToYCrCb420(
+                   CqvAccLib::OneChannel, src.data, src.step, yCrCb, steps, size))},
+               .finish = show,
+               .pixels = pixels,
+               .before = {{"Y0, Cb, Y1, Cr as bytes", packedBytes}},
+               .after = {{"Y", luma}, {"Cb", cb}, {"Cr", cr}}});
+
+  Frame fromPlanes(Layout::Bgr, size.width, size.height);
+  const Plane& bgr = fromPlanes.PlaneAt(0);
+  gallery.Add({.name = "convert-planar-to-bgr",
+               .title = "Planar 4:2:0 to BGR",
+               .formula = "B = (76284 Y + 132186 (Cb - 128) - 1187776) >> 16, G and R likewise",
+               .calls = {QV_CALL(CqvAccLib::qvYCbCr420ToBGR(
+                   CqvAccLib::ThreeChannels, yCbCr, steps, bgr.data, bgr.step, size))},
+               .before = {{"Y", luma}, {"Cb", cb}, {"Cr", cr}},
+               .after = {{"B, G, R", fromPlanes}}});
+
+  // Two planes, as hardware decoders give them.
+  Frame pairs(Layout::Nv12, size.width, size.height);
+  const Plane& y = pairs.PlaneAt(0);
+  const Plane& cbCr = pairs.PlaneAt(1);
+  for (int row = 0; row < y.rows; ++row)
+    std::copy_n(planar.PlaneAt(0).Row(row), y.columns, y.Row(row));
+  for (int row = 0; row < cbCr.rows; ++row)
+    for (int x = 0; x < cbCr.columns; ++x) {
+      cbCr.Row(row)[2 * x] = planar.PlaneAt(2).Row(row)[x];
+      cbCr.Row(row)[2 * x + 1] = planar.PlaneAt(1).Row(row)[x];
+    }
+  const Frame pairBytes = Bytes(cbCr);
+  gallery.Add({.name = "convert-two-plane-to-planar",
+               .title = "Two-plane to planar 4:2:0",
+               .formula = "Cb[j] = CbCr[2j], Cr[j] = CbCr[2j + 1]",
+               .calls = {QV_CALL(CqvAccLib::qvYCbCr420(CqvAccLib::OneChannel, y.data, y.step,
+                                                       cbCr.data, cbCr.step, yCbCr, steps, size))},
+               .finish = show,
+               .pixels = pixels,
+               .before = {{"Cb, Cr pairs as bytes", pairBytes}},
+               .after = {{"Cb", cb}, {"Cr", cr}}});
+}
+
+const PanelSource source{60, "Colour formats", Make};
+
+}  // namespace
+}  // namespace qvtool::demo
