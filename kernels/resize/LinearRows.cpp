@@ -8,16 +8,39 @@ namespace qv::QV_LEVEL {
 
 using Value = unsigned short;
 
+// The byte offsets of a value's two samples in a source row and the weight of the right one.
+struct Sides {
+  int left, right, weight;
+};
+
+QV_INLINE Sides SidesOf(const LinearTaps& x, ptrdiff_t j, int stride, int offset) {
+  const int left = x.first[j] * stride + offset;
+  return {left, left + x.neighbour * stride, x.weight[j]};
+}
+
+// Calls each(k, sides) for every value k of a row.
+template <class Each>
+QV_INLINE void ForEachValue(const LinearTables& t, Each each) {
+  if (t.channels == 2) {
+    for (ptrdiff_t j = 0; j < t.width / 2; ++j) {
+      each(4 * j, SidesOf(t.x, 2 * j, 2, 0));
+      each(4 * j + 1, SidesOf(t.xChroma, j, 4, 1));
+      each(4 * j + 2, SidesOf(t.x, 2 * j + 1, 2, 0));
+      each(4 * j + 3, SidesOf(t.xChroma, j, 4, 3));
+    }
+  } else {
+    for (ptrdiff_t j = 0; j < t.width; ++j)
+      for (int c = 0; c < t.channels; ++c)
+        each(j * t.channels + c, SidesOf(t.x, j, t.channels, c));
+  }
+}
+
 // One source row: h = (p1 * w + p0 * (16384 - w) + 128) >> 8, plus `bias`.
 static void InterpolateRow(const Byte* row, const LinearTables& t, int bias, Value* out) {
-  const ptrdiff_t right = ptrdiff_t{t.xNeighbour} * t.channels;
-  for (ptrdiff_t j = 0; j < t.width; ++j) {
-    const Byte* const p = row + ptrdiff_t{t.x[j]} * t.channels;
-    const int w = t.xWeight[j];
-    for (int c = 0; c < t.channels; ++c)
-      out[j * t.channels + c] = static_cast<Value>(
-          ((p[c + right] * w + p[c] * (kWeightOne - w) + 128) >> 8) + bias);
-  }
+  ForEachValue(t, [&](ptrdiff_t k, Sides s) {
+    out[k] = static_cast<Value>(
+        ((row[s.right] * s.weight + row[s.left] * (kWeightOne - s.weight) + 128) >> 8) + bias);
+  });
 }
 
 // Calls blend(upper, lower, i) for every destination row i, with the two source rows that it lies
@@ -27,7 +50,7 @@ QV_INLINE void WalkRows(const LinearTables& t, Value* upper, Value* lower, Fill 
                         Blend blend) {
   int upperRow = -1, lowerRow = -1;  // the source rows that are held
   for (int i = 0; i < t.height; ++i) {
-    const int y = t.y[i];
+    const int y = t.y.first[i];
     if (y != upperRow) {
       Value* const old = upper;
       if (y == lowerRow) {
@@ -39,8 +62,8 @@ QV_INLINE void WalkRows(const LinearTables& t, Value* upper, Value* lower, Fill 
       }
       upperRow = y;
     }
-    if (lowerRow != y + t.yNeighbour) {
-      lowerRow = y + t.yNeighbour;
+    if (lowerRow != y + t.y.neighbour) {
+      lowerRow = y + t.y.neighbour;
       fill(lowerRow, lower);
     }
     blend(upper, lower, i);
@@ -128,17 +151,14 @@ QV_INLINE void InterpolatePairs(const ByteGather& g, const Byte* row, const Valu
 // of the left one, so that twice the weight fits; a sample without weight may be any within the
 // row.
 static void FillPairs(const LinearTables& t, ptrdiff_t readable, int* offset, Value* twiceWeight) {
-  const int right = t.xNeighbour * t.channels;
-  for (ptrdiff_t j = 0; j < t.width; ++j) {
-    const bool onRight = t.xWeight[j] == kWeightOne;
-    const int first = t.x[j] * t.channels + (onRight ? right : 0);
-    for (int c = 0; c < t.channels; ++c) {
-      const ptrdiff_t k = j * t.channels + c;
-      offset[2 * k] = first + c;
-      offset[2 * k + 1] = first + c + right < readable ? first + c + right : first + c;
-      twiceWeight[k] = static_cast<Value>(onRight ? 0 : 2 * t.xWeight[j]);
-    }
-  }
+  ForEachValue(t, [&](ptrdiff_t k, Sides s) {
+    const bool onRight = s.weight == kWeightOne;
+    const int first = onRight ? s.right : s.left;
+    const int second = first + s.right - s.left;
+    offset[2 * k] = first;
+    offset[2 * k + 1] = second < readable ? second : first;
+    twiceWeight[k] = static_cast<Value>(onRight ? 0 : 2 * s.weight);
+  });
 }
 
 // False if shuffles do not serve this resize.
@@ -168,7 +188,7 @@ static bool ShuffledRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
           InterpolatePairs<kLoads>(g, row, twiceWeight, vectors, out);
         },
         [&](const Value* upper, const Value* lower, int i) {
-          BlendRows(upper, lower, t.yWeight[i], RowAt(dst, dstStep, i), bytes);
+          BlendRows(upper, lower, t.y.weight[i], RowAt(dst, dstStep, i), bytes);
         });
   });
   return true;
@@ -184,7 +204,7 @@ static void PlainRows(const Byte* src, int srcStep, Byte* dst, int dstStep, cons
       [&](int y, Value* out) { InterpolateRow(RowAt(src, srcStep, y), t, 0, out); },
       [&](const Value* upper, const Value* lower, int i) {
         Byte* const to = RowAt(dst, dstStep, i);
-        const unsigned w = t.yWeight[i];
+        const unsigned w = t.y.weight[i];
         for (ptrdiff_t k = 0; k < bytes; ++k)
           to[k] = static_cast<Byte>((lower[k] * w + upper[k] * (kWeightOne - w) + 524288) >> 20);
       });
@@ -208,7 +228,7 @@ void LinearRows_8u(const Byte* src, int srcStep, Byte* dst, int dstStep,
       t, first, second,
       [&](int y, Value* out) { InterpolateRow(RowAt(src, srcStep, y), t, kHalf, out); },
       [&](const Value* upper, const Value* lower, int i) {
-        BlendRows(upper, lower, t.yWeight[i], RowAt(dst, dstStep, i), bytes);
+        BlendRows(upper, lower, t.y.weight[i], RowAt(dst, dstStep, i), bytes);
       });
 #else
   PlainRows(src, srcStep, dst, dstStep, t, first, second);
