@@ -135,12 +135,14 @@ static void BlendRows(const Value* upper, const Value* lower, int w, Byte* dst, 
 //   h = 64 * p0 + (((p1 - p0) * w + 128) >> 8),
 // since 16384 * p0 has no low bits; and the second term is the rounded product of 64 * (p1 - p0)
 // and 2 * w.
+// Meanwhile the same bytes of row `next` are fetched.
 template <int kLoads>
-QV_INLINE void InterpolatePairs(const ByteGather& g, const Byte* row, const Value* twiceWeight,
-                                ptrdiff_t vectors, Value* out) {
+QV_INLINE void InterpolatePairs(const ByteGather& g, const Byte* row, const Byte* next,
+                                const Value* twiceWeight, ptrdiff_t vectors, Value* out) {
   for (ptrdiff_t v = 0; v < vectors; ++v) {
     const ptrdiff_t k = v * (kVecBytes / 2);
     const Vec pairs = GatherBytes<kLoads>(g, row, v);
+    FetchAhead<kLoads>(g, next, v);
     const Vec difference = MulAddBytes(pairs, Splat16(64 * 256 + (256 - 64)));
     const Vec left = Add16(MulAddBytes(pairs, Splat16(64)), Splat16(kHalf));
     Store(out + k, Add16(left, MulRounded15(difference, Load(twiceWeight + k))));
@@ -175,17 +177,19 @@ static bool ShuffledRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
   FillPairs(t, readable, offset, twiceWeight);
   ByteGather g;
   if (!PlanGather(offset, 2 * bytes, false, readable, at, index, &g)) return false;
+  const int lastRow = t.y.first[t.height - 1] + t.y.neighbour;
   Byte copy[kPaddedRow] = {};
   WithLoads(g.loads, [&]<int kLoads>() {
     WalkRows(
         t, first, second,
         [&](int y, Value* out) {
           const Byte* row = RowAt(src, srcStep, y);
+          const Byte* const next = RowAt(src, srcStep, y < lastRow ? y + 1 : y);
           if (g.padded) {
             memcpy(copy, row, static_cast<size_t>(readable));
             row = copy;
           }
-          InterpolatePairs<kLoads>(g, row, twiceWeight, vectors, out);
+          InterpolatePairs<kLoads>(g, row, next, twiceWeight, vectors, out);
         },
         [&](const Value* upper, const Value* lower, int i) {
           BlendRows(upper, lower, t.y.weight[i], RowAt(dst, dstStep, i), bytes);
