@@ -3,6 +3,7 @@
 #include "kernels/level/Level.h"
 #include "kernels/resize/ByteGather.h"
 #include "kernels/resize/ResizeRows.h"
+#include "kernels/resize/ResizeVectors.h"
 
 namespace qv::QV_LEVEL {
 
@@ -72,32 +73,6 @@ QV_INLINE void WalkRows(const LinearTables& t, Value* upper, Value* lower, Fill 
 
 #if QV_HAS_VECTORS
 
-// Sixteen-bit lanes of two vectors, not above 255, as bytes in their order; the rounded product
-// (a * b + 0x4000) >> 15; and, for pairs of unsigned bytes (a) and signed bytes (b), the sums of
-// their products.
-#if defined(__AVX512BW__)
-QV_INLINE Vec PackInOrder(Vec a, Vec b) {
-  return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), PackUnsigned16(a, b));
-}
-QV_INLINE Vec MulRounded15(Vec a, Vec b) { return _mm512_mulhrs_epi16(a, b); }
-QV_INLINE Vec MulAddBytes(Vec a, Vec b) { return _mm512_maddubs_epi16(a, b); }
-#elif defined(__AVX2__)
-QV_INLINE Vec PackInOrder(Vec a, Vec b) {
-  return _mm256_permute4x64_epi64(PackUnsigned16(a, b), 0xD8);
-}
-QV_INLINE Vec MulRounded15(Vec a, Vec b) { return _mm256_mulhrs_epi16(a, b); }
-QV_INLINE Vec MulAddBytes(Vec a, Vec b) { return _mm256_maddubs_epi16(a, b); }
-#else
-QV_INLINE Vec PackInOrder(Vec a, Vec b) { return PackUnsigned16(a, b); }
-#if defined(__SSSE3__)
-QV_INLINE Vec MulRounded15(Vec a, Vec b) { return _mm_mulhrs_epi16(a, b); }
-QV_INLINE Vec MulAddBytes(Vec a, Vec b) { return _mm_maddubs_epi16(a, b); }
-#else
-Vec MulRounded15(Vec a, Vec b);
-Vec MulAddBytes(Vec a, Vec b);
-#endif
-#endif
-
 // Vector rows carry the vertical rounding, half of a byte's unit, with every value.
 constexpr int kHalf = 32;
 
@@ -116,7 +91,7 @@ static void BlendRows(const Value* upper, const Value* lower, int w, Byte* dst, 
     const Vec u = Load(near + k);
     return ShiftRight16<6>(Add16(u, MulHighSigned16(Sub16(u, Load(far + k)), factor)));
   };
-  const auto block = [&](ptrdiff_t k) { return PackInOrder(half(k), half(k + kVecBytes / 2)); };
+  const auto block = [&](ptrdiff_t k) { return PackBytesInOrder(half(k), half(k + kVecBytes / 2)); };
   ptrdiff_t k = 0;
   for (; k <= bytes - kVecBytes; k += kVecBytes) Store(dst + k, block(k));
   if (k == bytes) return;
