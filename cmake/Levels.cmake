@@ -4,8 +4,8 @@ set(QV_LEVELS generic sse2 ssse3 avx2 avx512)
 
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
   # The oldest processor has no SSE: its doubles are x87 registers, which keep more than a double
-  # holds. Whatever is built for it rounds what it assigns by storing it (see X87Precision.h for what
-  # it does not assign).
+  # holds. Whatever is built for it rounds what it assigns by storing it (see FloatEnvironment.h for
+  # what it does not assign).
   set(QV_BASELINE_FLAGS -march=i686 -mno-mmx -mno-sse -mfpmath=387 -ffloat-store)
   set(QV_LEVEL_FLAGS_generic ${QV_BASELINE_FLAGS} -O2)
   set(fp_in_sse -mfpmath=sse)
