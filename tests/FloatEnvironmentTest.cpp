@@ -69,7 +69,7 @@ TEST(FloatEnvironment, OfTheHostChangesNoByteOfAnyOperation) {
   const test::Level& best = test::AvailableLevels().back();
   for (const test::Level& level : test::AvailableLevels())
     for (const int budget : {1, 4}) {
-      if (budget == 1 && level.name != best.name) continue;
+      if (budget == 4 && level.name != best.name) continue;
       const test::UseLevel useLevel(level);
       const test::UseBudget useBudget(budget);
       const std::vector<test::Outcome> expected = test::RunAll();
