@@ -19,7 +19,8 @@ set(QV_LEVEL_FLAGS_ssse3 -mssse3 -mno-sse4.1 -mno-sse4a ${fp_in_sse} -O3)
 set(QV_LEVEL_FLAGS_avx2 -mavx2 -mno-fma -mno-avx512f ${fp_in_sse} -O3)
 set(QV_LEVEL_FLAGS_avx512 -mavx512f -mavx512bw -mavx512vl -mavx512dq -mavx512vbmi
     -mprefer-vector-width=512 ${fp_in_sse} -O3
-    -Wno-uninitialized -Wno-maybe-uninitialized)  # GCC 12 warns of its own _mm512_undefined_*
+    -Wno-uninitialized  # GCC 12 warns of its own _mm512_undefined_*
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
 
 # 32-bit Windows promises a stack aligned to 4 bytes, to hosts' calls as to new threads. GCC's attribute
 # for that does not reach the bodies of parallel regions, so it is an option for everything.
