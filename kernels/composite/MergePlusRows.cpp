@@ -40,6 +40,15 @@ QV_INLINE Vec MixLanes(Vec alphaTwice, Vec srcAndOne, Vec background) {
 
 #if defined(__SSSE3__)
 
+// Every byte at an even place in the high byte of its lane, 1 below it.
+QV_INLINE Vec EvenAndOne(Vec src) {
+  if constexpr (kHasBytePermute) {
+    static constexpr ByteTable kIndex = TwinIndex<1>(0, 0);
+    return PermuteBytesOver(Splat16(1), 0xAAAAAAAAAAAAAAAAu, src, Load(kIndex.b));
+  }
+  return Or(ShiftLeft16<8>(src), Splat16(1));
+}
+
 // The bytes at even and at odd places apart. Those at odd places are multiplied in the high bytes of
 // their lanes, and their results are in place.
 template <int kChannels, int j>
@@ -47,7 +56,7 @@ QV_INLINE Vec MixBytes(Vec alpha, Vec src, Vec dst) {
   const Vec low = Splat16(0xFF), high = Splat16(0xFF00), one = Splat16(1), ones = Splat8(-1);
   const TwinAlphas a = TwinsOf<kChannels, j>(alpha);
   const Vec even =
-      MixLanes(a.even, Or(ShiftLeft16<8>(src), one),
+      MixLanes(a.even, EvenAndOne(src),
                MulLow16(And(Xor(a.even, ones), low), And(dst, low)));
   const Vec odd =
       MixLanes(a.odd, Or(And(src, high), one),
