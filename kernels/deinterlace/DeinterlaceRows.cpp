@@ -9,20 +9,22 @@ namespace {
 using RowFunction = void(const Byte* src, int srcStep, Byte* dst, int dstStep, ptrdiff_t bytes,
                          int centreWeight, int sideWeight);
 
-// kRows rows from `dst` on; `src` is the row above the first. The weights add up to at most 256, so the
-// sum is at most 65280 and its high byte needs no clamp.
+// The weights add up to at most 256, so the sum is at most 65280 and its high byte needs no clamp.
+void FilterRowPlain(const Byte* above, const Byte* centre, const Byte* below, Byte* dst,
+                    ptrdiff_t bytes, unsigned centreWeight, unsigned sideWeight) {
+  for (ptrdiff_t k = 0; k < bytes; ++k)
+    dst[k] = static_cast<Byte>(
+        (static_cast<unsigned>(above[k] + below[k]) * sideWeight + centre[k] * centreWeight) >> 8);
+}
+
+// kRows rows from `dst` on; `src` is the row above the first.
 template <int kRows>
 void FilterRowsPlain(const Byte* src, int srcStep, Byte* dst, int dstStep, ptrdiff_t bytes,
                      int centreWeight, int sideWeight) {
-  for (int r = 0; r < kRows; ++r) {
-    const Byte* const above = RowAt(src, srcStep, r);
-    const Byte* const centre = RowAt(src, srcStep, r + 1);
-    const Byte* const below = RowAt(src, srcStep, r + 2);
-    Byte* const out = RowAt(dst, dstStep, r);
-    for (ptrdiff_t k = 0; k < bytes; ++k)
-      out[k] = static_cast<Byte>(
-          ((above[k] + below[k]) * sideWeight + centre[k] * centreWeight) >> 8);
-  }
+  for (int r = 0; r < kRows; ++r)
+    FilterRowPlain(RowAt(src, srcStep, r), RowAt(src, srcStep, r + 1), RowAt(src, srcStep, r + 2),
+                   RowAt(dst, dstStep, r), bytes, static_cast<unsigned>(centreWeight),
+                   static_cast<unsigned>(sideWeight));
 }
 
 #if QV_HAS_VECTORS
@@ -77,7 +79,7 @@ QV_INLINE Vec HighBytes(const Lanes& sums) {
   return Or(even, And(sums.odd, Splat16(0xFF00)));
 }
 
-// kRows rows from `dst` on; `src` is the row above the first. A row weighs in three sums and is loaded
+// A row weighs in three sums and is loaded
 // and weighed as a neighbour once. kHeavy: a centre weight of 128 to 256 is one less than 256, and
 // another 256, which adds the byte itself to the sum's high byte.
 template <int kRows, bool kHeavy>
