@@ -9,9 +9,9 @@ namespace {
 constexpr double kOne = 1 << kWarpBits;
 
 // A segment's polynomial is worth c0 at its centre and moves from there by at most kReach pixels,
-// so that it stays above 0, where truncation is floor, and below 2^21, where a float still has
+// so that it stays above 0, where truncation is floor, and below 2^22, where a float still has
 // two bits below a step of the position.
-constexpr double kReach = 64;
+constexpr double kReach = 126;
 constexpr double kCentre = (kReach + 1) * kOne;
 
 // Largest distance in pixels between a segment's cubic and the true positions.
