@@ -19,23 +19,48 @@ bool FitsLanes(const WarpSource& s, int channels) {
              0x7FFFFFFF;
 }
 
-// Positions of kLanes32 columns from t columns right of a segment's centre. A line leaves the terms
-// out that are zeros: the same sum.
+// The positions along a segment, kLanes32 columns at a time. A line leaves the terms out that are
+// zeros: the same sum.
 template <bool kIsLine>
-QV_INLINE Vec PositionsAt(const float* c, int base, VecF t) {
-  VecF p = SplatF(c[1]);
-  if constexpr (!kIsLine)
-    p = AddF(MulF(AddF(MulF(SplatF(c[3]), t), SplatF(c[2])), t), SplatF(c[1]));
-  return Add32(Truncate(AddF(MulF(p, t), SplatF(c[0]))), Splat32(base));
-}
+class Curve {
+ public:
+  // From column `skipped` of the segment on.
+  QV_INLINE Curve(const WarpSegment& s, int skipped) : half_(s.count / 2) {
+    for (int axis = 0; axis < 2; ++axis) {
+      base_[axis] = Splat32(static_cast<int>(s.base[axis]));
+      for (int i = 0; i < (kIsLine ? 2 : 4); ++i) coeff_[axis][i] = SplatF(s.coeff[axis][i]);
+    }
+    MoveTo(skipped);
+  }
+  QV_INLINE void MoveTo(int column) {
+    static constexpr float kIota[16] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+    t_ = AddF(LoadF(kIota), SplatF(static_cast<float>(column - half_)));
+  }
+  QV_INLINE void Advance() { t_ = AddF(t_, SplatF(kLanes32)); }
+  QV_INLINE Vec At(int axis) const {
+    const VecF* const c = coeff_[axis];
+    VecF p = c[1];
+    if constexpr (!kIsLine) p = AddF(MulF(AddF(MulF(c[3], t_), c[2]), t_), p);
+    return Add32(Truncate(AddF(MulF(p, t_), c[0])), base_[axis]);
+  }
+
+ private:
+  VecF t_, coeff_[2][4];
+  Vec base_[2];
+  int half_;
+};
+
+// Positions that were worked out before.
+struct Listed {
+  const int *x, *y;
+  int column;
+  QV_INLINE void MoveTo(int to) { column = to; }
+  QV_INLINE void Advance() { column += kLanes32; }
+  QV_INLINE Vec At(int axis) const { return Load((axis == 0 ? x : y) + column); }
+};
 
 QV_INLINE bool IsLine(const WarpSegment& s) {
   return s.coeff[0][3] == 0 && s.coeff[0][2] == 0 && s.coeff[1][3] == 0 && s.coeff[1][2] == 0;
-}
-
-QV_INLINE VecF FirstColumns(const WarpSegment& s, int skipped) {
-  static constexpr float kIota[16] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
-  return AddF(LoadF(kIota), SplatF(static_cast<float>(skipped - s.count / 2)));
 }
 
 // A source as vector rows see it.
@@ -179,33 +204,48 @@ QV_INLINE bool SampleCubicLanes(const View& view, Vec px, Vec py, Byte* out) {
 }
 
 template <WarpMethod kMethod, int kChannels>
-QV_INLINE void SampleLanes(const WarpSource& s, const View& view, Vec px, Vec py, Byte* out,
-                           int count = kLanes32) {
-  const bool done = kMethod == WarpNearest  ? SampleNearestLanes<kChannels>(view, px, py, out)
-                    : kMethod == WarpLinear ? SampleLinearLanes<kChannels>(view, px, py, out)
-                                            : SampleCubicLanes<kChannels>(view, px, py, out);
-  if (done) return;
+QV_INLINE bool SampleLanes(const View& view, Vec px, Vec py, Byte* out) {
+  if constexpr (kMethod == WarpNearest) return SampleNearestLanes<kChannels>(view, px, py, out);
+  if constexpr (kMethod == WarpLinear) return SampleLinearLanes<kChannels>(view, px, py, out);
+  return SampleCubicLanes<kChannels>(view, px, py, out);
+}
+
+// Out of line, to keep the loops around it tight.
+template <int kChannels>
+__attribute__((noinline)) void SamplePlainly(const WarpSource& s, Vec px, Vec py, Byte* out,
+                                             int count) {
   int x[kLanes32], y[kLanes32];
   Store(x, px);
   Store(y, py);
   for (int i = 0; i < count; ++i) SamplePixel<kChannels>(s, x[i], y[i], out + kChannels * i);
 }
 
-// Columns begin .. begin + n - 1 of a block, whose positions positions(column, x, y) tells for
-// kLanes32 columns at a time.
+// Columns begin .. begin + n - 1 of a run, at which `positions` stand.
 template <WarpMethod kMethod, int kChannels, class Positions>
-QV_INLINE void SampleBlock(const WarpSource& s, const View& view, int begin, int n, Byte* out,
-                           Positions positions) {
-  Vec px, py;
-  const bool covered = CoverWithBlocks<kLanes32>(n, [&](ptrdiff_t i) {
-    positions(begin + static_cast<int>(i), px, py);
-    SampleLanes<kMethod, kChannels>(s, view, px, py, out + i * kChannels);
-  });
-  if (covered) return;
-  Byte part[kLanes32 * kChannels];
-  positions(begin, px, py);
-  SampleLanes<kMethod, kChannels>(s, view, px, py, part, n);
-  memcpy(out, part, static_cast<size_t>(n) * kChannels);
+QV_INLINE void SampleRun(const WarpSource& s, const View& view, int begin, int n, Byte* out,
+                         Positions positions) {
+  if (n < kLanes32) {
+    Byte part[kLanes32 * kChannels];
+    const Vec px = positions.At(0), py = positions.At(1);
+    if (!SampleLanes<kMethod, kChannels>(view, px, py, part))
+      SamplePlainly<kChannels>(s, px, py, part, n);
+    memcpy(out, part, static_cast<size_t>(n) * kChannels);
+    return;
+  }
+  // The last vector overlaps the one before it.
+  for (int i = 0;;) {
+    const Vec px = positions.At(0), py = positions.At(1);
+    if (!SampleLanes<kMethod, kChannels>(view, px, py, out + i * kChannels))
+      SamplePlainly<kChannels>(s, px, py, out + i * kChannels, kLanes32);
+    i += kLanes32;
+    if (i + kLanes32 <= n) {
+      positions.Advance();
+    } else {
+      if (i == n) break;
+      i = n - kLanes32;
+      positions.MoveTo(begin + i);
+    }
+  }
 }
 
 template <WarpMethod kMethod, int kChannels>
@@ -229,24 +269,12 @@ void WarpRowVectors(const WarpSource& s, const WarpSegment* segments, int count,
         }
         if (g + 1 == end || (g[1].first & -length) != start) break;
       }
-      SampleBlock<kMethod, kChannels>(s, view, begin, n, out, [&](int i, Vec& px, Vec& py) {
-        px = Load(x + i);
-        py = Load(y + i);
-      });
-      continue;
+      SampleRun<kMethod, kChannels>(s, view, begin, n, out, Listed{x, y, begin});
+    } else if (IsLine(*g)) {
+      SampleRun<kMethod, kChannels>(s, view, begin, n, out, Curve<true>(*g, begin));
+    } else {
+      SampleRun<kMethod, kChannels>(s, view, begin, n, out, Curve<false>(*g, begin));
     }
-    const auto sample = [&]<bool kIsLine>() {
-      const int baseX = static_cast<int>(g->base[0]), baseY = static_cast<int>(g->base[1]);
-      SampleBlock<kMethod, kChannels>(s, view, begin, n, out, [&](int i, Vec& px, Vec& py) {
-        const VecF t = FirstColumns(*g, i);
-        px = PositionsAt<kIsLine>(g->coeff[0], baseX, t);
-        py = PositionsAt<kIsLine>(g->coeff[1], baseY, t);
-      });
-    };
-    if (IsLine(*g))
-      sample.template operator()<true>();
-    else
-      sample.template operator()<false>();
   }
 }
 
