@@ -3,8 +3,6 @@
 // compiler without a C library can build it; on Windows it brings its own entry point.
 #include <qvAcceleratedLib/CqvAccLib.h>
 
-#include <initializer_list>
-
 namespace {
 
 constexpr int kWidth = 322, kHeight = 210;  // enough rows for several bands
@@ -13,6 +11,7 @@ unsigned char source[2][kHeight * kWidth * 4], destination[2][kHeight * kWidth *
 unsigned char chroma[2][kHeight * kWidth];
 const IppiSize size = {kWidth, kHeight};
 [[maybe_unused]] const IppiRect whole = {0, 0, kWidth, kHeight};
+[[maybe_unused]] constexpr int kMethods[] = {1, 2, 4, 8, 16}, kGeometryMethods[] = {1, 2, 4};
 
 void Print(const char* text, int length);
 
@@ -107,12 +106,12 @@ void CallConversions() {
 void CallResizes() {
   [[maybe_unused]] const IppiSize half = {kWidth / 2, kHeight / 2};
 #if defined(HAS_qvResize)
-  for (const int method : {1, 2, 4, 8, 16})
+  for (const int method : kMethods)
     Report("qvResize", CqvAccLib::qvResize(CqvAccLib::ThreeChannels, source[0], size, kWidth * 3, whole,
                                            destination[0], kWidth * 3, half, 0.5, 0.4375, method));
 #endif
 #if defined(HAS_qvResizeYUV422)
-  for (const int method : {1, 2, 4})
+  for (const int method : kGeometryMethods)
     Report("qvResizeYUV422",
            CqvAccLib::qvResizeYUV422(CqvAccLib::OneChannel, source[0], size, kWidth * 2, whole,
                                      destination[0], kWidth * 2, half, 0.5, 0.4375, method));
@@ -125,14 +124,15 @@ void CallGeometry() {
       {0.875, 0.125, 3.5}, {-0.0625, 0.9375, 7}, {0.0001220703125, -0.000244140625, 1}};
   [[maybe_unused]] double matrix[3][3] = {}, bound[2][2] = {};
 #if defined(HAS_qvRotate)
-  for (const double angle : {30.0, 90.0, 180.0})
-    for (const int method : {1, 2, 4})
+  constexpr double kAngles[] = {30, 90, 180};
+  for (const double angle : kAngles)
+    for (const int method : kGeometryMethods)
       Report("qvRotate", CqvAccLib::qvRotate(CqvAccLib::ThreeChannels, source[0], size, kWidth * 3,
                                              whole, destination[0], kWidth * 3, whole, angle, 12, 150,
                                              method));
 #endif
 #if defined(HAS_qvWarpPerspective)
-  for (const int method : {1, 2, 4})
+  for (const int method : kGeometryMethods)
     Report("qvWarpPerspective",
            CqvAccLib::qvWarpPerspective(CqvAccLib::ThreeChannels, source[0], size, kWidth * 3, whole,
                                         destination[0], kWidth * 3, whole, coeffs, method));
