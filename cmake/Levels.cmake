@@ -4,8 +4,8 @@ set(QV_LEVELS generic sse2 ssse3 avx2 avx512)
 
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
   # The oldest processor has no SSE: its doubles are x87 registers, which keep more than a double
-  # holds. Whatever is built for it rounds what it assigns by storing it (see X87Precision.h for what
-  # it does not assign).
+  # holds. Whatever is built for it rounds what it assigns by storing it (see FloatEnvironment.h for
+  # what it does not assign).
   set(QV_BASELINE_FLAGS -march=i686 -mno-mmx -mno-sse -mfpmath=387 -ffloat-store)
   set(QV_LEVEL_FLAGS_generic ${QV_BASELINE_FLAGS} -O2)
   set(fp_in_sse -mfpmath=sse)
@@ -19,7 +19,8 @@ set(QV_LEVEL_FLAGS_ssse3 -mssse3 -mno-sse4.1 -mno-sse4a ${fp_in_sse} -O3)
 set(QV_LEVEL_FLAGS_avx2 -mavx2 -mno-fma -mno-avx512f ${fp_in_sse} -O3)
 set(QV_LEVEL_FLAGS_avx512 -mavx512f -mavx512bw -mavx512vl -mavx512dq -mavx512vbmi
     -mprefer-vector-width=512 ${fp_in_sse} -O3
-    -Wno-uninitialized -Wno-maybe-uninitialized)  # GCC 12 warns of its own _mm512_undefined_*
+    -Wno-uninitialized  # GCC 12 warns of its own _mm512_undefined_*
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
 
 # 32-bit Windows promises a stack aligned to 4 bytes, to hosts' calls as to new threads. GCC's attribute
 # for that does not reach the bodies of parallel regions, so it is an option for everything.

@@ -7,7 +7,8 @@
 #include <stdint.h>
 
 #include "qvAcceleratedLib/CqvAccLib.h"
-#include "qvAcceleratedLib/X87Precision.h"
+#include "qvAcceleratedLib/FloatEnvironment.h"
+#include "qvAcceleratedLib/Fork.h"
 
 namespace qv {
 
@@ -59,20 +60,31 @@ Pointer Advance(Pointer p, long long bytes) {
 
 // Calls body(i) for every band i and returns the status of the last band (StatusOk if there is
 // none). Bands run on the OpenMP team, or one after another if the caller is in a parallel region
-// already.
+// already or lost its team in a fork.
 template <class Body>
 IppStatus RunBands(const Bands& bands, const Body& body) {
-  const X87Precision precision;
   if (bands.count == 1) return body(0);
   IppStatus status = StatusOk;
   const int last = bands.count - 1;
-#pragma omp parallel for schedule(static) if (!omp_in_parallel())
+  if (omp_in_parallel() || IsForkedThread) {
+    for (int i = 0; i <= last; ++i) status = body(i);
+    return status;
+  }
+#pragma omp parallel for schedule(static)
   for (int i = 0; i <= last; ++i) {
-    const X87Precision threadPrecision;
     const IppStatus bandStatus = body(i);
     if (i == last) status = bandStatus;
   }
   return status;
+}
+
+// The same for a body that computes with floating-point numbers.
+template <class Body>
+IppStatus RunFloatBands(const Bands& bands, const Body& body) {
+  return RunBands(bands, [&](int i) {
+    const FloatEnvironment environment;
+    return body(i);
+  });
 }
 
 }  // namespace qv
