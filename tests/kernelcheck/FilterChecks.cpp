@@ -29,7 +29,7 @@ int Bytes(RowLayout layout, int pixels) {
 
 // A factor from 1/20 to 20, often one that many scale by.
 double Factor(Case& c) {
-  if (c.random.OneIn(3)) return c.random.Between(1, 6) / static_cast<double>(c.random.Between(1, 6));
+  if (c.random.OneIn(3)) return c.random.Between(1, 6) / double(c.random.Between(1, 6));
   return std::exp2(c.random.Between(-4.3, 4.3));
 }
 
