@@ -4,6 +4,7 @@
 
 #include <omp.h>
 #include <stddef.h>
+#include <stdint.h>
 
 #include "qvAcceleratedLib/CqvAccLib.h"
 #include "qvAcceleratedLib/FloatEnvironment.h"
@@ -18,7 +19,8 @@ struct Bands {
   int rows;    // of every band but the last
   int extent;  // of all bands together
 
-  constexpr ptrdiff_t First(int i) const { return static_cast<ptrdiff_t>(i) * rows; }
+  // In 64 bits on every platform: callers multiply it with a step before anything is checked.
+  constexpr long long First(int i) const { return static_cast<long long>(i) * rows; }
   constexpr int Height(int i) const { return i == count - 1 ? extent - i * rows : rows; }
 };
 
@@ -48,10 +50,12 @@ constexpr Bands PlanPieces(int columns, int budget) {
   return piece < MinColumnsPerPiece ? Bands{1, columns, columns} : Bands{budget, piece, columns};
 }
 
-// A pointer moved by whole rows or bytes; a null pointer stays null, for the kernel to find.
+// A pointer moved by whole rows or bytes; a null pointer stays null, for the kernel to find. Sizes and
+// steps are not checked yet, so the distance may lead anywhere: addresses wrap, pointers must not.
 template <class Pointer>
-constexpr Pointer Advance(Pointer p, ptrdiff_t bytes) {
-  return p ? p + bytes : p;
+Pointer Advance(Pointer p, long long bytes) {
+  if (!p) return p;
+  return reinterpret_cast<Pointer>(reinterpret_cast<uintptr_t>(p) + static_cast<uintptr_t>(bytes));
 }
 
 // Calls body(i) for every band i and returns the status of the last band (StatusOk if there is

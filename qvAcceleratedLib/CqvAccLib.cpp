@@ -144,7 +144,7 @@ namespace {
 
 // The planes of a 4:2:0 image from an even row on; a chroma row serves two. Null arrays give null.
 struct PlanesFrom {
-  PlanesFrom(unsigned char* const* planes, const int* steps, ptrdiff_t row) {
+  PlanesFrom(unsigned char* const* planes, const int* steps, long long row) {
     if (!planes || !steps) return;
     for (int c = 0; c < 3; ++c) moved[c] = Advance(planes[c], row * steps[c] / (c == 0 ? 1 : 2));
     array = moved;
@@ -279,9 +279,10 @@ IppStatus CqvAccLib::qvRotate(qvDataType type, const unsigned char* src, IppiSiz
 namespace {
 
 // The rows of a destination region that are band i. Pointers stay: the warp works in absolute
-// coordinates.
+// coordinates. A region may reach beyond the last row that an int can number; bands there are empty.
 IppiRect BandOf(const Bands& bands, int i, IppiRect roi) {
-  return {roi.x, static_cast<int>(roi.y + bands.First(i)), roi.width, bands.Height(i)};
+  const long long y = roi.y + bands.First(i);
+  return {roi.x, y < INT32_MAX ? static_cast<int>(y) : INT32_MAX, roi.width, bands.Height(i)};
 }
 
 }  // namespace

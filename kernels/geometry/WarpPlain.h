@@ -48,6 +48,11 @@ QV_INLINE void SampleNearest(const WarpSource& s, long long px, long long py, By
   for (int c = 0; c < kChannels; ++c) out[c] = tap[c];
 }
 
+// Sums along x are cut off below their 7th (linear) and 6th (cubic) fractional bit. What is lost, half
+// a unit there on average, comes back with what makes the last shift round to nearest.
+constexpr int kLinearRound = (1 << 20) + (1 << 13);
+constexpr int kCubicRound = (1 << 19) + (1 << 13);
+
 // Along x first, to 7 fractional bits (255 * 2^7 fits 16 bits), then along y. Both weights of a
 // pair add up to 2^14, so the second sum stays below 2^30.
 template <int kChannels>
@@ -60,9 +65,9 @@ QV_INLINE void SampleLinear(const WarpSource& s, long long px, long long py, Byt
   const Byte* tap[2][2] = {{TapAt<kChannels>(s, x, y), TapAt<kChannels>(s, x + 1, y)},
                            {TapAt<kChannels>(s, x, y + 1), TapAt<kChannels>(s, x + 1, y + 1)}};
   for (int c = 0; c < kChannels; ++c) {
-    const int upper = (tap[0][0][c] * (kOne - right) + tap[0][1][c] * right + 64) >> 7;
-    const int lower = (tap[1][0][c] * (kOne - right) + tap[1][1][c] * right + 64) >> 7;
-    out[c] = static_cast<Byte>((upper * (kOne - below) + lower * below + (1 << 20)) >> 21);
+    const int upper = (tap[0][0][c] * (kOne - right) + tap[0][1][c] * right) >> 7;
+    const int lower = (tap[1][0][c] * (kOne - right) + tap[1][1][c] * right) >> 7;
+    out[c] = static_cast<Byte>((upper * (kOne - below) + lower * below + kLinearRound) >> 21);
   }
 }
 
@@ -84,9 +89,9 @@ QV_INLINE void SampleCubic(const WarpSource& s, long long px, long long py, Byte
       const Byte* tap = TapAt<kChannels>(s, x - 1 + k, y - 1 + i);
       for (int c = 0; c < kChannels; ++c) row[c] += tap[c] * across[kTaps[k]];
     }
-    for (int c = 0; c < kChannels; ++c) sum[c] += ((row[c] + 128) >> 8) * down[kTaps[i]];
+    for (int c = 0; c < kChannels; ++c) sum[c] += (row[c] >> 8) * down[kTaps[i]];
   }
-  for (int c = 0; c < kChannels; ++c) out[c] = ToByte((sum[c] + (1 << 19)) >> 20);
+  for (int c = 0; c < kChannels; ++c) out[c] = ToByte((sum[c] + kCubicRound) >> 20);
 }
 
 template <int kChannels>

@@ -9,10 +9,13 @@ namespace {
 constexpr double kOne = 1 << kWarpBits;
 
 // A segment's polynomial is worth c0 at its centre and moves from there by at most kReach pixels,
-// so that it stays above 0, where truncation is floor, and below 2^21, where a float still has
+// so that it stays above 0, where truncation is floor, and below 2^22, where a float still has
 // two bits below a step of the position.
-constexpr double kReach = 64;
+constexpr double kReach = 126;
 constexpr double kCentre = (kReach + 1) * kOne;
+
+// Makes positions of up to 31 bits and a sign positive. Below 2^47 a double still holds 1/64 of a step.
+constexpr double kOffset = 0x1p46;
 
 // Largest distance in pixels between a segment's cubic and the true positions.
 constexpr double kFitError = 1.0 / 32768;
@@ -50,9 +53,12 @@ bool InvertFor(const double c[3][3], double x, double y, double m[3][3]) {
 
 WarpPlan::WarpPlan(const double coeffs[3][3], const Corners& source, const Corners& destination,
                    WarpMethod method)
-    : low_{source.x0 - kTolerance, source.y0 - kTolerance},
+    : base_{-static_cast<long long>(kOffset + kCentre) -
+                static_cast<long long>(source.x0) * (1 << kWarpBits),
+            -static_cast<long long>(kOffset + kCentre) -
+                static_cast<long long>(source.y0) * (1 << kWarpBits)},
+      low_{source.x0 - kTolerance, source.y0 - kTolerance},
       high_{source.x1 + kTolerance, source.y1 + kTolerance},
-      source_(source),
       destination_(destination),
       // Positions are truncated to what the method tells apart: a whole pixel, a step of the position,
       // a phase of the cubic table. Half of that makes it rounding to nearest.
@@ -144,21 +150,45 @@ Span WarpPlan::Columns(int y) const {
 int WarpPlan::Segments(int y, int first, int last, WarpSegment* segments) const {
   const Row row = RowAt(y);
   int count = 0;
-  for (int begin = first & -kWarpBlock; begin <= last; begin += kWarpBlock)
-    count += Cover(row, begin, kWarpBlock, {first, last}, segments + count);
+  for (int begin = first & -kWarpBlock; begin <= last; begin += kWarpBlock) {
+    segments[count].first = begin;
+    segments[count].count = kWarpBlock;
+    count += Fit(row, segments[count]) ? 1 : Halve(row, {first, last}, segments + count);
+  }
   return count;
 }
 
-// One segment if a cubic fits the whole run, else those of its halves; a single column always fits.
-int WarpPlan::Cover(const Row& row, int begin, int count, Span wanted,
-                    WarpSegment* segments) const {
-  if (begin > wanted.last || begin + (count - 1) < wanted.first) return 0;
-  segments[0].first = begin;
-  segments[0].count = count;
-  if (Fit(row, segments[0])) return 1;
-  const int half = count / 2;
-  const int done = Cover(row, begin, half, wanted, segments);
-  return done + Cover(row, begin + half, half, wanted, segments + done);
+// Those of the halves of a segment that no cubic fits, as far as columns of them are wanted; a
+// single column always fits.
+int WarpPlan::Halve(const Row& row, Span wanted, WarpSegment* segments) const {
+  const int begin = segments[0].first, half = segments[0].count / 2;
+  int count = 0;
+  for (int i = 0; i < 2; ++i) {
+    WarpSegment& segment = segments[count];
+    segment.first = begin + i * half;
+    segment.count = half;
+    if (segment.first > wanted.last || segment.first + (half - 1) < wanted.first) continue;
+    if (half == 1) {
+      FitColumn(row, segment);
+      ++count;
+    } else {
+      count += Fit(row, segment) ? 1 : Halve(row, wanted, &segment);
+    }
+  }
+  return count;
+}
+
+void WarpPlan::FitColumn(const Row& row, WarpSegment& segment) const {
+  // Clamped, for a position that is no number as well: Place wants no more than 31 bits.
+  constexpr double kFar = 0x1p31;
+  const double r = 1 / (m_[2][0] * segment.first + row.w);
+  const double position[2] = {(m_[0][0] * segment.first + row.x) * r,
+                              (m_[1][0] * segment.first + row.y) * r};
+  for (int axis = 0; axis < 2; ++axis) {
+    const double p = position[axis];
+    segment.coeff[axis][1] = segment.coeff[axis][2] = segment.coeff[axis][3] = 0;
+    Place(axis, p > -kFar ? p < kFar ? p : kFar : -kFar, segment);
+  }
 }
 
 // With P the position at the centre, S its slope there and k = m20 / W:
@@ -168,46 +198,42 @@ int WarpPlan::Cover(const Row& row, int begin, int count, Span wanted,
 bool WarpPlan::Fit(const Row& row, WarpSegment& segment) const {
   const int half = segment.count / 2;
   const double centre = segment.first + half, h = half;
-  const double w = affine_ ? 1 : m_[2][0] * centre + row.w;
-  const double r = 1 / w;
-  const double k = affine_ ? 0 : m_[2][0] * r;
-  const double e = fabs(k) * h;
-  const bool single = segment.count == 1;
-  if (!single && !(w > 0 && e < 0.25)) return false;
-  const double e3 = e * e * e / (1 - e) / 8;
-  const double numerator[2] = {row.x, row.y};
-  for (int axis = 0; axis < 2; ++axis) {
-    const double p = (m_[axis][0] * centre + numerator[axis]) * r;
-    if (single) {
-      segment.coeff[axis][1] = segment.coeff[axis][2] = segment.coeff[axis][3] = 0;
-      Place(axis, p, segment);
-      continue;
+  double p[2] = {m_[0][0] * centre + row.x, m_[1][0] * centre + row.y};
+  double slope[2] = {m_[0][0], m_[1][0]}, k = 0, quartic = 0;
+  if (!affine_) {
+    const double w = m_[2][0] * centre + row.w;
+    const double r = 1 / w;
+    k = m_[2][0] * r;
+    const double e = fabs(k) * h;
+    if (!(w > 0 && e < 0.25)) return false;
+    quartic = e * e * e / 6;  // 1 / 8 / (1 - e) at most
+    for (int axis = 0; axis < 2; ++axis) {
+      p[axis] *= r;
+      slope[axis] = (slope[axis] - p[axis] * m_[2][0]) * r;
     }
-    const double slope = affine_ ? m_[axis][0] : (m_[axis][0] - p * m_[2][0]) * r;
-    const double reach = fabs(slope) * h;
-    if (!(reach <= kReach * 0.75 && reach * e3 <= kFitError && fabs(p) <= 0x1p31)) return false;
-    const double c2 = -slope * k, c3 = -c2 * k, c4 = -c3 * k;
-    segment.coeff[axis][1] = static_cast<float>(slope * kOne);
-    segment.coeff[axis][2] = static_cast<float>((c2 + c4 * h * h) * kOne);
+  }
+  const double x = fabs(slope[0]) * h, y = fabs(slope[1]) * h;
+  constexpr double kMost = kReach * 0.75;
+  if (!(x <= kMost && y <= kMost && x * quartic <= kFitError && y * quartic <= kFitError &&
+        fabs(p[0]) <= 0x1p31 && fabs(p[1]) <= 0x1p31))
+    return false;
+  for (int axis = 0; axis < 2; ++axis) {
+    const double c2 = -slope[axis] * k, c3 = -c2 * k, c4h2 = -c3 * k * h * h;
+    segment.coeff[axis][1] = static_cast<float>(slope[axis] * kOne);
+    segment.coeff[axis][2] = static_cast<float>((c2 + c4h2) * kOne);
     segment.coeff[axis][3] = static_cast<float>(c3 * kOne);
-    Place(axis, p - c4 * h * h * h * h / 8, segment);
+    Place(axis, p[axis] - c4h2 * h * h / 8, segment);
   }
   return true;
 }
 
 // Splits a position into the whole number `base` and c0, which carries the fraction.
 void WarpPlan::Place(int axis, double position, WarpSegment& segment) const {
-  // Clamped, the cast is defined even for a single column whose position is no number; above 0,
-  // it is floor. Below 2^47 a double still holds 1/64 of a step.
-  constexpr double kOffset = 0x1p46;
-  double p = position * kOne + bias_;
-  p = (p > -kOffset ? p < kOffset ? p : kOffset : -kOffset) + kOffset;
+  // Above 0, the cast is floor.
+  const double p = position * kOne + (kOffset + bias_);
   const long long whole = static_cast<long long>(p);
-  const long long origin = static_cast<long long>(axis == 0 ? source_.x0 : source_.y0);
-  segment.base[axis] = whole - static_cast<long long>(kOffset) - origin * (1 << kWarpBits) -
-                       static_cast<long long>(kCentre);
-  segment.coeff[axis][0] =
-      static_cast<float>(kCentre + (p - static_cast<double>(whole)));
+  segment.base[axis] = whole + base_[axis];
+  segment.coeff[axis][0] = static_cast<float>(p - static_cast<double>(whole) + kCentre);
 }
 
 }  // namespace qv

@@ -47,13 +47,15 @@ class WarpPlan {
   Row RowAt(int y) const;
   bool Contains(const Row& row, int x) const;
   void FindRows(const double coeffs[3][3]);
-  int Cover(const Row& row, int begin, int count, Span wanted, WarpSegment* segments) const;
+  int Halve(const Row& row, Span wanted, WarpSegment* segments) const;
   bool Fit(const Row& row, WarpSegment& segment) const;
+  void FitColumn(const Row& row, WarpSegment& segment) const;
   void Place(int axis, double position, WarpSegment& segment) const;
 
   double m_[3][3];
+  long long base_[2];        // of a segment whose position is at -kOffset
   double low_[2], high_[2];  // of X and Y, tolerance included
-  Corners source_, destination_;
+  Corners destination_;
   double bias_;
   bool regular_, affine_;
   Span rows_;

@@ -19,32 +19,48 @@ bool FitsLanes(const WarpSource& s, int channels) {
              0x7FFFFFFF;
 }
 
-// Positions of a segment's columns.
-QV_INLINE void FindPositions(const WarpSegment& s, int* x, int* y) {
-  static constexpr float kIota[16] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
-  if (s.count < kLanes32) {
-    for (int i = 0; i < s.count; ++i) {
-      x[i] = static_cast<int>(PositionAt(s, 0, s.first + i));
-      y[i] = static_cast<int>(PositionAt(s, 1, s.first + i));
+// The positions along a segment, kLanes32 columns at a time. A line leaves the terms out that are
+// zeros: the same sum.
+template <bool kIsLine>
+class Curve {
+ public:
+  // From column `skipped` of the segment on.
+  QV_INLINE Curve(const WarpSegment& s, int skipped) : half_(s.count / 2) {
+    for (int axis = 0; axis < 2; ++axis) {
+      base_[axis] = Splat32(static_cast<int>(s.base[axis]));
+      for (int i = 0; i < (kIsLine ? 2 : 4); ++i) coeff_[axis][i] = SplatF(s.coeff[axis][i]);
     }
-    return;
+    MoveTo(skipped);
   }
-  // An affine segment's cubic is a line: the terms left out are zeros.
-  const bool isLine = s.coeff[0][3] == 0 && s.coeff[0][2] == 0 && s.coeff[1][3] == 0 &&
-                      s.coeff[1][2] == 0;
-  const auto fill = [&](int* out, const float* c, long long base) {
-    VecF t = AddF(LoadF(kIota), SplatF(static_cast<float>(-s.count / 2)));
-    for (int i = 0; i < s.count; i += kLanes32) {
-      VecF p = SplatF(c[1]);
-      if (!isLine)
-        p = AddF(MulF(AddF(MulF(SplatF(c[3]), t), SplatF(c[2])), t), SplatF(c[1]));
-      p = AddF(MulF(p, t), SplatF(c[0]));
-      Store(out + i, Add32(Truncate(p), Splat32(static_cast<int>(base))));
-      t = AddF(t, SplatF(kLanes32));
-    }
-  };
-  fill(x, s.coeff[0], s.base[0]);
-  fill(y, s.coeff[1], s.base[1]);
+  QV_INLINE void MoveTo(int column) {
+    static constexpr float kIota[16] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+    t_ = AddF(LoadF(kIota), SplatF(static_cast<float>(column - half_)));
+  }
+  QV_INLINE void Advance() { t_ = AddF(t_, SplatF(kLanes32)); }
+  QV_INLINE Vec At(int axis) const {
+    const VecF* const c = coeff_[axis];
+    VecF p = c[1];
+    if constexpr (!kIsLine) p = AddF(MulF(AddF(MulF(c[3], t_), c[2]), t_), p);
+    return Add32(Truncate(AddF(MulF(p, t_), c[0])), base_[axis]);
+  }
+
+ private:
+  VecF t_, coeff_[2][4];
+  Vec base_[2];
+  int half_;
+};
+
+// Positions that were worked out before.
+struct Listed {
+  const int *x, *y;
+  int column;
+  QV_INLINE void MoveTo(int to) { column = to; }
+  QV_INLINE void Advance() { column += kLanes32; }
+  QV_INLINE Vec At(int axis) const { return Load((axis == 0 ? x : y) + column); }
+};
+
+QV_INLINE bool IsLine(const WarpSegment& s) {
+  return s.coeff[0][3] == 0 && s.coeff[0][2] == 0 && s.coeff[1][3] == 0 && s.coeff[1][2] == 0;
 }
 
 // A source as vector rows see it.
@@ -73,26 +89,21 @@ QV_INLINE Vec OffsetOf(const View& view, Vec x, Vec y) {
   return Add32(MulLow32(y, view.step), x);
 }
 
-// Each sampler does kLanes32 pixels, whose positions are at x and y, or returns false if a pixel needs
+// Each sampler does the kLanes32 pixels at positions (px, py), or returns false if one of them needs
 // bytes that it cannot fetch.
 
 template <int kChannels>
-QV_INLINE bool SampleNearestLanes(const View& view, const int* x, const int* y, Byte* out) {
+QV_INLINE bool SampleNearestLanes(const View& view, Vec px, Vec py, Byte* out) {
   const Vec offset =
-      OffsetOf<kChannels>(view, ShiftRightSigned32<kWarpBits>(Clamp32(Load(x), view.highX)),
-                          ShiftRightSigned32<kWarpBits>(Clamp32(Load(y), view.highY)));
-  int at[kLanes32];
-  Store(at, offset);
-  if constexpr (kChannels == 1) {
-    for (int i = 0; i < kLanes32; ++i) out[i] = view.first[at[i]];
-    return true;
-  } else {
-    // Four bytes a pixel; the next pixel's three go over the fourth.
-    if (AnyGreater32(offset, Splat32(static_cast<int>(view.bytes) - 4))) return false;
-    for (int i = 0; i < kLanes32 - 1; ++i) memcpy(out + 3 * i, view.first + at[i], 4);
-    memcpy(out + 3 * (kLanes32 - 1), view.first + at[kLanes32 - 1], 3);
-    return true;
-  }
+      OffsetOf<kChannels>(view, ShiftRightSigned32<kWarpBits>(Clamp32(px, view.highX)),
+                          ShiftRightSigned32<kWarpBits>(Clamp32(py, view.highY)));
+  if (AnyGreater32(offset, Splat32(static_cast<int>(view.bytes) - 4))) return false;
+  const Vec pixels = Gather32(view.first, offset);
+  if constexpr (kChannels == 1)
+    StoreLowBytes(out, pixels);
+  else
+    StoreTriples(out, pixels);
+  return true;
 }
 
 // Weights (2^14 - f, f) of a pair of pixels, as 16-bit halves.
@@ -101,8 +112,8 @@ QV_INLINE Vec PairWeights(Vec fraction) {
 }
 
 template <int kChannels>
-QV_INLINE bool SampleLinearLanes(const View& view, const int* x, const int* y, Byte* out) {
-  const Vec px = Clamp32(Load(x), view.highX), py = Clamp32(Load(y), view.highY);
+QV_INLINE bool SampleLinearLanes(const View& view, Vec px, Vec py, Byte* out) {
+  px = Clamp32(px, view.highX), py = Clamp32(py, view.highY);
   // On the last pixel the pair is the one before it, with all the weight on its second half.
   const Vec ix = Min32(ShiftRightSigned32<kWarpBits>(px), view.lastX);
   const Vec iy = Min32(ShiftRightSigned32<kWarpBits>(py), view.lastY);
@@ -113,35 +124,21 @@ QV_INLINE bool SampleLinearLanes(const View& view, const int* x, const int* y, B
   if (AnyGreater32(offset, Splat32(static_cast<int>(view.bytes - view.stepBytes) - fetched)))
     return false;
   const Byte* const below = view.first + view.stepBytes;
+  // Of 16-bit pairs of neighbours in both rows, 2^21 times the value.
+  const auto mix = [=](Vec upper, Vec lower) {
+    const Vec u = ShiftRight32<7>(MulAddPairs16(upper, wx));
+    const Vec l = ShiftLeft32<9>(MulAddPairs16(lower, wx));
+    return Add32(MulAddPairs16(Or(u, And(l, Splat32(-0x10000))), wy), Splat32(kLinearRound));
+  };
   if constexpr (kChannels == 1) {
-    const Vec taps = Pair16(Gather32(view.first, offset), Gather32(below, offset));
-    // Words (00, 01, 10, 11) of each pixel become sums along x, then along y.
-    const Vec round = Splat32(64);
-    const Vec low = MulAddPairs16(InterleaveLow8(taps, Zero()), InterleaveLow32(wx, wx));
-    const Vec high = MulAddPairs16(InterleaveHigh8(taps, Zero()), InterleaveHigh32(wx, wx));
-    const Vec t = PackSigned32(ShiftRightSigned32<7>(Add32(low, round)),
-                               ShiftRightSigned32<7>(Add32(high, round)));
-    StoreAsBytes(out, ShiftRightSigned32<21>(Add32(MulAddPairs16(t, wy), Splat32(1 << 20))));
+    StoreLowBytes(out, ShiftRight32<21>(mix(SpreadPair<0, 1>(Gather32(view.first, offset)),
+                                            SpreadPair<0, 1>(Gather32(below, offset)))));
   } else {
-    const auto half = [&](Vec upper, Vec lower, Vec wx2, Vec wy2) {
-      const auto pixel = [&](Vec u, Vec l, Vec wxp, Vec wyp) {
-        const Vec round = Splat32(64);
-        const Vec tu = ShiftRightSigned32<7>(Add32(MulAddPairs16(u, wxp), round));
-        const Vec tl = ShiftRightSigned32<7>(Add32(MulAddPairs16(l, wxp), round));
-        return ShiftRightSigned32<21>(
-            Add32(MulAddPairs16(Or(tu, ShiftLeft32<16>(tl)), wyp), Splat32(1 << 20)));
-      };
-      return PackSigned32(
-          pixel(SpreadPairs<0>(upper), SpreadPairs<0>(lower), InterleaveLow64(wx2, wx2),
-                InterleaveLow64(wy2, wy2)),
-          pixel(SpreadPairs<1>(upper), SpreadPairs<1>(lower), InterleaveHigh64(wx2, wx2),
-                InterleaveHigh64(wy2, wy2)));
-    };
-    const Vec v01 = half(Gather64<0>(view.first, offset), Gather64<0>(below, offset),
-                         InterleaveLow32(wx, wx), InterleaveLow32(wy, wy));
-    const Vec v23 = half(Gather64<1>(view.first, offset), Gather64<1>(below, offset),
-                         InterleaveHigh32(wx, wx), InterleaveHigh32(wy, wy));
-    StoreTriples(out, PackUnsigned16(v01, v23));
+    const PixelPairs upper = GatherPairs(view.first, offset), lower = GatherPairs(below, offset);
+    const Vec b = ShiftRight32<21>(mix(upper.b, lower.b));
+    const Vec g = And(ShiftRight32<13>(mix(upper.g, lower.g)), Splat32(0xFF00));
+    const Vec r = And(ShiftRight32<5>(mix(upper.r, lower.r)), Splat32(0xFF0000));
+    StoreTriples(out, Or(Or(b, g), r));
   }
   return true;
 }
@@ -151,12 +148,12 @@ QV_INLINE bool SampleLinearLanes(const View& view, const int* x, const int* y, B
 QV_INLINE Vec SumRows(const Vec row[4], Vec even, Vec odd) {
   const Vec sum = Add32(MulAddPairs16(Pair16(row[0], row[2]), even),
                         MulAddPairs16(Pair16(row[1], row[3]), odd));
-  return ShiftRightSigned32<20>(Add32(sum, Splat32(1 << 19)));
+  return ShiftRightSigned32<20>(Add32(sum, Splat32(kCubicRound)));
 }
 
 template <int kChannels>
-QV_INLINE bool SampleCubicLanes(const View& view, const int* x, const int* y, Byte* out) {
-  const Vec px = Clamp32(Load(x), view.highX), py = Clamp32(Load(y), view.highY);
+QV_INLINE bool SampleCubicLanes(const View& view, Vec px, Vec py, Byte* out) {
+  px = Clamp32(px, view.highX), py = Clamp32(py, view.highY);
   const Vec one = Splat32(1);
   const Vec ix = Sub32(ShiftRightSigned32<kWarpBits>(px), one);
   const Vec iy = Sub32(ShiftRightSigned32<kWarpBits>(py), one);
@@ -166,22 +163,22 @@ QV_INLINE bool SampleCubicLanes(const View& view, const int* x, const int* y, By
       AnyGreater32(iy, Sub32(view.lastY, two)))
     return false;
   const Vec offset = OffsetOf<kChannels>(view, ix, iy);
-  const Vec mask = Splat32(kCubicPhases - 1);
-  const Vec phaseX = And(ShiftRight32<kWarpBits - kCubicBits>(px), mask);
-  const Vec phaseY = And(ShiftRight32<kWarpBits - kCubicBits>(py), mask);
-  const Vec evenX = GatherTable32(&kCubicTable.tap[0][0], phaseX);
-  const Vec oddX = GatherTable32(&kCubicTable.tap[0][2], phaseX);
-  const Vec evenY = GatherTable32(&kCubicTable.tap[0][0], phaseY);
-  const Vec oddY = GatherTable32(&kCubicTable.tap[0][2], phaseY);
-  const Vec round = Splat32(128);
+  // Table entries are 8 bytes.
+  const Vec mask = Splat32((kCubicPhases - 1) * 8);
+  const Vec phaseX = And(ShiftRight32<kWarpBits - kCubicBits - 3>(px), mask);
+  const Vec phaseY = And(ShiftRight32<kWarpBits - kCubicBits - 3>(py), mask);
+  const Byte* const table = reinterpret_cast<const Byte*>(kCubicTable.tap);
+  const Vec x01 = Gather64<0>(table, phaseX), x23 = Gather64<1>(table, phaseX);
+  const Vec y01 = Gather64<0>(table, phaseY), y23 = Gather64<1>(table, phaseY);
+  const Vec evenX = EvenLanes32(x01, x23), oddX = OddLanes32(x01, x23);
+  const Vec evenY = EvenLanes32(y01, y23), oddY = OddLanes32(y01, y23);
   if constexpr (kChannels == 1) {
     Vec row[4];
     for (int i = 0; i < 4; ++i) {
       const Vec taps = Gather32(view.first + i * view.stepBytes, offset);
       const Vec bytes = Splat32(0x00FF00FF);
-      const Vec sum = Add32(MulAddPairs16(And(taps, bytes), evenX),
-                            MulAddPairs16(And(ShiftRight32<8>(taps), bytes), oddX));
-      row[i] = ShiftRightSigned32<8>(Add32(sum, round));
+      row[i] = ShiftRightSigned32<8>(Add32(MulAddPairs16(And(taps, bytes), evenX),
+                                           MulAddPairs16(ShiftRight16<8>(taps), oddX)));
     }
     StoreAsBytes(out, SumRows(row, evenY, oddY));
   } else {
@@ -193,10 +190,9 @@ QV_INLINE bool SampleCubicLanes(const View& view, const int* x, const int* y, By
       Vec row[4];
       for (int i = 0; i < 4; ++i) {
         const Vec taps = Gather128<kPart>(view.first + i * view.stepBytes, at);
-        const Vec sum =
+        row[i] = ShiftRightSigned32<8>(
             Add32(MulAddPairs16(SpreadTaps<0>(taps), SplatInLanes32<kPart>(evenX)),
-                  MulAddPairs16(SpreadTaps<1>(taps), SplatInLanes32<kPart>(oddX)));
-        row[i] = ShiftRightSigned32<8>(Add32(sum, round));
+                  MulAddPairs16(SpreadTaps<1>(taps), SplatInLanes32<kPart>(oddX))));
       }
       return SumRows(row, SplatInLanes32<kPart>(evenY), SplatInLanes32<kPart>(oddY));
     };
@@ -208,36 +204,77 @@ QV_INLINE bool SampleCubicLanes(const View& view, const int* x, const int* y, By
 }
 
 template <WarpMethod kMethod, int kChannels>
-QV_INLINE void SampleLanes(const WarpSource& s, const View& view, const int* x, const int* y,
-                           int count, Byte* out) {
-  const bool done = kMethod == WarpNearest  ? SampleNearestLanes<kChannels>(view, x, y, out)
-                    : kMethod == WarpLinear ? SampleLinearLanes<kChannels>(view, x, y, out)
-                                            : SampleCubicLanes<kChannels>(view, x, y, out);
-  if (done) return;
+QV_INLINE bool SampleLanes(const View& view, Vec px, Vec py, Byte* out) {
+  if constexpr (kMethod == WarpNearest) return SampleNearestLanes<kChannels>(view, px, py, out);
+  if constexpr (kMethod == WarpLinear) return SampleLinearLanes<kChannels>(view, px, py, out);
+  return SampleCubicLanes<kChannels>(view, px, py, out);
+}
+
+// Out of line, to keep the loops around it tight.
+template <int kChannels>
+__attribute__((noinline)) void SamplePlainly(const WarpSource& s, Vec px, Vec py, Byte* out,
+                                             int count) {
+  int x[kLanes32], y[kLanes32];
+  Store(x, px);
+  Store(y, py);
   for (int i = 0; i < count; ++i) SamplePixel<kChannels>(s, x[i], y[i], out + kChannels * i);
+}
+
+// Columns begin .. begin + n - 1 of a run, at which `positions` stand.
+template <WarpMethod kMethod, int kChannels, class Positions>
+QV_INLINE void SampleRun(const WarpSource& s, const View& view, int begin, int n, Byte* out,
+                         Positions positions) {
+  if (n < kLanes32) {
+    Byte part[kLanes32 * kChannels];
+    const Vec px = positions.At(0), py = positions.At(1);
+    if (!SampleLanes<kMethod, kChannels>(view, px, py, part))
+      SamplePlainly<kChannels>(s, px, py, part, n);
+    memcpy(out, part, static_cast<size_t>(n) * kChannels);
+    return;
+  }
+  // The last vector overlaps the one before it.
+  for (int i = 0;;) {
+    const Vec px = positions.At(0), py = positions.At(1);
+    if (!SampleLanes<kMethod, kChannels>(view, px, py, out + i * kChannels))
+      SamplePlainly<kChannels>(s, px, py, out + i * kChannels, kLanes32);
+    i += kLanes32;
+    if (i + kLanes32 <= n) {
+      positions.Advance();
+    } else {
+      if (i == n) break;
+      i = n - kLanes32;
+      positions.MoveTo(begin + i);
+    }
+  }
 }
 
 template <WarpMethod kMethod, int kChannels>
 void WarpRowVectors(const WarpSource& s, const WarpSegment* segments, int count, int first,
                     int last, Byte* dst) {
   const View view = MakeView(s, kChannels);
-  // Vectors may read past a block's last column, to no effect.
-  int x[kWarpBlock + kLanes32] = {}, y[kWarpBlock + kLanes32] = {};
-  for (const WarpSegment *g = segments, *const end = segments + count; g != end;) {
-    const int block = g->first & -kWarpBlock;
-    for (; g != end && (g->first & -kWarpBlock) == block; ++g)
-      FindPositions(*g, x + (g->first - block), y + (g->first - block));
-    const int begin = (first > block ? first : block) - block;
-    const int n = (last - block < kWarpBlock ? last - block + 1 : kWarpBlock) - begin;
-    Byte* const out = dst + static_cast<ptrdiff_t>(block + begin) * kChannels;
-    const bool covered = CoverWithBlocks<kLanes32>(n, [&](ptrdiff_t i) {
-      SampleLanes<kMethod, kChannels>(s, view, x + begin + i, y + begin + i, kLanes32,
-                                      out + i * kChannels);
-    });
-    if (covered) continue;
-    Byte part[kLanes32 * kChannels];
-    SampleLanes<kMethod, kChannels>(s, view, x + begin, y + begin, n, part);
-    memcpy(out, part, static_cast<size_t>(n) * kChannels);
+  // Segments that are shorter than a vector are lined up here. They share an aligned block of a vector
+  // at least, and vectors may read past its last column, to no effect.
+  int x[2 * kLanes32] = {}, y[2 * kLanes32] = {};
+  for (const WarpSegment *g = segments, *const end = segments + count; g != end; ++g) {
+    const bool isShort = g->count < kLanes32;
+    const int length = isShort ? kLanes32 : g->count, start = g->first & -length;
+    const int begin = (first > start ? first : start) - start;
+    const int n = (last - start < length ? last - start + 1 : length) - begin;
+    Byte* const out = dst + static_cast<ptrdiff_t>(start + begin) * kChannels;
+    if (isShort) {
+      for (;; ++g) {
+        for (int i = 0, column = g->first; i < g->count; ++i, ++column) {
+          x[column - start] = static_cast<int>(PositionAt(*g, 0, column));
+          y[column - start] = static_cast<int>(PositionAt(*g, 1, column));
+        }
+        if (g + 1 == end || (g[1].first & -length) != start) break;
+      }
+      SampleRun<kMethod, kChannels>(s, view, begin, n, out, Listed{x, y, begin});
+    } else if (IsLine(*g)) {
+      SampleRun<kMethod, kChannels>(s, view, begin, n, out, Curve<true>(*g, begin));
+    } else {
+      SampleRun<kMethod, kChannels>(s, view, begin, n, out, Curve<false>(*g, begin));
+    }
   }
 }
 

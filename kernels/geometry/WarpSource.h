@@ -16,7 +16,7 @@ namespace qv {
 constexpr int kWarpBits = 14;
 
 // Columns that a segment may cover at most. Segments cover aligned runs of a power of two.
-constexpr int kWarpBlock = 64;
+constexpr int kWarpBlock = 128;
 
 enum WarpMethod { WarpNearest = 1, WarpLinear = 2, WarpCubic = 4 };
 

@@ -31,9 +31,6 @@ template <int lane> QV_INLINE Vec SplatInLanes32(Vec v) {
 QV_INLINE Vec Gather32(const void* base, Vec offset) {
   return _mm512_i32gather_epi32(offset, base, 1);
 }
-QV_INLINE Vec GatherTable32(const void* table, Vec index) {
-  return _mm512_i32gather_epi32(index, table, 8);
-}
 template <int kHalf> QV_INLINE Vec Gather64(const Byte* base, Vec offset) {
   const Vec order = _mm512_setr_epi32(0, 1, 4, 5, 8, 9, 12, 13, 2, 3, 6, 7, 10, 11, 14, 15);
   const Vec sorted = _mm512_permutexvar_epi32(order, offset);
@@ -46,6 +43,15 @@ template <int kPart> QV_INLINE Vec Gather128(const Byte* base, const int* offset
   const __m256i low = _mm256_inserti128_si256(_mm256_castsi128_si256(load(0)), load(1), 1);
   const __m256i high = _mm256_inserti128_si256(_mm256_castsi128_si256(load(2)), load(3), 1);
   return _mm512_inserti64x4(_mm512_zextsi256_si512(low), high, 1);
+}
+QV_INLINE Vec EvenLanes32(Vec a, Vec b) {
+  return _mm512_castps_si512(_mm512_shuffle_ps(_mm512_castsi512_ps(a), _mm512_castsi512_ps(b), 0x88));
+}
+QV_INLINE Vec OddLanes32(Vec a, Vec b) {
+  return _mm512_castps_si512(_mm512_shuffle_ps(_mm512_castsi512_ps(a), _mm512_castsi512_ps(b), 0xDD));
+}
+QV_INLINE void StoreLowBytes(Byte* p, Vec v) {
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm512_cvtepi32_epi8(v));
 }
 QV_INLINE void StoreAsBytes(Byte* p, Vec v) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(p),
@@ -74,9 +80,6 @@ template <int lane> QV_INLINE Vec SplatInLanes32(Vec v) {
 QV_INLINE Vec Gather32(const void* base, Vec offset) {
   return _mm256_i32gather_epi32(static_cast<const int*>(base), offset, 1);
 }
-QV_INLINE Vec GatherTable32(const void* table, Vec index) {
-  return _mm256_i32gather_epi32(static_cast<const int*>(table), index, 8);
-}
 template <int kHalf> QV_INLINE Vec Gather64(const Byte* base, Vec offset) {
   const Vec sorted =
       _mm256_permutevar8x32_epi32(offset, _mm256_setr_epi32(0, 1, 4, 5, 2, 3, 6, 7));
@@ -88,6 +91,20 @@ template <int kPart> QV_INLINE Vec Gather128(const Byte* base, const int* offset
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(base + offset[4 * i + kPart]));
   };
   return _mm256_inserti128_si256(_mm256_castsi128_si256(load(0)), load(1), 1);
+}
+QV_INLINE Vec EvenLanes32(Vec a, Vec b) {
+  return _mm256_castps_si256(_mm256_shuffle_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b), 0x88));
+}
+QV_INLINE Vec OddLanes32(Vec a, Vec b) {
+  return _mm256_castps_si256(_mm256_shuffle_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b), 0xDD));
+}
+QV_INLINE void StoreLowBytes(Byte* p, Vec v) {
+  const __m256i low = _mm256_shuffle_epi8(
+      v, _mm256_broadcastsi128_si256(
+             _mm_setr_epi8(0, 4, 8, 12, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1)));
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(p),
+                   _mm_unpacklo_epi32(_mm256_castsi256_si128(low),
+                                      _mm256_extracti128_si256(low, 1)));
 }
 QV_INLINE void StoreAsBytes(Byte* p, Vec v) {
   v = _mm256_packus_epi16(_mm256_packs_epi32(v, v), v);
@@ -137,9 +154,6 @@ QV_INLINE Vec Gather32(const void* base, Vec offset) {
       _mm_unpacklo_epi32(LoadDword(p + Lane32<0>(offset)), LoadDword(p + Lane32<1>(offset))),
       _mm_unpacklo_epi32(LoadDword(p + Lane32<2>(offset)), LoadDword(p + Lane32<3>(offset))));
 }
-QV_INLINE Vec GatherTable32(const void* table, Vec index) {
-  return Gather32(table, _mm_slli_epi32(index, 3));
-}
 template <int kHalf> QV_INLINE Vec Gather64(const Byte* base, Vec offset) {
   return _mm_unpacklo_epi64(LoadQword(base + Lane32<2 * kHalf>(offset)),
                             LoadQword(base + Lane32<2 * kHalf + 1>(offset)));
@@ -147,29 +161,54 @@ template <int kHalf> QV_INLINE Vec Gather64(const Byte* base, Vec offset) {
 template <int kPart> QV_INLINE Vec Gather128(const Byte* base, const int* offset) {
   return Load(base + offset[kPart]);
 }
+QV_INLINE Vec EvenLanes32(Vec a, Vec b) {
+  return _mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b), 0x88));
+}
+QV_INLINE Vec OddLanes32(Vec a, Vec b) {
+  return _mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b), 0xDD));
+}
 QV_INLINE void StoreAsBytes(Byte* p, Vec v) {
   v = _mm_packs_epi32(v, v);
   const int bits = _mm_cvtsi128_si32(_mm_packus_epi16(v, v));
   memcpy(p, &bits, 4);
 }
+QV_INLINE void StoreLowBytes(Byte* p, Vec v) { StoreAsBytes(p, _mm_and_si128(v, _mm_set1_epi32(255))); }
 
 #endif
 
-// Gather32: 4 bytes for each lane, from base + offset. GatherTable32: from an array of 8-byte
-// entries. Gather64<h>: 8 bytes for lanes 2 h and 2 h + 1 of each 16-byte lane of `offset`. Gather128<k>:
-// 16 bytes for lane k of each. StoreAsBytes saturates 32-bit lanes and stores kLanes32 bytes.
+// Gather32: 4 bytes for each lane, from base + offset. Gather64<h>: 8 bytes for lanes 2 h and 2 h + 1 of
+// each 16-byte lane of `offset`, so that EvenLanes32 and OddLanes32 of both halves are the first and the
+// last 4 bytes of each lane. Gather128<k>: 16 bytes for lane k of each. StoreAsBytes saturates 32-bit
+// lanes, StoreLowBytes cuts them off; both store kLanes32 bytes.
 
-// Three-byte pixels as 16-bit pairs, for products with pairs of weights: in each 16-byte lane the words
-// (b0, b1, g0, g1, r0, r1, any, any) of the two neighbours that half kHalf of the lane begins with, and
-// (b0, b2, g0, g2, r0, r2, any, any) of the even (or odd, 1 and 3) ones of the four that the lane begins with.
-#if defined(__SSSE3__)
-template <int kHalf> QV_INLINE Vec SpreadPairs(Vec v) {
-  static constexpr auto kIndex = MakeByteTable([](int i) {
-    const int n = i % 16;
-    return n % 2 || n >= 12 ? 0x80 : 8 * kHalf + n / 4 + n / 2 % 2 * 3;
-  });
-  return ShuffleBytes(v, Load(&kIndex));
+// Bytes kFirst and kSecond of each 32-bit lane, as 16-bit halves.
+template <int kFirst, int kSecond> QV_INLINE Vec SpreadPair(Vec v) {
+  if constexpr (kHasByteShuffle) {
+    static constexpr auto kIndex = MakeByteTable([](int i) {
+      return i % 4 == 0 ? i % 16 + kFirst : i % 4 == 2 ? i % 16 - 2 + kSecond : 0x80;
+    });
+    return ShuffleBytes(v, Load(&kIndex));
+  } else {
+    const Vec second =
+        kSecond < 2 ? ShiftLeft32<8 * (2 - kSecond)>(v) : ShiftRight32<8 * (kSecond - 2)>(v);
+    return Or(And(ShiftRight32<8 * kFirst>(v), Splat32(0xFF)), And(second, Splat32(0xFF0000)));
+  }
 }
+
+// The three channels of a pixel and its right neighbour, as 16-bit halves of 32-bit lanes.
+struct PixelPairs {
+  Vec b, g, r;
+};
+QV_INLINE PixelPairs GatherPairs(const Byte* base, Vec offset) {
+  const Vec low = Gather64<0>(base, offset), high = Gather64<1>(base, offset);
+  const Vec bgrb = EvenLanes32(low, high), gr = OddLanes32(low, high);
+  const Vec grgr = Or(And(ShiftRight32<8>(bgrb), Splat32(0xFFFF)), ShiftLeft32<16>(gr));
+  return {SpreadPair<0, 3>(bgrb), And(grgr, Splat32(0x00FF00FF)), ShiftRight16<8>(grgr)};
+}
+
+// Three-byte pixels as 16-bit pairs: in each 16-byte lane the words (b0, b2, g0, g2, r0, r2, any, any) of
+// the even (or odd, 1 and 3) ones of the four that the lane begins with.
+#if defined(__SSSE3__)
 template <int kOdd> QV_INLINE Vec SpreadTaps(Vec v) {
   static constexpr auto kIndex = MakeByteTable([](int i) {
     const int n = i % 16;
@@ -178,10 +217,6 @@ template <int kOdd> QV_INLINE Vec SpreadTaps(Vec v) {
   return ShuffleBytes(v, Load(&kIndex));
 }
 #else
-template <int kHalf> QV_INLINE Vec SpreadPairs(Vec v) {
-  const Vec next = _mm_srli_epi64(v, 24);
-  return InterleaveLow8(kHalf ? InterleaveHigh8(v, next) : InterleaveLow8(v, next), Zero());
-}
 template <int kOdd> QV_INLINE Vec SpreadTaps(Vec v) {
   const Vec pairs = InterleaveLow8(v, _mm_srli_si128(v, 6));
   return InterleaveLow8(kOdd ? _mm_srli_si128(pairs, 6) : pairs, Zero());

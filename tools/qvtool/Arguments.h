@@ -19,6 +19,13 @@ int ParseInteger(const std::string& argument, const std::string& text, int least
 IppiSize ParseSize(const std::string& argument, const std::string& text);    // "640x360"
 IppiRect ParseRegion(const std::string& argument, const std::string& text);  // "x,y,w,h"
 
+// A place in pixels, which may lie outside of the frame.
+struct Position {
+  int x = 0;
+  int y = 0;
+};
+Position ParsePosition(const std::string& argument, const std::string& text);  // "x,y"
+
 // A colour as the user gives it: "#rrggbb", one value, or one value a channel in the order of the
 // layout (grey; blue, green, red; Y, Cb, Cr).
 class Colour {
