@@ -49,7 +49,11 @@ constexpr bool kWarpsReadGaps = true;
 
 // Images that no address space holds: a region's origin lies within an image that starts at the
 // pointer, so the distance between them is limited, as is that of the first row from the last one.
+#if defined(_WIN32)
+constexpr bool kWide = false;  // it sets memory aside for what is only reserved elsewhere
+#else
 constexpr bool kWide = sizeof(void*) == 8;
+#endif
 constexpr long long kMostSpan = kWide ? 6ll << 30 : 8ll << 20;
 constexpr long long kMostOffset = kWide ? 1ll << 45 : 1ll << 28;
 
