@@ -38,7 +38,8 @@ if(QV_WERROR AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
   foreach(level IN LISTS QV_LEVELS)
     list(APPEND QV_LEVEL_FLAGS_${level} -Wa,-march=${isa_${level}})
   endforeach()
-  list(APPEND QV_BASELINE_FLAGS -Wa,-march=${isa_generic}+xsave)  # XGETBV, asked for by CPUID
+  set(QV_PINNED_BASELINE ${isa_generic}+xsave)  # XGETBV, asked for by CPUID
+  list(APPEND QV_BASELINE_FLAGS -Wa,-march=${QV_PINNED_BASELINE})
 endif()
 
 # 32-bit Windows promises a stack aligned to 4 bytes, to hosts' calls as to new threads. GCC's attribute

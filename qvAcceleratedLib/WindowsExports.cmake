@@ -15,10 +15,13 @@ if(QV_LLVM_DLLTOOL)
   file(STRINGS ${exports} visual REGEX "^(LIBRARY|EXPORTS|  \"\\?)")
   list(JOIN visual "\n" visual)
   string(REGEX REPLACE "(\"[^\"]*\") = [^\n]*" "\\1" visual "${visual}\n")
-  file(CONFIGURE OUTPUT visual.def CONTENT "${visual}" @ONLY)
+  file(GENERATE OUTPUT visual.def CONTENT "${visual}")
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${exports})
-  add_custom_command(TARGET qvAcceleratedLib POST_BUILD
+  add_custom_command(OUTPUT qvAcceleratedLib.lib
     COMMAND ${QV_LLVM_DLLTOOL} -m $<IF:$<EQUAL:${CMAKE_SIZEOF_VOID_P},4>,i386,i386:x86-64>
-      -d ${CMAKE_CURRENT_BINARY_DIR}/visual.def -l ${CMAKE_CURRENT_BINARY_DIR}/qvAcceleratedLib.lib)
+      -d visual.def -l qvAcceleratedLib.lib
+    DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/visual.def
+    VERBATIM)
+  add_custom_target(qvVisualImports ALL DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/qvAcceleratedLib.lib)
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/qvAcceleratedLib.lib TYPE LIB)
 endif()

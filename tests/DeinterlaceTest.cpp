@@ -21,8 +21,8 @@ unsigned char Filtered(unsigned above, unsigned centre, unsigned below, unsigned
   return static_cast<unsigned char>(((above + below) * s + centre * w) / 256);
 }
 
-// The rows above, at and below filtered row 1; three more rows, so that rows are filtered together where
-// a level does so.
+// The rows above, at and below filtered row 1; three more rows, so that rows are filtered together
+// where a level does so.
 TEST(Deinterlace, IsTheFormulaForAllSumsAndWeightsAtAllLevels) {
   const int width = 511 * 256, height = 6;
   Bytes src(height * width), dst(height * width), expected(dst);

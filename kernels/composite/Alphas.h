@@ -6,8 +6,8 @@ namespace qv::QV_LEVEL {
 
 #if defined(__SSSE3__)
 
-// The alphas of a vector of colour bytes, those at even and those at odd places apart; each fills both
-// bytes of a 16-bit lane.
+// The alphas of a vector of colour bytes, those at even and those at odd places apart; each fills
+// both bytes of a 16-bit lane.
 struct TwinAlphas {
   Vec even, odd;
 };

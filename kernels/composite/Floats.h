@@ -40,8 +40,8 @@ QV_INLINE Vec NearestInts(Floats x) { return _mm_cvtps_epi32(x); }
 
 #endif
 
-// x / 255, rounded, of integers from 0 to 256: x / 255 = p + p / 65535 with p = x * 257 / 65536, which
-// is exact. The second term is so small that its own rounding never shows in the sum; all 257
+// x / 255, rounded, of integers from 0 to 256: x / 255 = p + p / 65535 with p = x * 257 / 65536,
+// which is exact. The second term is so small that its own rounding never shows in the sum; all 257
 // values are those of a division.
 constexpr float k257Over65536 = 257.0f / 65536.0f;
 QV_INLINE Floats AddOver65535(Floats p) {

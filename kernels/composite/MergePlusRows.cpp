@@ -49,8 +49,8 @@ QV_INLINE Vec EvenAndOne(Vec src) {
   return Or(ShiftLeft16<8>(src), Splat16(1));
 }
 
-// The bytes at even and at odd places apart. Those at odd places are multiplied in the high bytes of
-// their lanes, and their results are in place.
+// The bytes at even and at odd places apart. Those at odd places are multiplied in the high bytes
+// of their lanes, and their results are in place.
 template <int kChannels, int j>
 QV_INLINE Vec MixBytes(Vec alpha, Vec src, Vec dst) {
   const Vec low = Splat16(0xFF), high = Splat16(0xFF00), one = Splat16(1), ones = Splat8(-1);

@@ -1,5 +1,5 @@
-// The colours of a few pixels merged in single precision: the block that the over merge's vector rows
-// are made of, in three shapes.
+// The colours of a few pixels merged in single precision: the block that the over merge's vector
+// rows are made of, in three shapes.
 //
 //   OverBlock(fg, fgAlpha, bg, bgAlpha, merged)   kOverPixels pixels, three bytes each, fg in place
 //
@@ -29,8 +29,8 @@ QV_INLINE Floats AlphasAbove23(const Byte* alpha) {
   return BytesAbove23(_mm512_castsi128_si512(Load16(alpha)), kIndex);
 }
 
-// x * weight, rounded once, of x + 2^23: the fused operation takes 2^23 * weight, which is exact, off
-// the exact product.
+// x * weight, rounded once, of x + 2^23: the fused operation takes 2^23 * weight, which is exact,
+// off the exact product.
 QV_INLINE Floats WeighAbove23(Floats x, Floats weight) {
   return _mm512_fmadd_ps(x, weight, MulFloat(weight, SplatFloat(-0x1p23f)));
 }
@@ -39,9 +39,9 @@ QV_INLINE Floats Over255Above23(Floats x) {
   return AddOver65535(WeighAbove23(x, SplatFloat(k257Over65536)));
 }
 
-// 1 / divisor in two terms. For every sum from 2^-20 to 256 and each of the 256 divisors, the integer
-// nearest to sum * (high + low), rounded to single precision, is that of a division: they have
-// been compared. Smaller quotients are below 1/2.
+// 1 / divisor in two terms. For every sum from 2^-20 to 256 and each of the 256 divisors, the
+// integer nearest to sum * (high + low), rounded to single precision, is that of a division: they
+// have been compared. Smaller quotients are below 1/2.
 struct Reciprocal {
   Floats high, low;
 
@@ -90,7 +90,8 @@ QV_INLINE Floats AlphaFloats(const Byte* alpha) {
   return ToFloats(_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(alpha))));
 }
 
-// Pixels 0 to 3 in the first twelve bytes of the low lane, 4 to 7 in the last twelve of the high one.
+// Pixels 0 to 3 in the first twelve bytes of the low lane, 4 to 7 in the last twelve of the high
+// one.
 QV_INLINE Vec LoadColours(const Byte* p) {
   return _mm256_inserti128_si256(_mm256_castsi128_si256(Load16(p)), Load16(p + 8), 1);
 }

@@ -39,8 +39,9 @@ QV_INLINE Lanes operator+(const Lanes& a, const Lanes& b) {
 
 #if defined(__SSSE3__)
 
-// A multiplication of pairs of bytes by a weight and 0 both takes every other byte and weighs it. It
-// wants a weight from -128 to 127: the products then fit signed lanes, which their sums may leave.
+// A multiplication of pairs of bytes by a weight and 0 both takes every other byte and weighs it.
+// It wants a weight from -128 to 127: the products then fit signed lanes, which their sums may
+// leave.
 constexpr bool kHasSignedWeights = true;
 QV_INLINE Vec WeighPairs(Vec bytes, Vec weights) {
 #if defined(__AVX512BW__)
@@ -68,7 +69,8 @@ struct Weight {
   explicit Weight(int w) : factor(Splat16(w)) {}
 };
 QV_INLINE Lanes Weigh(Vec bytes, const Weight& w) {
-  return {MulLow16(And(bytes, Splat16(0xFF)), w.factor), MulLow16(ShiftRight16<8>(bytes), w.factor)};
+  return {MulLow16(And(bytes, Splat16(0xFF)), w.factor),
+          MulLow16(ShiftRight16<8>(bytes), w.factor)};
 }
 
 #endif
@@ -104,9 +106,9 @@ void FilterRows(const Byte* src, int srcStep, Byte* dst, int dstStep, ptrdiff_t 
     FilterRowsPlain<kRows>(src, srcStep, dst, dstStep, bytes, centreWeight, sideWeight);
 }
 
-// The weights 0 and 128: floor((above + below) / 2), and floor of the mean of that and the centre, which
-// is the same as one truncation of the whole sum by 4. Averages round up, those of the complements
-// down.
+// The weights 0 and 128: floor((above + below) / 2), and floor of the mean of that and the centre,
+// which is the same as one truncation of the whole sum by 4. Averages round up, those of the
+// complements down.
 template <int kRows, bool kCentre>
 void AverageRows(const Byte* src, int srcStep, Byte* dst, int dstStep, ptrdiff_t bytes,
                  int centreWeight, int sideWeight) {

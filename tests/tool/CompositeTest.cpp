@@ -57,14 +57,16 @@ TEST(Overlay, MergesThePartOfThePictureThatFallsOnTheFrame) {
       ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
       for (int y = 0; y < logoHeight; ++y)
         for (int x = 0; x < logoWidth; ++x) {
-          const long long fx = static_cast<long long>(c.x) + x, fy = static_cast<long long>(c.y) + y;
+          const long long fx = x + static_cast<long long>(c.x);
+          const long long fy = y + static_cast<long long>(c.y);
           if (fx < 0 || fx >= width || fy < 0 || fy >= height) continue;
           const std::size_t from = static_cast<std::size_t>((y * logoWidth + x) * 4);
           const std::size_t to = static_cast<std::size_t>((fy * width + fx) * bytes);
           const int fa = Byte(logo, from + 3) * c.opacity / 255;
           const int ba = bytes == 4 ? Byte(frame, to + 3) : 255;
           for (std::size_t k = 0; k < 3; ++k)
-            frame[to + k] = static_cast<char>(Over(Byte(logo, from + k), fa, Byte(frame, to + k), ba));
+            frame[to + k] =
+                static_cast<char>(Over(Byte(logo, from + k), fa, Byte(frame, to + k), ba));
           if (bytes == 4 && fa != 0 && ba != 255)
             frame[to + 3] = static_cast<char>(fa + ((255 - fa) * ba >> 8));
         }

@@ -141,8 +141,8 @@ class Overlay {
       StoreAlpha(alpha, frame.PlaneAt(alphaPlane).Cut(region, frame.Info().plane[alphaPlane]));
   }
 
-  // The merged alpha is truncated: it would be one short where nothing is placed and where the frame
-  // is opaque.
+  // The merged alpha is truncated: it would be one short where nothing is placed and where the
+  // frame is opaque.
   void StoreAlpha(const Plane& logo, const Plane& frame) const {
     for (int y = 0; y < frame.rows; ++y)
       for (int x = 0; x < frame.columns; ++x)
@@ -173,7 +173,7 @@ void Configure(CLI::App& app) {
   app.add_option_function<std::string>(
          "--at",
          [options](const std::string& text) { options->at = ParsePosition("--at", text); },
-         "Where its upper left corner goes, in pixels (0,0); --at=-20,5 for a negative place")
+         "Where its upper left corner goes, in pixels (0,0); may be negative")
       ->type_name("X,Y");
   AddInteger(app, "--opacity", options->opacity, 0, 255,
              "All of its alphas are scaled by this / 255: 255 leaves them, 0 hides it");

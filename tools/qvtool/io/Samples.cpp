@@ -7,8 +7,8 @@
 namespace qvtool {
 namespace {
 
-// Where the samples of a channel lie: every `spacing` bytes from `offset` on in rows of a plane, one
-// for 2^shiftX columns and 2^shiftY rows of pixels.
+// Where the samples of a channel lie: every `spacing` bytes from `offset` on in rows of a plane,
+// one for 2^shiftX columns and 2^shiftY rows of pixels.
 struct Channel {
   const Plane* plane;
   int offset, spacing;

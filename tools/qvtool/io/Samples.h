@@ -6,8 +6,8 @@
 
 namespace qvtool {
 
-// Into `colours`, a plane of three bytes a pixel and of the size of `region`: B, G, R; Y, Cb, Cr; or a
-// grey sample three times. A chroma sample goes to every pixel that it belongs to.
+// Into `colours`, a plane of three bytes a pixel and of the size of `region`: B, G, R; Y, Cb, Cr;
+// or a grey sample three times. A chroma sample goes to every pixel that it belongs to.
 void LoadColours(const Frame& frame, const IppiRect& region, const Plane& colours);
 
 // The way back: a chroma sample becomes the rounded mean of its pixels, where those outside of the
