@@ -39,7 +39,8 @@ void CheckPage(const Workplace& place) {
     EXPECT_EQ(place.Read("out/" + file).substr(1, 3), "PNG") << file;
   }
   for (const char* operation :
-       {"qvCopy(", "qvDup(", "qvSet(", "qvMirror(", "qvLUTPalette(", "qvMulCScale("})
+       {"qvCopy(", "qvDup(", "qvSet(", "qvMirror(", "qvLUTPalette(", "qvMulCScale(",
+        "qvRotate("})
     EXPECT_GT(Count(page, operation), 0u) << operation;
   EXPECT_EQ(Count(page, "</b> ms<"), Count(page, "<article"));
 }
@@ -49,6 +50,7 @@ TEST(Demo, ShowsTheTestCard) {
   const Outcome outcome = place.Run({"demo", "out"});
   ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
   CheckPage(place);
+  EXPECT_GT(Count(place.Read("out/index.html"), "qvWarpPerspective("), 0u);
   // The pictures are those of the operations: the mirrored frame, mirrored, is the frame.
   ASSERT_EQ(
       place.Run({"mirror", "out/mirror-both-after.png", "back.png", "--axis", "both"}).exitCode, 0);
