@@ -4,8 +4,8 @@ set(QV_LEVELS generic sse2 ssse3 avx2 avx512)
 
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
   # The oldest processor has no SSE: its doubles are x87 registers, which keep more than a double
-  # holds. Whatever is built for it rounds what it assigns by storing it (see X87Precision.h for what
-  # it does not assign).
+  # holds. Whatever is built for it rounds what it assigns by storing it (see FloatEnvironment.h for
+  # what it does not assign).
   set(QV_BASELINE_FLAGS -march=i686 -mno-mmx -mno-sse -mfpmath=387 -ffloat-store)
   set(QV_LEVEL_FLAGS_generic ${QV_BASELINE_FLAGS} -O2)
   set(fp_in_sse -mfpmath=sse)
@@ -19,7 +19,28 @@ set(QV_LEVEL_FLAGS_ssse3 -mssse3 -mno-sse4.1 -mno-sse4a ${fp_in_sse} -O3)
 set(QV_LEVEL_FLAGS_avx2 -mavx2 -mno-fma -mno-avx512f ${fp_in_sse} -O3)
 set(QV_LEVEL_FLAGS_avx512 -mavx512f -mavx512bw -mavx512vl -mavx512dq -mavx512vbmi
     -mprefer-vector-width=512 ${fp_in_sse} -O3
-    -Wno-uninitialized -Wno-maybe-uninitialized)  # GCC 12 warns of its own _mm512_undefined_*
+    -Wno-uninitialized  # GCC 12 warns of its own _mm512_undefined_*
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+
+# In our own builds the assembler refuses what a level's processors lack, so that neither the compiler
+# nor a wrongly written row brings it in. Carry-less multiplication is asked for apart from the level.
+if(QV_WERROR AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    set(isa_generic i686)
+    set(isa_sse2 i686+mmx+sse+sse2)
+  else()
+    set(isa_generic generic64)
+    set(isa_sse2 generic64)
+  endif()
+  set(isa_ssse3 ${isa_sse2}+sse3+ssse3+pclmul)
+  set(isa_avx2 ${isa_ssse3}+sse4.2+popcnt+avx2)
+  set(isa_avx512 ${isa_avx2}+avx512f+avx512bw+avx512vl+avx512dq+avx512vbmi+vpclmulqdq)
+  foreach(level IN LISTS QV_LEVELS)
+    list(APPEND QV_LEVEL_FLAGS_${level} -Wa,-march=${isa_${level}})
+  endforeach()
+  set(QV_PINNED_BASELINE ${isa_generic}+xsave)  # XGETBV, asked for by CPUID
+  list(APPEND QV_BASELINE_FLAGS -Wa,-march=${QV_PINNED_BASELINE})
+endif()
 
 # 32-bit Windows promises a stack aligned to 4 bytes, to hosts' calls as to new threads. GCC's attribute
 # for that does not reach the bodies of parallel regions, so it is an option for everything.

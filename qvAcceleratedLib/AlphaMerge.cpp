@@ -11,9 +11,11 @@ IppStatus CqvAccLib::qvMergeAlphaOver(qvDataType, unsigned char* fg, int fgStep,
                                       int bgStep, unsigned char* bgAlpha, int bgAlphaStep,
                                       unsigned char* dstAlpha, int rowBytes, int width,
                                       int height) {
+  // However many empty rows there are.
+  if (width < 0 || (width == 0 && (rowBytes < 1 || !HostProcessorInfo))) return StatusOk;
   const Bands bands = PlanBands(height, ThreadBudget);
   return RunBands(bands, [&](int i) {
-    const ptrdiff_t first = bands.First(i);
+    const long long first = bands.First(i);
     unsigned char* const f = Advance(fg, first * fgStep);
     const unsigned char* const fa = Advance(fgAlpha, first * fgAlphaStep);
     const unsigned char* const b = Advance(bg, first * bgStep);
@@ -31,10 +33,11 @@ IppStatus CqvAccLib::qvMergeAlphaPlus(qvDataType type, unsigned char* srcDst, in
                                       unsigned char* src, int srcStep, unsigned char* alpha,
                                       int alphaStep, int width, int height) {
   if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
+  if (width < 1) return StatusOk;
   const auto kernel = type == OneChannel ? MergeAlphaPlus_8u_C1 : MergeAlphaPlus_8u_C3;
   const Bands bands = PlanBands(height, ThreadBudget);
   return RunBands(bands, [&](int i) {
-    const ptrdiff_t first = bands.First(i);
+    const long long first = bands.First(i);
     return kernel(Advance(srcDst, first * srcDstStep), srcDstStep, Advance(src, first * srcStep),
                   srcStep, Advance(alpha, first * alphaStep), alphaStep, width, bands.Height(i));
   });

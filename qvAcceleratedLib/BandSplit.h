@@ -4,9 +4,11 @@
 
 #include <omp.h>
 #include <stddef.h>
+#include <stdint.h>
 
 #include "qvAcceleratedLib/CqvAccLib.h"
-#include "qvAcceleratedLib/X87Precision.h"
+#include "qvAcceleratedLib/FloatEnvironment.h"
+#include "qvAcceleratedLib/Fork.h"
 
 namespace qv {
 
@@ -17,7 +19,8 @@ struct Bands {
   int rows;    // of every band but the last
   int extent;  // of all bands together
 
-  constexpr ptrdiff_t First(int i) const { return static_cast<ptrdiff_t>(i) * rows; }
+  // In 64 bits on every platform: callers multiply it with a step before anything is checked.
+  constexpr long long First(int i) const { return static_cast<long long>(i) * rows; }
   constexpr int Height(int i) const { return i == count - 1 ? extent - i * rows : rows; }
 };
 
@@ -47,28 +50,41 @@ constexpr Bands PlanPieces(int columns, int budget) {
   return piece < MinColumnsPerPiece ? Bands{1, columns, columns} : Bands{budget, piece, columns};
 }
 
-// A pointer moved by whole rows or bytes; a null pointer stays null, for the kernel to find.
+// A pointer moved by whole rows or bytes; a null pointer stays null, for the kernel to find. Sizes and
+// steps are not checked yet, so the distance may lead anywhere: addresses wrap, pointers must not.
 template <class Pointer>
-constexpr Pointer Advance(Pointer p, ptrdiff_t bytes) {
-  return p ? p + bytes : p;
+Pointer Advance(Pointer p, long long bytes) {
+  if (!p) return p;
+  return reinterpret_cast<Pointer>(reinterpret_cast<uintptr_t>(p) + static_cast<uintptr_t>(bytes));
 }
 
 // Calls body(i) for every band i and returns the status of the last band (StatusOk if there is
 // none). Bands run on the OpenMP team, or one after another if the caller is in a parallel region
-// already.
+// already or lost its team in a fork.
 template <class Body>
 IppStatus RunBands(const Bands& bands, const Body& body) {
-  const X87Precision precision;
   if (bands.count == 1) return body(0);
   IppStatus status = StatusOk;
   const int last = bands.count - 1;
-#pragma omp parallel for schedule(static) if (!omp_in_parallel())
+  if (omp_in_parallel() || IsForkedThread) {
+    for (int i = 0; i <= last; ++i) status = body(i);
+    return status;
+  }
+#pragma omp parallel for schedule(static)
   for (int i = 0; i <= last; ++i) {
-    const X87Precision threadPrecision;
     const IppStatus bandStatus = body(i);
     if (i == last) status = bandStatus;
   }
   return status;
+}
+
+// The same for a body that computes with floating-point numbers.
+template <class Body>
+IppStatus RunFloatBands(const Bands& bands, const Body& body) {
+  return RunBands(bands, [&](int i) {
+    const FloatEnvironment environment;
+    return body(i);
+  });
 }
 
 }  // namespace qv

@@ -144,7 +144,7 @@ namespace {
 
 // The planes of a 4:2:0 image from an even row on; a chroma row serves two. Null arrays give null.
 struct PlanesFrom {
-  PlanesFrom(unsigned char* const* planes, const int* steps, ptrdiff_t row) {
+  PlanesFrom(unsigned char* const* planes, const int* steps, long long row) {
     if (!planes || !steps) return;
     for (int c = 0; c < 3; ++c) moved[c] = Advance(planes[c], row * steps[c] / (c == 0 ? 1 : 2));
     array = moved;
@@ -236,11 +236,12 @@ IppStatus CqvAccLib::qvResize(qvDataType type, const unsigned char* src, IppiSiz
                                                &bufferBytes) != StatusOk)) {
     if (channels == 0) return StatusDataTypeErr;
     const auto kernel = channels == 1 ? Resize_8u_C1 : Resize_8u_C3;
+    const FloatEnvironment environment;
     return kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoiSize, xFactor, yFactor,
                   interpolation);
   }
   const auto kernel = channels == 1 ? ResizeBand_8u_C1 : ResizeBand_8u_C3;
-  return RunBands(bands, [&](int i) {
+  return RunFloatBands(bands, [&](int i) {
     const IppiRect band = {0, static_cast<int>(bands.First(i)), dstRoiSize.width,
                            bands.Height(i)};
     auto* const buffer = new (std::nothrow) unsigned char[static_cast<size_t>(bufferBytes)];
@@ -257,6 +258,7 @@ IppStatus CqvAccLib::qvResizeYUV422(qvDataType, const unsigned char* src, IppiSi
                                     int interpolation) {
   // Area averaging and Lanczos are done as cubic.
   if (interpolation > InterpolateCubic) interpolation = InterpolateCubic;
+  const FloatEnvironment environment;
   return ResizeYUV422_8u_C2(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoiSize, xFactor,
                             yFactor, interpolation);
 }
@@ -269,6 +271,7 @@ IppStatus CqvAccLib::qvRotate(qvDataType type, const unsigned char* src, IppiSiz
                               int interpolation) {
   if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
   const auto kernel = type == OneChannel ? Rotate_8u_C1 : Rotate_8u_C3;
+  const FloatEnvironment environment;
   return kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, angle, xShift, yShift,
                 interpolation);
 }
@@ -276,9 +279,10 @@ IppStatus CqvAccLib::qvRotate(qvDataType type, const unsigned char* src, IppiSiz
 namespace {
 
 // The rows of a destination region that are band i. Pointers stay: the warp works in absolute
-// coordinates.
+// coordinates. A region may reach beyond the last row that an int can number; bands there are empty.
 IppiRect BandOf(const Bands& bands, int i, IppiRect roi) {
-  return {roi.x, static_cast<int>(roi.y + bands.First(i)), roi.width, bands.Height(i)};
+  const long long y = roi.y + bands.First(i);
+  return {roi.x, y < INT32_MAX ? static_cast<int>(y) : INT32_MAX, roi.width, bands.Height(i)};
 }
 
 }  // namespace
@@ -290,7 +294,7 @@ IppStatus CqvAccLib::qvWarpPerspective(qvDataType type, const unsigned char* src
   if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
   const auto kernel = type == OneChannel ? WarpPerspective_8u_C1 : WarpPerspective_8u_C3;
   const Bands bands = PlanBands(dstRoi.height, ThreadBudget);
-  return RunBands(bands, [&](int i) {
+  return RunFloatBands(bands, [&](int i) {
     return kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, BandOf(bands, i, dstRoi), coeffs,
                   interpolation);
   });
@@ -305,7 +309,7 @@ IppStatus CqvAccLib::qvWarpPerspectiveEx(qvDataType, const unsigned char* src, I
                                          int src2Step, unsigned char* dst2, int dst2Step,
                                          const double coeffs2[3][3]) {
   const Bands bands = PlanBands(dstRoi.height, ThreadBudget);
-  return RunBands(bands, [&](int i) {
+  return RunFloatBands(bands, [&](int i) {
     const IppiRect band = BandOf(bands, i, dstRoi);
     const IppStatus status = WarpPerspective_8u_C3(src, srcSize, srcStep, srcRoi, dst, dstStep,
                                                    band, coeffs, interpolation);
@@ -317,11 +321,13 @@ IppStatus CqvAccLib::qvWarpPerspectiveEx(qvDataType, const unsigned char* src, I
 
 IppStatus CqvAccLib::qvGetPerspectiveTransform(qvDataType, IppiRect roi, const double quad[4][2],
                                                double coeffs[3][3]) {
+  const FloatEnvironment environment;
   return GetPerspectiveTransform_64f(roi, quad, coeffs);
 }
 
 IppStatus CqvAccLib::qvGetRotateBound(qvDataType, IppiRect roi, double bound[2][2], double angle,
                                       double xShift, double yShift) {
+  const FloatEnvironment environment;
   return GetRotateBound_64f(roi, bound, angle, xShift, yShift);
 }
 

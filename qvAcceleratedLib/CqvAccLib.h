@@ -372,7 +372,7 @@ class QVACCELERATEDLIB_API CqvAccLib {
   //   x' = (c00 X + c01 Y + c02) / (c20 X + c21 Y + c22)
   //   y' = (c10 X + c11 Y + c12) / (c20 X + c21 Y + c22)
   // Statuses: see above. On several bands the status is the last band's, so 29 may mean that only the
-  // last band was missed.
+  // last band was missed, and of a region with a negative y only the bands that begin there are refused.
   static IppStatus qvWarpPerspective(qvDataType type, const unsigned char* src, IppiSize srcSize,
                                      int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                                      IppiRect dstRoi, const double coeffs[3][3],

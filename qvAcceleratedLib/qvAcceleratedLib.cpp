@@ -1,5 +1,6 @@
 // Loading and unloading of the library.
 #include "dispatch/ProcessorInfo.h"
+#include "qvAcceleratedLib/Fork.h"
 #include "qvAcceleratedLib/HostCounts.h"
 #include "qvAcceleratedLib/Settings.h"
 #include "qvAcceleratedLib/Startup.h"
@@ -58,7 +59,10 @@ BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
 
 namespace {
 
-__attribute__((constructor)) void Load() { qv::LibraryStartup(); }
+__attribute__((constructor)) void Load() {
+  qv::LibraryStartup();
+  qv::WatchForks();
+}
 
 }  // namespace
 

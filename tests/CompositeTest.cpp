@@ -53,6 +53,7 @@ struct AllPairs {
 
 TEST(AlphaCompC, IsTheFormulaForAllBytesAtAllLevels) {
   const AllPairs pairs;
+  constexpr IppiSize kOneRow = {AllPairs::kWidth * AllPairs::kHeight / 3, 1};
   Bytes expected(pairs.a.size()), got(pairs.a.size());
   std::vector<std::pair<int, int>> alphas = {{255, 255}, {0, 0}, {0, 255}, {255, 0}, {128, 255},
                                              {1, 254},   {254, 1}, {17, 15}};
@@ -65,14 +66,19 @@ TEST(AlphaCompC, IsTheFormulaForAllBytesAtAllLevels) {
                      static_cast<unsigned>(a2)));
       for (const Level& level : AvailableLevels()) {
         const UseLevel use(level);
-        ASSERT_EQ(Lib::qvAlphaCompC(Type(2), pairs.a.data(), AllPairs::kWidth,
-                                    static_cast<unsigned char>(a1), pairs.b.data(),
-                                    AllPairs::kWidth, static_cast<unsigned char>(a2), got.data(),
-                                    AllPairs::kWidth, {AllPairs::kWidth, AllPairs::kHeight},
-                                    Code(code)),
-                  StatusOk);
-        ASSERT_TRUE(got == expected)
-            << "code " << code << ", alphas " << a1 << ' ' << a2 << ", " << level.name;
+        // One byte a pixel, and all bytes as one row of pixels of three.
+        for (const auto& [type, size] :
+             {std::pair(2, IppiSize{AllPairs::kWidth, AllPairs::kHeight}), {4, kOneRow}}) {
+          std::fill(got.begin(), got.end(), static_cast<unsigned char>(0));
+          ASSERT_EQ(Lib::qvAlphaCompC(Type(type), pairs.a.data(), AllPairs::kWidth,
+                                      static_cast<unsigned char>(a1), pairs.b.data(),
+                                      AllPairs::kWidth, static_cast<unsigned char>(a2), got.data(),
+                                      AllPairs::kWidth, size, Code(code)),
+                    StatusOk);
+          const auto end = expected.begin() + (type == 2 ? expected.size() : 3 * kOneRow.width);
+          ASSERT_TRUE(std::equal(expected.begin(), end, got.begin()))
+              << "code " << code << ", alphas " << a1 << ' ' << a2 << ", " << level.name;
+        }
       }
     }
 }

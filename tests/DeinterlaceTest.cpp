@@ -21,9 +21,12 @@ unsigned char Filtered(unsigned above, unsigned centre, unsigned below, unsigned
   return static_cast<unsigned char>(((above + below) * s + centre * w) / 256);
 }
 
+// The rows above, at and below filtered row 1; three more rows, so that rows are filtered together
+// where a level does so.
 TEST(Deinterlace, IsTheFormulaForAllSumsAndWeightsAtAllLevels) {
-  const int width = 511 * 256;
-  Bytes src(3 * width), dst(3 * width), expected(width);
+  const int width = 511 * 256, height = 6;
+  Bytes src(height * width), dst(height * width), expected(dst);
+  Random(6).Fill(src.data(), src.size());
   for (int i = 0; i < width; ++i) {
     const int sum = i / 256;
     const int above = i % 3 ? std::min(sum, 255) : sum - std::min(sum, 255);
@@ -33,14 +36,14 @@ TEST(Deinterlace, IsTheFormulaForAllSumsAndWeightsAtAllLevels) {
   }
   for (unsigned w = 0; w <= 258; ++w) {
     const unsigned weight = w == 258 ? 0xFFFFFFFFu : w;
-    for (int i = 0; i < width; ++i)
-      expected[i] = Filtered(src[i], src[width + i], src[2 * width + i], weight);
+    for (int i = width; i < (height - 1) * width; ++i)
+      expected[i] = Filtered(src[i - width], src[i], src[i + width], weight);
     for (const Level& level : AvailableLevels()) {
       const UseLevel use(level);
-      ASSERT_EQ(Lib::qvDeinterlace(Type(2), src.data(), width, dst.data(), width, {width, 3},
+      ASSERT_EQ(Lib::qvDeinterlace(Type(2), src.data(), width, dst.data(), width, {width, height},
                                    weight, 1),
                 StatusOk);
-      ASSERT_TRUE(std::equal(expected.begin(), expected.end(), dst.begin() + width))
+      ASSERT_TRUE(std::equal(expected.begin() + width, expected.end() - width, dst.begin() + width))
           << weight << ' ' << level.name;
     }
   }
@@ -49,7 +52,7 @@ TEST(Deinterlace, IsTheFormulaForAllSumsAndWeightsAtAllLevels) {
 // Rows around the image must keep their bytes unless a mode names them; strips must not change
 // anything; the last bytes of a three-channel row are filtered up to the step.
 TEST(Deinterlace, WritesTheRowsOfItsMode) {
-  const int height = 9, lead = 3, srcStep = 500, dstStep = 510, rows = height + lead + 2;
+  const int height = 9, lead = 3, srcStep = 500, rows = height + lead + 2;
   Bytes src(std::size_t{srcStep} * rows);
   Random(5).Fill(src.data(), src.size());
   struct {
@@ -60,7 +63,7 @@ TEST(Deinterlace, WritesTheRowsOfItsMode) {
                      {0, 1, true, true},   {2, 1, true, true},    {17, 1, true, true},
                      {0xFFFFFFFFu, 1, true, true}};
   for (const auto& c : cases)
-    for (const int type : {2, 4})
+    for (const auto& [type, dstStep] : {std::pair(2, 510), {4, 510}, {2, 512}, {4, 512}})
       for (const int height_ : {3, height})
         for (const int budget : {1, 2, 3, 8})
           for (const Level& level : AvailableLevels()) {
@@ -68,7 +71,7 @@ TEST(Deinterlace, WritesTheRowsOfItsMode) {
             const UseLevel use(level);
             const int width = type == 2 ? 333 : 111;
             const int rowBytes = type == 2 ? width : srcStep;
-            Bytes dst(std::size_t{dstStep} * rows, 7), expected = dst;
+            Bytes dst(static_cast<std::size_t>(dstStep) * rows, 7), expected = dst;
             for (int y = -1; y < height_; ++y)
               for (int x = 0; x < rowBytes; ++x) {
                 const auto at = [&](int row) { return src[(row + lead) * srcStep + x]; };

@@ -1,5 +1,5 @@
-// qvMergeAlphaOver and qvMergeAlphaPlus: their formulas for all alphas, both paths, bands, aliases and
-// the host's floating-point environment.
+// qvMergeAlphaOver and qvMergeAlphaPlus: their formulas for all alphas, both paths, bands, aliases
+// and the host's floating-point environment.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -91,7 +91,8 @@ struct Planes {
 // Colours that make ties and extremes likely, by seed.
 Planes ExtremePlanes(int seed) {
   Planes p(static_cast<std::uint64_t>(seed));
-  const unsigned char values[][2] = {{255, 255}, {255, 0}, {0, 255}, {128, 128}, {1, 254}, {127, 1}};
+  const unsigned char values[][2] = {{255, 255}, {255, 0}, {0, 255},
+                                     {128, 128}, {1, 254}, {127, 1}};
   if (seed < 6) {
     std::fill(p.fg.begin(), p.fg.end(), values[seed][0]);
     std::fill(p.bg.begin(), p.bg.end(), values[seed][1]);
@@ -176,7 +177,8 @@ TEST(MergeAlphaOver, MergesAllAlphaRowsBeforeTheColours) {
   for (const Level& level : AvailableLevels()) {
     const UseLevel use(level);
     Bytes fg(3 * width * height), bg(fg), fa(width), ba(width), d;
-    for (Bytes* plane : {&fg, &bg, &fa, &ba}) Random(plane->size()).Fill(plane->data(), plane->size());
+    for (Bytes* plane : {&fg, &bg, &fa, &ba})
+      Random(plane->size()).Fill(plane->data(), plane->size());
     d = fa;
     const Bytes before = fg;
     Lib::qvMergeAlphaOver(Type(4), fg.data(), 3 * width, fa.data(), 0, bg.data(), 3 * width,
@@ -237,23 +239,30 @@ TEST(MergeAlphaOver, IgnoresTheHostsFloatingPointEnvironment) {
   }
 }
 
+// All alphas beside all bytes of a first channel; further channels are other bytes.
 TEST(MergeAlphaPlus, IsTheFormulaForAllAlphasAtAllLevels) {
   const int side = 256;
-  Bytes alpha(side * side), src(side * side);
-  for (int i = 0; i < side * side; ++i) {
-    alpha[i] = static_cast<unsigned char>(i);
-    src[i] = static_cast<unsigned char>(i >> 8);
-  }
-  for (const Level& level : AvailableLevels()) {
-    const UseLevel use(level);
+  Bytes alpha(side * side);
+  for (int i = 0; i < side * side; ++i) alpha[i] = static_cast<unsigned char>(i);
+  for (const int channels : {1, 3}) {
+    Bytes src(channels * side * side), expected(src);
+    for (int i = 0; i < channels * side * side; ++i)
+      src[i] = static_cast<unsigned char>((i / channels >> 8) + i % channels * 85);
     for (int d = 0; d < 256; d += d == 127 ? 1 : 3) {
-      Bytes image(side * side, static_cast<unsigned char>(d));
-      ASSERT_EQ(Lib::qvMergeAlphaPlus(Type(2), image.data(), side, src.data(), side, alpha.data(),
-                                      side, side, side),
-                StatusOk);
-      for (int i = 0; i < side * side; ++i)
-        ASSERT_EQ(image[i], Mixed(alpha[i], src[i], static_cast<unsigned>(d)))
-            << int(alpha[i]) << ' ' << int(src[i]) << ' ' << d << ' ' << level.name;
+      Bytes before(src.size());
+      for (std::size_t i = 0; i < before.size(); ++i) {
+        before[i] = static_cast<unsigned char>(d + static_cast<int>(i) % channels * 101);
+        expected[i] = static_cast<unsigned char>(Mixed(alpha[i / channels], src[i], before[i]));
+      }
+      for (const Level& level : AvailableLevels()) {
+        const UseLevel use(level);
+        Bytes image = before;
+        ASSERT_EQ(Lib::qvMergeAlphaPlus(Type(channels == 1 ? 2 : 4), image.data(), channels * side,
+                                        src.data(), channels * side, alpha.data(), side, side,
+                                        side),
+                  StatusOk);
+        ASSERT_TRUE(image == expected) << channels << ' ' << d << ' ' << level.name;
+      }
     }
   }
   EXPECT_EQ(Mixed(255, 255, 0), 255u);

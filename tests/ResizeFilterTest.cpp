@@ -23,7 +23,6 @@ using ExactAxis = std::vector<std::vector<std::pair<int, double>>>;
 
 double Kernel(int interpolation, double x) {
   x = std::fabs(x);
-  if (interpolation == 2) return x < 1 ? 1 - x : 0;
   if (interpolation == 4) {
     if (x < 1) return (1.5 * x - 2.5) * x * x + 1;
     return x < 2 ? ((-0.5 * x + 2.5) * x - 4) * x + 2 : 0;
@@ -35,7 +34,7 @@ double Kernel(int interpolation, double x) {
 
 ExactAxis ExactTaps(const std::vector<double>& positions, int interpolation, int length) {
   ExactAxis axis;
-  const int half = interpolation == 2 ? 1 : interpolation == 4 ? 2 : 3;
+  const int half = interpolation == 4 ? 2 : 3;
   for (double p : positions) {
     if (!(p > -10)) p = -10;
     p = std::min(p, length + 10.0);
@@ -114,7 +113,7 @@ TEST(AxisTaps, AnyPositions) {
   const double inf = std::numeric_limits<double>::infinity();
   for (int run = 0; run < 3000; ++run) {
     const int length = random.OneIn(2) ? random.Between(1, 8) : random.Between(1, 300);
-    const int interpolation = random.Pick(2, 4, 16);
+    const int interpolation = random.Pick(4, 16);
     std::vector<double> positions;
     for (int i = random.Between(1, 30); i > 0; --i) {
       double p = random.Between(-8.0, length + 8.0);
@@ -261,7 +260,7 @@ class Filter : public testing::TestWithParam<Level> {
 TEST_P(Filter, StaysNearExactSums) {
   const UseLevel use(GetParam());
   Random random(20263);
-  for (int interpolation : {2, 4, 16}) {
+  for (int interpolation : {4, 16}) {
     Worst worst;
     for (int run = 0; run < 150; ++run) {
       const auto layout = static_cast<RowLayout>(random.Between(0, 2));

@@ -33,7 +33,7 @@ constexpr int kAlignMin = 4096;
 // stand 64 places higher than the others.
 template <int bytes>
 QV_INLINE QV_FOLD16 __m128i FactorsFor16() {
-  constexpr int64_t first = crc::MoveUp(8 * bytes + 64), second = crc::MoveUp(8 * bytes);
+  constexpr int64_t first = crc::MoveUp<8 * bytes + 64>(), second = crc::MoveUp<8 * bytes>();
   return _mm_set_epi64x(second, first);
 }
 
@@ -131,7 +131,7 @@ QV_INLINE QV_FOLD16 void StepFold16(__m128i* x, const Byte* src) {
 // As FactorsFor16, for each of the four 128-bit polynomials of a vector.
 template <int bytes>
 QV_INLINE QV_FOLD64 __m512i FactorsFor64() {
-  constexpr int64_t first = crc::MoveUp(8 * bytes + 64), second = crc::MoveUp(8 * bytes);
+  constexpr int64_t first = crc::MoveUp<8 * bytes + 64>(), second = crc::MoveUp<8 * bytes>();
   return _mm512_set4_epi64(second, first, second, first);
 }
 

@@ -29,6 +29,13 @@ consteval uint32_t PowerOfX(int n) {
 // Hence x^(n-1), in the low coefficients of a 64-bit word; the product's degree is below 64 + 32.
 consteval int64_t MoveUp(int n) { return static_cast<int64_t>(uint64_t{PowerOfX(n - 1)} << 32); }
 
+// For distances that depend on a template's argument: Clang before 15 takes a call of a consteval
+// function with such an argument for one that is not constant.
+template <int n>
+consteval int64_t MoveUp() {
+  return MoveUp(n);
+}
+
 // The same with the product placed 32 coefficients higher in the 128-bit word.
 consteval int64_t MoveUpRaised(int n) { return static_cast<int64_t>(PowerOfX(n - 1)); }
 

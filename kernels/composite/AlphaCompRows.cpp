@@ -45,7 +45,8 @@ QV_INLINE int Scale(int x, const int (&factors)[2]) {
   return Div255(Div255(x * factors[0]) * factors[1]);
 }
 
-void ComposeRowPlain(const Byte* a, const Byte* b, Byte* dst, ptrdiff_t bytes, const Composition& c) {
+void ComposeRowPlain(const Byte* a, const Byte* b, Byte* dst, ptrdiff_t bytes,
+                     const Composition& c) {
   if (c.usesB)
     for (ptrdiff_t k = 0; k < bytes; ++k) dst[k] = ToByte(Scale(a[k], c.a) + Scale(b[k], c.b));
   else

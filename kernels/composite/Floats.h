@@ -40,24 +40,27 @@ QV_INLINE Vec NearestInts(Floats x) { return _mm_cvtps_epi32(x); }
 
 #endif
 
-// x / 255, rounded, of integers from 0 to 256: x / 255 = p + p / 65535 with p = x * 257 / 65536, which
-// is exact. The second term is so small that its own rounding never shows in the sum; all 257
+// x / 255, rounded, of integers from 0 to 256: x / 255 = p + p / 65535 with p = x * 257 / 65536,
+// which is exact. The second term is so small that its own rounding never shows in the sum; all 257
 // values are those of a division.
-QV_INLINE Floats Over255(Floats x) {
-  const Floats p = MulFloat(x, SplatFloat(257.0f / 65536.0f));
+constexpr float k257Over65536 = 257.0f / 65536.0f;
+QV_INLINE Floats AddOver65535(Floats p) {
+#if defined(__AVX512F__)
+  return _mm512_fmadd_ps(p, SplatFloat(1.0f / 65535.0f), p);
+#else
   return AddFloat(p, MulFloat(p, SplatFloat(1.0f / 65535.0f)));
+#endif
 }
+QV_INLINE Floats Over255(Floats x) { return AddOver65535(MulFloat(x, SplatFloat(k257Over65536))); }
 
 // What the alphas of a pixel make of its colours: (F * foreground + background * B) / divisor.
 struct OverWeights {
   Floats foreground, background, divisor;
 };
 
-// The merged alpha comes with the 1 added.
-QV_INLINE OverWeights WeightsOf(Floats fgAlpha, Floats bgAlpha, Floats mergedPlusOne) {
-  const Floats foreground = Over255(fgAlpha);
-  return {foreground, MulFloat(SubFloat(SplatFloat(1.0f), foreground), Over255(bgAlpha)),
-          Over255(mergedPlusOne)};
+// Of alphas over 255; the merged one comes with the 1 added before.
+QV_INLINE OverWeights WeightsOf(Floats fgAlpha, Floats bgAlpha, Floats divisor) {
+  return {fgAlpha, MulFloat(SubFloat(SplatFloat(1.0f), fgAlpha), bgAlpha), divisor};
 }
 
 }  // namespace qv::QV_LEVEL

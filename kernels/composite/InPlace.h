@@ -4,11 +4,11 @@
 
 namespace qv::QV_LEVEL {
 
-// Covers the elements 0 .. count - 1 with blocks: compute(first) loads the inputs of kBlock elements
-// and returns their result, store(first, result) stores it. The second block begins at `second` (1
-// to kBlock), the last one may overlap its predecessor; the first and the last are computed before
-// anything is stored, so that overlapping blocks see inputs, not results. False, with nothing done,
-// if the row is shorter than a block.
+// Covers the elements 0 .. count - 1 with blocks: compute(first) loads the inputs of kBlock
+// elements and returns their result, store(first, result) stores it. The second block begins at
+// `second` (1 to kBlock), the last one may overlap its predecessor; the first and the last are
+// computed before anything is stored, so that overlapping blocks see inputs, not results. False,
+// with nothing done, if the row is shorter than a block.
 template <int kBlock, class Compute, class Store>
 QV_INLINE bool CoverInPlace(ptrdiff_t count, ptrdiff_t second, Compute compute, Store store) {
   if (count < kBlock) return false;

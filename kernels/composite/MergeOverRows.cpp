@@ -133,7 +133,8 @@ IppStatus MergeAlphaOverPlain_8u(Byte* fg, int fgStep, const Byte* fgAlpha, int 
     const Byte* const fa = RowAt(fgAlpha, fgAlphaStep, y);
     const Byte* const ba = RowAt(bgAlpha, bgAlphaStep, y);
     Byte* const a = RowAt(dstAlpha, fgAlphaStep, y);
-    for (ptrdiff_t x = 0; x < width; ++x) MergePixelPlain(f + 3 * x, fa[x], b + 3 * x, ba[x], a + x);
+    for (ptrdiff_t x = 0; x < width; ++x)
+      MergePixelPlain(f + 3 * x, fa[x], b + 3 * x, ba[x], a + x);
   }
   return StatusOk;
 }

@@ -3,8 +3,8 @@
 #include "kernels/level/Level.h"
 
 #if QV_HAS_VECTORS
+#include "kernels/composite/Alphas.h"
 #include "kernels/composite/InPlace.h"
-#include "kernels/composite/Triple.h"
 #endif
 
 namespace qv::QV_LEVEL {
@@ -28,49 +28,84 @@ void MixRowPlain(Byte* srcDst, const Byte* src, const Byte* alpha, ptrdiff_t wid
 #if QV_HAS_VECTORS
 
 // Both shares are worked out in 16-bit lanes whose high byte is the share and whose low byte is of
-// no account, so that one saturated addition of bytes joins them.
+// no account, so that one addition of bytes joins them. It needs no saturation: the shares are at
+// most a and 255 - a.
 //
 // floor(a * s / 255) is the high byte of (257 * a) * (256 * s + 1) >> 16: that is a * s / 255, less
 // a * s / 255 / 65536, plus 257 * a / 2^24. The addition makes up for the loss, as s is below 256,
 // and is less than 1 / 255, so that it reaches no further integer.
-QV_INLINE Vec MixWords(Vec alphaTwice, Vec srcAndOne, Vec rest, Vec dst) {
-  const Vec first = MulHighUnsigned16(alphaTwice, srcAndOne);
-  const Vec second = Add16(MulLow16(rest, dst), Splat16(1));
-  return ShiftRight16<8>(AddSaturated8(first, second));
+QV_INLINE Vec MixLanes(Vec alphaTwice, Vec srcAndOne, Vec background) {
+  return Add8(MulHighUnsigned16(alphaTwice, srcAndOne), Add16(background, Splat16(1)));
 }
 
-QV_INLINE Vec MixBytes(Vec alpha, Vec src, Vec dst) {
-  const Vec rest = Xor(alpha, Splat8(-1)), one = Splat8(1);
-  return PackUnsigned16(
-      MixWords(InterleaveLow8(alpha, alpha), InterleaveLow8(one, src),
-               InterleaveLow8(rest, Zero()), InterleaveLow8(dst, Zero())),
-      MixWords(InterleaveHigh8(alpha, alpha), InterleaveHigh8(one, src),
-               InterleaveHigh8(rest, Zero()), InterleaveHigh8(dst, Zero())));
+#if defined(__SSSE3__)
+
+// Every byte at an even place in the high byte of its lane, 1 below it.
+QV_INLINE Vec EvenAndOne(Vec src) {
+  if constexpr (kHasBytePermute) {
+    static constexpr ByteTable kIndex = TwinIndex<1>(0, 0);
+    return PermuteBytesOver(Splat16(1), 0xAAAAAAAAAAAAAAAAu, src, Load(kIndex.b));
+  }
+  return Or(ShiftLeft16<8>(src), Splat16(1));
 }
+
+// The bytes at even and at odd places apart. Those at odd places are multiplied in the high bytes
+// of their lanes, and their results are in place.
+template <int kChannels, int j>
+QV_INLINE Vec MixBytes(Vec alpha, Vec src, Vec dst) {
+  const Vec low = Splat16(0xFF), high = Splat16(0xFF00), one = Splat16(1), ones = Splat8(-1);
+  const TwinAlphas a = TwinsOf<kChannels, j>(alpha);
+  const Vec even =
+      MixLanes(a.even, EvenAndOne(src),
+               MulLow16(And(Xor(a.even, ones), low), And(dst, low)));
+  const Vec odd =
+      MixLanes(a.odd, Or(And(src, high), one),
+               MulHighUnsigned16(And(Xor(a.odd, ones), high), And(dst, high)));
+  const Vec shifted = ShiftRight16<8>(even);
+  if constexpr (kHasMaskedBytes) return Select(0xAAAAAAAAAAAAAAAAu, shifted, odd);
+  return Or(shifted, And(odd, high));
+}
+
+#else
+
+template <int kChannels, int j>
+QV_INLINE Vec MixBytes(Vec alpha, Vec src, Vec dst) {
+  const Vec a = AlphasOf<kChannels, j>(alpha), rest = Xor(a, Splat8(-1)), one = Splat8(1);
+  const Vec low = MixLanes(InterleaveLow8(a, a), InterleaveLow8(one, src),
+                           MulLow16(InterleaveLow8(rest, Zero()), InterleaveLow8(dst, Zero())));
+  const Vec high = MixLanes(InterleaveHigh8(a, a), InterleaveHigh8(one, src),
+                            MulLow16(InterleaveHigh8(rest, Zero()), InterleaveHigh8(dst, Zero())));
+  return PackUnsigned16(ShiftRight16<8>(low), ShiftRight16<8>(high));
+}
+
+#endif
+
+// The colours of kVecBytes pixels.
+template <int kChannels>
+struct Colours {
+  Vec v[kChannels];
+};
 
 template <int kChannels>
 void MixRow(Byte* srcDst, const Byte* src, const Byte* alpha, ptrdiff_t width) {
-  bool done;
-  if constexpr (kChannels == 1)
-    done = CoverInPlace<kVecBytes>(
-        width, BytesToAlign(srcDst),
-        [&](ptrdiff_t x) {
-          return MixBytes(Load(alpha + x), Load(src + x), Load(srcDst + x));
-        },
-        [&](ptrdiff_t x, Vec result) { Store(srcDst + x, result); });
-  else
-    done = CoverInPlace<kVecBytes>(
-        width, PixelsToAlign3(srcDst),
-        [&](ptrdiff_t x) {
-          Vec3 v = TripleBytes(Load(alpha + x));
-          for (int j = 0; j < 3; ++j)
-            v.v[j] = MixBytes(v.v[j], Load(src + 3 * x + j * kVecBytes),
-                              Load(srcDst + 3 * x + j * kVecBytes));
-          return v;
-        },
-        [&](ptrdiff_t x, const Vec3& v) {
-          for (int j = 0; j < 3; ++j) Store(srcDst + 3 * x + j * kVecBytes, v.v[j]);
-        });
+  const bool done = CoverInPlace<kVecBytes>(
+      width, kChannels == 1 ? BytesToAlign(srcDst) : PixelsToAlign3(srcDst),
+      [&](ptrdiff_t x) {
+        const Byte* const s = src + kChannels * x;
+        const Byte* const d = srcDst + kChannels * x;
+        const Vec a = Load(alpha + x);
+        Colours<kChannels> mixed;
+        mixed.v[0] = MixBytes<kChannels, 0>(a, Load(s), Load(d));
+        if constexpr (kChannels == 3) {
+          mixed.v[1] = MixBytes<3, 1>(a, Load(s + kVecBytes), Load(d + kVecBytes));
+          mixed.v[2] = MixBytes<3, 2>(a, Load(s + 2 * kVecBytes), Load(d + 2 * kVecBytes));
+        }
+        return mixed;
+      },
+      [&](ptrdiff_t x, const Colours<kChannels>& mixed) {
+        for (int j = 0; j < kChannels; ++j)
+          Store(srcDst + kChannels * x + j * kVecBytes, mixed.v[j]);
+      });
   if (!done) MixRowPlain<kChannels>(srcDst, src, alpha, width);
 }
 

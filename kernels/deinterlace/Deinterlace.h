@@ -9,8 +9,8 @@ namespace qv {
 
 // Vertical three-tap filter over rows of bytes; the formula and the rows that each mode writes are
 // those of CqvAccLib::qvDeinterlace.
-// Checks, in this order: StatusNullPtrErr for a null pointer, StatusSizeErr for a height below 3 or a
-// width below 1.
+// Checks, in this order: StatusNullPtrErr for a null pointer, StatusSizeErr for a height below 3 or
+// a width below 1.
 IppStatus Deinterlace_8u(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
                          int widthBytes, int height, unsigned centreWeight, unsigned mode);
 

@@ -6,6 +6,9 @@ namespace qv::QV_LEVEL {
 
 namespace {
 
+using RowFunction = void(const Byte* src, int srcStep, Byte* dst, int dstStep, ptrdiff_t bytes,
+                         int centreWeight, int sideWeight);
+
 // The weights add up to at most 256, so the sum is at most 65280 and its high byte needs no clamp.
 void FilterRowPlain(const Byte* above, const Byte* centre, const Byte* below, Byte* dst,
                     ptrdiff_t bytes, unsigned centreWeight, unsigned sideWeight) {
@@ -14,18 +17,33 @@ void FilterRowPlain(const Byte* above, const Byte* centre, const Byte* below, By
         (static_cast<unsigned>(above[k] + below[k]) * sideWeight + centre[k] * centreWeight) >> 8);
 }
 
+// kRows rows from `dst` on; `src` is the row above the first.
+template <int kRows>
+void FilterRowsPlain(const Byte* src, int srcStep, Byte* dst, int dstStep, ptrdiff_t bytes,
+                     int centreWeight, int sideWeight) {
+  for (int r = 0; r < kRows; ++r)
+    FilterRowPlain(RowAt(src, srcStep, r), RowAt(src, srcStep, r + 1), RowAt(src, srcStep, r + 2),
+                   RowAt(dst, dstStep, r), bytes, static_cast<unsigned>(centreWeight),
+                   static_cast<unsigned>(sideWeight));
+}
+
 #if QV_HAS_VECTORS
 
-// Weighted sums of the bytes of two vectors, in 16-bit lanes; the weights' signed products must fit
-// them.
-struct SideSums {
-  Vec low, high;
+// What the bytes at even and at odd places contribute to the sums of their pixels, in 16-bit lanes.
+struct Lanes {
+  Vec even, odd;
 };
+QV_INLINE Lanes operator+(const Lanes& a, const Lanes& b) {
+  return {Add16(a.even, b.even), Add16(a.odd, b.odd)};
+}
 
 #if defined(__SSSE3__)
 
-constexpr bool kHasWeightedByteSums = true;
-QV_INLINE Vec MulAddBytes(Vec bytes, Vec weights) {
+// A multiplication of pairs of bytes by a weight and 0 both takes every other byte and weighs it.
+// It wants a weight from -128 to 127: the products then fit signed lanes, which their sums may
+// leave.
+constexpr bool kHasSignedWeights = true;
+QV_INLINE Vec WeighPairs(Vec bytes, Vec weights) {
 #if defined(__AVX512BW__)
   return _mm512_maddubs_epi16(bytes, weights);
 #elif defined(__AVX2__)
@@ -34,78 +52,101 @@ QV_INLINE Vec MulAddBytes(Vec bytes, Vec weights) {
   return _mm_maddubs_epi16(bytes, weights);
 #endif
 }
-QV_INLINE SideSums WeightedSums(Vec above, Vec below, Vec weights) {
-  return {MulAddBytes(InterleaveLow8(above, below), weights),
-          MulAddBytes(InterleaveHigh8(above, below), weights)};
+
+struct Weight {
+  Vec even, odd;
+  explicit Weight(int w) : even(Splat16(w & 0xFF)), odd(Splat16((w & 0xFF) << 8)) {}
+};
+QV_INLINE Lanes Weigh(Vec bytes, const Weight& w) {
+  return {WeighPairs(bytes, w.even), WeighPairs(bytes, w.odd)};
 }
 
 #else
 
-constexpr bool kHasWeightedByteSums = false;
-QV_INLINE SideSums WeightedSums(Vec above, Vec below, Vec) {
-  return {Add16(InterleaveLow8(above, Zero()), InterleaveLow8(below, Zero())),
-          Add16(InterleaveHigh8(above, Zero()), InterleaveHigh8(below, Zero()))};
+constexpr bool kHasSignedWeights = false;
+struct Weight {
+  Vec factor;
+  explicit Weight(int w) : factor(Splat16(w)) {}
+};
+QV_INLINE Lanes Weigh(Vec bytes, const Weight& w) {
+  return {MulLow16(And(bytes, Splat16(0xFF)), w.factor),
+          MulLow16(ShiftRight16<8>(bytes), w.factor)};
 }
 
 #endif
 
-// kLight: the side weight is at most 64, so that 510 times it fits a signed 16-bit lane and the sum of
-// the neighbours is weighted as it is made.
-template <bool kLight>
-void FilterRow(const Byte* above, const Byte* centre, const Byte* below, Byte* dst,
-               ptrdiff_t bytes, unsigned centreWeight, unsigned sideWeight) {
-  const Vec centreFactor = Splat16(static_cast<int>(centreWeight));
-  const Vec sideFactor = Splat16(static_cast<int>(sideWeight));
-  const Vec byteFactor = Splat8(kLight ? static_cast<int>(sideWeight) : 1);
+QV_INLINE Vec HighBytes(const Lanes& sums) {
+  const Vec even = ShiftRight16<8>(sums.even);
+  if constexpr (kHasMaskedBytes) return Select(0xAAAAAAAAAAAAAAAAu, even, sums.odd);
+  return Or(even, And(sums.odd, Splat16(0xFF00)));
+}
+
+// A row weighs in three sums and is loaded
+// and weighed as a neighbour once. kHeavy: a centre weight of 128 to 256 is one less than 256, and
+// another 256, which adds the byte itself to the sum's high byte.
+template <int kRows, bool kHeavy>
+void FilterRows(const Byte* src, int srcStep, Byte* dst, int dstStep, ptrdiff_t bytes,
+                int centreWeight, int sideWeight) {
+  const Weight side(sideWeight), centre(kHeavy ? centreWeight - 256 : centreWeight);
   const auto filter = [&](ptrdiff_t i) {
-    SideSums sides = WeightedSums(Load(above + i), Load(below + i), byteFactor);
-    if constexpr (!kLight)
-      sides = {MulLow16(sides.low, sideFactor), MulLow16(sides.high, sideFactor)};
-    const Vec x = Load(centre + i);
-    const Vec low = Add16(MulLow16(InterleaveLow8(x, Zero()), centreFactor), sides.low);
-    const Vec high = Add16(MulLow16(InterleaveHigh8(x, Zero()), centreFactor), sides.high);
-    Store(dst + i, PackUnsigned16(ShiftRight16<8>(low), ShiftRight16<8>(high)));
+    Vec x = Load(RowAt(src, srcStep, 1) + i);
+    Lanes above = Weigh(Load(src + i), side), own = Weigh(x, side);
+    for (int r = 0; r < kRows; ++r) {
+      const Vec next = Load(RowAt(src, srcStep, r + 2) + i);
+      const Lanes below = Weigh(next, side);
+      Vec result = HighBytes(above + below + Weigh(x, centre));
+      if constexpr (kHeavy) result = Add8(result, x);
+      Store(RowAt(dst, dstStep, r) + i, result);
+      above = own;
+      own = below;
+      x = next;
+    }
   };
   if (!CoverWithBlocks<kVecBytes>(bytes, filter, BytesToAlign(dst)))
-    FilterRowPlain(above, centre, below, dst, bytes, centreWeight, sideWeight);
+    FilterRowsPlain<kRows>(src, srcStep, dst, dstStep, bytes, centreWeight, sideWeight);
 }
 
-// floor((a + b) / 2): the average of the complements rounds up, which is down for the bytes.
-QV_INLINE Vec AverageComplements(Vec a, Vec b) {
-#if defined(__AVX512BW__)
-  return _mm512_avg_epu8(a, b);
-#elif defined(__AVX2__)
-  return _mm256_avg_epu8(a, b);
-#else
-  return _mm_avg_epu8(a, b);
-#endif
-}
-
-// The weights 64, 128, 64: floor((floor((above + below) / 2) + centre) / 2), the same as one
-// truncation of the whole sum by 4.
-void FilterRowEvenly(const Byte* above, const Byte* centre, const Byte* below, Byte* dst,
-                     ptrdiff_t bytes, unsigned centreWeight, unsigned sideWeight) {
-  const Vec ones = Splat8(-1);
+// The weights 0 and 128: floor((above + below) / 2), and floor of the mean of that and the centre,
+// which is the same as one truncation of the whole sum by 4. Averages round up, those of the
+// complements down.
+template <int kRows, bool kCentre>
+void AverageRows(const Byte* src, int srcStep, Byte* dst, int dstStep, ptrdiff_t bytes,
+                 int centreWeight, int sideWeight) {
+  const auto complement = [](Vec x) { return Xor(x, Splat8(-1)); };
   const auto filter = [&](ptrdiff_t i) {
-    const Vec sides = AverageComplements(Sub8(ones, Load(above + i)), Sub8(ones, Load(below + i)));
-    Store(dst + i,
-          Sub8(ones, AverageComplements(sides, Sub8(ones, Load(centre + i)))));
+    Vec above = complement(Load(src + i)), own = complement(Load(RowAt(src, srcStep, 1) + i));
+    for (int r = 0; r < kRows; ++r) {
+      const Vec below = complement(Load(RowAt(src, srcStep, r + 2) + i));
+      Vec mean = AverageUp8(above, below);
+      if constexpr (kCentre) mean = AverageUp8(mean, own);
+      Store(RowAt(dst, dstStep, r) + i, complement(mean));
+      above = own;
+      own = below;
+    }
   };
   if (!CoverWithBlocks<kVecBytes>(bytes, filter, BytesToAlign(dst)))
-    FilterRowPlain(above, centre, below, dst, bytes, centreWeight, sideWeight);
+    FilterRowsPlain<kRows>(src, srcStep, dst, dstStep, bytes, centreWeight, sideWeight);
 }
 
-using RowFunction = decltype(FilterRowPlain);
-
-constexpr RowFunction* RowOf(unsigned centreWeight, unsigned sideWeight) {
-  if (centreWeight == 128) return FilterRowEvenly;
-  return kHasWeightedByteSums && sideWeight <= 64 ? FilterRow<kHasWeightedByteSums>
-                                                  : FilterRow<false>;
+template <int kRows>
+constexpr RowFunction* RowsOf(int centreWeight) {
+  if (centreWeight == 0) return AverageRows<kRows, false>;
+  if (centreWeight == 128) return AverageRows<kRows, true>;
+  return kHasSignedWeights && centreWeight > 128 ? FilterRows<kRows, kHasSignedWeights>
+                                                 : FilterRows<kRows, false>;
 }
+
+// Four rows at a time only where all their stores can be aligned.
+constexpr bool InFours(int dstStep) { return dstStep % kVecBytes == 0; }
 
 #else
 
-constexpr auto RowOf(unsigned, unsigned) { return FilterRowPlain; }
+template <int kRows>
+constexpr RowFunction* RowsOf(int) {
+  return FilterRowsPlain<kRows>;
+}
+
+constexpr bool InFours(int) { return false; }
 
 #endif
 
@@ -131,17 +172,20 @@ IppStatus Deinterlace_8u(const Byte* src, int srcStep, Byte* dst, int dstStep, i
                          int height, unsigned centreWeight, unsigned mode) {
   if (!src || !dst) return StatusNullPtrErr;
   if (height < 3 || widthBytes < 1) return StatusSizeErr;
-  const unsigned weight = centreWeight < 256 ? centreWeight : 256;
-  const unsigned sideWeight = (256 - weight) >> 1;
-  const auto filterRow = RowOf(weight, sideWeight);
+  const int weight = static_cast<int>(centreWeight < 256 ? centreWeight : 256);
+  const int sideWeight = (256 - weight) >> 1;
   const RowPlan plan = PlanOf(mode);
   const auto copy = [&](int y) {
     memcpy(RowAt(dst, dstStep, y), RowAt(src, srcStep, y), static_cast<size_t>(widthBytes));
   };
   if (plan.copiesFirst) copy(0);
-  for (int y = plan.firstFiltered; y <= height - 2; ++y)
-    filterRow(RowAt(src, srcStep, y - 1), RowAt(src, srcStep, y), RowAt(src, srcStep, y + 1),
-              RowAt(dst, dstStep, y), widthBytes, weight, sideWeight);
+  for (int y = plan.firstFiltered; y <= height - 2;) {
+    const bool four = InFours(dstStep) && y <= height - 5;
+    (four ? RowsOf<4>(weight) : RowsOf<1>(weight))(RowAt(src, srcStep, y - 1), srcStep,
+                                                   RowAt(dst, dstStep, y), dstStep, widthBytes,
+                                                   weight, sideWeight);
+    y += four ? 4 : 1;
+  }
   if (plan.copiesLast) copy(height - 1);
   return StatusOk;
 }

@@ -104,13 +104,13 @@ QV_INLINE Vec PairWeights(Vec fraction) {
 }
 
 // False if a pixel needs bytes that cannot be fetched, or taps beyond the edge.
-template <WarpMethod kMethod, int kChannels>
+template <WarpMethod kMethod, int kChannels, bool kInside>
 QV_INLINE bool Prepare(const View& view, Vec px, Vec py, Prepared& out) {
-  px = Clamp32(px, view.highX), py = Clamp32(py, view.highY);
+  if constexpr (!kInside) px = Clamp32(px, view.highX), py = Clamp32(py, view.highY);
   Vec ix = ShiftRightSigned32<kWarpBits>(px), iy = ShiftRightSigned32<kWarpBits>(py);
   if constexpr (kMethod == WarpLinear) {
     // On the last pixel the pair is the one before it, with all the weight on its second half.
-    ix = Min32(ix, view.lastX), iy = Min32(iy, view.lastY);
+    if constexpr (!kInside) ix = Min32(ix, view.lastX), iy = Min32(iy, view.lastY);
     out.x = PairWeights(Sub32(px, ShiftLeft32<kWarpBits>(ix)));
     out.y = PairWeights(Sub32(py, ShiftLeft32<kWarpBits>(iy)));
   }
@@ -125,6 +125,7 @@ QV_INLINE bool Prepare(const View& view, Vec px, Vec py, Prepared& out) {
     bad = Or(bad, Or(ix, iy));
   }
   out.offset = OffsetOf<kChannels>(view, ix, iy);
+  if constexpr (kInside) return true;
   constexpr int kRowsBelow = kMethod == WarpNearest ? 0 : kMethod == WarpLinear ? 1 : 3;
   constexpr int kFetched =
       kMethod == WarpNearest || kChannels == 1 ? 4 : kMethod == WarpLinear ? 8 : 16;
@@ -218,29 +219,26 @@ __attribute__((noinline)) void SamplePlainly(const WarpSource& s, Vec px, Vec py
 
 // Columns begin .. begin + n - 1 of a run, at which `positions` stand. A run of less than a vector
 // is sampled aside, and the last vector of any other one overlaps the one before it.
-template <WarpMethod kMethod, int kChannels, class Positions>
+template <WarpMethod kMethod, int kChannels, bool kInside, class Positions>
 QV_INLINE void SampleRun(const WarpSource& s, const View& view, int begin, int n, Byte* out,
                          Positions positions) {
   constexpr int kMost = kWarpBlock / kLanes32;
   Prepared prepared[kMost];
   bool isReady[kMost];
-  const int end = n > kLanes32 ? n - kLanes32 : 0;
-  for (int i = 0, k = 0;; ++k) {
-    isReady[k] =
-        Prepare<kMethod, kChannels>(view, positions.At(0), positions.At(1), prepared[k]);
-    if (i == end) break;
-    i += kLanes32;
-    if (i <= end) {
-      positions.Advance();
-    } else {
-      i = end;
-      positions.MoveTo(begin + i);
-    }
+  const int vectors = (n + kLanes32 - 1) / kLanes32, end = n > kLanes32 ? n - kLanes32 : 0;
+#pragma GCC unroll 1
+  for (int k = 0; k < vectors; ++k) {
+    if (k + 1 == vectors && k > 0) positions.MoveTo(begin + end);
+    isReady[k] = Prepare<kMethod, kChannels, kInside>(view, positions.At(0), positions.At(1),
+                                                      prepared[k]);
+    positions.Advance();
   }
   Byte part[kLanes32 * kChannels];
-  for (int i = 0, k = 0;; ++k) {
+#pragma GCC unroll 1
+  for (int k = 0; k < vectors; ++k) {
+    const int i = k + 1 < vectors ? k * kLanes32 : end;
     Byte* const to = n < kLanes32 ? part : out + i * kChannels;
-    if (!isReady[k]) {
+    if (!kInside && !isReady[k]) {
       positions.MoveTo(begin + i);
       SamplePlainly<kChannels>(s, positions.At(0), positions.At(1), to, n < kLanes32 ? n : kLanes32);
     } else if constexpr (kMethod == WarpNearest) {
@@ -250,8 +248,6 @@ QV_INLINE void SampleRun(const WarpSource& s, const View& view, int begin, int n
     } else {
       FinishCubic<kChannels>(view, prepared[k], to);
     }
-    if (i == end) break;
-    i = i + kLanes32 < end ? i + kLanes32 : end;
   }
   if (n < kLanes32) memcpy(out, part, static_cast<size_t>(n) * kChannels);
 }
@@ -277,11 +273,16 @@ void WarpRowVectors(const WarpSource& s, const WarpSegment* segments, int count,
         }
         if (g + 1 == end || (g[1].first & -length) != start) break;
       }
-      SampleRun<kMethod, kChannels>(s, view, begin, n, out, Listed{x, y, begin});
+      SampleRun<kMethod, kChannels, false>(s, view, begin, n, out, Listed{x, y, begin});
     } else if (IsLine(*g)) {
-      SampleRun<kMethod, kChannels>(s, view, begin, n, out, Curve<true>(*g, begin));
+      if (g->isInside)
+        SampleRun<kMethod, kChannels, true>(s, view, begin, n, out, Curve<true>(*g, begin));
+      else
+        SampleRun<kMethod, kChannels, false>(s, view, begin, n, out, Curve<true>(*g, begin));
+    } else if (g->isInside) {
+      SampleRun<kMethod, kChannels, true>(s, view, begin, n, out, Curve<false>(*g, begin));
     } else {
-      SampleRun<kMethod, kChannels>(s, view, begin, n, out, Curve<false>(*g, begin));
+      SampleRun<kMethod, kChannels, false>(s, view, begin, n, out, Curve<false>(*g, begin));
     }
   }
 }

@@ -85,6 +85,9 @@ QV_INLINE Vec16 Load16(const void* p) { return _mm_loadu_si128(static_cast<const
 QV_INLINE void Store16(void* p, Vec16 v) { _mm_storeu_si128(static_cast<Vec16*>(p), v); }
 QV_INLINE Vec16 ShuffleBytes16(Vec16 v, Vec16 index) { return _mm_shuffle_epi8(v, index); }
 
+// Averages: (a + b + 1) / 2 of bytes, truncated.
+QV_INLINE Vec AverageUp8(Vec a, Vec b) { return _mm256_avg_epu8(a, b); }
+
 }  // namespace qv::QV_LEVEL
 
 #endif

@@ -15,13 +15,6 @@ constexpr int kChunk = 64;
 // Weights of the taps around positions with fractional part f in [0, 1), tap by tap.
 using ChunkWeights = float[6][kChunk];
 
-void LinearWeights(const float* f, ChunkWeights& w) {
-  for (int i = 0; i < kChunk; ++i) {
-    w[0][i] = 1 - f[i];
-    w[1][i] = f[i];
-  }
-}
-
 // Keys 1981, a = -0.5.
 void CubicWeights(const float* fractions, ChunkWeights& w) {
   for (int i = 0; i < kChunk; ++i) {
@@ -58,8 +51,7 @@ void LanczosWeights(const float* fractions, ChunkWeights& w) {
 }
 
 void WeightsOf(int interpolation, const float* f, ChunkWeights& w) {
-  if (interpolation == 2) LinearWeights(f, w);
-  else if (interpolation == 4) CubicWeights(f, w);
+  if (interpolation == 4) CubicWeights(f, w);
   else LanczosWeights(f, w);
 }
 
@@ -132,7 +124,7 @@ void CoveredSamples(double from, double to, int length, int* first, int* last) {
 }  // namespace
 
 int TapCount(int interpolation, int sourceLength) {
-  const int taps = interpolation == 2 ? 2 : interpolation == 4 ? 4 : 6;
+  const int taps = interpolation == 4 ? 4 : 6;
   return sourceLength < taps ? sourceLength : taps;
 }
 
@@ -160,8 +152,7 @@ void BuildTaps(const AxisPositions& positions, int interpolation, AxisTaps* taps
     WeightsOf(interpolation, f, w);
     short* const weights = taps->weights + start * kept;
     if (kept == full) {
-      if (full == 2) StoreChunk<2>(w, count, weights);
-      else if (full == 4) StoreChunk<4>(w, count, weights);
+      if (full == 4) StoreChunk<4>(w, count, weights);
       else StoreChunk<6>(w, count, weights);
     }
     for (int i = 0; i < count; ++i) {

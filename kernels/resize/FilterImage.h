@@ -17,7 +17,7 @@ struct FilterTask {
   int dstStep;
 };
 
-// Resamples with the linear (2), cubic (4) or Lanczos (16) method. `chroma` gives the positions of
+// Resamples with the cubic (4) or Lanczos (16) method. `chroma` gives the positions of
 // the chroma samples of 4:2:2 on the grid of pairs, half as many as `x`; other layouts ignore it.
 // StatusMemAllocErr, with nothing written, if there is not enough memory.
 IppStatus FilterImage(const FilterTask& task, int interpolation, const AxisPositions& x,

@@ -5,53 +5,51 @@ namespace qv {
 
 namespace {
 
-// Rows of work memory are whole blocks of 64 samples; the widest window may reach past a short
-// line by kReadAhead.
+// Rows of work memory are whole blocks of 64 values; the taps of a widened line are read by fours
+// or eights and may pass its end by kReadAhead.
 constexpr long long kBlock = 64;
-constexpr long long kReadAhead = 128;
+constexpr long long kReadAhead = 16;
 
 long long RoundUp(long long n) { return (n + kBlock - 1) / kBlock * kBlock; }
 
-// Source samples that the taps span.
-long long SpannedSamples(const AxisTaps& taps) {
-  return static_cast<long long>(taps.first[taps.count - 1]) + taps.taps - taps.first[0];
+// Source samples up to the last that a tap names.
+long long EndOfSamples(const AxisTaps& taps) {
+  return static_cast<long long>(taps.first[taps.count - 1]) + taps.taps;
 }
 
 }  // namespace
 
 FilterScratch PlanFilterScratch(RowLayout layout, const FilterColumns& x, const AxisTaps& y) {
   FilterScratch s = {};
-  s.ringRows = y.taps + kBatchRows;
-  s.first = x.luma.first[0];
-  s.count = SpannedSamples(x.luma);
+  long long first = x.luma.first[0], end = EndOfSamples(x.luma), samples = end - first;
+  int pixelBytes = layout == RowLayout::kGray ? 1 : 3, taps = x.luma.taps;
+  long long values = static_cast<long long>(x.luma.count) * pixelBytes;
   if (layout == RowLayout::kPairs422) {
-    const long long lumaEnd = (s.first + s.count + 1) / 2;
-    const long long chromaEnd = x.chroma.first[0] + SpannedSamples(x.chroma);
-    s.first = s.first / 2 < x.chroma.first[0] ? s.first / 2 : x.chroma.first[0];
-    s.count = (lumaEnd > chromaEnd ? lumaEnd : chromaEnd) - s.first;
+    const long long chromaFirst = x.chroma.first[0], chromaEnd = EndOfSamples(x.chroma);
+    first = first / 2 < chromaFirst ? first / 2 : chromaFirst;
+    end = (end + 1) / 2 > chromaEnd ? (end + 1) / 2 : chromaEnd;
+    samples = 2 * (end - first);
+    pixelBytes = 4;
+    values = static_cast<long long>(x.chroma.count) * pixelBytes;
+    if (x.chroma.taps > taps) taps = x.chroma.taps;
   }
+  s.first = first * pixelBytes;
+  s.span = (end - first) * pixelBytes;
+  s.ringRows = y.taps + kBatchRows;
+  s.ringBytes = 2 * RoundUp(values);
   long long at = 0;
   const auto take = [&at](long long bytes) {
     const long long start = at;
     at += RoundUp(bytes);
     return start;
   };
-  for (int k = 0; k < ComponentCount(layout); ++k) {
-    const bool pairs = layout == RowLayout::kPairs422;
-    const int perUnit = pairs && k == 0 ? 2 : 1;
-    s.lineBytes[k] = RoundUp(perUnit * s.count) + kReadAhead;
-    s.line[k] = take(s.lineBytes[k] * kBatchRows);
-    s.ringBytes[k] = 2 * perUnit * RoundUp(pairs ? x.chroma.count : x.luma.count);
-    s.ring[k] = take(s.ringBytes[k] * s.ringRows);
-  }
-  s.words = take(2 * s.lineBytes[0]);
-  // Byte indices and weights of each sample's tap pairs and an int for every four samples, or up to
-  // four or eight weights and an int.
-  const auto columnBytes = [](const AxisTaps& taps) {
-    return RoundUp(taps.count) * ((taps.taps + 1) / 2 * 8 + 4);
-  };
-  s.columns[0] = take(columnBytes(x.luma));
-  s.columns[1] = layout == RowLayout::kPairs422 ? take(columnBytes(x.chroma)) : s.columns[0];
+  s.ring = take(s.ringBytes * s.ringRows);
+  s.copy = take(kBatchRows * kCopyBytes);
+  // For each value its first tap's offset, indices and weights of its pairs of taps, and for every
+  // fourth one a window a pair; or up to four or eight weights and an offset.
+  s.columns = take(RoundUp(values) * (4 + (taps + 1) / 2 * 9));
+  s.words = take(2 * (samples + kReadAhead));
+  s.line = take(2 * RoundUp(values));
   s.total = at + kBlock;
   return s;
 }

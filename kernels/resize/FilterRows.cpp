@@ -17,127 +17,102 @@
 #if QV_HAS_VECTORS
 #include "kernels/resize/FilterAcross.h"
 #include "kernels/resize/FilterDown.h"
-#include "kernels/resize/SplitRows.h"
 #endif
 
 namespace qv::QV_LEVEL {
 
 namespace {
 
-// A component's part of the work.
-struct Plane {
-  const AxisTaps* taps;
-  ptrdiff_t span;  // source samples from the first that a tap names to the last
-  Byte* line;
-  ptrdiff_t lineBytes;
-  Byte* ring;
-  ptrdiff_t ringBytes;
+// The call, its scratch memory, and the range of values of each destination row that is being made.
+template <RowLayout kLayout>
+struct Work {
+  const Byte* src;
+  int srcStep;
+  const FilterColumns& x;
+  const AxisTaps& y;
+  FilterScratch plan;
+  Byte* base;
 #if QV_HAS_VECTORS
   AcrossPlan across;
 #endif
+  ptrdiff_t from, to;
 
-  Byte* Line(int slot) const { return line + lineBytes * slot; }
-  short* Ring(int slot) const { return reinterpret_cast<short*>(ring + ringBytes * slot); }
+  Work(const Byte* source, int step, const FilterColumns& columns, const AxisTaps& rows,
+       void* scratch)
+      : src(source), srcStep(step), x(columns), y(rows),
+        plan(PlanFilterScratch(kLayout, columns, rows)),
+        base(static_cast<Byte*>(scratch) + (-reinterpret_cast<uintptr_t>(scratch) & 63)),
+#if QV_HAS_VECTORS
+        across(PlanAcross(kLayout, columns, plan, base)),
+#endif
+        from(0), to(ValueCount<kLayout>(columns)) {}
+
+  short* Ring(int row) const {
+    return reinterpret_cast<short*>(base + plan.ring +
+                                    static_cast<ptrdiff_t>(plan.ringBytes) *
+                                        (row % plan.ringRows));
+  }
 };
 
-struct Work {
-  Plane planes[3];
-  ptrdiff_t first, count;  // as in FilterScratch
-  int ringRows;
-  short* words;
-};
+#if QV_HAS_VECTORS
+
+// Values of a strip, for which tables and ring stay in the first cache level together.
+constexpr ptrdiff_t kStripValues = 1024;
 
 template <RowLayout kLayout>
-void PlanWork(const FilterColumns& x, const AxisTaps& y, void* scratch, Work* work) {
-  const FilterScratch plan = PlanFilterScratch(kLayout, x, y);
-  Byte* const base = static_cast<Byte*>(scratch) + (-reinterpret_cast<uintptr_t>(scratch) & 63);
-  work->first = static_cast<ptrdiff_t>(plan.first);
-  work->count = static_cast<ptrdiff_t>(plan.count);
-  work->ringRows = plan.ringRows;
-  work->words = reinterpret_cast<short*>(base + plan.words);
-  for (int k = 0; k < ComponentCount(kLayout); ++k) {
-    Plane& plane = work->planes[k];
-    const bool isChroma = kLayout == RowLayout::kPairs422 && k > 0;
-    if (k == 0 || (k == 1 && isChroma)) {
-      plane.taps = isChroma ? &x.chroma : &x.luma;
-      plane.span = ptrdiff_t{plane.taps->first[plane.taps->count - 1]} + plane.taps->taps -
-                   plane.taps->first[0];
-#if QV_HAS_VECTORS
-      plane.across = PlanAcross(*plane.taps, base + plan.columns[isChroma]);
-#endif
-    } else {
-      plane = work->planes[k - 1];
-    }
-    plane.line = base + plan.line[k];
-    plane.lineBytes = static_cast<ptrdiff_t>(plan.lineBytes[k]);
-    plane.ring = base + plan.ring[k];
-    plane.ringBytes = static_cast<ptrdiff_t>(plan.ringBytes[k]);
-  }
+ptrdiff_t StripValues(const Work<kLayout>& work) {
+  return work.across.kind == Across::kWords ? work.to : kStripValues;
 }
 
-#if QV_HAS_VECTORS
-
-// Source rows y .. y + rows - 1, at most kBatchRows of them, filtered along x into the ring.
+// Source rows r .. r + rows - 1, at most kBatchRows of them, filtered along x into the ring.
 template <RowLayout kLayout>
-void FilterSourceRows(const Byte* src, int srcStep, int y, int rows, const Work& work) {
-  const Byte* lines[3][kBatchRows];
-  for (int r = 0; r < rows; ++r) {
-    const Byte* row = RowAt(src, srcStep, ptrdiff_t{y} + r);
-    Byte* own[3] = {};
-    for (int k = 0; k < ComponentCount(kLayout); ++k) lines[k][r] = own[k] = work.planes[k].Line(r);
-    if constexpr (kLayout == RowLayout::kGray) {
-      // Windows end with the row, unless it is shorter than a window.
-      const int windowBytes = work.planes[0].across.windowBytes;
-      if (windowBytes == 0 || work.count >= windowBytes)
-        lines[0][r] = row + work.first;
-      else
-        memcpy(own[0], row + work.first, static_cast<size_t>(work.count));
-    } else if constexpr (kLayout == RowLayout::kTriples) {
-      SplitTriples(row + 3 * work.first, own, work.count);
-    } else {
-      SplitPairs(row + 4 * work.first, own, work.count);
-      for (int k = 0; k < 3; ++k)
-        lines[k][r] += work.planes[k].taps->first[0] - work.first * (k == 0 ? 2 : 1);
+void FilterSourceRows(const Work<kLayout>& work, int r, int rows) {
+  const Byte* lines[kBatchRows];
+  short* out[kBatchRows];
+  const int lastRow = work.y.first[work.y.count - 1] + work.y.taps - 1;
+  ptrdiff_t ahead = r + 2 * kBatchRows - 1 <= lastRow ? ptrdiff_t{work.srcStep} * kBatchRows : 0;
+  for (int i = 0; i < rows; ++i) {
+    lines[i] = RowAt(work.src, work.srcStep, ptrdiff_t{r} + i) + work.plan.first;
+    out[i] = work.Ring(r + i);
+    // Windows end with the row, unless it is shorter than a window.
+    const auto span = static_cast<size_t>(work.plan.span);
+    if (kHasByteShuffle && span < static_cast<size_t>(work.across.windowBytes)) {
+      Byte* const copy = work.base + work.plan.copy + i * kCopyBytes;
+      lines[i] = static_cast<const Byte*>(memcpy(copy, lines[i], span));
+      ahead = 0;
     }
   }
-  for (int k = 0; k < ComponentCount(kLayout); ++k) {
-    short* out[kBatchRows];
-    for (int r = 0; r < rows; ++r) out[r] = work.planes[k].Ring((y + r) % work.ringRows);
-    FilterAcross(work.planes[k].across, lines[k], work.planes[k].span, rows, work.words, out);
-  }
+  FilterAcross<kLayout>(work.across, work.x, lines, rows, ahead,
+                        static_cast<ptrdiff_t>(work.plan.span), work.from, work.to, out);
 }
 
 #else
 
 template <RowLayout kLayout>
-void FilterSourceRows(const Byte* src, int srcStep, int y, int rows, const Work& work) {
-  for (int r = y; r < y + rows; ++r)
-    for (int k = 0; k < ComponentCount(kLayout); ++k) {
-      const AxisTaps& taps = *work.planes[k].taps;
-      const RowComponent component = Component(kLayout, k);
-      const Byte* row = RowAt(src, srcStep, r) + component.offset;
-      short* out = work.planes[k].Ring(r % work.ringRows);
-      for (ptrdiff_t i = 0; i < taps.count; ++i) {
-        int sum = 0;
-        for (int t = 0; t < taps.taps; ++t)
-          sum += taps.weights[i * taps.taps + t] *
-                 row[(ptrdiff_t{taps.first[i]} + t) * component.stride];
-        out[i] = static_cast<short>(sum >> 8);
-      }
-    }
+ptrdiff_t StripValues(const Work<kLayout>& work) {
+  return work.to;
 }
 
 template <RowLayout kLayout>
-void FilterDown(const short* const (*rows)[kMaxTaps], const short* weights, int taps, Byte* dst,
-                ptrdiff_t count) {
-  for (int k = 0; k < ComponentCount(kLayout); ++k) {
-    const RowComponent component = Component(kLayout, k);
-    const ptrdiff_t samples = kLayout == RowLayout::kPairs422 && k == 0 ? 2 * count : count;
-    for (ptrdiff_t i = 0; i < samples; ++i) {
-      int sum = 16;
-      for (int t = 0; t < taps; ++t) sum += (rows[k][t][i] * weights[t] + 16384) >> 15;
-      dst[component.offset + i * component.stride] = ToByte(sum >> 5);
+void FilterSourceRows(const Work<kLayout>& work, int r, int rows) {
+  for (int i = r; i < r + rows; ++i) {
+    const Byte* row = RowAt(work.src, work.srcStep, i);
+    short* out = work.Ring(i);
+    for (ptrdiff_t k = work.from; k < work.to; ++k) {
+      const ValueTaps v = TapsOfValue<kLayout>(work.x, k);
+      int sum = 0;
+      for (int t = 0; t < v.taps; ++t) sum += v.weights[t] * row[v.at + ptrdiff_t{t} * v.stride];
+      out[k] = static_cast<short>(sum >> 8);
     }
+  }
+}
+
+void FilterDown(const short* const* rows, const short* weights, int taps, Byte* dst,
+                ptrdiff_t count) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    int sum = 16;
+    for (int t = 0; t < taps; ++t) sum += (rows[t][i] * weights[t] + 16384) >> 15;
+    dst[i] = ToByte(sum >> 5);
   }
 }
 
@@ -149,12 +124,10 @@ bool IsNeeded(const AxisTaps& y, int i, int r) {
   return i < y.count && y.first[i] <= r;
 }
 
+// Values work.from .. work.to - 1 of all destination rows.
 template <RowLayout kLayout>
-IppStatus FilterRows(const Byte* src, int srcStep, const FilterColumns& x, const AxisTaps& y,
-                     Byte* dst, int dstStep, void* scratch) {
-  Work work;
-  PlanWork<kLayout>(x, y, scratch, &work);
-  const ptrdiff_t count = kLayout == RowLayout::kPairs422 ? x.chroma.count : x.luma.count;
+void FilterStrip(const Work<kLayout>& work, Byte* dst, int dstStep) {
+  const AxisTaps& y = work.y;
   const int taps = (y.taps + 1) / 2 * 2;
   int next = 0;  // source rows before this one are in the ring or not needed any more
   for (int i = 0; i < y.count; ++i) {
@@ -163,18 +136,28 @@ IppStatus FilterRows(const Byte* src, int srcStep, const FilterColumns& x, const
     while (next < end) {
       // Two rows at a time, the second one perhaps ahead of its use.
       const int rows = next + 1 < end || IsNeeded(y, i, next + 1) ? 2 : 1;
-      FilterSourceRows<kLayout>(src, srcStep, next, rows, work);
+      FilterSourceRows(work, next, rows);
       next += rows;
     }
-    const short* rows[3][kMaxTaps];
+    const short* rows[kMaxTaps];
     short weights[kMaxTaps] = {};
     for (int t = 0; t < taps; ++t) {
       const int own = t < y.taps ? t : 0;
       if (t == own) weights[t] = y.weights[static_cast<ptrdiff_t>(i) * y.taps + t];
-      for (int k = 0; k < ComponentCount(kLayout); ++k)
-        rows[k][t] = work.planes[k].Ring((first + own) % work.ringRows);
+      rows[t] = work.Ring(first + own) + work.from;
     }
-    FilterDown<kLayout>(rows, weights, taps, RowAt(dst, dstStep, i), count);
+    FilterDown(rows, weights, taps, RowAt(dst, dstStep, i) + work.from, work.to - work.from);
+  }
+}
+
+template <RowLayout kLayout>
+IppStatus FilterRows(const Byte* src, int srcStep, const FilterColumns& x, const AxisTaps& y,
+                     Byte* dst, int dstStep, void* scratch) {
+  Work<kLayout> work(src, srcStep, x, y, scratch);
+  const ptrdiff_t values = work.to, strip = StripValues(work);
+  for (; work.from < values; work.from = work.to) {
+    work.to = values - work.from < strip ? values : work.from + strip;
+    FilterStrip(work, dst, dstStep);
   }
   return StatusOk;
 }

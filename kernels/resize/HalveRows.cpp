@@ -3,8 +3,7 @@
 #include "kernels/level/Level.h"
 
 #if QV_HAS_VECTORS
-#include "kernels/resize/FilterDown.h"
-#include "kernels/resize/SplitRows.h"
+#include "kernels/resize/ResizeVectors.h"
 #endif
 
 namespace qv::QV_LEVEL {
@@ -70,15 +69,17 @@ QV_INLINE void HalveTriples(const Byte* upper, const Byte* lower, Byte* dst, ptr
     }
     return;
   } else if constexpr (kHasByteShuffle) {
-    Byte bytes[2][3][2 * kVecBytes];
-    Byte* const lines[2][3] = {{bytes[0][0], bytes[0][1], bytes[0][2]},
-                               {bytes[1][0], bytes[1][1], bytes[1][2]}};
-    for (; x + kVecBytes <= width; x += kVecBytes) {
-      SplitTriples(upper + 6 * x, lines[0], 2 * kVecBytes);
-      SplitTriples(lower + 6 * x, lines[1], 2 * kVecBytes);
-      Vec v[3];
-      for (int k = 0; k < 3; ++k) v[k] = HalveVector(lines[0][k], lines[1][k]);
-      StoreTriples(dst + 3 * x, v);
+    // Two destination pixels from twelve bytes: word j is made of byte 6 * (j / 3) + j % 3 and the
+    // one three further. Eight bytes are stored, of which the next two pixels redo two.
+    static constexpr Byte kSides[16] = {0, 3, 1, 4, 2, 5, 6, 9, 7, 10, 8, 11, 0, 0, 0, 0};
+    const Vec16 sides = Load16(kSides), ones = _mm_set1_epi8(1), two = _mm_set1_epi16(2);
+    const auto sums = [&](const Byte* row) __attribute__((always_inline)) {
+      return MulAddBytes16(ShuffleBytes16(Load16(row + 6 * x), sides), ones);
+    };
+    for (; x + 3 <= width; x += 2) {
+      const Vec16 mean = _mm_srli_epi16(
+          _mm_add_epi16(_mm_add_epi16(sums(upper), sums(lower)), two), 2);
+      _mm_storel_epi64(reinterpret_cast<Vec16*>(dst + 3 * x), _mm_packus_epi16(mean, mean));
     }
   }
   HalvePlain<3>(upper + 6 * x, lower + 6 * x, dst + 3 * x, width - x);

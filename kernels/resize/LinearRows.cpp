@@ -3,21 +3,45 @@
 #include "kernels/level/Level.h"
 #include "kernels/resize/ByteGather.h"
 #include "kernels/resize/ResizeRows.h"
+#include "kernels/resize/ResizeVectors.h"
 
 namespace qv::QV_LEVEL {
 
 using Value = unsigned short;
 
+// The byte offsets of a value's two samples in a source row and the weight of the right one.
+struct Sides {
+  int left, right, weight;
+};
+
+QV_INLINE Sides SidesOf(const LinearTaps& x, ptrdiff_t j, int stride, int offset) {
+  const int left = x.first[j] * stride + offset;
+  return {left, left + x.neighbour * stride, x.weight[j]};
+}
+
+// Calls each(k, sides) for every value k of a row.
+template <class Each>
+QV_INLINE void ForEachValue(const LinearTables& t, Each each) {
+  if (t.channels == 2) {
+    for (ptrdiff_t j = 0; j < t.width / 2; ++j) {
+      each(4 * j, SidesOf(t.x, 2 * j, 2, 0));
+      each(4 * j + 1, SidesOf(t.xChroma, j, 4, 1));
+      each(4 * j + 2, SidesOf(t.x, 2 * j + 1, 2, 0));
+      each(4 * j + 3, SidesOf(t.xChroma, j, 4, 3));
+    }
+  } else {
+    for (ptrdiff_t j = 0; j < t.width; ++j)
+      for (int c = 0; c < t.channels; ++c)
+        each(j * t.channels + c, SidesOf(t.x, j, t.channels, c));
+  }
+}
+
 // One source row: h = (p1 * w + p0 * (16384 - w) + 128) >> 8, plus `bias`.
 static void InterpolateRow(const Byte* row, const LinearTables& t, int bias, Value* out) {
-  const ptrdiff_t right = ptrdiff_t{t.xNeighbour} * t.channels;
-  for (ptrdiff_t j = 0; j < t.width; ++j) {
-    const Byte* const p = row + ptrdiff_t{t.x[j]} * t.channels;
-    const int w = t.xWeight[j];
-    for (int c = 0; c < t.channels; ++c)
-      out[j * t.channels + c] = static_cast<Value>(
-          ((p[c + right] * w + p[c] * (kWeightOne - w) + 128) >> 8) + bias);
-  }
+  ForEachValue(t, [&](ptrdiff_t k, Sides s) {
+    out[k] = static_cast<Value>(
+        ((row[s.right] * s.weight + row[s.left] * (kWeightOne - s.weight) + 128) >> 8) + bias);
+  });
 }
 
 // Calls blend(upper, lower, i) for every destination row i, with the two source rows that it lies
@@ -27,7 +51,7 @@ QV_INLINE void WalkRows(const LinearTables& t, Value* upper, Value* lower, Fill 
                         Blend blend) {
   int upperRow = -1, lowerRow = -1;  // the source rows that are held
   for (int i = 0; i < t.height; ++i) {
-    const int y = t.y[i];
+    const int y = t.y.first[i];
     if (y != upperRow) {
       Value* const old = upper;
       if (y == lowerRow) {
@@ -39,8 +63,8 @@ QV_INLINE void WalkRows(const LinearTables& t, Value* upper, Value* lower, Fill 
       }
       upperRow = y;
     }
-    if (lowerRow != y + t.yNeighbour) {
-      lowerRow = y + t.yNeighbour;
+    if (lowerRow != y + t.y.neighbour) {
+      lowerRow = y + t.y.neighbour;
       fill(lowerRow, lower);
     }
     blend(upper, lower, i);
@@ -48,32 +72,6 @@ QV_INLINE void WalkRows(const LinearTables& t, Value* upper, Value* lower, Fill 
 }
 
 #if QV_HAS_VECTORS
-
-// Sixteen-bit lanes of two vectors, not above 255, as bytes in their order; the rounded product
-// (a * b + 0x4000) >> 15; and, for pairs of unsigned bytes (a) and signed bytes (b), the sums of
-// their products.
-#if defined(__AVX512BW__)
-QV_INLINE Vec PackInOrder(Vec a, Vec b) {
-  return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), PackUnsigned16(a, b));
-}
-QV_INLINE Vec MulRounded15(Vec a, Vec b) { return _mm512_mulhrs_epi16(a, b); }
-QV_INLINE Vec MulAddBytes(Vec a, Vec b) { return _mm512_maddubs_epi16(a, b); }
-#elif defined(__AVX2__)
-QV_INLINE Vec PackInOrder(Vec a, Vec b) {
-  return _mm256_permute4x64_epi64(PackUnsigned16(a, b), 0xD8);
-}
-QV_INLINE Vec MulRounded15(Vec a, Vec b) { return _mm256_mulhrs_epi16(a, b); }
-QV_INLINE Vec MulAddBytes(Vec a, Vec b) { return _mm256_maddubs_epi16(a, b); }
-#else
-QV_INLINE Vec PackInOrder(Vec a, Vec b) { return PackUnsigned16(a, b); }
-#if defined(__SSSE3__)
-QV_INLINE Vec MulRounded15(Vec a, Vec b) { return _mm_mulhrs_epi16(a, b); }
-QV_INLINE Vec MulAddBytes(Vec a, Vec b) { return _mm_maddubs_epi16(a, b); }
-#else
-Vec MulRounded15(Vec a, Vec b);
-Vec MulAddBytes(Vec a, Vec b);
-#endif
-#endif
 
 // Vector rows carry the vertical rounding, half of a byte's unit, with every value.
 constexpr int kHalf = 32;
@@ -93,7 +91,7 @@ static void BlendRows(const Value* upper, const Value* lower, int w, Byte* dst, 
     const Vec u = Load(near + k);
     return ShiftRight16<6>(Add16(u, MulHighSigned16(Sub16(u, Load(far + k)), factor)));
   };
-  const auto block = [&](ptrdiff_t k) { return PackInOrder(half(k), half(k + kVecBytes / 2)); };
+  const auto block = [&](ptrdiff_t k) { return PackBytesInOrder(half(k), half(k + kVecBytes / 2)); };
   ptrdiff_t k = 0;
   for (; k <= bytes - kVecBytes; k += kVecBytes) Store(dst + k, block(k));
   if (k == bytes) return;
@@ -112,12 +110,14 @@ static void BlendRows(const Value* upper, const Value* lower, int w, Byte* dst, 
 //   h = 64 * p0 + (((p1 - p0) * w + 128) >> 8),
 // since 16384 * p0 has no low bits; and the second term is the rounded product of 64 * (p1 - p0)
 // and 2 * w.
+// Meanwhile the same bytes of row `next` are fetched.
 template <int kLoads>
-QV_INLINE void InterpolatePairs(const ByteGather& g, const Byte* row, const Value* twiceWeight,
-                                ptrdiff_t vectors, Value* out) {
+QV_INLINE void InterpolatePairs(const ByteGather& g, const Byte* row, const Byte* next,
+                                const Value* twiceWeight, ptrdiff_t vectors, Value* out) {
   for (ptrdiff_t v = 0; v < vectors; ++v) {
     const ptrdiff_t k = v * (kVecBytes / 2);
     const Vec pairs = GatherBytes<kLoads>(g, row, v);
+    FetchAhead<kLoads>(g, next, v);
     const Vec difference = MulAddBytes(pairs, Splat16(64 * 256 + (256 - 64)));
     const Vec left = Add16(MulAddBytes(pairs, Splat16(64)), Splat16(kHalf));
     Store(out + k, Add16(left, MulRounded15(difference, Load(twiceWeight + k))));
@@ -128,17 +128,14 @@ QV_INLINE void InterpolatePairs(const ByteGather& g, const Byte* row, const Valu
 // of the left one, so that twice the weight fits; a sample without weight may be any within the
 // row.
 static void FillPairs(const LinearTables& t, ptrdiff_t readable, int* offset, Value* twiceWeight) {
-  const int right = t.xNeighbour * t.channels;
-  for (ptrdiff_t j = 0; j < t.width; ++j) {
-    const bool onRight = t.xWeight[j] == kWeightOne;
-    const int first = t.x[j] * t.channels + (onRight ? right : 0);
-    for (int c = 0; c < t.channels; ++c) {
-      const ptrdiff_t k = j * t.channels + c;
-      offset[2 * k] = first + c;
-      offset[2 * k + 1] = first + c + right < readable ? first + c + right : first + c;
-      twiceWeight[k] = static_cast<Value>(onRight ? 0 : 2 * t.xWeight[j]);
-    }
-  }
+  ForEachValue(t, [&](ptrdiff_t k, Sides s) {
+    const bool onRight = s.weight == kWeightOne;
+    const int first = onRight ? s.right : s.left;
+    const int second = first + s.right - s.left;
+    offset[2 * k] = first;
+    offset[2 * k + 1] = second < readable ? second : first;
+    twiceWeight[k] = static_cast<Value>(onRight ? 0 : 2 * s.weight);
+  });
 }
 
 // False if shuffles do not serve this resize.
@@ -155,20 +152,22 @@ static bool ShuffledRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
   FillPairs(t, readable, offset, twiceWeight);
   ByteGather g;
   if (!PlanGather(offset, 2 * bytes, false, readable, at, index, &g)) return false;
+  const int lastRow = t.y.first[t.height - 1] + t.y.neighbour;
   Byte copy[kPaddedRow] = {};
   WithLoads(g.loads, [&]<int kLoads>() {
     WalkRows(
         t, first, second,
         [&](int y, Value* out) {
           const Byte* row = RowAt(src, srcStep, y);
+          const Byte* const next = RowAt(src, srcStep, y < lastRow ? y + 1 : y);
           if (g.padded) {
             memcpy(copy, row, static_cast<size_t>(readable));
             row = copy;
           }
-          InterpolatePairs<kLoads>(g, row, twiceWeight, vectors, out);
+          InterpolatePairs<kLoads>(g, row, next, twiceWeight, vectors, out);
         },
         [&](const Value* upper, const Value* lower, int i) {
-          BlendRows(upper, lower, t.yWeight[i], RowAt(dst, dstStep, i), bytes);
+          BlendRows(upper, lower, t.y.weight[i], RowAt(dst, dstStep, i), bytes);
         });
   });
   return true;
@@ -184,7 +183,7 @@ static void PlainRows(const Byte* src, int srcStep, Byte* dst, int dstStep, cons
       [&](int y, Value* out) { InterpolateRow(RowAt(src, srcStep, y), t, 0, out); },
       [&](const Value* upper, const Value* lower, int i) {
         Byte* const to = RowAt(dst, dstStep, i);
-        const unsigned w = t.yWeight[i];
+        const unsigned w = t.y.weight[i];
         for (ptrdiff_t k = 0; k < bytes; ++k)
           to[k] = static_cast<Byte>((lower[k] * w + upper[k] * (kWeightOne - w) + 524288) >> 20);
       });
@@ -208,7 +207,7 @@ void LinearRows_8u(const Byte* src, int srcStep, Byte* dst, int dstStep,
       t, first, second,
       [&](int y, Value* out) { InterpolateRow(RowAt(src, srcStep, y), t, kHalf, out); },
       [&](const Value* upper, const Value* lower, int i) {
-        BlendRows(upper, lower, t.yWeight[i], RowAt(dst, dstStep, i), bytes);
+        BlendRows(upper, lower, t.y.weight[i], RowAt(dst, dstStep, i), bytes);
       });
 #else
   PlainRows(src, srcStep, dst, dstStep, t, first, second);

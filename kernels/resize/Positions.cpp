@@ -23,6 +23,24 @@ double AlignedStep(Axis axis) {
   return scaled > 1 ? Rounded((axis.length - 1) / (scaled - 1)) : 0;
 }
 
+// A position of 0 or more as two neighbouring samples.
+void SplitPosition(double position, int last, int* index, unsigned short* weight) {
+  const int whole = LimitedIndex(position, last);
+  if (whole == last) {
+    *index = last > 0 ? last - 1 : 0;
+    *weight = last > 0 ? 16384 : 0;
+  } else {
+    const auto fraction = static_cast<float>(position - whole);
+    *index = whole;
+    *weight = static_cast<unsigned short>(fraction * 16384.0 + 1e-07);
+  }
+}
+
+double BandPosition(const BandAxis& axis, const Span& span, int i) {
+  return (static_cast<double>(span.first) + i + 0.5) / axis.factor - 0.5 -
+         axis.shift / axis.factor - axis.start;
+}
+
 }  // namespace
 
 int WrittenExtent(Axis axis, int available) {
@@ -52,18 +70,9 @@ void AlignedPositions(Axis axis, int count, double* position) {
 
 void AlignedTaps(Axis axis, int count, int* index, unsigned short* weight) {
   const double step = AlignedStep(axis);
-  const int last = axis.length - 1;
   double position = 0;
   for (int i = 0; i < count; ++i) {
-    const int whole = LimitedIndex(position, last);
-    if (whole == last) {
-      index[i] = last > 0 ? last - 1 : 0;
-      weight[i] = last > 0 ? 16384 : 0;
-    } else {
-      const auto fraction = static_cast<float>(position - whole);
-      index[i] = whole;
-      weight[i] = static_cast<unsigned short>(fraction * 16384.0 + 1e-07);
-    }
+    SplitPosition(position, axis.length - 1, index + i, weight + i);
     position = Rounded(position + step);
   }
 }
@@ -97,13 +106,18 @@ void BandNearestIndices(BandAxis axis, Span span, int* index) {
   }
 }
 
+void BandTaps(BandAxis axis, Span span, int* index, unsigned short* weight) {
+  for (int i = 0; i < span.count; ++i) {
+    const double position = BandPosition(axis, span, i);
+    SplitPosition(position > 0 ? position : 0, axis.length - 1, index + i, weight + i);
+  }
+}
+
 void BandPositions(BandAxis axis, Span span, double* position) {
   constexpr double kReach = 8;
-  const double shift = axis.shift / axis.factor;
   const double high = axis.length + kReach;
   for (int i = 0; i < span.count; ++i) {
-    const double x =
-        (static_cast<double>(span.first) + i + 0.5) / axis.factor - 0.5 - shift - axis.start;
+    const double x = BandPosition(axis, span, i);
     position[i] = x > -kReach ? (x < high ? x : high) : -kReach;
   }
 }

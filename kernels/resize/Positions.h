@@ -53,6 +53,10 @@ bool ProjectRegion(BandAxis axis, int start, int size, Span* span);
 // first sample.
 void BandNearestIndices(BandAxis axis, Span span, int* index);
 
+// (i + 0.5) / F - 0.5 - shift / F from the region's first sample, as AlignedTaps() splits positions.
+// Those left of the first sample take the first sample.
+void BandTaps(BandAxis axis, Span span, int* index, unsigned short* weight);
+
 // (i + 0.5) / F - 0.5 - shift / F from the region's first sample. Positions farther outside than
 // any filter reaches are moved closer: all their taps take the edge sample either way.
 void BandPositions(BandAxis axis, Span span, double* position);

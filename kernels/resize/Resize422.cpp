@@ -48,8 +48,30 @@ FilterTask TaskOf(const Job422& job) {
   return {RowLayout::kPairs422, job.src, job.srcStep, job.dst, job.dstStep};
 }
 
-// Linear and cubic.
-IppStatus RunFilter(const Job422& job, int interpolation) {
+IppStatus RunLinear(const Job422& job) {
+  const int width = 2 * job.pairs;
+  WorkLayout layout;
+  const auto x = layout.Add<int>(width), chroma = layout.Add<int>(job.pairs);
+  const auto y = layout.Add<int>(job.height);
+  const auto xWeight = layout.Add<unsigned short>(width);
+  const auto chromaWeight = layout.Add<unsigned short>(job.pairs);
+  const auto yWeight = layout.Add<unsigned short>(job.height);
+  const auto rows = layout.Add<char>(RowsWorkBytes(uint64_t(job.pairs) * 4));
+  const WorkMemory work(layout);
+  if (!work) return StatusMemAllocErr;
+  AlignedTaps(job.luma, width, work.At<int>(x), work.At<unsigned short>(xWeight));
+  AlignedTaps(job.chroma, job.pairs, work.At<int>(chroma), work.At<unsigned short>(chromaWeight));
+  AlignedTaps(job.y, job.height, work.At<int>(y), work.At<unsigned short>(yWeight));
+  const LinearTables tables = {
+      width, job.height, job.luma.length, 2,
+      {job.luma.length > 1, work.At<int>(x), work.At<unsigned short>(xWeight)},
+      {job.y.length > 1, work.At<int>(y), work.At<unsigned short>(yWeight)},
+      {job.chroma.length > 1, work.At<int>(chroma), work.At<unsigned short>(chromaWeight)}};
+  LinearRows_8u(job.src, job.srcStep, job.dst, job.dstStep, &tables, work.At<char>(rows));
+  return StatusOk;
+}
+
+IppStatus RunCubic(const Job422& job) {
   const int width = 2 * job.pairs;
   WorkLayout layout;
   const auto x = layout.Add<double>(width), chroma = layout.Add<double>(job.pairs);
@@ -59,7 +81,7 @@ IppStatus RunFilter(const Job422& job, int interpolation) {
   AlignedPositions(job.luma, width, work.At<double>(x));
   AlignedPositions(job.chroma, job.pairs, work.At<double>(chroma));
   AlignedPositions(job.y, job.height, work.At<double>(y));
-  return FilterImage(TaskOf(job), interpolation, {width, work.At<double>(x), job.luma.length},
+  return FilterImage(TaskOf(job), InterpolateCubic, {width, work.At<double>(x), job.luma.length},
                      {job.pairs, work.At<double>(chroma), job.chroma.length},
                      {job.height, work.At<double>(y), job.y.length});
 }
@@ -119,7 +141,8 @@ IppStatus ResizeYUV422_8u_C2(const unsigned char* src, IppiSize srcSize, int src
   switch (interpolation) {
     case InterpolateNearest: return RunNearest(job);
     case InterpolateArea: return RunArea(job);
-    default: return RunFilter(job, interpolation);
+    case InterpolateLinear: return RunLinear(job);
+    default: return RunCubic(job);
   }
 }
 

@@ -35,12 +35,32 @@ IppStatus RunNearest(const BandJob& job) {
   return StatusOk;
 }
 
+IppStatus RunLinear(const BandJob& job) {
+  const int width = job.columns.count, height = job.rows.count;
+  WorkLayout layout;
+  const auto x = layout.Add<int>(width), y = layout.Add<int>(height);
+  const auto xWeight = layout.Add<unsigned short>(width);
+  const auto yWeight = layout.Add<unsigned short>(height);
+  const auto rows = layout.Add<char>(RowsWorkBytes(uint64_t(width) * job.channels));
+  const WorkMemory work(layout, job.buffer, job.bufferBytes);
+  if (!work) return StatusMemAllocErr;
+  BandTaps(job.x, job.columns, work.At<int>(x), work.At<unsigned short>(xWeight));
+  BandTaps(job.y, job.rows, work.At<int>(y), work.At<unsigned short>(yWeight));
+  const LinearTables tables = {
+      width, height, job.x.length, job.channels,
+      {job.x.length > 1, work.At<int>(x), work.At<unsigned short>(xWeight)},
+      {job.y.length > 1, work.At<int>(y), work.At<unsigned short>(yWeight)},
+      {}};
+  LinearRows_8u(job.src, job.srcStep, job.dst, job.dstStep, &tables, work.At<char>(rows));
+  return StatusOk;
+}
+
 FilterTask TaskOf(const BandJob& job) {
   return {job.channels == 1 ? RowLayout::kGray : RowLayout::kTriples, job.src, job.srcStep, job.dst,
           job.dstStep};
 }
 
-// Linear, cubic and Lanczos.
+// Cubic and Lanczos.
 IppStatus RunFilter(const BandJob& job, int interpolation) {
   WorkLayout layout;
   const auto x = layout.Add<double>(job.columns.count), y = layout.Add<double>(job.rows.count);
@@ -100,6 +120,7 @@ IppStatus ResizeBand(const unsigned char* src, IppiSize srcSize, int srcStep, Ip
       static_cast<uint64_t>(bufferBytes)};
   switch (interpolation) {
     case InterpolateNearest: return RunNearest(job);
+    case InterpolateLinear: return RunLinear(job);
     case InterpolateArea:
       return AverageImage(TaskOf(job), AreaOf(x, columns), {}, AreaOf(y, rows));
     default: return RunFilter(job, interpolation);

@@ -53,16 +53,11 @@ IppStatus RunLinear(const Job& job) {
   if (!work) return StatusMemAllocErr;
   AlignedTaps(job.x, job.width, work.At<int>(x), work.At<unsigned short>(xWeight));
   AlignedTaps(job.y, job.height, work.At<int>(y), work.At<unsigned short>(yWeight));
-  const LinearTables tables = {job.width,
-                               job.height,
-                               job.x.length,
-                               job.channels,
-                               job.x.length > 1 ? 1 : 0,
-                               job.y.length > 1 ? 1 : 0,
-                               work.At<int>(x),
-                               work.At<int>(y),
-                               work.At<unsigned short>(xWeight),
-                               work.At<unsigned short>(yWeight)};
+  const LinearTables tables = {
+      job.width, job.height, job.x.length, job.channels,
+      {job.x.length > 1, work.At<int>(x), work.At<unsigned short>(xWeight)},
+      {job.y.length > 1, work.At<int>(y), work.At<unsigned short>(yWeight)},
+      {}};
   LinearRows_8u(job.src, job.srcStep, job.dst, job.dstStep, &tables, work.At<char>(rows));
   return StatusOk;
 }

@@ -18,17 +18,20 @@ struct NearestTables {
   const int* xChroma;  // packed 4:2:2: the source pair of each destination pair
 };
 
-// Destination column j lies between source columns x[j] and x[j] + xNeighbour, of which the right
-// one has weight xWeight[j] / 16384 and the left one the rest; rows likewise.
+// Destination sample i of an axis lies between source samples first[i] and first[i] + neighbour, of
+// which the second one has weight[i] / 16384 and the first one the rest.
+struct LinearTaps {
+  int neighbour;  // 1, or 0 in a region that is one sample long
+  const int* first;
+  const unsigned short* weight;
+};
+
 struct LinearTables {
   int width, height;
   int srcWidth;
-  int channels;                // 1 or 3
-  int xNeighbour, yNeighbour;  // 1, or 0 in a region that is one sample wide or high
-  const int* x;
-  const int* y;
-  const unsigned short* xWeight;
-  const unsigned short* yWeight;
+  int channels;  // as in NearestTables
+  LinearTaps x, y;
+  LinearTaps xChroma;  // packed 4:2:2: of the pairs
 };
 
 constexpr int kWeightOne = 16384;

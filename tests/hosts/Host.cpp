@@ -3,8 +3,6 @@
 // compiler without a C library can build it; on Windows it brings its own entry point.
 #include <qvAcceleratedLib/CqvAccLib.h>
 
-#include <initializer_list>
-
 namespace {
 
 constexpr int kWidth = 322, kHeight = 210;  // enough rows for several bands
@@ -12,7 +10,8 @@ constexpr int kWidth = 322, kHeight = 210;  // enough rows for several bands
 unsigned char source[2][kHeight * kWidth * 4], destination[2][kHeight * kWidth * 4];
 unsigned char chroma[2][kHeight * kWidth];
 const IppiSize size = {kWidth, kHeight};
-[[maybe_unused]] const IppiRect whole = {0, 0, kWidth, kHeight};
+const IppiRect whole = {0, 0, kWidth, kHeight};
+constexpr int kMethods[] = {1, 2, 4, 8, 16}, kGeometryMethods[] = {1, 2, 4};
 
 void Print(const char* text, int length);
 
@@ -51,133 +50,88 @@ void Report(const char* name, IppStatus status, unsigned extra = 0) {
 void CallTransfers() {
   const unsigned char* src = source[0];
   unsigned char* dst = destination[0];
-#if defined(HAS_qvCopy)
   Report("qvCopy", CqvAccLib::qvCopy(CqvAccLib::FourToThreeChannels, src, kWidth * 4, dst, kWidth * 3,
                                      size));
-#endif
-#if defined(HAS_qvDup)
   Report("qvDup", CqvAccLib::qvDup(CqvAccLib::OneChannel, src, kWidth, dst, kWidth * 3, size));
-#endif
-#if defined(HAS_qvSet)
   Report("qvSet", CqvAccLib::qvSet(CqvAccLib::ThreeChannels, src, dst, kWidth * 3, size));
-#endif
-#if defined(HAS_qvMirror)
   Report("qvMirror", CqvAccLib::qvMirror(CqvAccLib::ThreeChannels, src, kWidth * 3, dst, kWidth * 3,
                                          size, AxisVertical));
-#endif
-#if defined(HAS_qvLUTPalette)
   Report("qvLUTPalette", CqvAccLib::qvLUTPalette(CqvAccLib::OneChannel, src, kWidth, dst, kWidth * 3,
                                                  size, source[1], 7));
-#endif
-#if defined(HAS_qvMulCScale)
   Report("qvMulCScale", CqvAccLib::qvMulCScale(CqvAccLib::ScalePlane, 137, dst, kWidth, size));
-#endif
-  [[maybe_unused]] unsigned sum = 0;
-#if defined(HAS_qvCRC32)
+  unsigned sum = 0;
   Report("qvCRC32", CqvAccLib::qvCRC32(CqvAccLib::OneChannel, src, 123457, &sum), sum);
-#endif
   sum = 1;
-#if defined(HAS_qvAdler32)
   Report("qvAdler32", CqvAccLib::qvAdler32(CqvAccLib::OneChannel, src, 123457, &sum), sum);
-#endif
 }
 
 void CallConversions() {
-  [[maybe_unused]] unsigned char* planes[3] = {destination[0], chroma[0], chroma[1]};
-  [[maybe_unused]] unsigned char* sources[3] = {source[0], source[1], source[1] + kWidth * kHeight};
-  [[maybe_unused]] int steps[3] = {kWidth, kWidth / 2, kWidth / 2};
-#if defined(HAS_qvYCbCr420)
+  unsigned char* planes[3] = {destination[0], chroma[0], chroma[1]};
+  unsigned char* sources[3] = {source[0], source[1], source[1] + kWidth * kHeight};
+  int steps[3] = {kWidth, kWidth / 2, kWidth / 2};
   Report("qvYCbCr420", CqvAccLib::qvYCbCr420(CqvAccLib::OneChannel, source[0], kWidth, source[1],
                                              kWidth, planes, steps, size));
-#endif
-#if defined(HAS_qvYCbCr422ToYCrCb420)
   Report("qvYCbCr422ToYCrCb420", CqvAccLib::qvYCbCr422ToYCrCb420(CqvAccLib::OneChannel, source[0],
                                                                  kWidth * 2, planes, steps, size));
-#endif
-#if defined(HAS_qvYCbCr420ToBGR)
   Report("qvYCbCr420ToBGR", CqvAccLib::qvYCbCr420ToBGR(CqvAccLib::OneChannel, sources, steps,
                                                        destination[0], kWidth * 3, size));
-#endif
-#if defined(HAS_qvYCbCr422ToBGR)
   Report("qvYCbCr422ToBGR", CqvAccLib::qvYCbCr422ToBGR(CqvAccLib::OneChannel, source[0], kWidth * 2,
                                                        destination[0], kWidth * 3, size));
-#endif
 }
 
 void CallResizes() {
-  [[maybe_unused]] const IppiSize half = {kWidth / 2, kHeight / 2};
-#if defined(HAS_qvResize)
-  for (const int method : {1, 2, 4, 8, 16})
+  const IppiSize half = {kWidth / 2, kHeight / 2};
+  for (const int method : kMethods)
     Report("qvResize", CqvAccLib::qvResize(CqvAccLib::ThreeChannels, source[0], size, kWidth * 3, whole,
                                            destination[0], kWidth * 3, half, 0.5, 0.4375, method));
-#endif
-#if defined(HAS_qvResizeYUV422)
-  for (const int method : {1, 2, 4})
+  for (const int method : kGeometryMethods)
     Report("qvResizeYUV422",
            CqvAccLib::qvResizeYUV422(CqvAccLib::OneChannel, source[0], size, kWidth * 2, whole,
                                      destination[0], kWidth * 2, half, 0.5, 0.4375, method));
-#endif
 }
 
 void CallGeometry() {
-  [[maybe_unused]] const double quad[4][2] = {{10.5, 4}, {300, 12.25}, {290, 200}, {3, 190}};
-  [[maybe_unused]] const double coeffs[3][3] = {
+  const double quad[4][2] = {{10.5, 4}, {300, 12.25}, {290, 200}, {3, 190}};
+  const double coeffs[3][3] = {
       {0.875, 0.125, 3.5}, {-0.0625, 0.9375, 7}, {0.0001220703125, -0.000244140625, 1}};
-  [[maybe_unused]] double matrix[3][3] = {}, bound[2][2] = {};
-#if defined(HAS_qvRotate)
-  for (const double angle : {30.0, 90.0, 180.0})
-    for (const int method : {1, 2, 4})
+  double matrix[3][3] = {}, bound[2][2] = {};
+  constexpr double kAngles[] = {30, 90, 180};
+  for (const double angle : kAngles)
+    for (const int method : kGeometryMethods)
       Report("qvRotate", CqvAccLib::qvRotate(CqvAccLib::ThreeChannels, source[0], size, kWidth * 3,
                                              whole, destination[0], kWidth * 3, whole, angle, 12, 150,
                                              method));
-#endif
-#if defined(HAS_qvWarpPerspective)
-  for (const int method : {1, 2, 4})
+  for (const int method : kGeometryMethods)
     Report("qvWarpPerspective",
            CqvAccLib::qvWarpPerspective(CqvAccLib::ThreeChannels, source[0], size, kWidth * 3, whole,
                                         destination[0], kWidth * 3, whole, coeffs, method));
-#endif
-#if defined(HAS_qvWarpPerspectiveEx)
   Report("qvWarpPerspectiveEx",
          CqvAccLib::qvWarpPerspectiveEx(CqvAccLib::OneChannel, source[0], size, kWidth * 3, whole,
                                         destination[0], kWidth * 3, whole, coeffs, 2, source[1],
                                         kWidth, destination[1], kWidth, coeffs));
-#endif
-#if defined(HAS_qvGetPerspectiveTransform)
   Report("qvGetPerspectiveTransform",
          CqvAccLib::qvGetPerspectiveTransform(CqvAccLib::OneChannel, whole, quad, matrix));
   Report("matrix", StatusOk, Digest(matrix, sizeof matrix, 0));
-#endif
-#if defined(HAS_qvGetRotateBound)
   Report("qvGetRotateBound",
          CqvAccLib::qvGetRotateBound(CqvAccLib::OneChannel, whole, bound, 450, 1.5, -2.25));
   Report("bound", StatusOk, Digest(bound, sizeof bound, 0));
-#endif
 }
 
 void CallCompositions() {
-#if defined(HAS_qvAlphaCompC)
   Report("qvAlphaCompC",
          CqvAccLib::qvAlphaCompC(CqvAccLib::ThreeChannels, source[0], kWidth * 3, 200, source[1],
                                  kWidth * 3, 99, destination[0], kWidth * 3, size, AlphaAtop));
-#endif
-#if defined(HAS_qvMergeAlphaOver)
   for (int i = 0; i < kWidth * kHeight; ++i) source[1][i] = chroma[0][i];
   Report("qvMergeAlphaOver",
          CqvAccLib::qvMergeAlphaOver(CqvAccLib::ThreeChannels, destination[0], kWidth * 3, chroma[0],
                                      kWidth, destination[1], kWidth * 3, chroma[1], kWidth,
                                      source[1], kWidth * 3, kWidth, kHeight));
   Report("alpha", StatusOk, Digest(source[1], kWidth * kHeight, 0));
-#endif
-#if defined(HAS_qvMergeAlphaPlus)
   Report("qvMergeAlphaPlus",
          CqvAccLib::qvMergeAlphaPlus(CqvAccLib::ThreeChannels, destination[0], kWidth * 3,
                                      destination[1], kWidth * 3, chroma[0], kWidth, kWidth, kHeight));
-#endif
-#if defined(HAS_qvDeinterlace)
   Report("qvDeinterlace", CqvAccLib::qvDeinterlace(CqvAccLib::ThreeChannels, source[0], kWidth * 3,
                                                    destination[0], kWidth * 3, size, 1, 0));
-#endif
 }
 
 void Run() {

@@ -42,7 +42,7 @@ Taps RandomTaps(Case& c, int count, int length, double factor, int interpolation
       BuildAreaTaps(area, &t.taps);
       return t;
     }
-    interpolation = 2;
+    interpolation = 4;
   }
   // Corner-aligned, centred, or beginning anywhere.
   double step = 1 / factor, start = 0;
@@ -84,7 +84,7 @@ Shape RandomShape(Case& c, bool pairs) {
 void CheckFilter(Case& c, FilterKernel* kernel, RowLayout layout) {
   const bool pairs = layout == RowLayout::kPairs422;
   Shape s = RandomShape(c, pairs);
-  int method = c.random.Pick(2, 4, 8, 16);
+  int method = c.random.Pick(4, 8, 16);
   const Taps x = RandomTaps(c, s.dst.width, s.src.width, s.xFactor, method);
   Taps chroma = x;
   if (pairs) chroma = RandomTaps(c, s.dst.width / 2, s.src.width / 2, s.xFactor, method);

@@ -107,14 +107,14 @@ void CheckResize422(Case& c, int interpolation) {
 
 }  // namespace
 
-QV_CHECK(NearestRows_8u) {
+// One or three channels or packed 4:2:2.
+static void CheckAnyLayout(Case& c, int interpolation) {
   const int channels = c.IsBench() ? 3 : c.random.Between(1, 3);
   if (channels == 2)
-    CheckResize422(c, InterpolateNearest);
+    CheckResize422(c, interpolation);
   else
-    CheckResize(c, channels, InterpolateNearest);
+    CheckResize(c, channels, interpolation);
 }
 
-QV_CHECK(LinearRows_8u) {
-  CheckResize(c, c.IsBench() ? 3 : c.random.Pick(1, 3), InterpolateLinear);
-}
+QV_CHECK(NearestRows_8u) { CheckAnyLayout(c, InterpolateNearest); }
+QV_CHECK(LinearRows_8u) { CheckAnyLayout(c, InterpolateLinear); }

@@ -7,6 +7,7 @@
 #include <random>
 #include <string>
 
+#include "dispatch/VariantIndex.h"
 #include "tests/kernelcheck/Case.h"
 
 namespace {
@@ -154,6 +155,8 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "kernelcheck: this processor has no level %s\n", o.level.c_str());
     return 1;
   }
+  std::printf("chosen: slot %d, wide %d, carry-less %d\n", qv::VariantIndex, qv::WideLevel,
+              qv::CarrylessLevel);
   std::printf("levels:");
   for (const Level& level : levels) std::printf(" %s", level.name);
   std::printf("\n");

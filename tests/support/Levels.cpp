@@ -1,9 +1,9 @@
 #include "tests/support/Levels.h"
 
 #include "dispatch/VariantIndex.h"
+#include "qvAcceleratedLib/FloatEnvironment.h"
 #include "qvAcceleratedLib/Settings.h"
 #include "qvAcceleratedLib/Startup.h"
-#include "qvAcceleratedLib/X87Precision.h"
 
 namespace qv::test {
 
@@ -26,7 +26,7 @@ Level Machine() {
 const Level kMachine = Machine();
 
 // Tests call kernels and planning directly, where the operations would have set this.
-const X87Precision kPrecision;
+const FloatEnvironment kEnvironment;
 
 }  // namespace
 

@@ -90,6 +90,16 @@ IppiRect ParseRegion(const std::string& argument, const std::string& text) {
   return {values[0], values[1], values[2], values[3]};
 }
 
+Position ParsePosition(const std::string& argument, const std::string& text) {
+  const auto parts = Split(text, ',');
+  if (parts.size() == 2) {
+    const auto x = Integer(parts[0]);
+    const auto y = Integer(parts[1]);
+    if (x && y) return {*x, *y};
+  }
+  throw UsageError(Given(argument, text) + "X,Y in pixels, such as 40,30");
+}
+
 Colour Colour::Parse(const std::string& argument, const std::string& text) {
   Colour colour;
   colour.argument_ = argument;

@@ -22,6 +22,13 @@ std::vector<double> ParseNumbers(const std::string& argument, const std::string&
 IppiSize ParseSize(const std::string& argument, const std::string& text);    // "640x360"
 IppiRect ParseRegion(const std::string& argument, const std::string& text);  // "x,y,w,h"
 
+// A place in pixels, which may lie outside of the frame.
+struct Position {
+  int x = 0;
+  int y = 0;
+};
+Position ParsePosition(const std::string& argument, const std::string& text);  // "x,y"
+
 // A colour as the user gives it: "#rrggbb", one value, or one value a channel in the order of the
 // layout (grey; blue, green, red; Y, Cb, Cr).
 class Colour {

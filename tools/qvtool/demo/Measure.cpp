@@ -35,9 +35,8 @@ Timing Measure(const Panel& panel) {
     spent += took;
     milliseconds.push_back(std::chrono::duration<double, std::milli>(took).count());
   }
-  const auto middle = milliseconds.begin() + static_cast<std::ptrdiff_t>(milliseconds.size() / 2);
-  std::nth_element(milliseconds.begin(), middle, milliseconds.end());
-  return {*middle, static_cast<int>(milliseconds.size())};
+  return {*std::min_element(milliseconds.begin(), milliseconds.end()),
+          static_cast<int>(milliseconds.size())};
 }
 
 }  // namespace qvtool::demo

@@ -7,7 +7,7 @@
 namespace qvtool::demo {
 
 struct Timing {
-  double milliseconds;  // median of the runs
+  double milliseconds;  // of the fastest run
   int runs;
 };
 

@@ -115,7 +115,7 @@ void Page::Add(const Panel& panel) {
     cards_ += (&call == &panel.calls.front() ? "" : "\n") + CallText(call.text) + ";";
   cards_ += "</pre>\n<p class=\"numbers\"><span><b>" + Number(timing.milliseconds) +
             "</b> ms</span><span><b>" + Number(nanoseconds) +
-            "</b> ns per pixel</span><span class=\"runs\">median of " +
+            "</b> ns per pixel</span><span class=\"runs\">fastest of " +
             std::to_string(timing.runs) + " runs</span></p>\n<div class=\"pictures\">\n";
   std::size_t number = 0;
   for (const Picture& picture : panel.before) cards_ += Figure(panel, picture, "before", ++number);

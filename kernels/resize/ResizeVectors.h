@@ -1,7 +1,7 @@
-// What the filter needs of a level beyond the common vocabulary: rounded products, narrowing in
-// order, windows of source bytes.
-#ifndef QV_KERNELS_RESIZE_FILTERVECTORS_H
-#define QV_KERNELS_RESIZE_FILTERVECTORS_H
+// What resizing needs of a level beyond the common vocabulary: rounded products, sums of bytes,
+// narrowing in order, windows of source bytes.
+#ifndef QV_KERNELS_RESIZE_RESIZEVECTORS_H
+#define QV_KERNELS_RESIZE_RESIZEVECTORS_H
 
 #include "kernels/level/Level.h"
 
@@ -14,25 +14,25 @@ WideWindow LoadWideWindow(const Byte* line, const int* base);
 Vec SpreadPairs(WideWindow w, Vec index);
 #endif
 
+#if QV_HAS_VECTORS && defined(__SSSE3__)
+QV_INLINE Vec16 MulAddBytes16(Vec16 a, Vec16 b) { return _mm_maddubs_epi16(a, b); }
+#elif QV_HAS_VECTORS
+Vec16 MulAddBytes16(Vec16 a, Vec16 b);
+#endif
+
 #if defined(__AVX512VBMI__)
 
 // (a * b + 2^14) >> 15 of signed 16-bit lanes; not for -32768 * -32768.
 QV_INLINE Vec MulRounded15(Vec a, Vec b) { return _mm512_mulhrs_epi16(a, b); }
 
-// Sums of neighbouring bytes as words.
+// Sums of neighbouring bytes as words; of neighbouring products of unsigned and signed bytes.
 QV_INLINE Vec AddBytePairs(Vec v) { return _mm512_maddubs_epi16(v, Splat8(1)); }
+QV_INLINE Vec MulAddBytes(Vec a, Vec b) { return _mm512_maddubs_epi16(a, b); }
 
 // Bytes from the words of two vectors, with saturation, in order.
 QV_INLINE Vec PackBytesInOrder(Vec a, Vec b) {
   return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7),
                                   _mm512_packus_epi16(a, b));
-}
-
-// a[0] b[0] a[1] b[1] ... as two vectors.
-QV_INLINE void ZipBytes(Vec a, Vec b, Vec* low, Vec* high) {
-  const Vec l = _mm512_unpacklo_epi8(a, b), h = _mm512_unpackhi_epi8(a, b);
-  *low = _mm512_permutex2var_epi64(l, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), h);
-  *high = _mm512_permutex2var_epi64(l, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), h);
 }
 
 // Filtered rows keep the order that PackSigned32 of samples 0 .. 15 and 16 .. 31 leaves: four of
@@ -42,8 +42,10 @@ QV_INLINE Vec PackSamples(Vec a, Vec b) {
       _mm512_setr_epi32(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15),
       _mm512_packus_epi16(a, b));
 }
-// First of the four samples at words 4 * quarter .. 4 * quarter + 3 of such a vector.
-constexpr int SampleOfQuarter(int quarter) { return quarter / 2 * 4 + quarter % 2 * 16; }
+// Where value k of a row is.
+QV_INLINE ptrdiff_t RingPlace(ptrdiff_t k) {
+  return (k & ~ptrdiff_t{31}) + (k & 15) / 4 * 8 + (k & 16) / 4 + (k & 3);
+}
 
 // One window of source bytes a vector.
 constexpr int kWindowsPerVector = 1;
@@ -67,21 +69,16 @@ QV_INLINE Vec SpreadPairs(WideWindow w, Vec index) {
 QV_INLINE Vec MulRounded15(Vec a, Vec b) { return _mm256_mulhrs_epi16(a, b); }
 
 QV_INLINE Vec AddBytePairs(Vec v) { return _mm256_maddubs_epi16(v, Splat8(1)); }
+QV_INLINE Vec MulAddBytes(Vec a, Vec b) { return _mm256_maddubs_epi16(a, b); }
 
 QV_INLINE Vec PackBytesInOrder(Vec a, Vec b) {
   return _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8);
 }
 
-QV_INLINE void ZipBytes(Vec a, Vec b, Vec* low, Vec* high) {
-  const Vec l = _mm256_unpacklo_epi8(a, b), h = _mm256_unpackhi_epi8(a, b);
-  *low = _mm256_permute2x128_si256(l, h, 0x20);
-  *high = _mm256_permute2x128_si256(l, h, 0x31);
-}
-
 // Each 16-byte lane has a window of its own, and the windows are dealt out so that filtered rows
 // are in order.
 QV_INLINE Vec PackSamples(Vec a, Vec b) { return PackBytesInOrder(a, b); }
-constexpr int SampleOfQuarter(int quarter) { return quarter * 4; }
+QV_INLINE ptrdiff_t RingPlace(ptrdiff_t k) { return k; }
 
 constexpr int kWindowsPerVector = 2;
 using Window = Vec;
@@ -96,6 +93,7 @@ QV_INLINE Vec SpreadPairs(Window w, Vec index) { return ShuffleBytes(w, index); 
 #if defined(__SSSE3__)
 QV_INLINE Vec MulRounded15(Vec a, Vec b) { return _mm_mulhrs_epi16(a, b); }
 QV_INLINE Vec AddBytePairs(Vec v) { return _mm_maddubs_epi16(v, Splat8(1)); }
+QV_INLINE Vec MulAddBytes(Vec a, Vec b) { return _mm_maddubs_epi16(a, b); }
 QV_INLINE Vec SpreadPairs(Vec w, Vec index) { return ShuffleBytes(w, index); }
 #else
 // From the halves of the product: (high * 2^16 + low + 2^14) >> 15 with low unsigned.
@@ -107,18 +105,14 @@ QV_INLINE Vec MulRounded15(Vec a, Vec b) {
 QV_INLINE Vec AddBytePairs(Vec v) {
   return _mm_add_epi16(_mm_and_si128(v, _mm_set1_epi16(255)), _mm_srli_epi16(v, 8));
 }
+Vec MulAddBytes(Vec a, Vec b);
 Vec SpreadPairs(Vec w, Vec index);
 #endif
 
 QV_INLINE Vec PackBytesInOrder(Vec a, Vec b) { return _mm_packus_epi16(a, b); }
 
-QV_INLINE void ZipBytes(Vec a, Vec b, Vec* low, Vec* high) {
-  *low = _mm_unpacklo_epi8(a, b);
-  *high = _mm_unpackhi_epi8(a, b);
-}
-
 QV_INLINE Vec PackSamples(Vec a, Vec b) { return PackBytesInOrder(a, b); }
-constexpr int SampleOfQuarter(int quarter) { return quarter * 4; }
+QV_INLINE ptrdiff_t RingPlace(ptrdiff_t k) { return k; }
 
 constexpr int kWindowsPerVector = 1;
 using Window = Vec;

@@ -1,0 +1,67 @@
+// Alphas, one byte a pixel, beside the colours of pixels of one and of three bytes.
+#ifndef QV_KERNELS_COMPOSITE_ALPHAS_H
+#define QV_KERNELS_COMPOSITE_ALPHAS_H
+
+namespace qv::QV_LEVEL {
+
+#if defined(__SSSE3__)
+
+// The alphas of a vector of colour bytes, those at even and those at odd places apart; each fills
+// both bytes of a 16-bit lane.
+struct TwinAlphas {
+  Vec even, odd;
+};
+
+// Where the alphas of vector j of the colours of kVecBytes pixels are found. A shuffle stays within
+// 16-byte lanes: the index counts from the first byte of its lane.
+template <int kChannels>
+constexpr ByteTable TwinIndex(int j, int odd) {
+  ByteTable table{};
+  for (int i = 0; i < kVecBytes; ++i) {
+    const int from = (kVecBytes * j + i - i % 2 + odd) / kChannels;
+    table.b[i] = static_cast<Byte>(kHasBytePermute ? from : from % 16);
+  }
+  return table;
+}
+
+template <int kChannels, int j>
+QV_INLINE TwinAlphas TwinsOf(Vec alpha) {
+  static constexpr ByteTable kEven = TwinIndex<kChannels>(j, 0), kOdd = TwinIndex<kChannels>(j, 1);
+  if constexpr (kHasBytePermute)
+    return {PermuteBytes(alpha, Load(kEven.b)), PermuteBytes(alpha, Load(kOdd.b))};
+  // Of three bytes a pixel on two lanes, the first vector comes from the low one alone, the second
+  // from both in place, the third from the high one.
+  if constexpr (kChannels == 3 && j == 0) alpha = LowLaneTwice(alpha);
+  if constexpr (kChannels == 3 && j == 2) alpha = HighLaneTwice(alpha);
+  return {ShuffleBytes(alpha, Load(kEven.b)), ShuffleBytes(alpha, Load(kOdd.b))};
+}
+
+#else
+
+// Eight 16-bit lanes, each three times; this is third j.
+template <int j>
+QV_INLINE Vec TripleWords(Vec w) {
+  if constexpr (j == 1)
+    return _mm_shufflehi_epi16(_mm_shufflelo_epi16(w, _MM_SHUFFLE(3, 3, 3, 2)),
+                               _MM_SHUFFLE(1, 0, 0, 0));
+  return _mm_shufflehi_epi16(
+      _mm_shufflelo_epi16(_mm_shuffle_epi32(w, j == 0 ? 0x44 : 0xEE),
+                          j == 0 ? _MM_SHUFFLE(1, 0, 0, 0) : _MM_SHUFFLE(2, 2, 1, 1)),
+      j == 0 ? _MM_SHUFFLE(2, 2, 1, 1) : _MM_SHUFFLE(3, 3, 3, 2));
+}
+
+// The alphas of vector j of the colours of kVecBytes pixels.
+template <int kChannels, int j>
+QV_INLINE Vec AlphasOf(Vec alpha) {
+  if constexpr (kChannels == 1) return alpha;
+  const Vec low = InterleaveLow8(alpha, Zero()), high = InterleaveHigh8(alpha, Zero());
+  if constexpr (j == 0) return PackUnsigned16(TripleWords<0>(low), TripleWords<1>(low));
+  if constexpr (j == 1) return PackUnsigned16(TripleWords<2>(low), TripleWords<0>(high));
+  return PackUnsigned16(TripleWords<1>(high), TripleWords<2>(high));
+}
+
+#endif
+
+}  // namespace qv::QV_LEVEL
+
+#endif

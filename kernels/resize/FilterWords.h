@@ -1,0 +1,83 @@
+// Source rows filtered along x sample by sample: where there are no byte shuffles, or taps lie too
+// far apart for windows.
+#ifndef QV_KERNELS_RESIZE_FILTERWORDS_H
+#define QV_KERNELS_RESIZE_FILTERWORDS_H
+
+#include "kernels/resize/ColumnWindows.h"
+#include "kernels/resize/ResizeVectors.h"
+
+namespace qv::QV_LEVEL {
+
+namespace {
+
+// The samples of a component in 16 bits.
+QV_INLINE void WidenSamples(const Byte* from, int stride, short* words, ptrdiff_t count) {
+  ptrdiff_t i = 0;
+  if (stride == 1) {
+    const __m128i zero = _mm_setzero_si128();
+    for (; i + 16 <= count; i += 16) {
+      const Vec16 v = Load16(from + i);
+      Store16(words + i, _mm_unpacklo_epi8(v, zero));
+      Store16(words + i + 8, _mm_unpackhi_epi8(v, zero));
+    }
+  }
+  for (; i < count; ++i) words[i] = from[i * stride];
+}
+
+// Four or eight words are read at each sample's first tap.
+QV_INLINE __m128i LoadFour(const short* p) {
+  return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
+}
+QV_INLINE __m128i LoadEight(const short* p) {
+  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+}
+
+// Sums of neighbours in a and b: a0 + a1, a2 + a3, b0 + b1, b2 + b3.
+QV_INLINE __m128i AddNeighbours(__m128i a, __m128i b) {
+  const __m128 x = _mm_castsi128_ps(a), y = _mm_castsi128_ps(b);
+  return _mm_add_epi32(_mm_castps_si128(_mm_shuffle_ps(x, y, _MM_SHUFFLE(2, 0, 2, 0))),
+                       _mm_castps_si128(_mm_shuffle_ps(x, y, _MM_SHUFFLE(3, 1, 3, 1))));
+}
+
+template <int kTaps>
+QV_INLINE __m128i FourSums(const short* line, const int* first, const short* weights) {
+  if constexpr (kTaps == 4) {
+    const __m128i ab = _mm_unpacklo_epi64(LoadFour(line + first[0]), LoadFour(line + first[1]));
+    const __m128i cd = _mm_unpacklo_epi64(LoadFour(line + first[2]), LoadFour(line + first[3]));
+    return AddNeighbours(_mm_madd_epi16(ab, LoadEight(weights)),
+                         _mm_madd_epi16(cd, LoadEight(weights + 8)));
+  } else {
+    __m128i s[4];
+    for (int i = 0; i < 4; ++i)
+      s[i] = _mm_madd_epi16(LoadEight(line + first[i]), LoadEight(weights + 8 * i));
+    return AddNeighbours(AddNeighbours(s[0], s[1]), AddNeighbours(s[2], s[3]));
+  }
+}
+
+template <int kTaps>
+void FilterWords(const short* line, const PaddedTaps& taps, short* out) {
+  for (ptrdiff_t i = 0; i < taps.count; i += 8) {
+    const __m128i low = FourSums<kTaps>(line, taps.first + i, taps.weights + i * kTaps);
+    const __m128i high = FourSums<kTaps>(line, taps.first + i + 4, taps.weights + (i + 4) * kTaps);
+    Store16(out + i, _mm_packs_epi32(_mm_srai_epi32(low, 8), _mm_srai_epi32(high, 8)));
+  }
+}
+
+// One component of a source row, whose first sample is at `from`, into its places in a ring row.
+QV_INLINE void FilterComponent(const Byte* from, RowComponent component, ptrdiff_t samples,
+                               const PaddedTaps& taps, ptrdiff_t count, short* words, short* line,
+                               short* out) {
+  WidenSamples(from + component.offset, component.stride, words, samples);
+  if (taps.kept == 4)
+    FilterWords<4>(words, taps, line);
+  else
+    FilterWords<8>(words, taps, line);
+  for (ptrdiff_t i = 0; i < count; ++i)
+    out[RingPlace(component.offset + i * component.stride)] = line[i];
+}
+
+}  // namespace
+
+}  // namespace qv::QV_LEVEL
+
+#endif

@@ -1,0 +1,73 @@
+// A floating-point environment that does not depend on the host.
+#ifndef QV_FLOATENVIRONMENT_H
+#define QV_FLOATENVIRONMENT_H
+
+#include "dispatch/Hidden.h"
+
+#if defined(__x86_64__)
+#include <xmmintrin.h>
+#endif
+
+namespace qv {
+
+// While it lives, arithmetic of the calling thread rounds to nearest, keeps denormal numbers and traps
+// on nothing, whatever the host had set; then the host's state is put back, its flags included.
+//
+// Every thread of a team has a state of its own: whatever computes with floating-point numbers in
+// a parallel region takes an object of its own there. The compiler knows nothing of this, so the
+// arithmetic must be in functions of other sources, which are not inlined into the scope.
+class FloatEnvironment {
+ public:
+  FloatEnvironment(const FloatEnvironment&) = delete;
+  FloatEnvironment& operator=(const FloatEnvironment&) = delete;
+
+#if defined(__x86_64__)
+
+  FloatEnvironment() : control_(_mm_getcsr()) {
+    if ((control_ & ~kFlags) != kDefault) _mm_setcsr(kDefault);
+#if defined(_WIN64)
+    __asm__ volatile("fnstcw %0" : "=m"(x87Control_));
+    if (x87Control_ != kX87Default) __asm__ volatile("fldcw %0" : : "m"(kX87Default));
+#endif
+  }
+  ~FloatEnvironment() {
+    _mm_setcsr(control_);
+#if defined(_WIN64)
+    if (x87Control_ != kX87Default) __asm__ volatile("fldcw %0" : : "m"(x87Control_));
+#endif
+  }
+
+ private:
+  static constexpr unsigned kFlags = 0x3F, kDefault = 0x1F80;
+
+  unsigned control_;
+#if defined(_WIN64)
+  // The runtime library computes sines and cosines in x87 registers there.
+  static constexpr unsigned short kX87Default = 0x037F;
+  unsigned short x87Control_;
+#endif
+
+#else
+
+  // Doubles are computed in x87 registers, whose control also has a precision: that of a double,
+  // so that sums and products are the same as in SSE2 registers as long as they stay within a
+  // double's exponents. The sources are built to store what they assign, for those that do not.
+  FloatEnvironment() { Enter(); }
+  ~FloatEnvironment() { Leave(); }
+
+ private:
+  // Calls, not inline, since at a call no value lies on the register stack, whose height is part of
+  // what is stored and put back.
+  QV_HIDDEN void Enter();
+  QV_HIDDEN void Leave();
+
+  // The x87 environment as FNSTENV writes it: control, status and tag word, last instruction.
+  unsigned x87_[7];
+  unsigned control_ = 0x1F80;  // of the SSE registers, where there are any
+
+#endif
+};
+
+}  // namespace qv
+
+#endif

@@ -1,0 +1,72 @@
+// The self-test's calls at every level and budget; its digest; its verdict.
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+#include "qvAcceleratedLib/Settings.h"
+#include "tests/support/Levels.h"
+#include "tools/selftest/Calls.h"
+#include "tools/selftest/Sha256.h"
+
+namespace qv::test {
+namespace {
+
+TEST(Selftest, DigestOfExamples) {  // FIPS 180-4's own, and the lengths around a block's end
+  const struct {
+    std::string text;
+    const char* digest;
+  } cases[] = {
+      {"abc", "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"},
+      {"", "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"},
+      {"abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq",
+       "248d6a61d20638b8e5c026930c3e6039a33ce45964ff2167f6ecedd419db06c1"},
+      {std::string(1000000, 'a'),
+       "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0"},
+  };
+  for (const auto& c : cases) {
+    selftest::Sha256 sha;
+    sha.Add(c.text.data(), c.text.size());
+    EXPECT_EQ(sha.Finish(), c.digest);
+  }
+}
+
+TEST(Selftest, SameAtEveryLevelAndBudget) {
+  for (const Level& level : AvailableLevels())
+    for (const int budget : {1, 2, 3, 7}) {
+      const UseLevel useLevel(level);
+      const UseBudget useBudget(budget);
+      EXPECT_EQ(selftest::Differing(selftest::MakeCalls()), std::vector<std::string>())
+          << level.name << ", budget " << budget;
+    }
+}
+
+// A failure on path 0 prints the digest that belongs into kPlainMerge.
+TEST(Selftest, KnowsBothPathsOfTheMerge) {
+  const unsigned old = HostProcessorInfo;
+  std::set<std::string> digests;
+  for (const unsigned path : {0u, 1u}) {
+    HostProcessorInfo = path;
+    const auto results = selftest::MakeCalls();
+    std::string merge;
+    for (const auto& result : results)
+      if (result.operation == "qvMergeAlphaOver") merge = result.digest;
+    digests.insert(merge);
+    EXPECT_EQ(selftest::Differing(results), std::vector<std::string>()) << path << ": " << merge;
+  }
+  HostProcessorInfo = old;
+  EXPECT_EQ(digests.size(), 2u);
+}
+
+TEST(Selftest, CallsAllOperationsAndNamesTheOneThatDiffers) {
+  std::vector<selftest::Result> results = selftest::MakeCalls();
+  std::set<std::string> names;
+  for (const auto& result : results) names.insert(result.operation);
+  EXPECT_EQ(names.size(), 24u);  // 23 and "all"
+  EXPECT_GE(results.back().calls, 200);
+  results[3].digest[5] ^= 1;
+  EXPECT_EQ(selftest::Differing(results), std::vector<std::string>{results[3].operation});
+}
+
+}  // namespace
+}  // namespace qv::test

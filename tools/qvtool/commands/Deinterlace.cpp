@@ -1,0 +1,106 @@
+// qvtool deinterlace: smooths the combing of interlaced frames.
+#include <vector>
+
+#include "Command.h"
+#include "Pipeline.h"
+#include "io/Status.h"
+
+namespace qvtool {
+namespace {
+
+struct Options {
+  InputSpec input;
+  OutputSpec output;
+  int centreWeight = 128;
+  unsigned mode = 0;
+};
+
+void CopyRows(const Plane& from, const Plane& to) {
+  Check("qvCopy", CqvAccLib::qvCopy(CqvAccLib::OneChannel, from.data, from.step, to.data, to.step,
+                                    to.SizeInBytes()));
+}
+
+// Modes 4 and 16 begin a row above the image and read one row more: the filter runs on the plane
+// with its first row repeated twice above, and what it writes above the plane is dropped.
+class Filter {
+ public:
+  explicit Filter(const Options& options) : options_(options) {}
+
+  Frame& operator()(const Frame& in, Frame& out) {
+    if (in.Height() < 3)
+      throw Error("deinterlace: the frames are " + std::to_string(in.Height()) +
+                  " rows high; wanted is 3 at least");
+    out.ResetLike(in);
+    for (int i = 0; i < in.Planes(); ++i) {
+      const Plane& from = in.PlaneAt(i);
+      const Plane& to = out.PlaneAt(i);
+      CopyRows(from, to);  // for the rows that the mode does not write
+      if (from.rows < 3) continue;  // chroma of a frame of a few rows
+      if (options_.mode == 4 || options_.mode == 16)
+        FilterExtended(from, to);
+      else
+        FilterRows(from, to);
+    }
+    return out;
+  }
+
+ private:
+  void FilterRows(const Plane& from, const Plane& to) const {
+    Check("qvDeinterlace",
+          CqvAccLib::qvDeinterlace(CqvAccLib::OneChannel, from.data, from.step, to.data, to.step,
+                                   from.SizeInBytes(), static_cast<unsigned>(options_.centreWeight),
+                                   options_.mode));
+  }
+
+  void FilterExtended(const Plane& from, const Plane& to) {
+    const Plane source = Extended(from, 2, source_), result = Extended(from, 1, result_);
+    FilterRows(source, result);
+    CopyRows(result, to);
+  }
+
+  // A copy of the plane with its first row repeated above it.
+  static Plane Extended(const Plane& plane, int rowsAbove, std::vector<unsigned char>& memory) {
+    memory.resize(static_cast<std::size_t>(plane.step) *
+                  static_cast<std::size_t>(plane.rows + rowsAbove));
+    Plane extended = plane;
+    extended.data = memory.data();
+    for (int y = 0; y < rowsAbove; ++y) {
+      extended.rows = 1;
+      CopyRows(plane, extended);
+      extended.data += plane.step;
+    }
+    extended.rows = plane.rows;
+    CopyRows(plane, extended);
+    return extended;
+  }
+
+  const Options& options_;
+  std::vector<unsigned char> source_, result_;
+};
+
+void Run(const Options& options) {
+  Filter filter(options);
+  ForEachFrame(options.input, options.output,
+               [&](Frame& in, Frame& out) -> Frame& { return filter(in, out); });
+}
+
+void Configure(CLI::App& app) {
+  auto options = std::make_shared<Options>();
+  AddInput(app, options->input);
+  AddOutput(app, options->output);
+  AddInteger(app, "--centre-weight", options->centreWeight, 0, 256,
+             "Weight of a row in its own result, in 1/256; its neighbours share the rest (128)");
+  AddChoice<unsigned>(app, "--mode", options->mode, {{"0", 0}, {"1", 1}, {"4", 4}, {"16", 16}},
+                      "Rows that are filtered (0): with 0 and 1 all but the first and the last, with "
+                      "4 and 16 all but the last");
+  app.footer(
+      "Other rows stay as they are: modes 1 and 4, which leave the last row to the caller, give\n"
+      "the frames of 0 and 16. With 4 and 16 the first row is its own upper neighbour. Every plane\n"
+      "is filtered on its own grid.");
+  app.callback([options] { Run(*options); });
+}
+
+const Command command{"deinterlace", "Smooth the combing of interlaced frames", Configure};
+
+}  // namespace
+}  // namespace qvtool
