@@ -23,5 +23,5 @@ if(QV_LLVM_DLLTOOL)
     DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/visual.def
     VERBATIM)
   add_custom_target(qvVisualImports ALL DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/qvAcceleratedLib.lib)
-  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/qvAcceleratedLib.lib TYPE LIB)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/qvAcceleratedLib.lib TYPE LIB COMPONENT library)
 endif()

@@ -3,7 +3,7 @@
 #
 #   scripts/test.sh          every test, in a release build
 #   scripts/test.sh --all    also: a million random calls of the kernels, the sanitizers, the demo page
-#                            in a browser
+#                            in a browser, 32-bit Linux, the DLLs of Windows, the packages
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 cd "$root"
@@ -16,7 +16,7 @@ esac
 
 step() { printf '\n== %s\n' "$*"; }
 
-"$root/scripts/setup.sh" libgtest-dev zlib1g-dev
+"$root/scripts/setup.sh" libgtest-dev zlib1g-dev qemu-user
 [ $all = 0 ] || "$root/scripts/setup.sh" chromium
 
 step 'Release build and tests'
@@ -37,3 +37,11 @@ ctest --test-dir build/debug --output-on-failure -j "$(nproc)"
 
 step 'The demo page in a browser'
 tests/tool/check_page.sh build/release/tools/qvtool/qvtool "$(command -v chromium)"
+
+scripts/test_platforms.sh
+
+step 'Packages'
+scripts/package.sh
+scripts/setup_wine.sh
+tests/check_packages.sh out
+scripts/setup_wine.sh --stop
