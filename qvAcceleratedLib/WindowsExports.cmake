@@ -6,6 +6,9 @@ else()
   set(exports ${CMAKE_CURRENT_SOURCE_DIR}/exports/windows64.def)
 endif()
 target_sources(qvAcceleratedLib PRIVATE ${exports})
+enable_language(RC)  # what the system shows of a file's version
+configure_file(version.rc.in version.rc @ONLY)
+target_sources(qvAcceleratedLib PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/version.rc)
 set_target_properties(qvAcceleratedLib PROPERTIES PREFIX "" QV_EXPORT_LIST ${exports})
 target_link_options(qvAcceleratedLib PRIVATE -static)
 
