@@ -2,8 +2,8 @@
 # Builds everything and runs the tests; installs what is missing first.
 #
 #   scripts/test.sh          every test, in a release build
-#   scripts/test.sh --all    also: a million random calls of the kernels, the sanitizers, the demo page
-#                            in a browser
+#   scripts/test.sh --all    also: a million random calls of the kernels, images of 70000 x 70000 pixels,
+#                            a minute of each fuzzer, the sanitizers, the demo page in a browser
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 cd "$root"
@@ -29,6 +29,12 @@ ctest --test-dir build/release --output-on-failure -j "$(nproc)"
 step 'A million random calls of the kernels, at every level'
 kernels=$(build/release/tests/kernelcheck --list | tail -n +2 | wc -l)
 build/release/tests/kernelcheck --calls $((1000000 / kernels + 1))
+
+step 'Images of 70000 x 70000 pixels'
+build/release/tests/unittests --gtest_also_run_disabled_tests --gtest_filter='LargeImages.*BothSides'
+
+step 'A minute of each fuzzer'
+scripts/fuzz.sh 60
 
 step 'Address and undefined-behaviour sanitizers'
 cmake --preset debug >/dev/null
