@@ -75,6 +75,9 @@ Shape RandomShape(Case& c, bool pairs) {
   s.xFactor = c.IsBench() ? 1.5 : Factor(c);
   s.yFactor = c.IsBench() ? 1.5 : Factor(c);
   s.dst = c.Size(pairs ? 2 : 1);
+  // Rows of several strips.
+  if (!c.IsBench() && c.random.OneIn(50))
+    s.dst = {c.random.Between(400, 4000), c.random.Between(1, 6)};
   const double width = s.dst.width / s.xFactor, height = s.dst.height / s.yFactor;
   s.src = {static_cast<int>(std::clamp(width, 1.0, 20000.0)),
            static_cast<int>(std::clamp(height, 1.0, 2000.0))};
