@@ -8,17 +8,20 @@ if(CMAKE_SIZEOF_VOID_P EQUAL 4)
   # what it does not assign).
   set(QV_BASELINE_FLAGS -march=i686 -mno-mmx -mno-sse -mfpmath=387 -ffloat-store)
   set(QV_LEVEL_FLAGS_generic ${QV_BASELINE_FLAGS} -O2)
-  set(fp_in_sse -mfpmath=sse)
+  set(vector_flags -mfpmath=sse)
 else()
   set(QV_BASELINE_FLAGS -mno-sse3)
   set(QV_LEVEL_FLAGS_generic ${QV_BASELINE_FLAGS} -O2)
-  set(fp_in_sse)
+  set(vector_flags)
 endif()
-set(QV_LEVEL_FLAGS_sse2 -msse2 -mno-sse3 ${fp_in_sse} -O3)
-set(QV_LEVEL_FLAGS_ssse3 -mssse3 -mno-sse4.1 -mno-sse4a ${fp_in_sse} -O3)
-set(QV_LEVEL_FLAGS_avx2 -mavx2 -mno-fma -mno-avx512f ${fp_in_sse} -O3)
+set(QV_VECTOR_OPTIMIZATION -O3 CACHE STRING "Of the vector levels; less for quick or exact builds")
+mark_as_advanced(QV_VECTOR_OPTIMIZATION)
+list(APPEND vector_flags ${QV_VECTOR_OPTIMIZATION})
+set(QV_LEVEL_FLAGS_sse2 -msse2 -mno-sse3 ${vector_flags})
+set(QV_LEVEL_FLAGS_ssse3 -mssse3 -mno-sse4.1 -mno-sse4a ${vector_flags})
+set(QV_LEVEL_FLAGS_avx2 -mavx2 -mno-fma -mno-avx512f ${vector_flags})
 set(QV_LEVEL_FLAGS_avx512 -mavx512f -mavx512bw -mavx512vl -mavx512dq -mavx512vbmi
-    -mprefer-vector-width=512 ${fp_in_sse} -O3
+    -mprefer-vector-width=512 ${vector_flags}
     -Wno-uninitialized  # GCC 12 warns of its own _mm512_undefined_*
     $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
 

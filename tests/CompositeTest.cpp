@@ -66,9 +66,10 @@ TEST(AlphaCompC, IsTheFormulaForAllBytesAtAllLevels) {
                      static_cast<unsigned>(a2)));
       for (const Level& level : AvailableLevels()) {
         const UseLevel use(level);
-        // One byte a pixel, and all bytes as one row of pixels of three.
+        // One byte a pixel, and for some alphas all bytes as one row of pixels of three.
         for (const auto& [type, size] :
              {std::pair(2, IppiSize{AllPairs::kWidth, AllPairs::kHeight}), {4, kOneRow}}) {
+          if (type == 4 && a1 % 3 != 0) continue;
           std::fill(got.begin(), got.end(), static_cast<unsigned char>(0));
           ASSERT_EQ(Lib::qvAlphaCompC(Type(type), pairs.a.data(), AllPairs::kWidth,
                                       static_cast<unsigned char>(a1), pairs.b.data(),

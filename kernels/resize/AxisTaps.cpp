@@ -16,8 +16,8 @@ constexpr int kChunk = 64;
 using ChunkWeights = float[6][kChunk];
 
 // Keys 1981, a = -0.5.
-void CubicWeights(const float* fractions, ChunkWeights& w) {
-  for (int i = 0; i < kChunk; ++i) {
+void CubicWeights(const float* fractions, int count, ChunkWeights& w) {
+  for (int i = 0; i < count; ++i) {
     const float f = fractions[i], g = 1 - f;
     w[0][i] = -0.5f * f * g * g;
     w[1][i] = (1.5f * f - 2.5f) * f * f + 1;
@@ -29,7 +29,7 @@ void CubicWeights(const float* fractions, ChunkWeights& w) {
 // sinc(x) sinc(x / 3), |x| < 3, of the six taps, divided by their sum. With u = f - 0.5, the
 // weights of tap k and of its mirror image 5 - k are E(u^2) + u O(u^2) and E(u^2) - u O(u^2); E
 // and O are interpolated at five Chebyshev nodes each, which leaves an error of 1.4e-6 at the most.
-void LanczosWeights(const float* fractions, ChunkWeights& w) {
+void LanczosWeights(const float* fractions, int count, ChunkWeights& w) {
   static constexpr float kEven[3][5] = {
       {0.0244565218f, -0.0881212090f, -0.0569745537f, 0.0789541984f, -0.0253755572f},
       {-0.1358695651f, 0.5707696464f, -0.1142294485f, 0.0299635371f, -0.0389015263f},
@@ -40,7 +40,7 @@ void LanczosWeights(const float* fractions, ChunkWeights& w) {
       {-1.3366715837f, 1.5453341398f, -0.9109620424f, 0.5342850296f, -0.2757033452f}};
   for (int k = 0; k < 3; ++k) {
     const float *e = kEven[k], *o = kOdd[k];
-    for (int i = 0; i < kChunk; ++i) {
+    for (int i = 0; i < count; ++i) {
       const float u = fractions[i] - 0.5f, v = u * u;
       const float even = (((e[4] * v + e[3]) * v + e[2]) * v + e[1]) * v + e[0];
       const float odd = ((((o[4] * v + o[3]) * v + o[2]) * v + o[1]) * v + o[0]) * u;
@@ -50,9 +50,9 @@ void LanczosWeights(const float* fractions, ChunkWeights& w) {
   }
 }
 
-void WeightsOf(int interpolation, const float* f, ChunkWeights& w) {
-  if (interpolation == 4) CubicWeights(f, w);
-  else LanczosWeights(f, w);
+void WeightsOf(int interpolation, const float* f, int count, ChunkWeights& w) {
+  if (interpolation == 4) CubicWeights(f, count, w);
+  else LanczosWeights(f, count, w);
 }
 
 // A running sum of weights in units of 1/16384, rounded. The rounded weights are its differences:
@@ -77,11 +77,14 @@ void StoreWeights(const float* exact, int taps, short* weights) {
 template <int kTaps>
 void StoreChunk(const ChunkWeights& w, int count, short* weights) {
   int pairs[kTaps / 2][kChunk];
-  float sum[kChunk] = {};
+  float sum[kChunk];
   int before[kChunk];
-  for (int i = 0; i < kChunk; ++i) before[i] = kBias;
+  for (int i = 0; i < count; ++i) {
+    sum[i] = 0;
+    before[i] = kBias;
+  }
   for (int t = 0; t < kTaps; t += 2)
-    for (int i = 0; i < kChunk; ++i) {
+    for (int i = 0; i < count; ++i) {
       const float low = sum[i] + w[t][i], high = low + w[t + 1][i];
       const int middle = RoundedSum(low);
       const int after = t == kTaps - 2 ? kBias + 16384 : RoundedSum(high);
@@ -137,8 +140,8 @@ void BuildTaps(const AxisPositions& positions, int interpolation, AxisTaps* taps
         positions.count - start < kChunk ? static_cast<int>(positions.count - start) : kChunk;
     // Six samples outside, every tap is the edge sample: no need to go further, nor to convert what
     // an int cannot hold.
-    double whole[kChunk] = {};
-    float f[kChunk] = {};
+    double whole[kChunk];
+    float f[kChunk];
     for (int i = 0; i < count; ++i) {
       double p = positions.position[start + i];
       if (!(p > -6)) p = -6;
@@ -149,7 +152,7 @@ void BuildTaps(const AxisPositions& positions, int interpolation, AxisTaps* taps
       f[i] = static_cast<float>(p - whole[i]);
     }
     ChunkWeights w;
-    WeightsOf(interpolation, f, w);
+    WeightsOf(interpolation, f, count, w);
     short* const weights = taps->weights + start * kept;
     if (kept == full) {
       if (full == 4) StoreChunk<4>(w, count, weights);

@@ -7,97 +7,128 @@ namespace qv {
 
 namespace {
 
-// One layout's values, from the first byte that a tap names.
-template <RowLayout kLayout>
-struct Values {
-  const FilterColumns& x;
-  ptrdiff_t count;
-  long long first;
+// Where the taps of a component's values are, from the first one: those of pair q in bits 0 .. 15
+// and 16 .. 31. Taps that an odd count or a short region leaves open repeat the last one; their
+// weight is 0.
+struct PairOffsets {
+  uint32_t pair[kMaxTaps / 2];
 
-  // Past the end the last value, without weights.
-  ValueTaps operator[](ptrdiff_t k) const {
-    ValueTaps v = TapsOfValue<kLayout>(x, k < count ? k : count - 1);
-    if (k >= count) v.taps = 0;
-    v.at -= static_cast<ptrdiff_t>(first);
-    return v;
+  PairOffsets(int taps, int stride) {
+    for (int q = 0; q < kMaxTaps / 2; ++q) pair[q] = At(2 * q, taps, stride) | At(2 * q + 1, taps, stride) << 16;
+  }
+  int Low(int q) const { return static_cast<int>(pair[q] & 0xFFFF); }
+  int High(int q) const { return static_cast<int>(pair[q] >> 16); }
+
+ private:
+  static uint32_t At(int tap, int taps, int stride) {
+    return static_cast<uint32_t>((tap < taps ? tap : taps - 1) * stride);
   }
 };
 
-// The window of taps begin .. end - 1 of a group; false if they do not fit.
+// The first tap of each value, in bytes from the first that is named; past the end of the last one.
 template <RowLayout kLayout>
-bool PlaceWindow(const Values<kLayout>& values, ptrdiff_t k, int count, int begin, int end,
-                 int windowBytes, ptrdiff_t lastBase, int* base) {
-  ptrdiff_t low = lastBase, high = 0;
-  for (ptrdiff_t i = k; i < k + count; ++i) {
-    const ValueTaps v = values[i];
-    const int last = (end < v.taps ? end : v.taps) - 1;
-    if (last < begin) continue;
-    const ptrdiff_t from = v.at + begin * v.stride, to = v.at + last * v.stride;
-    low = from < low ? from : low;
-    high = to > high ? to : high;
-  }
-  *base = static_cast<int>(low);
-  return high - low < windowBytes;
+void FillStarts(const FilterColumns& x, long long first, ptrdiff_t padded, int* start) {
+  const ptrdiff_t count = ValueCount<kLayout>(x);
+  for (ptrdiff_t k = 0; k < count; ++k)
+    start[k] = static_cast<int>(TapsOfValue<kLayout>(x, k).at - first);
+  for (ptrdiff_t k = count; k < padded; ++k) start[k] = start[count - 1];
 }
 
+// The lowest and the highest byte that the taps of pairs p .. last of a group touch.
+struct Reach {
+  int low, high;
+};
+
 template <RowLayout kLayout>
-bool FillWindows(const Values<kLayout>& values, const WindowShape& shape, ptrdiff_t padded,
-                 ptrdiff_t lastBase, const ColumnWindows& windows) {
+Reach ReachOf(const int* start, int count, const PairOffsets* offsets, int p, int last) {
+  constexpr int kComponents = kLayout == RowLayout::kPairs422 ? 2 : 1;
+  Reach reach = {INT32_MAX, 0};
+  for (int c = 0; c < kComponents; ++c) {
+    int low = start[c], high = start[c];
+    for (int s = c; s < count; s += kComponents) {
+      low = start[s] < low ? start[s] : low;
+      high = start[s] > high ? start[s] : high;
+    }
+    low += offsets[c].Low(p);
+    high += offsets[c].High(last);
+    reach.low = low < reach.low ? low : reach.low;
+    reach.high = high > reach.high ? high : reach.high;
+  }
+  return reach;
+}
+
+template <RowLayout kLayout, int kPairs, bool kOneAPair>
+bool FillWindows(const FilterColumns& x, const WindowShape& shape, const int* start,
+                 ptrdiff_t padded, int lastBase, const ColumnWindows& windows) {
+  constexpr bool kPairs422 = kLayout == RowLayout::kPairs422;
+  static constexpr short kNone[kMaxTaps] = {};
   const int perBlock = shape.vectorBytes / 2;
   const int perGroup = perBlock / 2 / shape.windowsPerVector;
-  const int pairsAWindow = shape.oneAPair ? 1 : windows.pairs;
+  const ptrdiff_t count = ValueCount<kLayout>(x);
+  const PairOffsets offsets[2] = {{x.luma.taps, Component(kLayout, 0).stride}, {x.chroma.taps, 4}};
   int* base = windows.base;
   unsigned char* index = windows.index;
   auto* weights = reinterpret_cast<unsigned char*>(windows.weights);
+  const auto fill = [&](ptrdiff_t group, ptrdiff_t at, int p, int last) {
+    const Reach reach = ReachOf<kLayout>(start + group, perGroup, offsets, p, last);
+    const int low = reach.low < lastBase ? reach.low : lastBase;
+    *base++ = low;
+    for (int s = 0; s < perGroup; ++s, at += 4) {
+      const ptrdiff_t k = group + s;
+      const bool isChroma = kPairs422 && s % 2;
+      const int taps = isChroma ? x.chroma.taps : x.luma.taps;
+      const short* const from = k < count ? TapsOfValue<kLayout>(x, k).weights : kNone;
+      const auto ahead = static_cast<uint32_t>(start[k] - low) * 0x10001u + 0x80008000u;
+      for (int q = p; q <= last; ++q) {
+        const uint32_t bytes = ahead + offsets[isChroma].pair[q];
+        uint32_t pair = 0;
+        if (2 * q + 1 < taps) memcpy(&pair, from + 2 * q, 4);
+        else if (2 * q < taps) memcpy(&pair, from + 2 * q, 2);
+        memcpy(index + at + q * shape.vectorBytes, &bytes, 4);
+        memcpy(weights + at + q * shape.vectorBytes, &pair, 4);
+      }
+    }
+    return reach.high - low < shape.windowBytes;
+  };
   for (ptrdiff_t block = 0; block < padded; block += perBlock)
     for (int v = 0; v < 2; ++v) {
-      for (int p = 0; p < windows.pairs; p += pairsAWindow)
-        for (int w = 0; w < shape.windowsPerVector; ++w) {
-          const ptrdiff_t k = block + (2 * w + v) * perGroup;
-          if (!PlaceWindow(values, k, perGroup, 2 * p, 2 * (p + pairsAWindow), shape.windowBytes,
-                           lastBase, base))
+      for (int p = 0; p < (kOneAPair ? kPairs : 1); ++p)
+        for (int w = 0; w < shape.windowsPerVector; ++w)
+          if (!fill(block + (2 * w + v) * perGroup, 4 * w * perGroup, p,
+                    kOneAPair ? p : kPairs - 1))
             return false;
-          for (int s = 0; s < perGroup; ++s) {
-            const ValueTaps value = values[k + s];
-            for (int q = p; q < p + pairsAWindow; ++q) {
-              const ptrdiff_t at = q * shape.vectorBytes + 4 * (w * perGroup + s);
-              // A tap that the value lacks takes any byte: its weight is 0.
-              unsigned char bytes[4] = {0, 0x80, 0, 0x80};
-              short pair[2] = {};
-              for (int side = 0; side < 2; ++side) {
-                const int tap = 2 * q + side;
-                if (tap >= value.taps) break;
-                pair[side] = value.weights[tap];
-                bytes[2 * side] =
-                    static_cast<unsigned char>(value.at + tap * value.stride - *base);
-              }
-              memcpy(index + at, bytes, 4);
-              memcpy(weights + at, pair, 4);
-            }
-          }
-          ++base;
-        }
-      index += windows.pairs * shape.vectorBytes;
-      weights += windows.pairs * shape.vectorBytes;
+      index += kPairs * shape.vectorBytes;
+      weights += kPairs * shape.vectorBytes;
     }
   return true;
+}
+
+template <RowLayout kLayout, int kPairs>
+bool FillWindows(const FilterColumns& x, const WindowShape& shape, const int* start,
+                 ptrdiff_t padded, int lastBase, const ColumnWindows& windows) {
+  const auto fill =
+      shape.oneAPair ? FillWindows<kLayout, kPairs, true> : FillWindows<kLayout, kPairs, false>;
+  return fill(x, shape, start, padded, lastBase, windows);
 }
 
 template <RowLayout kLayout>
 bool PlanWindowsOf(const FilterColumns& x, const WindowShape& shape, const FilterScratch& scratch,
                    void* memory, ColumnWindows* windows) {
-  const Values<kLayout> values = {x, ValueCount<kLayout>(x), scratch.first};
-  const ptrdiff_t padded = (values.count + 63) / 64 * 64;
-  const int most = kLayout == RowLayout::kPairs422 && x.chroma.taps > x.luma.taps ? x.chroma.taps
-                                                                                  : x.luma.taps;
-  windows->pairs = (most + 1) / 2;
+  const ptrdiff_t padded = (ValueCount<kLayout>(x) + 63) / 64 * 64;
+  const bool chroma = kLayout == RowLayout::kPairs422 && x.chroma.taps > x.luma.taps;
+  windows->pairs = ((chroma ? x.chroma.taps : x.luma.taps) + 1) / 2;
   windows->index = static_cast<unsigned char*>(memory);
   windows->weights = reinterpret_cast<short*>(windows->index + padded * 4 * windows->pairs);
   windows->base = reinterpret_cast<int*>(windows->index + padded * 8 * windows->pairs);
-  const ptrdiff_t lastBase =
-      scratch.span > shape.windowBytes ? static_cast<ptrdiff_t>(scratch.span) - shape.windowBytes
-                                       : 0;
-  return FillWindows(values, shape, padded, lastBase, *windows);
+  int* const start = windows->base + padded / 4 * windows->pairs;
+  FillStarts<kLayout>(x, scratch.first, padded, start);
+  const auto lastBase = static_cast<int>(
+      scratch.span > shape.windowBytes ? scratch.span - shape.windowBytes : 0);
+  const auto fill = windows->pairs == 1   ? FillWindows<kLayout, 1>
+                    : windows->pairs == 2 ? FillWindows<kLayout, 2>
+                    : windows->pairs == 3 ? FillWindows<kLayout, 3>
+                                          : FillWindows<kLayout, 4>;
+  return fill(x, shape, start, padded, lastBase, *windows);
 }
 
 }  // namespace

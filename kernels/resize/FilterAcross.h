@@ -62,10 +62,11 @@ void FilterWindows(const Byte* const* lines, ptrdiff_t ahead, const ColumnWindow
   const short* weights = windows.weights + first * kPairs * kVecBytes;
   for (ptrdiff_t b = first; b < end; ++b) {
     Vec sums[kRows][2];
-    for (int v = 0; v < 2; ++v) {
+    if (b % (64 / kVecBytes) == 0)  // 32 values come from about a cache line, or two
       for (int r = 0; r < kRows; ++r)
         for (int l = 0; l < (kWide ? 128 : 64); l += 64)
           __builtin_prefetch(lines[r] + ahead + base[0] + l);
+    for (int v = 0; v < 2; ++v) {
       for (int p = 0; p < kPairs; ++p) {
         const Vec spread = Load(index), w = Load(weights);
         for (int r = 0; r < kRows; ++r) {

@@ -56,12 +56,17 @@ struct Work {
 
 #if QV_HAS_VECTORS
 
-// Values of a strip, for which tables and ring stay in the first cache level together.
-constexpr ptrdiff_t kStripValues = 1024;
+// Tables and ring of a strip, which stay in the first cache level together.
+constexpr ptrdiff_t kStripBytes = ptrdiff_t{36} << 10;
 
+// Values of a strip: all, or as many in each of as few as there can be.
 template <RowLayout kLayout>
 ptrdiff_t StripValues(const Work<kLayout>& work) {
-  return work.across.kind == Across::kWords ? work.to : kStripValues;
+  if (work.across.kind == Across::kWords) return work.to;
+  const ptrdiff_t bytes =
+      (2 * work.plan.ringRows + 8 * work.across.windows.pairs) * work.to;
+  const ptrdiff_t strips = (bytes + kStripBytes - 1) / kStripBytes;
+  return (work.to / strips + 63) / 64 * 64;
 }
 
 // Source rows r .. r + rows - 1, at most kBatchRows of them, filtered along x into the ring.
@@ -75,11 +80,13 @@ void FilterSourceRows(const Work<kLayout>& work, int r, int rows) {
     lines[i] = RowAt(work.src, work.srcStep, ptrdiff_t{r} + i) + work.plan.first;
     out[i] = work.Ring(r + i);
     // Windows end with the row, unless it is shorter than a window.
-    const auto span = static_cast<size_t>(work.plan.span);
-    if (kHasByteShuffle && span < static_cast<size_t>(work.across.windowBytes)) {
-      Byte* const copy = work.base + work.plan.copy + i * kCopyBytes;
-      lines[i] = static_cast<const Byte*>(memcpy(copy, lines[i], span));
-      ahead = 0;
+    if constexpr (kHasByteShuffle) {
+      if (work.plan.span < work.across.windowBytes) {
+        Byte* const copy = work.base + work.plan.copy + i * kCopyBytes;
+        CopyShortRow(lines[i], static_cast<ptrdiff_t>(work.plan.span), copy);
+        lines[i] = copy;
+        ahead = 0;
+      }
     }
   }
   FilterAcross<kLayout>(work.across, work.x, lines, rows, ahead,

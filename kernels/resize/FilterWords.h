@@ -14,12 +14,21 @@ namespace {
 QV_INLINE void WidenSamples(const Byte* from, int stride, short* words, ptrdiff_t count) {
   ptrdiff_t i = 0;
   if (stride == 1) {
-    const __m128i zero = _mm_setzero_si128();
+    const Vec16 zero = _mm_setzero_si128();
     for (; i + 16 <= count; i += 16) {
       const Vec16 v = Load16(from + i);
       Store16(words + i, _mm_unpacklo_epi8(v, zero));
       Store16(words + i + 8, _mm_unpackhi_epi8(v, zero));
     }
+  } else if (stride == 2) {
+    // Loads end a sample further, where the row may end: one sample more is left for the last loop.
+    for (; i + 9 <= count; i += 8)
+      Store16(words + i, _mm_and_si128(Load16(from + 2 * i), _mm_set1_epi16(255)));
+  } else if (stride == 4) {
+    const Vec16 mask = _mm_set1_epi32(255);
+    for (; i + 9 <= count; i += 8)
+      Store16(words + i, _mm_packs_epi32(_mm_and_si128(Load16(from + 4 * i), mask),
+                                         _mm_and_si128(Load16(from + 4 * i + 16), mask)));
   }
   for (; i < count; ++i) words[i] = from[i * stride];
 }
@@ -68,10 +77,13 @@ QV_INLINE void FilterComponent(const Byte* from, RowComponent component, ptrdiff
                                const PaddedTaps& taps, ptrdiff_t count, short* words, short* line,
                                short* out) {
   WidenSamples(from + component.offset, component.stride, words, samples);
+  const bool isInPlace = component.stride == 1 && !kHasBytePermute;
+  short* const filtered = isInPlace ? out : line;
   if (taps.kept == 4)
-    FilterWords<4>(words, taps, line);
+    FilterWords<4>(words, taps, filtered);
   else
-    FilterWords<8>(words, taps, line);
+    FilterWords<8>(words, taps, filtered);
+  if (isInPlace) return;
   for (ptrdiff_t i = 0; i < count; ++i)
     out[RingPlace(component.offset + i * component.stride)] = line[i];
 }

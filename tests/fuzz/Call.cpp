@@ -81,16 +81,10 @@ FuzzImage Call::Lay(int step, Part part, bool writable) {
     images_.push_back(image);
     return {arena.end(), step};
   }
-  std::ptrdiff_t stride = step < 0 ? -static_cast<std::ptrdiff_t>(step) : step;
-  const auto span = [&] {
-    return static_cast<long long>(stride) * (part.rows - 1) + static_cast<long long>(part.bytes);
-  };
-  if (span() > contract::kMostSpan) {
-    stride = part.bytes;
-    step = static_cast<int>(step < 0 ? -stride : stride);
-    in_.Note("  as far apart as memory allows, step", step);
-  }
-  const auto bytes = static_cast<std::ptrdiff_t>(span());
+  const int reaching = contract::ReachingStep(step, part.bytes, part.rows, part.y);
+  if (reaching != step) step = in_.Note("  as far as addresses go, step", reaching);
+  const std::ptrdiff_t stride = step < 0 ? -static_cast<std::ptrdiff_t>(step) : step;
+  const std::ptrdiff_t bytes = stride * (part.rows - 1) + part.bytes;
   image.stride = stride;
   image.bytes = part.bytes;
   image.rows = part.rows;

@@ -27,7 +27,7 @@ inline int DisjointStep(int step, std::ptrdiff_t rowBytes, std::ptrdiff_t rows) 
 
 // Memory that no host of a test has, and time that no test has: a call that will work on its
 // images works on at most this many bytes of each. Calls that are refused may name any size.
-constexpr int kMostBytes = 64 << 10;
+constexpr int kMostBytes = 32 << 10;
 
 inline IppiSize Fitting(IppiSize size, int bytesAPixel) {
   const long long bytes = static_cast<long long>(size.width) * size.height;
@@ -47,8 +47,28 @@ inline IppiRect Refusable(IppiRect dstRoi) {
 // Warps fetch whole words: up to seven bytes behind a row of the region that is not its last.
 constexpr bool kWarpsReadGaps = true;
 
-// How far apart the rows of an image may lie: as far as a test can reserve addresses.
-constexpr long long kMostSpan = sizeof(void*) == 8 ? 6ll << 30 : 8ll << 20;
+// Images that no address space holds: a region's origin lies within an image that starts at the
+// pointer, so the distance between them is limited, as is that of the first row from the last one.
+#if defined(_WIN32)
+constexpr bool kWide = false;  // it sets memory aside for what is only reserved elsewhere
+#else
+constexpr bool kWide = sizeof(void*) == 8;
+#endif
+constexpr long long kMostSpan = kWide ? 6ll << 30 : 8ll << 20;
+constexpr long long kMostOffset = kWide ? 1ll << 45 : 1ll << 28;
+
+inline IppiRect Addressable(IppiRect roi) {
+  constexpr int kMost = kWide ? 1 << 24 : 1 << 10;
+  return {roi.x % kMost, roi.y % kMost, roi.width, roi.height};
+}
+
+// The step, or an exact one if it leads too far; `y` is the first of the rows.
+inline int ReachingStep(int step, std::ptrdiff_t rowBytes, std::ptrdiff_t rows, std::ptrdiff_t y) {
+  const long long apart = step < 0 ? -static_cast<long long>(step) : step;
+  const bool reaches =
+      apart * (rows - 1) + rowBytes <= kMostSpan && apart * (y < 0 ? -y : y) <= kMostOffset;
+  return reaches ? step : static_cast<int>(step < 0 ? -rowBytes : rowBytes);
+}
 
 // Differences between one band and several that the documentation states: positions of qvResize,
 // and the second image of qvWarpPerspectiveEx. And those between one number of bands and another:

@@ -92,6 +92,7 @@ bool AreSizesGood(const Images& a) {
 
 void Shrink(IppiRect& roi, int channels) {
   const IppiSize size = contract::Fitting({roi.width, roi.height}, channels);
+  roi = contract::Addressable(roi);
   roi.width = size.width;
   roi.height = size.height;
 }

@@ -111,6 +111,7 @@ void Fit(Arguments& a, int bytesAPixel) {
     width = fitting.width;
     height = fitting.height;
   };
+  a.srcRoi = contract::Addressable(a.srcRoi);
   a.srcRoi.width = Clipped(a.srcRoi.x, a.srcRoi.width, a.srcSize.width);
   a.srcRoi.height = Clipped(a.srcRoi.y, a.srcRoi.height, a.srcSize.height);
   shrink(a.srcRoi.width, a.srcRoi.height);
