@@ -42,6 +42,18 @@ cmake --preset debug >/dev/null
 cmake --build --preset debug
 ctest --test-dir build/debug --output-on-failure -j "$(nproc)"
 
+step 'Sixteen threads under the thread sanitizer'
+scripts/threadcheck.sh 60
+
+step 'Memcheck'
+scripts/memcheck.sh
+
+step 'Coverage'
+scripts/coverage.sh
+
+step 'Planted faults'
+scripts/mutate.sh
+
 step 'The demo page in a browser'
 tests/tool/check_page.sh build/release/tools/qvtool/qvtool "$(command -v chromium)"
 

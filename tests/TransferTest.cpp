@@ -3,6 +3,9 @@
 // their order, and bands.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <functional>
 #include <numeric>
 #include <vector>
@@ -31,6 +34,45 @@ void AtBudgets(const std::function<void()>& body) {
     const UseBudget use(budget);
     SCOPED_TRACE(testing::Message() << "budget " << budget);
     body();
+  }
+}
+
+TEST(Copy, OfALongRowIsThatOfItsPixels) {
+  const int width = 30000;
+  const Bytes src = Noise(4 * width);
+  for (const auto& [type, from, to] : {std::array{2, 1, 1}, {4, 3, 3}, {9, 1, 3}, {13, 4, 3}}) {
+    Bytes expected(4 * width, 7);
+    for (int k = 0; k < width; ++k)
+      for (int c = 0; c < std::min(from, to); ++c) expected[to * k + c] = src[from * k + c];
+    AtBudgets([&] {
+      Bytes dst(4 * width, 7);
+      EXPECT_EQ(Lib::qvCopy(Type(type), src.data(), 5, dst.data(), 5, {width, 1}), StatusOk);
+      EXPECT_TRUE(dst == expected) << type;
+    });
+  }
+}
+
+// Copies of more than 10 MiB go past the caches.
+TEST(Copy, OfALargeImageIsTheSameAtEveryLevel) {
+  const IppiSize size = {1283, 3001};
+  const int rowBytes = 3 * size.width;
+  for (const int gap : {0, 7}) {
+    const int step = rowBytes + gap;
+    const Bytes src = Noise(static_cast<std::size_t>(step) * size.height);
+    for (const Level& level : AvailableLevels()) {
+      const UseLevel use(level);
+      Bytes dst(src.size() + 64, 99);
+      unsigned char* const to = dst.data() + 5;
+      ASSERT_EQ(Lib::qvCopy(Lib::ThreeChannels, src.data(), step, to, step, size), StatusOk);
+      for (int y = 0; y < size.height; ++y) {
+        const std::ptrdiff_t at = std::ptrdiff_t{y} * step;
+        ASSERT_TRUE(std::equal(to + at, to + at + rowBytes, src.data() + at)) << level.name << y;
+        ASSERT_EQ(std::count(to + at + rowBytes, to + at + step, 99), gap) << level.name << y;
+      }
+      EXPECT_EQ(std::count(dst.begin(), dst.begin() + 5, 99), 5);
+      EXPECT_EQ(std::count(to + static_cast<std::ptrdiff_t>(size.height) * step,
+                           dst.data() + dst.size(), 99), 59);
+    }
   }
 }
 
