@@ -21,12 +21,12 @@ fi
 
 make_debian32() {
   debian=$cache/debian32
-  [ ! -e "$debian/complete" ] || return 0
-  "$root/scripts/setup.sh" debootstrap
-  if ! $as_root unshare --mount sh -c "mount --bind / /mnt && chroot / true" 2>/dev/null; then
+  if ! $as_root unshare --mount sh -c 'mount --bind /usr /mnt && chroot / true' 2>/dev/null; then
     echo "setup_wine.sh: no right to mount and to change the root folder here: no 32-bit Wine" >&2
     exit 3
   fi
+  [ ! -e "$debian/complete" ] || return 0
+  "$root/scripts/setup.sh" debootstrap
   echo "Making a 32-bit Debian with Wine in $debian"
   mkdir -p "$cache"
   # What an earlier attempt left, unless something is still mounted there.
