@@ -15,7 +15,7 @@ as_root=
 [ "$(id -u)" = 0 ] || as_root="sudo -E"
 
 if [ "${1-}" = --stop ]; then
-  for bits in 32 64; do "$root/scripts/wine.sh" $bits --stop; done
+  for bits in 32 64; do "$root/scripts/wine.sh" $bits --stop 2>/dev/null || true; done
   exit 0
 fi
 
