@@ -1,4 +1,5 @@
 #include "bench/Bench.h"
+#include "bench/ResizeAccuracy.h"
 
 #include <benchmark/benchmark.h>
 
@@ -91,6 +92,10 @@ int main(int argc, char** argv) {
 #if defined(QV_BENCH_OPENCV)
   cv::setNumThreads(1);  // peers run on one thread, like the figures they stand beside
 #endif
+  if (argc == 2 && std::string(argv[1]) == "--resize-accuracy") {
+    bench::PrintResizeAccuracy();
+    return 0;
+  }
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
   benchmark::AddCustomContext("levels", qv::test::AvailableLevels().back().name);

@@ -6,6 +6,9 @@ else()
   set(exports ${CMAKE_CURRENT_SOURCE_DIR}/exports/windows64.def)
 endif()
 target_sources(qvAcceleratedLib PRIVATE ${exports})
+enable_language(RC)  # what the system shows of a file's version
+configure_file(version.rc.in version.rc @ONLY)
+target_sources(qvAcceleratedLib PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/version.rc)
 set_target_properties(qvAcceleratedLib PROPERTIES PREFIX "" QV_EXPORT_LIST ${exports})
 target_link_options(qvAcceleratedLib PRIVATE -static)
 
@@ -23,5 +26,5 @@ if(QV_LLVM_DLLTOOL)
     DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/visual.def
     VERBATIM)
   add_custom_target(qvVisualImports ALL DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/qvAcceleratedLib.lib)
-  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/qvAcceleratedLib.lib TYPE LIB)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/qvAcceleratedLib.lib TYPE LIB COMPONENT library)
 endif()

@@ -1,6 +1,6 @@
 #!/bin/bash
 # Builds the benchmarks beside every peer that Debian carries, runs them and writes
-# docs/performance.md, its chart and the figures it was made from.
+# docs/performance.md with its chart, and docs/accuracy.md.
 #
 #   scripts/bench.sh [FILTER]      FILTER: a regular expression of job names; prints, writes nothing
 set -euo pipefail
@@ -23,4 +23,5 @@ fi
 mkdir -p docs
 run --benchmark_out=build/bench/performance.json --benchmark_out_format=json >/dev/null
 scripts/performance.py build/bench/performance.json
-echo 'Wrote docs/performance.md'
+build/bench/bench/qvbench --resize-accuracy >docs/accuracy.md
+echo 'Wrote docs/performance.md and docs/accuracy.md'

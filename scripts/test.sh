@@ -3,7 +3,8 @@
 #
 #   scripts/test.sh          every test, in a release build
 #   scripts/test.sh --all    also: a million random calls of the kernels, images of 70000 x 70000 pixels,
-#                            a minute of each fuzzer, the sanitizers, the demo page in a browser
+#                            a minute of each fuzzer, the sanitizers, the demo page in a browser,
+#                            32-bit Linux, the DLLs of Windows, the packages
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 cd "$root"
@@ -11,12 +12,12 @@ all=0
 case "${1-}" in
   '') ;;
   --all) all=1 ;;
-  *) sed -n '2,6s/^# \{0,1\}//p' "$0" >&2; exit 2 ;;
+  *) sed -n '2,7s/^# \{0,1\}//p' "$0" >&2; exit 2 ;;
 esac
 
 step() { printf '\n== %s\n' "$*"; }
 
-"$root/scripts/setup.sh" libgtest-dev zlib1g-dev
+"$root/scripts/setup.sh" libgtest-dev zlib1g-dev qemu-user
 [ $all = 0 ] || "$root/scripts/setup.sh" chromium
 
 step 'Release build and tests'
@@ -55,3 +56,16 @@ scripts/mutate.sh
 
 step 'The demo page in a browser'
 tests/tool/check_page.sh build/release/tools/qvtool/qvtool "$(command -v chromium)"
+
+scripts/test_platforms.sh
+
+step 'Packages'
+scripts/package.sh
+presets=(release windows64 windows32)
+scripts/setup_wine.sh 64
+if ! scripts/setup_wine.sh 32; then
+  echo 'SKIPPED: the package for 32-bit Windows, whose Wine this machine cannot have'
+  presets=(release windows64)
+fi
+tests/check_packages.sh out "${presets[@]}"
+scripts/setup_wine.sh --stop

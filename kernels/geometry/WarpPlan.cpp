@@ -57,6 +57,7 @@ WarpPlan::WarpPlan(const double coeffs[3][3], const Corners& source, const Corne
                 static_cast<long long>(source.x0) * (1 << kWarpBits),
             -static_cast<long long>(kOffset + kCentre) -
                 static_cast<long long>(source.y0) * (1 << kWarpBits)},
+      inner_{{source.x0 + 1.5, source.x1 - 3}, {source.y0 + 1.5, source.y1 - 3}},
       low_{source.x0 - kTolerance, source.y0 - kTolerance},
       high_{source.x1 + kTolerance, source.y1 + kTolerance},
       destination_(destination),
@@ -187,6 +188,7 @@ void WarpPlan::FitColumn(const Row& row, WarpSegment& segment) const {
   for (int axis = 0; axis < 2; ++axis) {
     const double p = position[axis];
     segment.coeff[axis][1] = segment.coeff[axis][2] = segment.coeff[axis][3] = 0;
+    segment.isInside = false;
     Place(axis, p > -kFar ? p < kFar ? p : kFar : -kFar, segment);
   }
 }
@@ -195,36 +197,54 @@ void WarpPlan::FitColumn(const Row& row, WarpSegment& segment) const {
 //   position(t) = P + S t / (1 + k t) = P + S t (1 - k t + k^2 t^2 - k^3 t^3 + ...).
 // On |t| <= h the term in t^4 is replaced by h^2 t^2 - h^4 / 8, which is off by h^4 / 8 at most
 // (Chebyshev); the terms behind it add less than a factor of 1 / (1 - |k| h).
+template <bool kAffine>
 bool WarpPlan::Fit(const Row& row, WarpSegment& segment) const {
   const int half = segment.count / 2;
   const double centre = segment.first + half, h = half;
   double p[2] = {m_[0][0] * centre + row.x, m_[1][0] * centre + row.y};
-  double slope[2] = {m_[0][0], m_[1][0]}, k = 0, quartic = 0;
-  if (!affine_) {
+  double slope[2] = {m_[0][0], m_[1][0]}, k = 0, e = 0;
+  if constexpr (!kAffine) {
     const double w = m_[2][0] * centre + row.w;
     const double r = 1 / w;
     k = m_[2][0] * r;
-    const double e = fabs(k) * h;
+    e = fabs(k) * h;
     if (!(w > 0 && e < 0.25)) return false;
-    quartic = e * e * e / 6;  // 1 / 8 / (1 - e) at most
     for (int axis = 0; axis < 2; ++axis) {
       p[axis] *= r;
       slope[axis] = (slope[axis] - p[axis] * m_[2][0]) * r;
     }
   }
-  const double x = fabs(slope[0]) * h, y = fabs(slope[1]) * h;
+  const double quartic = e * e * e / 6;  // 1 / 8 / (1 - e) at most
+  const double reach[2] = {fabs(slope[0]) * h, fabs(slope[1]) * h};
   constexpr double kMost = kReach * 0.75;
-  if (!(x <= kMost && y <= kMost && x * quartic <= kFitError && y * quartic <= kFitError &&
-        fabs(p[0]) <= 0x1p31 && fabs(p[1]) <= 0x1p31))
+  if (!(reach[0] <= kMost && reach[1] <= kMost && reach[0] * quartic <= kFitError &&
+        reach[1] * quartic <= kFitError && fabs(p[0]) <= 0x1p31 && fabs(p[1]) <= 0x1p31))
     return false;
+  // No column is further from the centre than reach / (1 - e), which is below this.
+  const double farthest = 1 + e * (4.0 / 3);
+  segment.isInside = p[0] - reach[0] * farthest >= inner_[0][0] &&
+                     p[0] + reach[0] * farthest <= inner_[0][1] &&
+                     p[1] - reach[1] * farthest >= inner_[1][0] &&
+                     p[1] + reach[1] * farthest <= inner_[1][1];
   for (int axis = 0; axis < 2; ++axis) {
-    const double c2 = -slope[axis] * k, c3 = -c2 * k, c4h2 = -c3 * k * h * h;
+    double c2 = 0, c3 = 0, quarter = 0;
+    if constexpr (!kAffine) {
+      c2 = -slope[axis] * k;
+      c3 = -c2 * k;
+      quarter = -c3 * k * h * h;
+      c2 += quarter;
+      quarter *= h * h / 8;
+    }
     segment.coeff[axis][1] = static_cast<float>(slope[axis] * kOne);
-    segment.coeff[axis][2] = static_cast<float>((c2 + c4h2) * kOne);
+    segment.coeff[axis][2] = static_cast<float>(c2 * kOne);
     segment.coeff[axis][3] = static_cast<float>(c3 * kOne);
-    Place(axis, p[axis] - c4h2 * h * h / 8, segment);
+    Place(axis, p[axis] - quarter, segment);
   }
   return true;
+}
+
+bool WarpPlan::Fit(const Row& row, WarpSegment& segment) const {
+  return affine_ ? Fit<true>(row, segment) : Fit<false>(row, segment);
 }
 
 // Splits a position into the whole number `base` and c0, which carries the fraction.

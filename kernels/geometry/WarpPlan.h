@@ -49,11 +49,14 @@ class WarpPlan {
   void FindRows(const double coeffs[3][3]);
   int Halve(const Row& row, Span wanted, WarpSegment* segments) const;
   bool Fit(const Row& row, WarpSegment& segment) const;
+  template <bool kAffine>
+  bool Fit(const Row& row, WarpSegment& segment) const;
   void FitColumn(const Row& row, WarpSegment& segment) const;
   void Place(int axis, double position, WarpSegment& segment) const;
 
   double m_[3][3];
   long long base_[2];        // of a segment whose position is at -kOffset
+  double inner_[2][2];       // what WarpSegment calls inside
   double low_[2], high_[2];  // of X and Y, tolerance included
   Corners destination_;
   double bias_;

@@ -89,58 +89,79 @@ QV_INLINE Vec OffsetOf(const View& view, Vec x, Vec y) {
   return Add32(MulLow32(y, view.step), x);
 }
 
-// Each sampler does the kLanes32 pixels at positions (px, py), or returns false if one of them needs
-// bytes that it cannot fetch.
-
-template <int kChannels>
-QV_INLINE bool SampleNearestLanes(const View& view, Vec px, Vec py, Byte* out) {
-  const Vec offset =
-      OffsetOf<kChannels>(view, ShiftRightSigned32<kWarpBits>(Clamp32(px, view.highX)),
-                          ShiftRightSigned32<kWarpBits>(Clamp32(py, view.highY)));
-  if (AnyGreater32(offset, Splat32(static_cast<int>(view.bytes) - 4))) return false;
-  const Vec pixels = Gather32(view.first, offset);
-  if constexpr (kChannels == 1)
-    StoreLowBytes(out, pixels);
-  else
-    StoreTriples(out, pixels);
-  return true;
-}
+// What kLanes32 pixels need of their positions: the offset of their first taps, and along either axis
+// the weights of two taps (linear) or the offset of a table entry (cubic).
+//
+// A run is prepared as a whole before any of it is fetched: the chain from a column to its fetch is
+// long, and with the fetches in between a processor could not look ahead over more than one of them.
+struct Prepared {
+  Vec offset, x, y;
+};
 
 // Weights (2^14 - f, f) of a pair of pixels, as 16-bit halves.
 QV_INLINE Vec PairWeights(Vec fraction) {
   return Add32(ShiftLeft32<16>(fraction), Sub32(Splat32(1 << kWarpBits), fraction));
 }
 
+// False if a pixel needs bytes that cannot be fetched, or taps beyond the edge.
+template <WarpMethod kMethod, int kChannels, bool kInside>
+QV_INLINE bool Prepare(const View& view, Vec px, Vec py, Prepared& out) {
+  if constexpr (!kInside) px = Clamp32(px, view.highX), py = Clamp32(py, view.highY);
+  Vec ix = ShiftRightSigned32<kWarpBits>(px), iy = ShiftRightSigned32<kWarpBits>(py);
+  if constexpr (kMethod == WarpLinear) {
+    // On the last pixel the pair is the one before it, with all the weight on its second half.
+    if constexpr (!kInside) ix = Min32(ix, view.lastX), iy = Min32(iy, view.lastY);
+    out.x = PairWeights(Sub32(px, ShiftLeft32<kWarpBits>(ix)));
+    out.y = PairWeights(Sub32(py, ShiftLeft32<kWarpBits>(iy)));
+  }
+  // Its sign tells: the fetch ends behind the last byte, or there is no tap before or behind.
+  Vec bad = Zero();
+  if constexpr (kMethod == WarpCubic) {
+    const Vec one = Splat32(1), mask = Splat32((kCubicPhases - 1) * 8);  // entries are 8 bytes
+    out.x = And(ShiftRight32<kWarpBits - kCubicBits - 3>(px), mask);
+    out.y = And(ShiftRight32<kWarpBits - kCubicBits - 3>(py), mask);
+    bad = Or(Sub32(Sub32(view.lastX, one), ix), Sub32(Sub32(view.lastY, one), iy));
+    ix = Sub32(ix, one), iy = Sub32(iy, one);
+    bad = Or(bad, Or(ix, iy));
+  }
+  out.offset = OffsetOf<kChannels>(view, ix, iy);
+  if constexpr (kInside) return true;
+  constexpr int kRowsBelow = kMethod == WarpNearest ? 0 : kMethod == WarpLinear ? 1 : 3;
+  constexpr int kFetched =
+      kMethod == WarpNearest || kChannels == 1 ? 4 : kMethod == WarpLinear ? 8 : 16;
+  const ptrdiff_t limit = view.bytes - kRowsBelow * view.stepBytes - kFetched;
+  return !AnyNegative32(Or(bad, Sub32(Splat32(static_cast<int>(limit)), out.offset)));
+}
+
 template <int kChannels>
-QV_INLINE bool SampleLinearLanes(const View& view, Vec px, Vec py, Byte* out) {
-  px = Clamp32(px, view.highX), py = Clamp32(py, view.highY);
-  // On the last pixel the pair is the one before it, with all the weight on its second half.
-  const Vec ix = Min32(ShiftRightSigned32<kWarpBits>(px), view.lastX);
-  const Vec iy = Min32(ShiftRightSigned32<kWarpBits>(py), view.lastY);
-  const Vec wx = PairWeights(Sub32(px, ShiftLeft32<kWarpBits>(ix)));
-  const Vec wy = PairWeights(Sub32(py, ShiftLeft32<kWarpBits>(iy)));
-  const Vec offset = OffsetOf<kChannels>(view, ix, iy);
-  const int fetched = kChannels == 1 ? 4 : 8;
-  if (AnyGreater32(offset, Splat32(static_cast<int>(view.bytes - view.stepBytes) - fetched)))
-    return false;
+QV_INLINE void FinishNearest(const View& view, const Prepared& p, Byte* out) {
+  const Vec pixels = Gather32(view.first, p.offset);
+  if constexpr (kChannels == 1)
+    StoreLowBytes(out, pixels);
+  else
+    StoreTriples(out, pixels);
+}
+
+template <int kChannels>
+QV_INLINE void FinishLinear(const View& view, const Prepared& p, Byte* out) {
   const Byte* const below = view.first + view.stepBytes;
   // Of 16-bit pairs of neighbours in both rows, 2^21 times the value.
   const auto mix = [=](Vec upper, Vec lower) {
-    const Vec u = ShiftRight32<7>(MulAddPairs16(upper, wx));
-    const Vec l = ShiftLeft32<9>(MulAddPairs16(lower, wx));
-    return Add32(MulAddPairs16(Or(u, And(l, Splat32(-0x10000))), wy), Splat32(kLinearRound));
+    const Vec u = ShiftRight32<7>(MulAddPairs16(upper, p.x));
+    const Vec l = ShiftLeft32<9>(MulAddPairs16(lower, p.x));
+    return Add32(MulAddPairs16(Or(u, And(l, Splat32(-0x10000))), p.y), Splat32(kLinearRound));
   };
   if constexpr (kChannels == 1) {
-    StoreLowBytes(out, ShiftRight32<21>(mix(SpreadPair<0, 1>(Gather32(view.first, offset)),
-                                            SpreadPair<0, 1>(Gather32(below, offset)))));
+    StoreLowBytes(out, ShiftRight32<21>(mix(SpreadPair<0, 1>(Gather32(view.first, p.offset)),
+                                            SpreadPair<0, 1>(Gather32(below, p.offset)))));
   } else {
-    const PixelPairs upper = GatherPairs(view.first, offset), lower = GatherPairs(below, offset);
+    const PixelPairs upper = GatherPairs(view.first, p.offset);
+    const PixelPairs lower = GatherPairs(below, p.offset);
     const Vec b = ShiftRight32<21>(mix(upper.b, lower.b));
     const Vec g = And(ShiftRight32<13>(mix(upper.g, lower.g)), Splat32(0xFF00));
     const Vec r = And(ShiftRight32<5>(mix(upper.r, lower.r)), Splat32(0xFF0000));
     StoreTriples(out, Or(Or(b, g), r));
   }
-  return true;
 }
 
 // Sums down the four rows, whose sums along x have 6 fractional bits; the weights are those of rows 0
@@ -152,40 +173,24 @@ QV_INLINE Vec SumRows(const Vec row[4], Vec even, Vec odd) {
 }
 
 template <int kChannels>
-QV_INLINE bool SampleCubicLanes(const View& view, Vec px, Vec py, Byte* out) {
-  px = Clamp32(px, view.highX), py = Clamp32(py, view.highY);
-  const Vec one = Splat32(1);
-  const Vec ix = Sub32(ShiftRightSigned32<kWarpBits>(px), one);
-  const Vec iy = Sub32(ShiftRightSigned32<kWarpBits>(py), one);
-  // Taps beyond the edge are the plain rows' business: the last first tap is two before lastX.
-  const Vec two = Splat32(2);
-  if (AnyGreater32(Zero(), Min32(ix, iy)) || AnyGreater32(ix, Sub32(view.lastX, two)) ||
-      AnyGreater32(iy, Sub32(view.lastY, two)))
-    return false;
-  const Vec offset = OffsetOf<kChannels>(view, ix, iy);
-  // Table entries are 8 bytes.
-  const Vec mask = Splat32((kCubicPhases - 1) * 8);
-  const Vec phaseX = And(ShiftRight32<kWarpBits - kCubicBits - 3>(px), mask);
-  const Vec phaseY = And(ShiftRight32<kWarpBits - kCubicBits - 3>(py), mask);
+QV_INLINE void FinishCubic(const View& view, const Prepared& p, Byte* out) {
   const Byte* const table = reinterpret_cast<const Byte*>(kCubicTable.tap);
-  const Vec x01 = Gather64<0>(table, phaseX), x23 = Gather64<1>(table, phaseX);
-  const Vec y01 = Gather64<0>(table, phaseY), y23 = Gather64<1>(table, phaseY);
+  const Vec x01 = Gather64<0>(table, p.x), x23 = Gather64<1>(table, p.x);
+  const Vec y01 = Gather64<0>(table, p.y), y23 = Gather64<1>(table, p.y);
   const Vec evenX = EvenLanes32(x01, x23), oddX = OddLanes32(x01, x23);
   const Vec evenY = EvenLanes32(y01, y23), oddY = OddLanes32(y01, y23);
   if constexpr (kChannels == 1) {
     Vec row[4];
     for (int i = 0; i < 4; ++i) {
-      const Vec taps = Gather32(view.first + i * view.stepBytes, offset);
+      const Vec taps = Gather32(view.first + i * view.stepBytes, p.offset);
       const Vec bytes = Splat32(0x00FF00FF);
       row[i] = ShiftRightSigned32<8>(Add32(MulAddPairs16(And(taps, bytes), evenX),
                                            MulAddPairs16(ShiftRight16<8>(taps), oddX)));
     }
     StoreAsBytes(out, SumRows(row, evenY, oddY));
   } else {
-    if (AnyGreater32(offset, Splat32(static_cast<int>(view.bytes - 3 * view.stepBytes) - 16)))
-      return false;
     int at[kLanes32];
-    Store(at, offset);
+    Store(at, p.offset);
     const auto pixels = [&]<int kPart>() {
       Vec row[4];
       for (int i = 0; i < 4; ++i) {
@@ -200,17 +205,9 @@ QV_INLINE bool SampleCubicLanes(const View& view, Vec px, Vec py, Byte* out) {
     const Vec v23 = PackSigned32(pixels.template operator()<2>(), pixels.template operator()<3>());
     StoreTriples(out, PackUnsigned16(v01, v23));
   }
-  return true;
 }
 
-template <WarpMethod kMethod, int kChannels>
-QV_INLINE bool SampleLanes(const View& view, Vec px, Vec py, Byte* out) {
-  if constexpr (kMethod == WarpNearest) return SampleNearestLanes<kChannels>(view, px, py, out);
-  if constexpr (kMethod == WarpLinear) return SampleLinearLanes<kChannels>(view, px, py, out);
-  return SampleCubicLanes<kChannels>(view, px, py, out);
-}
-
-// Out of line, to keep the loops around it tight.
+// Out of line, to keep the loop around it tight.
 template <int kChannels>
 __attribute__((noinline)) void SamplePlainly(const WarpSource& s, Vec px, Vec py, Byte* out,
                                              int count) {
@@ -220,32 +217,39 @@ __attribute__((noinline)) void SamplePlainly(const WarpSource& s, Vec px, Vec py
   for (int i = 0; i < count; ++i) SamplePixel<kChannels>(s, x[i], y[i], out + kChannels * i);
 }
 
-// Columns begin .. begin + n - 1 of a run, at which `positions` stand.
-template <WarpMethod kMethod, int kChannels, class Positions>
+// Columns begin .. begin + n - 1 of a run, at which `positions` stand. A run of less than a vector
+// is sampled aside, and the last vector of any other one overlaps the one before it.
+template <WarpMethod kMethod, int kChannels, bool kInside, class Positions>
 QV_INLINE void SampleRun(const WarpSource& s, const View& view, int begin, int n, Byte* out,
                          Positions positions) {
-  if (n < kLanes32) {
-    Byte part[kLanes32 * kChannels];
-    const Vec px = positions.At(0), py = positions.At(1);
-    if (!SampleLanes<kMethod, kChannels>(view, px, py, part))
-      SamplePlainly<kChannels>(s, px, py, part, n);
-    memcpy(out, part, static_cast<size_t>(n) * kChannels);
-    return;
+  constexpr int kMost = kWarpBlock / kLanes32;
+  Prepared prepared[kMost];
+  bool isReady[kMost];
+  const int vectors = (n + kLanes32 - 1) / kLanes32, end = n > kLanes32 ? n - kLanes32 : 0;
+#pragma GCC unroll 1
+  for (int k = 0; k < vectors; ++k) {
+    if (k + 1 == vectors && k > 0) positions.MoveTo(begin + end);
+    isReady[k] = Prepare<kMethod, kChannels, kInside>(view, positions.At(0), positions.At(1),
+                                                      prepared[k]);
+    positions.Advance();
   }
-  // The last vector overlaps the one before it.
-  for (int i = 0;;) {
-    const Vec px = positions.At(0), py = positions.At(1);
-    if (!SampleLanes<kMethod, kChannels>(view, px, py, out + i * kChannels))
-      SamplePlainly<kChannels>(s, px, py, out + i * kChannels, kLanes32);
-    i += kLanes32;
-    if (i + kLanes32 <= n) {
-      positions.Advance();
-    } else {
-      if (i == n) break;
-      i = n - kLanes32;
+  Byte part[kLanes32 * kChannels];
+#pragma GCC unroll 1
+  for (int k = 0; k < vectors; ++k) {
+    const int i = k + 1 < vectors ? k * kLanes32 : end;
+    Byte* const to = n < kLanes32 ? part : out + i * kChannels;
+    if (!kInside && !isReady[k]) {
       positions.MoveTo(begin + i);
+      SamplePlainly<kChannels>(s, positions.At(0), positions.At(1), to, n < kLanes32 ? n : kLanes32);
+    } else if constexpr (kMethod == WarpNearest) {
+      FinishNearest<kChannels>(view, prepared[k], to);
+    } else if constexpr (kMethod == WarpLinear) {
+      FinishLinear<kChannels>(view, prepared[k], to);
+    } else {
+      FinishCubic<kChannels>(view, prepared[k], to);
     }
   }
+  if (n < kLanes32) memcpy(out, part, static_cast<size_t>(n) * kChannels);
 }
 
 template <WarpMethod kMethod, int kChannels>
@@ -269,11 +273,16 @@ void WarpRowVectors(const WarpSource& s, const WarpSegment* segments, int count,
         }
         if (g + 1 == end || (g[1].first & -length) != start) break;
       }
-      SampleRun<kMethod, kChannels>(s, view, begin, n, out, Listed{x, y, begin});
+      SampleRun<kMethod, kChannels, false>(s, view, begin, n, out, Listed{x, y, begin});
     } else if (IsLine(*g)) {
-      SampleRun<kMethod, kChannels>(s, view, begin, n, out, Curve<true>(*g, begin));
+      if (g->isInside)
+        SampleRun<kMethod, kChannels, true>(s, view, begin, n, out, Curve<true>(*g, begin));
+      else
+        SampleRun<kMethod, kChannels, false>(s, view, begin, n, out, Curve<true>(*g, begin));
+    } else if (g->isInside) {
+      SampleRun<kMethod, kChannels, true>(s, view, begin, n, out, Curve<false>(*g, begin));
     } else {
-      SampleRun<kMethod, kChannels>(s, view, begin, n, out, Curve<false>(*g, begin));
+      SampleRun<kMethod, kChannels, false>(s, view, begin, n, out, Curve<false>(*g, begin));
     }
   }
 }

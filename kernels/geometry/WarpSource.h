@@ -25,6 +25,9 @@ struct WarpSegment {
   int count;          // a power of two up to kWarpBlock; t runs from -count / 2
   long long base[2];  // x, y
   float coeff[2][4];  // c0 .. c3 of x and of y
+  // Every column's position, wanted or not, has a pixel before it and three behind it, and rows likewise:
+  // nothing has to be clamped, and 16 bytes can be fetched from any tap.
+  bool isInside;
 };
 
 struct WarpSource {

@@ -23,7 +23,7 @@ QV_INLINE Vec Truncate(VecF v) { return _mm512_cvttps_epi32(v); }
 QV_INLINE Vec Min32(Vec a, Vec b) { return _mm512_min_epi32(a, b); }
 QV_INLINE Vec Max32(Vec a, Vec b) { return _mm512_max_epi32(a, b); }
 QV_INLINE Vec MulLow32(Vec a, Vec b) { return _mm512_mullo_epi32(a, b); }
-QV_INLINE bool AnyGreater32(Vec a, Vec b) { return _mm512_cmpgt_epi32_mask(a, b) != 0; }
+QV_INLINE bool AnyNegative32(Vec v) { return _mm512_movepi32_mask(v) != 0; }
 template <int lane> QV_INLINE Vec SplatInLanes32(Vec v) {
   return _mm512_shuffle_epi32(v, static_cast<_MM_PERM_ENUM>(lane * 0x55));
 }
@@ -70,8 +70,8 @@ QV_INLINE Vec Truncate(VecF v) { return _mm256_cvttps_epi32(v); }
 QV_INLINE Vec Min32(Vec a, Vec b) { return _mm256_min_epi32(a, b); }
 QV_INLINE Vec Max32(Vec a, Vec b) { return _mm256_max_epi32(a, b); }
 QV_INLINE Vec MulLow32(Vec a, Vec b) { return _mm256_mullo_epi32(a, b); }
-QV_INLINE bool AnyGreater32(Vec a, Vec b) {
-  return _mm256_movemask_epi8(_mm256_cmpgt_epi32(a, b)) != 0;
+QV_INLINE bool AnyNegative32(Vec v) {
+  return _mm256_movemask_ps(_mm256_castsi256_ps(v)) != 0;
 }
 template <int lane> QV_INLINE Vec SplatInLanes32(Vec v) {
   return _mm256_shuffle_epi32(v, lane * 0x55);
@@ -132,7 +132,7 @@ QV_INLINE Vec MulLow32(Vec a, Vec b) {
   return _mm_unpacklo_epi32(_mm_shuffle_epi32(even, _MM_SHUFFLE(0, 0, 2, 0)),
                             _mm_shuffle_epi32(odd, _MM_SHUFFLE(0, 0, 2, 0)));
 }
-QV_INLINE bool AnyGreater32(Vec a, Vec b) { return _mm_movemask_epi8(_mm_cmpgt_epi32(a, b)) != 0; }
+QV_INLINE bool AnyNegative32(Vec v) { return _mm_movemask_ps(_mm_castsi128_ps(v)) != 0; }
 template <int lane> QV_INLINE Vec SplatInLanes32(Vec v) {
   return _mm_shuffle_epi32(v, lane * 0x55);
 }

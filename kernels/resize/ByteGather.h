@@ -97,7 +97,7 @@ static inline bool PlanGather(int* offset, ptrdiff_t count, bool overlapLast, pt
   if (kHasBytePermute && loads == 3) loads = 4;
   *g = {loads, readable < loads * kLaneBytes, at, index};
   // The last loads may not pass the end of the row: they begin earlier.
-  const int end = static_cast<int>(g->padded ? kPaddedRow : readable) - loads * kLaneBytes;
+  const int end = g->padded ? 0 : static_cast<int>(readable) - loads * kLaneBytes;
   for (ptrdiff_t n = 0; n < vectors * kLanes; ++n) {
     const int* const o = lane(n);
     const int base = at[n] = at[n] < end ? at[n] : end;

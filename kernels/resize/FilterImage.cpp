@@ -2,69 +2,53 @@
 
 #include <stdint.h>
 
-#include <new>
+#include "kernels/resize/WorkMemory.h"
 
 namespace qv {
 
 namespace {
 
-// Work memory of one call, handed out in pieces; `bytes` is computed wide so that a demand no
-// memory can meet fails here instead of wrapping round.
-class WorkMemory {
- public:
-  explicit WorkMemory(long long bytes)
-      : base_(bytes <= PTRDIFF_MAX
-                  ? new (std::nothrow) unsigned char[static_cast<size_t>(bytes)]
-                  : nullptr),
-        next_(base_) {}
-  ~WorkMemory() { delete[] base_; }
-  WorkMemory(const WorkMemory&) = delete;
-  WorkMemory& operator=(const WorkMemory&) = delete;
+// Taps or spans of the three axes x, chroma and y in one piece of work memory.
+struct AxesLayout {
+  WorkLayout layout;
+  uint64_t at[3], weights[3];
 
-  bool IsThere() const { return base_ != nullptr; }
-
-  // Aligned for ints: counts of shorts are handed out last or rounded up by ShortBytes.
-  template <class T>
-  T* Take(long long bytes) {
-    unsigned char* const p = next_;
-    next_ += bytes;
-    return reinterpret_cast<T*>(p);
+  explicit AxesLayout(const AxisTaps (&axes)[3]) {
+    for (int k = 0; k < 3; ++k) {
+      at[k] = layout.Add<int>(axes[k].count);
+      weights[k] = layout.Add<short>(static_cast<uint64_t>(axes[k].count) * axes[k].taps);
+    }
   }
-
- private:
-  unsigned char* base_;
-  unsigned char* next_;
+  void Place(const WorkMemory& memory, AxisTaps (&axes)[3]) const {
+    for (int k = 0; k < 3; ++k) {
+      axes[k].first = memory.At<int>(at[k]);
+      axes[k].weights = memory.At<short>(weights[k]);
+    }
+  }
 };
 
-long long IntBytes(long long n) { return n * static_cast<long long>(sizeof(int)); }
-long long ShortBytes(long long n) { return (n + 1) / 2 * 4; }
-
-long long TapBytes(const AxisTaps& taps) {
-  return IntBytes(taps.count) + ShortBytes(static_cast<long long>(taps.count) * taps.taps);
-}
-
-void PlaceTaps(WorkMemory& memory, AxisTaps* taps) {
-  taps->first = memory.Take<int>(IntBytes(taps->count));
-  taps->weights =
-      memory.Take<short>(ShortBytes(static_cast<long long>(taps->count) * taps->taps));
+WorkLayout BytesLayout(long long bytes) {
+  WorkLayout layout;
+  layout.Add<char>(static_cast<uint64_t>(bytes));
+  return layout;
 }
 
 IppStatus RunTaps(const FilterTask& task, const FilterColumns& x, const AxisTaps& y) {
-  WorkMemory scratch(FilterScratchBytes(task.layout, x, y));
-  if (!scratch.IsThere()) return StatusMemAllocErr;
+  const WorkMemory scratch(BytesLayout(FilterScratchBytes(task.layout, x, y)));
+  if (!scratch) return StatusMemAllocErr;
   const auto kernel = task.layout == RowLayout::kGray      ? FilterRows_8u_C1
                       : task.layout == RowLayout::kTriples ? FilterRows_8u_C3
                                                            : FilterRows422_8u_C2;
-  return kernel(task.src, task.srcStep, x, y, task.dst, task.dstStep, scratch.Take<void>(0));
+  return kernel(task.src, task.srcStep, x, y, task.dst, task.dstStep, scratch.At<char>(0));
 }
 
 IppStatus RunSpans(const FilterTask& task, const AreaColumns& x, const AxisSpans& y) {
-  WorkMemory scratch(AreaScratchBytes(task.layout, x, y));
-  if (!scratch.IsThere()) return StatusMemAllocErr;
+  const WorkMemory scratch(BytesLayout(AreaScratchBytes(task.layout, x, y)));
+  if (!scratch) return StatusMemAllocErr;
   const auto kernel = task.layout == RowLayout::kGray      ? AreaRows_8u_C1
                       : task.layout == RowLayout::kTriples ? AreaRows_8u_C3
                                                            : AreaRows422_8u_C2;
-  return kernel(task.src, task.srcStep, x, y, task.dst, task.dstStep, scratch.Take<void>(0));
+  return kernel(task.src, task.srcStep, x, y, task.dst, task.dstStep, scratch.At<char>(0));
 }
 
 // True if every interval is two whole samples inside the region.
@@ -81,18 +65,16 @@ AxisTaps PlanTaps(const AxisPositions& positions, int interpolation) {
 IppStatus FilterImage(const FilterTask& task, int interpolation, const AxisPositions& x,
                       const AxisPositions& chroma, const AxisPositions& y) {
   const bool pairs = task.layout == RowLayout::kPairs422;
-  FilterColumns columns = {PlanTaps(x, interpolation), {}};
-  if (pairs) columns.chroma = PlanTaps(chroma, interpolation);
-  AxisTaps rows = PlanTaps(y, interpolation);
-  WorkMemory memory(TapBytes(columns.luma) + TapBytes(columns.chroma) + TapBytes(rows));
-  if (!memory.IsThere()) return StatusMemAllocErr;
-  PlaceTaps(memory, &columns.luma);
-  PlaceTaps(memory, &columns.chroma);
-  PlaceTaps(memory, &rows);
-  BuildTaps(x, interpolation, &columns.luma);
-  if (pairs) BuildTaps(chroma, interpolation, &columns.chroma);
-  BuildTaps(y, interpolation, &rows);
-  return RunTaps(task, columns, rows);
+  const AxisPositions none = {};
+  const AxisPositions* const positions[3] = {&x, pairs ? &chroma : &none, &y};
+  AxisTaps axes[3];
+  for (int k = 0; k < 3; ++k) axes[k] = PlanTaps(*positions[k], interpolation);
+  const AxesLayout layout(axes);
+  const WorkMemory memory(layout.layout);
+  if (!memory) return StatusMemAllocErr;
+  layout.Place(memory, axes);
+  for (int k = 0; k < 3; ++k) BuildTaps(*positions[k], interpolation, &axes[k]);
+  return RunTaps(task, {axes[0], axes[1]}, axes[2]);
 }
 
 IppStatus AverageImage(const FilterTask& task, const AxisArea& x, const AxisArea& chroma,
@@ -104,37 +86,31 @@ IppStatus AverageImage(const FilterTask& task, const AxisArea& x, const AxisArea
   }
   const AxisArea none = {};
   const AxisArea* const areas[3] = {&x, pairs ? &chroma : &none, &y};
-  int most = 1, taps[3];
+  AxisTaps axes[3];
+  int most = 1;
   for (int k = 0; k < 3; ++k) {
-    taps[k] = AreaTapCount(*areas[k]);
-    if (taps[k] > most) most = taps[k];
+    axes[k] = {areas[k]->count, AreaTapCount(*areas[k]), nullptr, nullptr};
+    if (axes[k].taps > most) most = axes[k].taps;
   }
   if (most <= kMaxTaps) {
-    AxisTaps axis[3];
-    long long bytes = 0;
-    for (int k = 0; k < 3; ++k) {
-      axis[k] = {areas[k]->count, taps[k], nullptr, nullptr};
-      bytes += TapBytes(axis[k]);
-    }
-    WorkMemory memory(bytes);
-    if (!memory.IsThere()) return StatusMemAllocErr;
-    for (int k = 0; k < 3; ++k) {
-      PlaceTaps(memory, &axis[k]);
-      BuildAreaTaps(*areas[k], &axis[k]);
-    }
-    return RunTaps(task, {axis[0], axis[1]}, axis[2]);
+    const AxesLayout layout(axes);
+    const WorkMemory memory(layout.layout);
+    if (!memory) return StatusMemAllocErr;
+    layout.Place(memory, axes);
+    for (int k = 0; k < 3; ++k) BuildAreaTaps(*areas[k], &axes[k]);
+    return RunTaps(task, {axes[0], axes[1]}, axes[2]);
   }
-  const auto spanBytes = [](const AxisArea& area) {
-    return static_cast<long long>(area.count) * static_cast<long long>(sizeof(AreaSpan));
-  };
-  WorkMemory memory(spanBytes(x) + spanBytes(*areas[1]) + spanBytes(y));
-  if (!memory.IsThere()) return StatusMemAllocErr;
-  AxisSpans axis[3];
+  WorkLayout layout;
+  uint64_t at[3];
+  for (int k = 0; k < 3; ++k) at[k] = layout.Add<AreaSpan>(areas[k]->count);
+  const WorkMemory memory(layout);
+  if (!memory) return StatusMemAllocErr;
+  AxisSpans spans[3];
   for (int k = 0; k < 3; ++k) {
-    axis[k] = {areas[k]->count, 0, memory.Take<AreaSpan>(spanBytes(*areas[k]))};
-    BuildSpans(*areas[k], &axis[k]);
+    spans[k] = {areas[k]->count, 0, memory.At<AreaSpan>(at[k])};
+    BuildSpans(*areas[k], &spans[k]);
   }
-  return RunSpans(task, {axis[0], axis[1]}, axis[2]);
+  return RunSpans(task, {spans[0], spans[1]}, spans[2]);
 }
 
 }  // namespace qv

@@ -80,11 +80,13 @@ void FilterSourceRows(const Work<kLayout>& work, int r, int rows) {
     lines[i] = RowAt(work.src, work.srcStep, ptrdiff_t{r} + i) + work.plan.first;
     out[i] = work.Ring(r + i);
     // Windows end with the row, unless it is shorter than a window.
-    const auto span = static_cast<size_t>(work.plan.span);
-    if (kHasByteShuffle && span < static_cast<size_t>(work.across.windowBytes)) {
-      Byte* const copy = work.base + work.plan.copy + i * kCopyBytes;
-      lines[i] = static_cast<const Byte*>(memcpy(copy, lines[i], span));
-      ahead = 0;
+    if constexpr (kHasByteShuffle) {
+      if (work.plan.span < work.across.windowBytes) {
+        Byte* const copy = work.base + work.plan.copy + i * kCopyBytes;
+        CopyShortRow(lines[i], static_cast<ptrdiff_t>(work.plan.span), copy);
+        lines[i] = copy;
+        ahead = 0;
+      }
     }
   }
   FilterAcross<kLayout>(work.across, work.x, lines, rows, ahead,

@@ -161,7 +161,7 @@ static bool ShuffledRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
           const Byte* row = RowAt(src, srcStep, y);
           const Byte* const next = RowAt(src, srcStep, y < lastRow ? y + 1 : y);
           if (g.padded) {
-            memcpy(copy, row, static_cast<size_t>(readable));
+            CopyShortRow(row, readable, copy);
             row = copy;
           }
           InterpolatePairs<kLoads>(g, row, next, twiceWeight, vectors, out);

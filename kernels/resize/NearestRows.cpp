@@ -2,6 +2,7 @@
 #include "kernels/level/Level.h"
 #include "kernels/resize/ByteGather.h"
 #include "kernels/resize/ResizeRows.h"
+#include "kernels/resize/ResizeVectors.h"
 
 namespace qv::QV_LEVEL {
 
@@ -85,7 +86,7 @@ static bool ShuffledRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
     if (g.padded) {
       Byte copy[kPaddedRow] = {};
       FillRows(src, srcStep, dst, dstStep, t, [&](const Byte* row, Byte* to) {
-        memcpy(copy, row, static_cast<size_t>(readable));
+        CopyShortRow(row, readable, copy);
         GatherRow<kLoads>(g, copy, to, bytes);
       });
     } else {

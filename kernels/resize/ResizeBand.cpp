@@ -1,81 +1,34 @@
 // The band kernels: checks, the span of the destination that a band writes, planning, rows.
-#include "kernels/resize/FilterImage.h"
-#include "kernels/resize/Positions.h"
 #include "kernels/resize/Resize.h"
 #include "kernels/resize/ResizePlan.h"
-#include "kernels/resize/ResizeRows.h"
-#include "kernels/resize/WorkMemory.h"
 
 namespace qv {
 
 namespace {
 
-struct BandJob {
-  const unsigned char* src;
-  int srcStep;
-  unsigned char* dst;
-  int dstStep, channels;
-  BandAxis x, y;
-  Span columns, rows;
-  unsigned char* buffer;
-  uint64_t bufferBytes;
-};
-
-IppStatus RunNearest(const BandJob& job) {
-  WorkLayout layout;
-  const auto x = layout.Add<int>(job.columns.count), y = layout.Add<int>(job.rows.count);
-  const auto rows = layout.Add<char>(RowsWorkBytes(uint64_t(job.columns.count) * job.channels));
-  const WorkMemory work(layout, job.buffer, job.bufferBytes);
-  if (!work) return StatusMemAllocErr;
-  BandNearestIndices(job.x, job.columns, work.At<int>(x));
-  BandNearestIndices(job.y, job.rows, work.At<int>(y));
-  const NearestTables tables = {job.columns.count, job.rows.count,  job.x.length, job.channels,
-                                work.At<int>(x),   work.At<int>(y), nullptr};
-  NearestRows_8u(job.src, job.srcStep, job.dst, job.dstStep, &tables, work.At<char>(rows));
-  return StatusOk;
-}
-
-IppStatus RunLinear(const BandJob& job) {
-  const int width = job.columns.count, height = job.rows.count;
-  WorkLayout layout;
-  const auto x = layout.Add<int>(width), y = layout.Add<int>(height);
-  const auto xWeight = layout.Add<unsigned short>(width);
-  const auto yWeight = layout.Add<unsigned short>(height);
-  const auto rows = layout.Add<char>(RowsWorkBytes(uint64_t(width) * job.channels));
-  const WorkMemory work(layout, job.buffer, job.bufferBytes);
-  if (!work) return StatusMemAllocErr;
-  BandTaps(job.x, job.columns, work.At<int>(x), work.At<unsigned short>(xWeight));
-  BandTaps(job.y, job.rows, work.At<int>(y), work.At<unsigned short>(yWeight));
-  const LinearTables tables = {
-      width, height, job.x.length, job.channels,
-      {job.x.length > 1, work.At<int>(x), work.At<unsigned short>(xWeight)},
-      {job.y.length > 1, work.At<int>(y), work.At<unsigned short>(yWeight)},
-      {}};
-  LinearRows_8u(job.src, job.srcStep, job.dst, job.dstStep, &tables, work.At<char>(rows));
-  return StatusOk;
-}
-
-FilterTask TaskOf(const BandJob& job) {
-  return {job.channels == 1 ? RowLayout::kGray : RowLayout::kTriples, job.src, job.srcStep, job.dst,
-          job.dstStep};
-}
-
-// Cubic and Lanczos.
-IppStatus RunFilter(const BandJob& job, int interpolation) {
-  WorkLayout layout;
-  const auto x = layout.Add<double>(job.columns.count), y = layout.Add<double>(job.rows.count);
-  const WorkMemory work(layout, job.buffer, job.bufferBytes);
-  if (!work) return StatusMemAllocErr;
-  BandPositions(job.x, job.columns, work.At<double>(x));
-  BandPositions(job.y, job.rows, work.At<double>(y));
-  return FilterImage(TaskOf(job), interpolation,
-                     {job.columns.count, work.At<double>(x), job.x.length}, {},
-                     {job.rows.count, work.At<double>(y), job.y.length});
-}
-
 AxisArea AreaOf(const BandAxis& axis, const Span& span) {
   return {span.count, 1 / axis.factor, axis.length, static_cast<double>(span.first),
           axis.shift / axis.factor + axis.start};
+}
+
+IppStatus RunBand(const ResizeTask& task, const BandAxis& x, const BandAxis& y, Span columns,
+                  Span rows, int interpolation) {
+  switch (interpolation) {
+    case InterpolateNearest:
+      return RunNearest(
+          task, [&](int* at) { BandNearestIndices(x, columns, at); },
+          [&](int* at) { BandNearestIndices(y, rows, at); }, NoChroma());
+    case InterpolateLinear:
+      return RunLinear(
+          task, [&](int* at, unsigned short* w) { BandTaps(x, columns, at, w); },
+          [&](int* at, unsigned short* w) { BandTaps(y, rows, at, w); }, NoChroma());
+    case InterpolateArea:
+      return AverageImage(task.Filter(), AreaOf(x, columns), {}, AreaOf(y, rows));
+    default:
+      return RunFilter(
+          task, interpolation, [&](double* at) { BandPositions(x, columns, at); },
+          [&](double* at) { BandPositions(y, rows, at); }, NoChroma());
+  }
 }
 
 IppStatus ResizeBand(const unsigned char* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
@@ -105,26 +58,19 @@ IppStatus ResizeBand(const unsigned char* src, IppiSize srcSize, int srcStep, Ip
 
   int bufferBytes = 0;  // stays 0 for what the query does not cover: nothing is known of the buffer
   ResizeBandBufferSize({dstRect.width, dstRect.height}, channels, interpolation, &bufferBytes);
-  const BandJob job = {
-      PixelAt(src, srcStep, srcRoi.x, srcRoi.y, channels),
-      srcStep,
-      dst + static_cast<ptrdiff_t>(rows.first) * dstStep +
-          static_cast<ptrdiff_t>(columns.first) * channels,
-      dstStep,
-      channels,
-      x,
-      y,
-      columns,
-      rows,
-      buffer,
-      static_cast<uint64_t>(bufferBytes)};
-  switch (interpolation) {
-    case InterpolateNearest: return RunNearest(job);
-    case InterpolateLinear: return RunLinear(job);
-    case InterpolateArea:
-      return AverageImage(TaskOf(job), AreaOf(x, columns), {}, AreaOf(y, rows));
-    default: return RunFilter(job, interpolation);
-  }
+  const ResizeTask task = {PixelAt(src, srcStep, srcRoi.x, srcRoi.y, channels),
+                           srcStep,
+                           dst + static_cast<ptrdiff_t>(rows.first) * dstStep +
+                               static_cast<ptrdiff_t>(columns.first) * channels,
+                           dstStep,
+                           channels,
+                           columns.count,
+                           rows.count,
+                           x.length,
+                           y.length,
+                           buffer,
+                           static_cast<uint64_t>(bufferBytes)};
+  return RunBand(task, x, y, columns, rows, interpolation);
 }
 
 }  // namespace

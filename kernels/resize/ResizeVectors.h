@@ -14,6 +14,21 @@ WideWindow LoadWideWindow(const Byte* line, const int* base);
 Vec SpreadPairs(WideWindow w, Vec index);
 #endif
 
+#if QV_HAS_VECTORS
+
+// A row of `bytes` bytes, shorter than the loads, to where it can be read by them. Where there are
+// masked loads it is stored as it is loaded again, which the processor forwards.
+QV_INLINE void CopyShortRow(const Byte* row, ptrdiff_t bytes, Byte* copy) {
+  if constexpr (kHasMaskedBytes) {
+    for (ptrdiff_t l = 0; l < bytes; l += kVecBytes)
+      Store(copy + l, LoadPart(row + l, FirstOf64(bytes, l)));
+  } else {
+    memcpy(copy, row, static_cast<size_t>(bytes));
+  }
+}
+
+#endif
+
 #if QV_HAS_VECTORS && defined(__SSSE3__)
 QV_INLINE Vec16 MulAddBytes16(Vec16 a, Vec16 b) { return _mm_maddubs_epi16(a, b); }
 #elif QV_HAS_VECTORS

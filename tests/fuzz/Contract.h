@@ -27,7 +27,7 @@ inline int DisjointStep(int step, std::ptrdiff_t rowBytes, std::ptrdiff_t rows) 
 
 // Memory that no host of a test has, and time that no test has: a call that will work on its
 // images works on at most this many bytes of each. Calls that are refused may name any size.
-constexpr int kMostBytes = 64 << 10;
+constexpr int kMostBytes = 32 << 10;
 
 inline IppiSize Fitting(IppiSize size, int bytesAPixel) {
   const long long bytes = static_cast<long long>(size.width) * size.height;

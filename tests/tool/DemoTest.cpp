@@ -40,7 +40,7 @@ void CheckPage(const Workplace& place) {
   }
   for (const char* operation :
        {"qvCopy(", "qvDup(", "qvSet(", "qvMirror(", "qvLUTPalette(", "qvMulCScale(",
-        "qvAlphaCompC(", "qvMergeAlphaOver(", "qvMergeAlphaPlus("})
+        "qvAlphaCompC(", "qvMergeAlphaOver(", "qvMergeAlphaPlus(", "qvRotate("})
     EXPECT_GT(Count(page, operation), 0u) << operation;
   EXPECT_EQ(Count(page, "</b> ms<"), Count(page, "<article"));
 }
@@ -50,7 +50,8 @@ TEST(Demo, ShowsTheTestCard) {
   const Outcome outcome = place.Run({"demo", "out"});
   ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
   CheckPage(place);
-  EXPECT_GT(Count(place.Read("out/index.html"), "qvDeinterlace("), 0u);
+  for (const char* operation : {"qvDeinterlace(", "qvWarpPerspective("})
+    EXPECT_GT(Count(place.Read("out/index.html"), operation), 0u) << operation;
   // The pictures are those of the operations: the mirrored frame, mirrored, is the frame.
   ASSERT_EQ(
       place.Run({"mirror", "out/mirror-both-after.png", "back.png", "--axis", "both"}).exitCode, 0);

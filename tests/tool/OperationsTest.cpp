@@ -105,6 +105,20 @@ const Operation kOperations[] = {
      [](Pixels&, int, int, int c) { return c == 3 ? 255 : c + 1; }},
     {"palette", "palette --name grey", "grey", 1, 3,
      [](Pixels& s, int x, int y, int) { return At(s, x, y, 0); }},
+    {"rotateHalf", "rotate --angle 180", "bgr", 3, 3,
+     [](Pixels& s, int x, int y, int c) { return At(s, kWidth - 1 - x, kHeight - 1 - y, c); }},
+    {"rotateByNothing", "rotate --angle -360 --fit --method linear", "bgra", 4, 4, At},
+    {"rotateCutsCorners", "rotate --angle 90 --background 66", "grey", 1, 1,
+     [](Pixels& s, int x, int y, int) {  // the middle of 37x21 is (18, 10)
+       const int sx = 18 - (y - 10), sy = 10 + (x - 18);
+       return sy < 0 || sy >= kHeight ? 66 : At(s, sx, sy, 0);
+     }},
+    {"warpMirrors", "warp --quad 36,0,0,0,0,20,36,20", "bgra", 4, 4,
+     [](Pixels& s, int x, int y, int c) { return At(s, kWidth - 1 - x, y, c); }},
+    {"warpMovesOverNothing", "warp --quad 3,4,39,4,39,24,3,24 --method nearest", "bgra", 4, 4,
+     [](Pixels& s, int x, int y, int c) { return x < 3 || y < 4 ? 0 : At(s, x - 3, y - 4, c); }},
+    {"unwarpOfAllIsACopy", "warp --unwarp --quad 0,0,36,0,36,20,0,20 --method linear", "grey", 1,
+     1, At},
     {"ownPaletteOfOneBit", "palette --palette own.txt --bits 1", "grey", 1, 3,
      [](Pixels& s, int x, int y, int c) {
        constexpr int kEntries[2][3] = {{3, 2, 1}, {0x00, 0x80, 0xff}};
@@ -140,6 +154,15 @@ TEST(PlanarVideo, PlanesAreWorkedOnEachOnItsOwnGrid) {
        "AABBCC" "AABBCC" "DDEEFF" "DDEEFF" "112233" "112233" "445566" "445566"},
       {{"resize", "-", "-", "--to", "3x3", "--region", "2,0,4,4", "--method", "nearest"},
        "YUV4MPEG2 W3 H3 C420jpeg F25:1\nFRAME\n" "cef" "oqr" "uwx" "BCEF" "2356"},
+      // Chroma turns about the middle of the frame, as luma does.
+      {{"rotate", "-", "-", "--angle", "90", "--fit"},
+       "YUV4MPEG2 W4 H6 C420jpeg F25:1\nFRAME\n"
+       "flrx" "ekqw" "djpv" "ciou" "bhnt" "agms" "CF" "BE" "AD" "36" "25" "14"},
+      {{"warp", "-", "-", "--unwarp", "--quad", "5,3,0,3,0,0,5,0", "--method", "linear"},
+       header + "xwvutsrqponmlkjihgfedcba" "FEDCBA" "654321"},
+      {{"warp", "-", "-", "--quad", "2,0,7,0,7,3,2,3", "--to", "6x4", "--method", "nearest",
+        "--background", "48,49,50"},
+       header + "00abcd" "00ghij" "00mnop" "00stuv" "1AB1DE" "212245"},
       {{"copy", "-", "-", "--format", "raw"}, luma + cb + cr},
       {{"palette", "-", "-", "--name", "grey", "--format", "raw"},
        [&] {

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <climits>
 #include <cmath>
+#include <cstdlib>
 
 namespace qvtool {
 namespace {
@@ -48,6 +49,20 @@ int ParseInteger(const std::string& argument, const std::string& text, int least
     throw UsageError(Given(argument, text) + "a whole number from " + std::to_string(least) +
                      " to " + std::to_string(most));
   return *value;
+}
+
+std::vector<double> ParseNumbers(const std::string& argument, const std::string& text,
+                                 std::size_t count, const std::string& wanted) {
+  const auto parts = Split(text, ',');
+  std::vector<double> numbers;
+  for (const std::string& part : parts) {
+    char* end = nullptr;
+    const double number = std::strtod(part.c_str(), &end);
+    if (!part.empty() && *end == '\0' && std::isfinite(number)) numbers.push_back(number);
+  }
+  if (parts.size() != count || numbers.size() != count)
+    throw UsageError(Given(argument, text) + wanted);
+  return numbers;
 }
 
 IppiSize ParseSize(const std::string& argument, const std::string& text) {

@@ -16,6 +16,9 @@ namespace qvtool {
 
 // Each parser throws a UsageError that names the argument, what was given and what is wanted.
 int ParseInteger(const std::string& argument, const std::string& text, int least, int most);
+// Exactly `count` numbers with commas between; `wanted` describes them in the message.
+std::vector<double> ParseNumbers(const std::string& argument, const std::string& text,
+                                 std::size_t count, const std::string& wanted);
 IppiSize ParseSize(const std::string& argument, const std::string& text);    // "640x360"
 IppiRect ParseRegion(const std::string& argument, const std::string& text);  // "x,y,w,h"
 

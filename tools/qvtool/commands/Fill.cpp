@@ -1,7 +1,7 @@
 // qvtool fill: makes a frame of one colour, or fills a region of the frames given.
 #include "Command.h"
+#include "FillFrame.h"
 #include "Pipeline.h"
-#include "io/Status.h"
 
 namespace qvtool {
 namespace {
@@ -14,33 +14,6 @@ struct Options {
   std::optional<Colour> colour;
 };
 
-void FillPlane(const Plane& plane, const unsigned char* value) {
-  Check("qvSet",
-        CqvAccLib::qvSet(plane.Type("filling"), value, plane.data, plane.step, plane.Size()));
-}
-
-// Packed 4:2:2 and pairs of chroma samples have no fill of their own.
-void RejectGroups(const Frame& frame) {
-  for (int i = 0; i < frame.Planes(); ++i) frame.PlaneAt(i).Type("filling");
-}
-
-void Fill(const Frame& frame, const IppiRect& region, const Colour& colour) {
-  RejectGroups(frame);
-  const auto value = colour.In(frame.GetLayout());
-  const LayoutInfo& info = frame.Info();
-  for (int i = 0; i < frame.Planes(); ++i) {
-    const Plane plane = frame.PlaneAt(i).Cut(region, info.plane[i]);
-    const unsigned char opaque = 255;
-    if (i == info.alphaPlane) {
-      FillPlane(plane, &opaque);
-    } else {
-      // The plane order of yv12 is Y, Cr, Cb.
-      const int channel = info.layout == Layout::Yv12 && i > 0 ? 3 - i : i;
-      FillPlane(plane, plane.bytes == 3 ? value.data() : &value[static_cast<std::size_t>(channel)]);
-    }
-  }
-}
-
 void MakeFrame(const Options& options) {
   if (!options.input.size)
     throw UsageError("--size: wanted when there is no input, such as --size 1920x1080");
@@ -49,7 +22,7 @@ void MakeFrame(const Options& options) {
   const auto writer =
       OpenOutput(options.output, FileFormat::Raw, {"F" + options.input.rate, "Ip", "A1:1"});
   Frame frame(layout, options.input.size->width, options.input.size->height);
-  Fill(frame, frame.Bounds(), *options.colour);
+  FillFrame(frame, frame.Bounds(), *options.colour);
   writer->Write(frame);
   writer->Finish();
 }
@@ -64,7 +37,7 @@ void Run(Options& options) {
   ForEachFrame(options.input, options.output, [&](Frame& in, Frame&) -> Frame& {
     const IppiRect region = options.region.value_or(in.Bounds());
     CheckRegion(region, in);
-    Fill(in, region, *options.colour);
+    FillFrame(in, region, *options.colour);
     return in;
   });
 }

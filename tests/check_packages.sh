@@ -1,0 +1,116 @@
+#!/bin/bash
+# Unpacks the packages that scripts/package.sh made and uses each as its users would.
+#
+#   check_packages.sh FOLDER [PRESET...]      presets release, windows32, windows64; all three without
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+folder=$(cd "$1" && pwd)
+shift
+[ $# -gt 0 ] || set -- release windows32 windows64
+work=$root/build/consumers
+rm -rf "$work"
+mkdir -p "$work"
+version=$(sed -n 's/^#define QVACCELERATEDLIB_VERSION "\(.*\)"/\1/p' "$root/qvAcceleratedLib/CqvAccLib.h")
+consumers=$root/tests/consumers
+
+fail() { echo "FAILED: $*" >&2; exit 1; }
+quietly() { "$@" >"$work/log" 2>&1 || { cat "$work/log" >&2; fail "$*"; }; }
+
+# has UNPACKED FILE...
+has() {
+  local unpacked=$1
+  shift
+  for file; do [ -s "$unpacked/$file" ] || fail "the package has no $file"; done
+}
+
+# configure NAME SOURCE [OPTION...]: builds a consumer as $work/NAME.
+configure() {
+  local name=$1 source=$2
+  shift 2
+  quietly cmake -S "$source" -B "$work/$name" -G Ninja -DCMAKE_BUILD_TYPE=Release "$@"
+  quietly cmake --build "$work/$name"
+}
+
+check_linux() {
+  local name=qvAcceleratedLib-$version-linux-x64
+  tar -C "$work" -xzf "$folder/$name.tar.gz"
+  local prefix=$work/$name
+  has "$prefix" bin/qvtool lib/pkgconfig/qvAcceleratedLib.pc include/qvAcceleratedLib/CqvAccLib.h \
+    share/doc/qvAcceleratedLib/LICENSE share/doc/qvAcceleratedLib/README.md
+  configure linux-package "$consumers/package" -DCMAKE_PREFIX_PATH="$prefix"
+  quietly "$work/linux-package/consumer"
+  echo 'Linux, find_package: works'
+  # The words that pkg-config prints are arguments.
+  # shellcheck disable=SC2046
+  quietly g++ "$consumers/Consumer.cpp" -o "$work/linux-pkgconfig" \
+    $(PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config --cflags --libs qvAcceleratedLib) \
+    -Wl,-rpath,"$prefix/lib"
+  quietly "$work/linux-pkgconfig"
+  [ "$(PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config --modversion qvAcceleratedLib)" = "$version" ] ||
+    fail 'pkg-config gives another version'
+  echo 'Linux, pkg-config: works'
+  configure linux-subdirectory "$consumers/subdirectory"
+  quietly "$work/linux-subdirectory/consumer"
+  echo 'Linux, add_subdirectory: works'
+
+  local architecture package
+  architecture=$(dpkg --print-architecture)
+  for package in libqvacceleratedlib-dev qvtool; do
+    quietly dpkg-deb --extract "$folder/${package}_${version}_$architecture.deb" "$work/debian"
+  done
+  configure linux-debian "$consumers/package" -DCMAKE_PREFIX_PATH="$work/debian/usr"
+  quietly "$work/linux-debian/consumer"
+  quietly "$work/debian/usr/bin/qvtool" info
+  # The library needs the runtimes of C, C++ and OpenMP, and nothing else.
+  local needed
+  needed=$(dpkg-deb --field "$folder/libqvacceleratedlib-dev_${version}_$architecture.deb" Depends |
+    tr ',' '\n' | sed 's/^ *//; s/ .*//' | grep -vxE 'libc6|libgomp1|libgcc-s1|libstdc\+\+6') || true
+  [ -z "$needed" ] || fail "the library's package depends on $needed"
+  echo 'Linux, Debian packages: work'
+}
+
+# check_windows BITS ARCHITECTURE COMPILER TARGET MACHINE
+check_windows() {
+  local bits=$1 name=qvAcceleratedLib-$version-windows-$2 compiler=$3 target=$4 machine=$5
+  quietly unzip -q "$folder/$name.zip" -d "$work"
+  local prefix=$work/$name
+  has "$prefix" bin/qvAcceleratedLib.dll lib/libqvAcceleratedLib.dll.a lib/qvAcceleratedLib.lib \
+    include/qvAcceleratedLib/CqvAccLib.h README.md LICENSE
+  "$root/tests/check_dll.sh" "${compiler%-g++*}-objdump" "$prefix/bin/qvAcceleratedLib.dll" \
+    "$root/qvAcceleratedLib/exports/windows$bits.def" >/dev/null
+
+  configure "windows$bits" "$consumers/package" \
+    -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/windows$bits.cmake" \
+    -DCMAKE_FIND_ROOT_PATH="$prefix" -DCMAKE_PREFIX_PATH=/
+  cp "$prefix/bin/qvAcceleratedLib.dll" "$work/windows$bits/"
+  quietly "$root/scripts/wine.sh" "$bits" "$work/windows$bits/consumer.exe"
+  echo "Windows $bits, MinGW, find_package: works"
+
+  # For Visual C++, with the import library that its projects would be given.
+  quietly cmake -S "$consumers/imports" -B "$work/imports$bits" -G Ninja -DCMAKE_PREFIX_PATH="$prefix"
+  local imports visual=$work/visual$bits functions=(GetStdHandle WriteFile ExitProcess)
+  imports=$(<"$work/imports$bits/imports.txt")
+  [ "$(realpath "$imports")" = "$(realpath "$prefix/lib/qvAcceleratedLib.lib")" ] ||
+    fail "a project of Visual C++ links $imports"
+  mkdir "$visual"
+  [ "$bits" = 64 ] || functions=(GetStdHandle@4 WriteFile@20 ExitProcess@4)
+  { echo 'LIBRARY kernel32.dll'; echo EXPORTS; printf '%s\n' "${functions[@]}"; } >"$visual/kernel32.def"
+  quietly llvm-dlltool -m "$machine" -k -d "$visual/kernel32.def" -l "$visual/kernel32.lib"
+  quietly clang++ --target="$target" -std=c++20 -O2 -ffreestanding -nostdinc -I"$prefix/include" \
+    -c "$root/tests/hosts/Host.cpp" -o "$visual/host.obj"
+  quietly lld-link /nologo /subsystem:console /entry:HostMain /nodefaultlib "/out:$visual/host.exe" \
+    "$visual/host.obj" "$visual/kernel32.lib" "$imports"
+  cp "$prefix/bin/qvAcceleratedLib.dll" "$visual/"
+  quietly "$root/tests/check_host.sh" "$root/tests/hosts/digests.txt" "$root/scripts/wine.sh" "$bits" \
+    "$visual/host.exe"
+  echo "Windows $bits, Visual C++, import library: works"
+}
+
+for preset; do
+  case $preset in
+    release) check_linux ;;
+    windows32) check_windows 32 x86 i686-w64-mingw32-g++-posix i686-pc-windows-msvc i386 ;;
+    windows64) check_windows 64 x64 x86_64-w64-mingw32-g++-posix x86_64-pc-windows-msvc i386:x86-64 ;;
+    *) sed -n '2,4s/^# \{0,1\}//p' "$0" >&2; exit 2 ;;
+  esac
+done
