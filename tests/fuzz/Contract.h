@@ -32,9 +32,10 @@ constexpr int kMostBytes = 32 << 10;
 inline IppiSize Fitting(IppiSize size, int bytesAPixel) {
   const long long bytes = static_cast<long long>(size.width) * size.height;
   if (size.width < 1 || size.height < 1 || bytes <= kMostBytes / bytesAPixel) return size;
-  // Long rows and high columns both, since bands need height and vectors width.
-  const int height = 1 + size.height % 700;
-  return {1 + size.width % (kMostBytes / bytesAPixel / height), height};
+  // Long rows and high columns both, since bands need height and vectors width; never more of
+  // either.
+  const int height = 1 + (size.height - 1) % 700;
+  return {1 + (size.width - 1) % (kMostBytes / bytesAPixel / height), height};
 }
 
 // A warp into a region that begins above row 0, in several bands: those that begin above row 0 are

@@ -164,6 +164,7 @@ void FuzzPixels(Input& in, Call& call) {
     const Written last = WrittenInBands(a.srcRoi.y, a.srcRoi.height, a.yFactor,
                                         bandRows * (count - 1), a.dstSize.height);
     if (columns.end < columns.first || last.end < last.first) refusal = StatusNothingToDoWarning;
+    if (columns.end <= columns.first || rows.end <= rows.first) columns = rows = {0, 0};
   } else if (works) {
     columns.end = Extent(a.srcRoi.width, a.xFactor, a.dstSize.width);
     rows.end = Extent(a.srcRoi.height, a.yFactor, a.dstSize.height);
