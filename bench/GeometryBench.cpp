@@ -85,7 +85,9 @@ void WarpJobs(bench::Suite& s, IppiSize size) {
       const int depth = channels == 1 ? CV_8UC1 : CV_8UC3;
       const cv::Mat src(h, w, depth, b.src), dst(h, w, depth, b.dst);
       const cv::Mat matrix = cv::Mat(3, 3, CV_64F, const_cast<double(*)[3]>(m.c)).clone();
-      const int flag = code == 1 ? cv::INTER_NEAREST : code == 2 ? cv::INTER_LINEAR : cv::INTER_CUBIC;
+      const int flag = code == 1   ? cv::INTER_NEAREST
+                       : code == 2 ? cv::INTER_LINEAR
+                                   : cv::INTER_CUBIC;
       s.Peer(job, size, code == 1 ? "OpenCV" : "~OpenCV, positions to 1/32 pixel", [=] {
         cv::warpPerspective(src, cv::Mat(dst), matrix, dst.size(), flag, cv::BORDER_REPLICATE);
       });
@@ -147,8 +149,11 @@ void RotateJobs(bench::Suite& s, IppiSize size) {
 #if defined(QV_BENCH_OPENCV)
       const int depth = channels == 1 ? CV_8UC1 : CV_8UC3;
       const cv::Mat in(from.height, from.width, depth, src), out(h, w, depth, dst);
-      const cv::Mat matrix = (cv::Mat_<double>(2, 3) << cosine, sine, xShift, -sine, cosine, yShift);
-      const int flag = code == 1 ? cv::INTER_NEAREST : code == 2 ? cv::INTER_LINEAR : cv::INTER_CUBIC;
+      const cv::Mat matrix =
+          (cv::Mat_<double>(2, 3) << cosine, sine, xShift, -sine, cosine, yShift);
+      const int flag = code == 1   ? cv::INTER_NEAREST
+                       : code == 2 ? cv::INTER_LINEAR
+                                   : cv::INTER_CUBIC;
       s.Peer(job, size, code == 1 ? "OpenCV" : "~OpenCV, positions to 1/32 pixel", [=] {
         cv::warpAffine(in, cv::Mat(out), matrix, out.size(), flag, cv::BORDER_REPLICATE);
       });

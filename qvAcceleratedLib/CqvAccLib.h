@@ -333,35 +333,36 @@ class QVACCELERATEDLIB_API CqvAccLib {
 
   // ---- Rotation and perspective -----------------------------------------------------------------
 
-  // Rotation and warping. Pointers point at pixel (0, 0) of the whole image, never at a region; regions
-  // and positions are in pixels of the whole images, and pixel (x, y) is a sample at exactly that
-  // position. Every destination pixel asks where it comes from: it is mapped back through the
-  // transform to a source position (X, Y). It is written if (X, Y) lies inside the rectangle of corner
-  // pixels of srcRoi's part inside the image, its edges and 1e-6 pixel beyond included, and keeps
-  // its value otherwise. All channels of a pixel are sampled at one position, from pixels of that part only;
-  // taps beyond take its nearest edge pixel:
+  // Rotation and warping. Pointers point at pixel (0, 0) of the whole image, never at a region;
+  // regions and positions are in pixels of the whole images, and pixel (x, y) is a sample at
+  // exactly that position. Every destination pixel asks where it comes from: it is mapped back
+  // through the transform to a source position (X, Y). It is written if (X, Y) lies inside the
+  // rectangle of corner pixels of srcRoi's part inside the image, its edges and 1e-6 pixel beyond
+  // included, and keeps its value otherwise. All channels of a pixel are sampled at one position,
+  // from pixels of that part only; taps beyond take its nearest edge pixel:
   //   interpolation 1   nearest neighbour: pixel (floor(X + 0.5), floor(Y + 0.5))
   //   interpolation 2   linear: two taps an axis, weights 1 - |d|
   //   interpolation 4   cubic (Keys 1981, a = -0.5): four taps an axis, with weights
-  //                     1.5 |d|^3 - 2.5 |d|^2 + 1 below 1, -0.5 |d|^3 + 2.5 |d|^2 - 4 |d| + 2 below 2
-  // d being the distance of the tap. Bit 31 of the interpolation is ignored. Positions are exact to
-  // better than 2^-11 pixel, weights have 14 fractional bits, and the rounded and saturated result is
-  // within one unit of the exact one. Source and destination must not overlap.
-  // Statuses of warps and of rotations that are not quarter turns, in this order: -2 for a type other
-  // than 2 and 4; -8 if src or dst is null; -6 if a width or height of srcSize, srcRoi or dstRoi is
-  // below 1 or an origin of a region is negative; -14 if a step is below 1; -22 for another
-  // interpolation; -56 if the transform's upper-left 2 x 2 block is singular (relative to its
-  // diagonal, to 1e-12), or carries the corner pixels of srcRoi onto a quadrilateral that is
-  // degenerate (a width or height of 1) or not convex; -57 if srcRoi has no pixel inside the image; 29 if
-  // that quadrilateral misses dstRoi. Nothing is written unless the status is 0.
+  //                     1.5 |d|^3 - 2.5 |d|^2 + 1 below 1,
+  //                     -0.5 |d|^3 + 2.5 |d|^2 - 4 |d| + 2 below 2
+  // d being the distance of the tap. Bit 31 of the interpolation is ignored. Positions are exact
+  // to better than 2^-11 pixel, weights have 14 fractional bits, and the rounded and saturated
+  // result is within one unit of the exact one. Source and destination must not overlap.
+  // Statuses of warps and of rotations that are not quarter turns, in this order: -2 for a type
+  // other than 2 and 4; -8 if src or dst is null; -6 if a width or height of srcSize, srcRoi or
+  // dstRoi is below 1 or an origin of a region is negative; -14 if a step is below 1; -22 for
+  // another interpolation; -56 if the transform's upper-left 2 x 2 block is singular (relative to
+  // its diagonal, to 1e-12), or carries the corner pixels of srcRoi onto a quadrilateral that is
+  // degenerate (a width or height of 1) or not convex; -57 if srcRoi has no pixel inside the image;
+  // 29 if that quadrilateral misses dstRoi. Nothing is written unless the status is 0.
 
   // Rotates about pixel (0, 0) by `angle` degrees, counter-clockwise as seen on the screen, and
   // shifts by (xShift, yShift) pixels. With a the angle in radians, source (x, y) goes to
   //   x' = cos a * x + sin a * y + xShift,   y' = -sin a * x + cos a * y + yShift
   // Runs on the calling thread. Quarter turns (90, 180 or 270 degrees plus whole turns) with
   // whole shifts move pixels without sampling; their statuses are: -2; -8; -6; -14; 29 if srcRoi
-  // starts outside of the image or the turned region misses dstRoi. They do not look at the interpolation.
-  // Other rotations: see above.
+  // starts outside of the image or the turned region misses dstRoi. They do not look at the
+  // interpolation. Other rotations: see above.
   static IppStatus qvRotate(qvDataType type, const unsigned char* src, IppiSize srcSize,
                             int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                             IppiRect dstRoi, double angle, double xShift, double yShift,
@@ -371,16 +372,17 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // qvGetPerspectiveTransform gives:
   //   x' = (c00 X + c01 Y + c02) / (c20 X + c21 Y + c22)
   //   y' = (c10 X + c11 Y + c12) / (c20 X + c21 Y + c22)
-  // Statuses: see above. On several bands the status is the last band's, so 29 may mean that only the
-  // last band was missed, and of a region with a negative y only the bands that begin there are refused.
+  // Statuses: see above. On several bands the status is the last band's, so 29 may mean that only
+  // the last band was missed, and of a region with a negative y only the bands that begin there are
+  // refused.
   static IppStatus qvWarpPerspective(qvDataType type, const unsigned char* src, IppiSize srcSize,
                                      int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                                      IppiRect dstRoi, const double coeffs[3][3],
                                      int interpolation);
 
   // qvWarpPerspective on a three-channel image and, if src2 and dst2 are both non-null, on a
-  // one-channel image of the same size and regions with its own steps and matrix, for instance a mask. `type`
-  // is ignored.
+  // one-channel image of the same size and regions with its own steps and matrix, for instance a
+  // mask. `type` is ignored.
   // Returns the status of the last warp made. On one band the second image is warped only if the
   // first warp returned 0; on several bands (dstRoi higher than 64 rows a thread) it always is, and
   // its status replaces the first one's.
@@ -394,12 +396,12 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // Derives the matrix that carries a region onto a quadrilateral:
   //   x' = (c00 X + c01 Y + c02) / (c20 X + c21 Y + c22)
   //   y' = (c10 X + c11 Y + c12) / (c20 X + c21 Y + c22)
-  // quad[0..3] are the (x, y) images, in pixels, of the centres of the region's top-left, top-right,
-  // bottom-right and bottom-left pixels; they may turn either way round. `type` is ignored; no
-  // pointer is checked. The result fits qvWarpPerspective.
-  // Returns -6 if roi.x or roi.y is negative or its width or height is below 1; -58 if three corners
-  // lie on one line or the quadrilateral is not convex; -57 if width or height is 1. Nothing is
-  // written then.
+  // quad[0..3] are the (x, y) images, in pixels, of the centres of the region's top-left,
+  // top-right, bottom-right and bottom-left pixels; they may turn either way round. `type` is
+  // ignored; no pointer is checked. The result fits qvWarpPerspective.
+  // Returns -6 if roi.x or roi.y is negative or its width or height is below 1; -58 if three
+  // corners lie on one line or the quadrilateral is not convex; -57 if width or height is 1.
+  // Nothing is written then.
   static IppStatus qvGetPerspectiveTransform(qvDataType type, IppiRect roi, const double quad[4][2],
                                              double coeffs[3][3]);
 
@@ -408,7 +410,8 @@ class QVACCELERATEDLIB_API CqvAccLib {
   //   x' = cos a * x + sin a * y + xShift,   y' = -sin a * x + cos a * y + yShift
   //   bound[0] = (smallest x', smallest y'), bound[1] = (largest x', largest y')
   // Multiples of 90 degrees are exact. `type` is ignored; no pointer is checked.
-  // Returns -6, with nothing written, if roi.x or roi.y is negative or its width or height is below 1.
+  // Returns -6, with nothing written, if roi.x or roi.y is negative or its width or height is below
+  // 1.
   static IppStatus qvGetRotateBound(qvDataType type, IppiRect roi, double bound[2][2], double angle,
                                     double xShift, double yShift);
 

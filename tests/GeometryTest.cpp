@@ -51,7 +51,8 @@ TEST(PerspectiveTransform, ChecksInOrderAndWritesNothing) {
   }
 }
 
-// A random convex quadrilateral: the corners of a rectangle, each moved by less than a quarter of it.
+// A random convex quadrilateral: the corners of a rectangle, each moved by less than a quarter of
+// it.
 void MakeQuad(Random& random, double quad[4][2], bool otherWay) {
   const double size = random.Between(2.0, 3000.0);
   for (int i = 0; i < 4; ++i) {

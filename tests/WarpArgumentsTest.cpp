@@ -1,5 +1,5 @@
-// qvWarpPerspective, qvWarpPerspectiveEx and qvRotate: statuses and their order, exact copies, bands,
-// and arguments at their extremes.
+// qvWarpPerspective, qvWarpPerspectiveEx and qvRotate: statuses and their order, exact copies,
+// bands, and arguments at their extremes.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -92,8 +92,9 @@ TEST(Warp, ChecksInOrder) {
     }
   EXPECT_EQ(out, Bytes(64 * 64));
   for (const int type : {0, 3, 9, 13})
-    EXPECT_EQ(Lib::qvWarpPerspective(Type(type), nullptr, {0, 0}, 0, {}, nullptr, 0, {}, kIdentity.c, 0),
-              StatusDataTypeErr);
+    EXPECT_EQ(
+        Lib::qvWarpPerspective(Type(type), nullptr, {0, 0}, 0, {}, nullptr, 0, {}, kIdentity.c, 0),
+        StatusDataTypeErr);
   for (const unsigned method : {1u, 2u, 4u, 0x80000001u, 0x80000004u}) {
     Arguments a = good;
     a.method = static_cast<int>(method);
@@ -257,7 +258,8 @@ TEST(Warp, SurvivesExtremeMatrices) {
   EXPECT_GT(accepted, 1000);
 }
 
-// A matrix whose horizon crosses the destination: pixels behind it would repeat the image upside down.
+// A matrix whose horizon crosses the destination: pixels behind it would repeat the image upside
+// down.
 TEST(Warp, WritesNothingBehindTheHorizon) {
   const int n = 200;
   const Bytes src(n * n, 255);
@@ -298,7 +300,9 @@ TEST(Warp, LongAndTallImages) {
     const int x = size.width > size.height ? 60000 : 1, y = size.width > size.height ? 1 : 60000;
     const double px = x - dx, py = y - dy;
     const int ix = int(px), iy = int(py);
-    const auto at = [&](int u, int v) { return double(src[(std::size_t(v) * size.width + u) * 3]); };
+    const auto at = [&](int u, int v) {
+      return double(src[(std::size_t(v) * size.width + u) * 3]);
+    };
     const double fx = px - ix, fy = py - iy;
     const double exact = (at(ix, iy) * (1 - fx) + at(ix + 1, iy) * fx) * (1 - fy) +
                          (at(ix, iy + 1) * (1 - fx) + at(ix + 1, iy + 1) * fx) * fy;

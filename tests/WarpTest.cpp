@@ -138,8 +138,10 @@ void Judge(const Call& call, const unsigned char* src, int srcStep, const Bytes&
           bool found = false;  // any pixel whose cell comes within 1e-4 of the position
           for (const Real ex : {-1e-4L, 1e-4L})
             for (const Real ey : {-1e-4L, 1e-4L}) {
-              const int sx = std::clamp(int(std::floor(px + ex + .5L)), part.x, part.x + part.width - 1);
-              const int sy = std::clamp(int(std::floor(py + ey + .5L)), part.y, part.y + part.height - 1);
+              const int sx =
+                  std::clamp(int(std::floor(px + ex + .5L)), part.x, part.x + part.width - 1);
+              const int sy =
+                  std::clamp(int(std::floor(py + ey + .5L)), part.y, part.y + part.height - 1);
               found |= out[c] == src[std::ptrdiff_t{sy} * srcStep + sx * call.channels + c];
             }
           ASSERT_TRUE(found) << "nearest at " << x << ',' << y;
@@ -196,6 +198,7 @@ Call RandomCall(Random& random, IppiSize dst) {
   if (random.OneIn(2))
     call.dstRoi = {random.Between(0, dst.width - 1), random.Between(0, dst.height - 1),
                    random.Between(1, dst.width), random.Between(1, dst.height)};
+  if (random.OneIn(4)) call.dstRoi.width = random.Between(1, 20);  // less than a vector
   call.dstRoi.width = std::min(call.dstRoi.width, dst.width - call.dstRoi.x);
   call.dstRoi.height = std::min(call.dstRoi.height, dst.height - call.dstRoi.y);
   call.m = RandomMatrix(random, call.srcRoi, dst);

@@ -13,8 +13,9 @@ constexpr CubicTable MakeTable() {
   CubicTable table{};
   constexpr long long n = kCubicPhases, one = 1 << kWarpBits;
   for (long long i = 0; i < n; ++i) {
-    // With t = i / n: -t (1 - t)^2 / 2 before, -t^2 (1 - t) / 2 after, and (t + 4 t^2 - 3 t^3) / 2 on
-    // the right; the left one takes what is missing to 1. n^3 is 2^33, so the products stay below 2^50.
+    // With t = i / n: -t (1 - t)^2 / 2 before, -t^2 (1 - t) / 2 after, and (t + 4 t^2 - 3 t^3) / 2
+    // on the right; the left one takes what is missing to 1. n^3 is 2^33, so the products stay
+    // below 2^50.
     const long long rest = n - i, cube = n * n * n;
     const long long before = Round(-i * rest * rest * one, 2 * cube);
     const long long after = Round(-i * i * rest * one, 2 * cube);

@@ -3,7 +3,8 @@
 // Images are given by their pixel (0, 0); regions are in pixels of the whole image. The checks, in
 // this order, of all but the quarter turns (which see below):
 //   StatusNullPtrErr         a null image
-//   StatusSizeErr            a source size, region width or height below 1, a negative region origin
+//   StatusSizeErr            a source size, region width or height below 1, a negative region
+// origin
 //   StatusStepErr            a step below 1
 //   StatusInterpolationErr   an interpolation, bit 31 aside, other than 1, 2, 4
 //   StatusNullPtrErr         a null plane of a planar layout
@@ -27,7 +28,8 @@ enum GeometryLayout {
   LayoutFourPlanes = 5
 };
 
-// qvWarpPerspective (CqvAccLib.h), and the same with the affine matrix [[c00, c01, c02], [c10, c11, c12]].
+// qvWarpPerspective (CqvAccLib.h), and the same with the affine matrix [[c00, c01, c02], [c10, c11,
+// c12]].
 IppStatus WarpPerspectiveCore(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
                               void* dst, int dstStep, IppiRect dstRoi, int layout,
                               const double coeffs[3][3], int interpolation);
@@ -35,8 +37,8 @@ IppStatus WarpAffineCore(const void* src, IppiSize srcSize, int srcStep, IppiRec
                          int dstStep, IppiRect dstRoi, int layout, const double coeffs[2][3],
                          int interpolation);
 
-// qvRotate. Quarter turns with whole shifts do not look at the interpolation, check the planes before
-// the regions and return StatusNoOverlapWarning for a source region outside of the image.
+// qvRotate. Quarter turns with whole shifts do not look at the interpolation, check the planes
+// before the regions and return StatusNoOverlapWarning for a source region outside of the image.
 IppStatus RotateCore(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi, void* dst,
                      int dstStep, IppiRect dstRoi, int layout, double angle, double xShift,
                      double yShift, int interpolation);
@@ -57,7 +59,8 @@ IppStatus Rotate_8u_C3(const unsigned char* src, IppiSize srcSize, int srcStep, 
 // The kernels of each level behind them.
 
 // Samples columns first .. last of a destination row, whose column 0 `dst` points at. The segments
-// are ascending, cover these columns and stay within the aligned blocks of kWarpBlock that they touch.
+// are ascending, cover these columns and stay within the aligned blocks of kWarpBlock that they
+// touch.
 void WarpRow_8u_C1(const WarpSource* source, const WarpSegment* segments, int count, int first,
                    int last, unsigned char* dst);
 void WarpRow_8u_C3(const WarpSource* source, const WarpSegment* segments, int count, int first,

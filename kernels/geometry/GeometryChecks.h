@@ -43,7 +43,8 @@ inline IppStatus FindImages(const void* src, void* dst, int layout, GeometryImag
   return StatusOk;
 }
 
-// The part of a region inside an image of this size; the width or height is below 1 if there is none.
+// The part of a region inside an image of this size; the width or height is below 1 if there is
+// none.
 inline IppiRect ClipToImage(IppiRect roi, IppiSize size) {
   const int width = size.width - roi.x, height = size.height - roi.y;
   return {roi.x, roi.y, roi.width < width ? roi.width : width,

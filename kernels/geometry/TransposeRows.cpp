@@ -25,7 +25,8 @@ void TransposePlain(const Byte* src, ptrdiff_t srcStep, Byte* dst, ptrdiff_t dst
 #if QV_HAS_VECTORS
 
 // 16 columns of kVecBytes source rows become 16 rows of kVecBytes. Lane l of vector i starts out as
-// row 16 l + i; each of four perfect shuffles moves one bit of the row number into the column number.
+// row 16 l + i; each of four perfect shuffles moves one bit of the row number into the column
+// number.
 QV_INLINE void TransposeBytes(const Byte* src, ptrdiff_t srcStep, Byte* dst, ptrdiff_t dstStep) {
   Vec v[16], u[16];
   for (int i = 0; i < 16; ++i) v[i] = LoadLanes(src + i * srcStep, 16 * srcStep);
@@ -42,8 +43,8 @@ QV_INLINE void TransposeBytes(const Byte* src, ptrdiff_t srcStep, Byte* dst, ptr
   for (int i = 0; i < 16; ++i) Store(dst + i * dstStep, v[i]);
 }
 
-// A row of a block of three-byte pixels is 12 bytes, but 16 are loaded: its first ones, or its last ones
-// if the 4 behind it do not belong to the image's row.
+// A row of a block of three-byte pixels is 12 bytes, but 16 are loaded: its first ones, or its last
+// ones if the 4 behind it do not belong to the image's row.
 QV_INLINE Vec SpreadTriples(bool isLast) {
   static constexpr auto kFirst =
       MakeByteTable([](int i) { return i % 4 < 3 ? i % 16 / 4 * 3 + i % 4 : 0x80; });
@@ -92,11 +93,12 @@ QV_INLINE void TransposeTriplesWide(const Byte* src, ptrdiff_t srcStep, Byte* ds
     TransposeTriples(src + i * (kVecBytes / 4) * srcStep, srcStep, spread, v[i]);
   for (int r = 0; r < 4; ++r)
     for (int j = 0; j < 3; ++j)
-      Store(dst + r * dstStep + j * kVecBytes, PermuteBytes2(v[j][r], Load(&kPacks[j]), v[j + 1][r]));
+      Store(dst + r * dstStep + j * kVecBytes,
+            PermuteBytes2(v[j][r], Load(&kPacks[j]), v[j + 1][r]));
 }
 
-// Calls block(r, c) for blocks of kRows x kColumns that cover the image, tile by tile. Blocks at the
-// far edges overlap their neighbours. False if the image is smaller than a block.
+// Calls block(r, c) for blocks of kRows x kColumns that cover the image, tile by tile. Blocks at
+// the far edges overlap their neighbours. False if the image is smaller than a block.
 template <int kRows, int kColumns, class Block>
 QV_INLINE bool CoverWithTiles(int width, int height, Block block) {
   if (width < kColumns || height < kRows) return false;
@@ -104,7 +106,8 @@ QV_INLINE bool CoverWithTiles(int width, int height, Block block) {
     for (int c0 = 0; c0 < width; c0 += kTileColumns)
       for (int r = r0; r < r0 + kTileRows && r < height; r += kRows)
         for (int c = c0; c < c0 + kTileColumns && c < width; c += kColumns)
-          block(r + kRows <= height ? r : height - kRows, c + kColumns <= width ? c : width - kColumns);
+          block(r + kRows <= height ? r : height - kRows,
+                c + kColumns <= width ? c : width - kColumns);
   return true;
 }
 

@@ -20,8 +20,8 @@ bool IsConditioned(const double c[3][3]) {
   return fabs(q) > 1e-12;
 }
 
-// Whether a convex quadrilateral and a rectangle have no point in common: two convex figures are apart
-// if and only if one of their edges has the other figure wholly on its outer side.
+// Whether a convex quadrilateral and a rectangle have no point in common: two convex figures are
+// apart if and only if one of their edges has the other figure wholly on its outer side.
 bool AreApart(const double quad[4][2], const Corners& rect) {
   double bound[2][2];
   BoundingBoxOfQuad(quad, bound);

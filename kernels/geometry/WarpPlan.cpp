@@ -14,7 +14,8 @@ constexpr double kOne = 1 << kWarpBits;
 constexpr double kReach = 126;
 constexpr double kCentre = (kReach + 1) * kOne;
 
-// Makes positions of up to 31 bits and a sign positive. Below 2^47 a double still holds 1/64 of a step.
+// Makes positions of up to 31 bits and a sign positive. Below 2^47 a double still holds 1/64 of a
+// step.
 constexpr double kOffset = 0x1p46;
 
 // Largest distance in pixels between a segment's cubic and the true positions.
@@ -22,8 +23,8 @@ constexpr double kFitError = 1.0 / 32768;
 
 double Clamp(double v, double low, double high) { return v < low ? low : v > high ? high : v; }
 
-// The inverse of a matrix up to a factor, such that its third component is above 0 where it comes back
-// from (x, y). False if there is none that doubles can hold.
+// The inverse of a matrix up to a factor, such that its third component is above 0 where it comes
+// back from (x, y). False if there is none that doubles can hold.
 bool InvertFor(const double c[3][3], double x, double y, double m[3][3]) {
   double largest = 0;
   for (int i = 0; i < 9; ++i) {
@@ -61,8 +62,8 @@ WarpPlan::WarpPlan(const double coeffs[3][3], const Corners& source, const Corne
       low_{source.x0 - kTolerance, source.y0 - kTolerance},
       high_{source.x1 + kTolerance, source.y1 + kTolerance},
       destination_(destination),
-      // Positions are truncated to what the method tells apart: a whole pixel, a step of the position,
-      // a phase of the cubic table. Half of that makes it rounding to nearest.
+      // Positions are truncated to what the method tells apart: a whole pixel, a step of the
+      // position, a phase of the cubic table. Half of that makes it rounding to nearest.
       bias_(method == WarpNearest  ? kOne / 2
             : method == WarpLinear ? 0.5
                                    : kOne / kCubicPhases / 2),
@@ -193,52 +194,43 @@ void WarpPlan::FitColumn(const Row& row, WarpSegment& segment) const {
   }
 }
 
-// With P the position at the centre, S its slope there and k = m20 / W:
-//   position(t) = P + S t / (1 + k t) = P + S t (1 - k t + k^2 t^2 - k^3 t^3 + ...).
+// With P the position at the centre, S its slope there and u = -m20 / W:
+//   position(t) = P + S t / (1 - u t) = P + S t (1 + u t + u^2 t^2 + u^3 t^3 + ...).
 // On |t| <= h the term in t^4 is replaced by h^2 t^2 - h^4 / 8, which is off by h^4 / 8 at most
-// (Chebyshev); the terms behind it add less than a factor of 1 / (1 - |k| h).
+// (Chebyshev); the terms behind it add less than a factor of 1 / (1 - e), e = |u| h, and so does
+// what lies between the centre and the farthest column.
 template <bool kAffine>
 bool WarpPlan::Fit(const Row& row, WarpSegment& segment) const {
   const int half = segment.count / 2;
   const double centre = segment.first + half, h = half;
   double p[2] = {m_[0][0] * centre + row.x, m_[1][0] * centre + row.y};
-  double slope[2] = {m_[0][0], m_[1][0]}, k = 0, e = 0;
+  double slope[2] = {m_[0][0], m_[1][0]}, u = 0, farthest = h;
   if constexpr (!kAffine) {
     const double w = m_[2][0] * centre + row.w;
     const double r = 1 / w;
-    k = m_[2][0] * r;
-    e = fabs(k) * h;
+    u = -m_[2][0] * r;
+    const double e = fabs(u) * h;
     if (!(w > 0 && e < 0.25)) return false;
     for (int axis = 0; axis < 2; ++axis) {
       p[axis] *= r;
-      slope[axis] = (slope[axis] - p[axis] * m_[2][0]) * r;
+      slope[axis] = slope[axis] * r + p[axis] * u;
     }
+    farthest = h + e * h * (4.0 / 3);  // at least h / (1 - e)
+    if (!((fabs(slope[0]) + fabs(slope[1])) * h * (e * e * e) <= kFitError * 6)) return false;
   }
-  const double quartic = e * e * e / 6;  // 1 / 8 / (1 - e) at most
-  const double reach[2] = {fabs(slope[0]) * h, fabs(slope[1]) * h};
-  constexpr double kMost = kReach * 0.75;
-  if (!(reach[0] <= kMost && reach[1] <= kMost && reach[0] * quartic <= kFitError &&
-        reach[1] * quartic <= kFitError && fabs(p[0]) <= 0x1p31 && fabs(p[1]) <= 0x1p31))
-    return false;
-  // No column is further from the centre than reach / (1 - e), which is below this.
-  const double farthest = 1 + e * (4.0 / 3);
-  segment.isInside = p[0] - reach[0] * farthest >= inner_[0][0] &&
-                     p[0] + reach[0] * farthest <= inner_[0][1] &&
-                     p[1] - reach[1] * farthest >= inner_[1][0] &&
-                     p[1] + reach[1] * farthest <= inner_[1][1];
+  const double x = fabs(slope[0]) * farthest, y = fabs(slope[1]) * farthest;
+  if (!(x <= kReach && y <= kReach)) return false;
+  segment.isInside = p[0] - x >= inner_[0][0] && p[0] + x <= inner_[0][1] &&
+                     p[1] - y >= inner_[1][0] && p[1] + y <= inner_[1][1];
+  if (!segment.isInside && !(fabs(p[0]) <= 0x1p31 && fabs(p[1]) <= 0x1p31)) return false;
+  const double u2 = u * u, u3 = u * u2 * h * h;
   for (int axis = 0; axis < 2; ++axis) {
-    double c2 = 0, c3 = 0, quarter = 0;
-    if constexpr (!kAffine) {
-      c2 = -slope[axis] * k;
-      c3 = -c2 * k;
-      quarter = -c3 * k * h * h;
-      c2 += quarter;
-      quarter *= h * h / 8;
-    }
-    segment.coeff[axis][1] = static_cast<float>(slope[axis] * kOne);
-    segment.coeff[axis][2] = static_cast<float>(c2 * kOne);
-    segment.coeff[axis][3] = static_cast<float>(c3 * kOne);
-    Place(axis, p[axis] - quarter, segment);
+    const double c1 = slope[axis] * kOne;
+    float* const coeff = segment.coeff[axis];
+    coeff[1] = static_cast<float>(c1);
+    coeff[2] = kAffine ? 0 : static_cast<float>(c1 * (u + u3));
+    coeff[3] = kAffine ? 0 : static_cast<float>(c1 * u2);
+    Place(axis, kAffine ? p[axis] : p[axis] - slope[axis] * (u3 * h * h / 8), segment);
   }
   return true;
 }

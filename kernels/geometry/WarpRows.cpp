@@ -9,9 +9,9 @@ namespace {
 
 #if QV_HAS_VECTORS
 
-// Vector rows keep positions and byte offsets in 32-bit lanes. A position next to the source's edge may
-// overshoot it by a few steps; one of a column that is not wanted may be anything: clamped, it is
-// harmless.
+// Vector rows keep positions and byte offsets in 32-bit lanes. A position next to the source's edge
+// may overshoot it by a few steps; one of a column that is not wanted may be anything: clamped, it
+// is harmless.
 bool FitsLanes(const WarpSource& s, int channels) {
   constexpr int kExtent = (1 << (31 - kWarpBits)) - kWarpBlock;
   return s.width <= kExtent && s.height <= kExtent &&
@@ -87,11 +87,12 @@ QV_INLINE Vec OffsetOf(const View& view, Vec x, Vec y) {
   return Add32(MulLow32(y, view.step), x);
 }
 
-// What kLanes32 pixels need of their positions: the offset of their first taps, and along either axis
-// the weights of two taps (linear) or the offset of a table entry (cubic).
+// What kLanes32 pixels need of their positions: the offset of their first taps, and along either
+// axis the weights of two taps (linear) or the offset of a table entry (cubic).
 //
 // A run is prepared as a whole before any of it is fetched: the chain from a column to its fetch is
-// long, and with the fetches in between a processor could not look ahead over more than one of them.
+// long, and with the fetches in between a processor could not look ahead over more than one of
+// them.
 struct Prepared {
   Vec offset, x, y;
 };
@@ -162,8 +163,8 @@ QV_INLINE void FinishLinear(const View& view, const Prepared& p, Byte* out) {
   }
 }
 
-// Sums down the four rows, whose sums along x have 6 fractional bits; the weights are those of rows 0
-// and 2, and of rows 1 and 3.
+// Sums down the four rows, whose sums along x have 6 fractional bits; the weights are those of rows
+// 0 and 2, and of rows 1 and 3.
 QV_INLINE Vec SumRows(const Vec row[4], Vec even, Vec odd) {
   const Vec sum = Add32(MulAddPairs16(Pair16(row[0], row[2]), even),
                         MulAddPairs16(Pair16(row[1], row[3]), odd));
@@ -238,7 +239,8 @@ QV_INLINE void SampleRun(const WarpSource& s, const View& view, int begin, int n
     Byte* const to = n < kLanes32 ? part : out + i * kChannels;
     if (!kInside && !isReady[k]) {
       positions.MoveTo(begin + i);
-      SamplePlainly<kChannels>(s, positions.At(0), positions.At(1), to, n < kLanes32 ? n : kLanes32);
+      SamplePlainly<kChannels>(s, positions.At(0), positions.At(1), to,
+                               n < kLanes32 ? n : kLanes32);
     } else if constexpr (kMethod == WarpNearest) {
       FinishNearest<kChannels>(view, prepared[k], to);
     } else if constexpr (kMethod == WarpLinear) {
@@ -254,14 +256,16 @@ template <WarpMethod kMethod, int kChannels>
 void WarpRowVectors(const WarpSource& s, const WarpSegment* segments, int count, int first,
                     int last, Byte* dst) {
   const View view = MakeView(s);
-  // Segments that are shorter than a vector are lined up here. They share an aligned block of a vector
-  // at least, and vectors may read past its last column, to no effect.
+  // Segments that are shorter than a vector are lined up here. They share an aligned block of a
+  // vector at least, and vectors may read past its last column, to no effect.
   int x[2 * kLanes32] = {}, y[2 * kLanes32] = {};
   for (const WarpSegment *g = segments, *const end = segments + count; g != end; ++g) {
     const bool isShort = g->count < kLanes32;
     const int length = isShort ? kLanes32 : g->count, start = g->first & -length;
     const int begin = (first > start ? first : start) - start;
     const int n = (last - start < length ? last - start + 1 : length) - begin;
+    // A run of less than a vector may look past the segment's columns.
+    const bool isInside = n >= kLanes32 && g->isInside;
     Byte* const out = dst + static_cast<ptrdiff_t>(start + begin) * kChannels;
     if (isShort) {
       for (;; ++g) {
@@ -273,11 +277,11 @@ void WarpRowVectors(const WarpSource& s, const WarpSegment* segments, int count,
       }
       SampleRun<kMethod, kChannels, false>(s, view, begin, n, out, Listed{x, y, begin});
     } else if (IsLine(*g)) {
-      if (g->isInside)
+      if (isInside)
         SampleRun<kMethod, kChannels, true>(s, view, begin, n, out, Curve<true>(*g, begin));
       else
         SampleRun<kMethod, kChannels, false>(s, view, begin, n, out, Curve<true>(*g, begin));
-    } else if (g->isInside) {
+    } else if (isInside) {
       SampleRun<kMethod, kChannels, true>(s, view, begin, n, out, Curve<false>(*g, begin));
     } else {
       SampleRun<kMethod, kChannels, false>(s, view, begin, n, out, Curve<false>(*g, begin));

@@ -1,8 +1,8 @@
 // What the rows of a warp are handed: the image to sample and the positions along a piece of a row.
 //
-// Positions are numbers with kWarpBits fractional bits, counted from the sampled image's first pixel
-// centre. Along a segment they follow a cubic in t = column - centre, evaluated in single precision
-// with every operation rounded by itself,
+// Positions are numbers with kWarpBits fractional bits, counted from the sampled image's first
+// pixel centre. Along a segment they follow a cubic in t = column - centre, evaluated in single
+// precision with every operation rounded by itself,
 //
 //   position = base + int(((c3 t + c2) t + c1) t + c0)        truncated; the sum is above 0
 //
@@ -25,9 +25,9 @@ struct WarpSegment {
   int count;          // a power of two up to kWarpBlock; t runs from -count / 2
   long long base[2];  // x, y
   float coeff[2][4];  // c0 .. c3 of x and of y
-  // Every column's position, wanted or not, has a pixel before it and three behind it, and rows likewise:
-  // nothing has to be clamped. Columns have half a pixel more behind them: 16 bytes, five pixels and a
-  // third, can then be fetched from the first tap without leaving the row.
+  // Every column's position, wanted or not, has a pixel before it and three behind it, and rows
+  // likewise: nothing has to be clamped. Columns have half a pixel more behind them: 16 bytes, five
+  // pixels and a third, can then be fetched from the first tap without leaving the row.
   bool isInside;
 };
 
@@ -39,8 +39,8 @@ struct WarpSource {
 };
 
 // Keys' kernel (1981, a = -1/2) at phase i / kCubicPhases: weights of taps -1, 0, 1, 2 times
-// 2^kWarpBits, each four adding up to exactly that. Stored as taps -1, 1, 0, 2: the even and the odd bytes of
-// four neighbours, which vector rows take apart with a mask and a shift.
+// 2^kWarpBits, each four adding up to exactly that. Stored as taps -1, 1, 0, 2: the even and the
+// odd bytes of four neighbours, which vector rows take apart with a mask and a shift.
 constexpr int kCubicBits = 11;
 constexpr int kCubicPhases = 1 << kCubicBits;
 struct CubicTable {

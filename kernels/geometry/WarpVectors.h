@@ -45,10 +45,12 @@ template <int kPart> QV_INLINE Vec Gather128(const Byte* base, const int* offset
   return _mm512_inserti64x4(_mm512_zextsi256_si512(low), high, 1);
 }
 QV_INLINE Vec EvenLanes32(Vec a, Vec b) {
-  return _mm512_castps_si512(_mm512_shuffle_ps(_mm512_castsi512_ps(a), _mm512_castsi512_ps(b), 0x88));
+  return _mm512_castps_si512(
+      _mm512_shuffle_ps(_mm512_castsi512_ps(a), _mm512_castsi512_ps(b), 0x88));
 }
 QV_INLINE Vec OddLanes32(Vec a, Vec b) {
-  return _mm512_castps_si512(_mm512_shuffle_ps(_mm512_castsi512_ps(a), _mm512_castsi512_ps(b), 0xDD));
+  return _mm512_castps_si512(
+      _mm512_shuffle_ps(_mm512_castsi512_ps(a), _mm512_castsi512_ps(b), 0xDD));
 }
 QV_INLINE void StoreLowBytes(Byte* p, Vec v) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm512_cvtepi32_epi8(v));
@@ -93,10 +95,12 @@ template <int kPart> QV_INLINE Vec Gather128(const Byte* base, const int* offset
   return _mm256_inserti128_si256(_mm256_castsi128_si256(load(0)), load(1), 1);
 }
 QV_INLINE Vec EvenLanes32(Vec a, Vec b) {
-  return _mm256_castps_si256(_mm256_shuffle_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b), 0x88));
+  return _mm256_castps_si256(
+      _mm256_shuffle_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b), 0x88));
 }
 QV_INLINE Vec OddLanes32(Vec a, Vec b) {
-  return _mm256_castps_si256(_mm256_shuffle_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b), 0xDD));
+  return _mm256_castps_si256(
+      _mm256_shuffle_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b), 0xDD));
 }
 QV_INLINE void StoreLowBytes(Byte* p, Vec v) {
   const __m256i low = _mm256_shuffle_epi8(
@@ -172,14 +176,16 @@ QV_INLINE void StoreAsBytes(Byte* p, Vec v) {
   const int bits = _mm_cvtsi128_si32(_mm_packus_epi16(v, v));
   memcpy(p, &bits, 4);
 }
-QV_INLINE void StoreLowBytes(Byte* p, Vec v) { StoreAsBytes(p, _mm_and_si128(v, _mm_set1_epi32(255))); }
+QV_INLINE void StoreLowBytes(Byte* p, Vec v) {
+  StoreAsBytes(p, _mm_and_si128(v, _mm_set1_epi32(255)));
+}
 
 #endif
 
-// Gather32: 4 bytes for each lane, from base + offset. Gather64<h>: 8 bytes for lanes 2 h and 2 h + 1 of
-// each 16-byte lane of `offset`, so that EvenLanes32 and OddLanes32 of both halves are the first and the
-// last 4 bytes of each lane. Gather128<k>: 16 bytes for lane k of each. StoreAsBytes saturates 32-bit
-// lanes, StoreLowBytes cuts them off; both store kLanes32 bytes.
+// Gather32: 4 bytes for each lane, from base + offset. Gather64<h>: 8 bytes for lanes 2 h and 2 h +
+// 1 of each 16-byte lane of `offset`, so that EvenLanes32 and OddLanes32 of both halves are the
+// first and the last 4 bytes of each lane. Gather128<k>: 16 bytes for lane k of each. StoreAsBytes
+// saturates 32-bit lanes, StoreLowBytes cuts them off; both store kLanes32 bytes.
 
 // Bytes kFirst and kSecond of each 32-bit lane, as 16-bit halves.
 template <int kFirst, int kSecond> QV_INLINE Vec SpreadPair(Vec v) {
@@ -206,8 +212,8 @@ QV_INLINE PixelPairs GatherPairs(const Byte* base, Vec offset) {
   return {SpreadPair<0, 3>(bgrb), And(grgr, Splat32(0x00FF00FF)), ShiftRight16<8>(grgr)};
 }
 
-// Three-byte pixels as 16-bit pairs: in each 16-byte lane the words (b0, b2, g0, g2, r0, r2, any, any) of
-// the even (or odd, 1 and 3) ones of the four that the lane begins with.
+// Three-byte pixels as 16-bit pairs: in each 16-byte lane the words (b0, b2, g0, g2, r0, r2, any,
+// any) of the even (or odd, 1 and 3) ones of the four that the lane begins with.
 #if defined(__SSSE3__)
 template <int kOdd> QV_INLINE Vec SpreadTaps(Vec v) {
   static constexpr auto kIndex = MakeByteTable([](int i) {

@@ -63,11 +63,15 @@ void CheckWarp(Case& c, int channels) {
     const double quad[4][2] = {{.1 * w, .02 * h}, {.95 * w, .05 * h}, {w, .97 * h}, {0, .9 * h}};
     GetPerspectiveTransform_64f(roi, quad, m.c);
   }
+  IppiRect to = {0, 0, size.width, size.height};
+  if (!c.IsBench() && c.random.OneIn(3)) {
+    to.x = c.random.Between(0, size.width - 1);
+    to.width = c.random.Between(1, size.width - to.x);
+  }
   const int method = c.IsBench() ? 2 : c.random.Pick(1, 2, 4);
   c.Compare([=] {
     const auto kernel = channels == 3 ? WarpPerspective_8u_C3 : WarpPerspective_8u_C1;
-    return kernel(src.data, srcSize, src.step, roi, dst.data, dst.step,
-                  {0, 0, size.width, size.height}, m.c, method);
+    return kernel(src.data, srcSize, src.step, roi, dst.data, dst.step, to, m.c, method);
   });
 }
 

@@ -96,8 +96,8 @@ void Project(const ProjectionOptions& options, const Frame& in, const IppiRect& 
     const Plane& to = out.PlaneAt(i);
     const Projection map = projection.Between(info.plane[i]);
     Check("qvWarpPerspective",
-          CqvAccLib::qvWarpPerspective(from.Type("moving pixels"), from.data, from.Size(), from.step,
-                                       InPlane(region, info.plane[i]), to.data, to.step,
+          CqvAccLib::qvWarpPerspective(from.Type("moving pixels"), from.data, from.Size(),
+                                       from.step, InPlane(region, info.plane[i]), to.data, to.step,
                                        {0, 0, to.columns, to.rows}, map.m, method));
   }
 }
@@ -117,7 +117,8 @@ void Rotate(const ProjectionOptions& options, const Frame& in, double angle, boo
   const Projection all = bound(in.Bounds());
   const auto length = [&](int axis) {
     const double apart = all.m[1][axis] - all.m[0][axis];
-    if (!(apart < 1e9)) throw UsageError("--fit: the canvas would be more than 1000000000 pixels long");
+    if (!(apart < 1e9))
+      throw UsageError("--fit: the canvas would be more than 1000000000 pixels long");
     return static_cast<int>(std::ceil(apart - 1e-6)) + 1;
   };
   const IppiSize size = fit ? IppiSize{length(0), length(1)} : in.Size();
@@ -138,9 +139,9 @@ void Rotate(const ProjectionOptions& options, const Frame& in, double angle, boo
                                             from.step, whole, to.data, to.step, canvas, angle,
                                             map.m[0][2], map.m[1][2], method));
     } else {  // on a grid of oblong units a rotation is none
-      Check("qvWarpPerspective",
-            CqvAccLib::qvWarpPerspective(from.Type("moving pixels"), from.data, from.Size(), from.step,
-                                         whole, to.data, to.step, canvas, map.m, method));
+      Check("qvWarpPerspective", CqvAccLib::qvWarpPerspective(
+                                     from.Type("moving pixels"), from.data, from.Size(), from.step,
+                                     whole, to.data, to.step, canvas, map.m, method));
     }
   }
 }

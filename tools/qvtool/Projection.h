@@ -27,13 +27,13 @@ struct Projection {
   double m[3][3];
 
   Projection Inverse() const;
-  // The same map between the grids of planes of this shape. A sample of a subsampled plane sits in the
-  // middle of the pixels that it serves.
+  // The same map between the grids of planes of this shape. A sample of a subsampled plane sits in
+  // the middle of the pixels that it serves.
   Projection Between(const PlaneShape& shape) const;
 };
 
-// The projection that carries a frame of this size onto a quadrilateral: P0, P1, P2, P3 as x, y are the
-// places of its top-left, top-right, bottom-right and bottom-left pixels.
+// The projection that carries a frame of this size onto a quadrilateral: P0, P1, P2, P3 as x, y are
+// the places of its top-left, top-right, bottom-right and bottom-left pixels.
 Projection OntoQuad(IppiSize size, const std::vector<double>& quad);
 
 // Gives `out` this size and the layout of `in`, and its pixels the background; alpha is 0 unless

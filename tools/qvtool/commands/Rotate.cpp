@@ -35,8 +35,8 @@ void Configure(CLI::App& app) {
   app.add_flag("--fit", options->fit, "Make the canvas large enough for all of the turned frame");
   AddProjectionOptions(app, options->projection);
   app.footer(
-      "Without --fit the canvas keeps the frame's size and its corners are cut off. With --fit, turns\n"
-      "by 90, 180 and 270 degrees move pixels as they are.");
+      "Without --fit the canvas keeps the frame's size and its corners are cut off. With --fit,\n"
+      "turns by 90, 180 and 270 degrees move pixels as they are.");
   app.callback([options] { Run(*options); });
 }
 

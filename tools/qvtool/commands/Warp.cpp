@@ -31,7 +31,8 @@ int SideLength(const std::vector<double>& quad, int a, int b, int c, int d) {
 // The part of the frame that the quadrilateral lies in, with the neighbours that sampling takes.
 IppiRect AroundQuad(const std::vector<double>& quad, IppiSize size) {
   const auto range = [&](std::size_t axis, int length, int& first, int& count) {
-    const auto [least, most] = std::minmax({quad[axis], quad[axis + 2], quad[axis + 4], quad[axis + 6]});
+    const auto [least, most] =
+        std::minmax({quad[axis], quad[axis + 2], quad[axis + 4], quad[axis + 6]});
     first = static_cast<int>(std::clamp(std::floor(least) - 2, 0.0, length - 1.0));
     count = static_cast<int>(std::clamp(std::ceil(most) + 2, 0.0, length - 1.0)) - first + 1;
   };
@@ -83,7 +84,8 @@ void Configure(CLI::App& app) {
          "The size of the result (that of the frame; with --unwarp, that of the quadrilateral)")
       ->type_name("WxH");
   AddProjectionOptions(app, options->projection);
-  app.footer("Points are pixel centres: the top-left pixel is 0,0. They may lie outside of the result.");
+  app.footer(
+      "Points are pixel centres: the top-left pixel is 0,0. They may lie outside of the result.");
   app.callback([options] { Run(*options); });
 }
 

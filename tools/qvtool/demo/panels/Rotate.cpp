@@ -40,7 +40,8 @@ void Make(const Scene& scene, Gallery& gallery) {
     CqvAccLib::qvSet(CqvAccLib::ThreeChannels, background, dst.data, dst.step, dst.Size());
     gallery.Add({.name = std::string("rotate-") + turn.name,
                  .title = turn.title,
-                 .formula = "x' = cos a * x + sin a * y + xShift, y' = -sin a * x + cos a * y + yShift",
+                 .formula = "x' = cos a * x + sin a * y + xShift, "
+                            "y' = -sin a * x + cos a * y + yShift",
                  .calls = {QV_CALL(CqvAccLib::qvRotate(CqvAccLib::ThreeChannels, src.data,
                                                        src.Size(), src.step, all, dst.data,
                                                        dst.step, canvas, angle, xShift, yShift,
