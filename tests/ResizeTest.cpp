@@ -153,7 +153,8 @@ TEST(Resize, BandsWriteWhatOneBandWrites) {
   }
 }
 
-// A region that does not begin at the image's origin lands displaced by its origin times the factor.
+// A region that does not begin at the image's origin lands displaced by its origin times the
+// factor.
 TEST(Resize, BandsPlaceARegionByItsOrigin) {
   const Bytes src = Noise(200 * 300, 4);
   const Call call = {{200, 300}, {40, 30, 100, 200}, {400, 600}, 2, 2, 1};

@@ -58,7 +58,7 @@ WarpPlan::WarpPlan(const double coeffs[3][3], const Corners& source, const Corne
                 static_cast<long long>(source.x0) * (1 << kWarpBits),
             -static_cast<long long>(kOffset + kCentre) -
                 static_cast<long long>(source.y0) * (1 << kWarpBits)},
-      inner_{{source.x0 + 1.5, source.x1 - 3}, {source.y0 + 1.5, source.y1 - 3}},
+      inner_{{source.x0 + 1.5, source.x1 - 3.5}, {source.y0 + 1.5, source.y1 - 3}},
       low_{source.x0 - kTolerance, source.y0 - kTolerance},
       high_{source.x1 + kTolerance, source.y1 + kTolerance},
       destination_(destination),

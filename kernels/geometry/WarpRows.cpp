@@ -69,19 +69,16 @@ struct View {
   Vec step, highX, highY;  // of clamped positions
   Vec lastX, lastY;        // largest index of a pair's first pixel
   ptrdiff_t stepBytes;
-  ptrdiff_t bytes;         // up to the end of the last pixel
 };
 
-QV_INLINE View MakeView(const WarpSource& s, int channels) {
-  return {
-      s.first,
-      Splat32(s.step),
-      Splat32((s.width - 1) << kWarpBits),
-      Splat32((s.height - 1) << kWarpBits),
-      Splat32(s.width - 2),
-      Splat32(s.height - 2),
-      s.step,
-      static_cast<ptrdiff_t>(s.height - 1) * s.step + static_cast<ptrdiff_t>(s.width) * channels};
+QV_INLINE View MakeView(const WarpSource& s) {
+  return {s.first,
+          Splat32(s.step),
+          Splat32((s.width - 1) << kWarpBits),
+          Splat32((s.height - 1) << kWarpBits),
+          Splat32(s.width - 2),
+          Splat32(s.height - 2),
+          s.step};
 }
 
 template <int kChannels>
@@ -116,7 +113,7 @@ QV_INLINE bool Prepare(const View& view, Vec px, Vec py, Prepared& out) {
     out.x = PairWeights(Sub32(px, ShiftLeft32<kWarpBits>(ix)));
     out.y = PairWeights(Sub32(py, ShiftLeft32<kWarpBits>(iy)));
   }
-  // Its sign tells: the fetch ends behind the last byte, or there is no tap before or behind.
+  // Its sign tells: the fetch ends behind its row, or there is no tap before or behind.
   Vec bad = Zero();
   if constexpr (kMethod == WarpCubic) {
     const Vec one = Splat32(1), mask = Splat32((kCubicPhases - 1) * 8);  // entries are 8 bytes
@@ -128,11 +125,11 @@ QV_INLINE bool Prepare(const View& view, Vec px, Vec py, Prepared& out) {
   }
   out.offset = OffsetOf<kChannels>(view, ix, iy);
   if constexpr (kInside) return true;
-  constexpr int kRowsBelow = kMethod == WarpNearest ? 0 : kMethod == WarpLinear ? 1 : 3;
   constexpr int kFetched =
       kMethod == WarpNearest || kChannels == 1 ? 4 : kMethod == WarpLinear ? 8 : 16;
-  const ptrdiff_t limit = view.bytes - kRowsBelow * view.stepBytes - kFetched;
-  return !AnyNegative32(Or(bad, Sub32(Splat32(static_cast<int>(limit)), out.offset)));
+  constexpr int kPixels = (kFetched + kChannels - 1) / kChannels;
+  bad = Or(bad, Sub32(Add32(view.lastX, Splat32(2 - kPixels)), ix));
+  return !AnyNegative32(bad);
 }
 
 template <int kChannels>
@@ -258,7 +255,7 @@ QV_INLINE void SampleRun(const WarpSource& s, const View& view, int begin, int n
 template <WarpMethod kMethod, int kChannels>
 void WarpRowVectors(const WarpSource& s, const WarpSegment* segments, int count, int first,
                     int last, Byte* dst) {
-  const View view = MakeView(s, kChannels);
+  const View view = MakeView(s);
   // Segments that are shorter than a vector are lined up here. They share an aligned block of a
   // vector at least, and vectors may read past its last column, to no effect.
   int x[2 * kLanes32] = {}, y[2 * kLanes32] = {};

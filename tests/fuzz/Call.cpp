@@ -1,6 +1,5 @@
 #include "tests/fuzz/Call.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -75,7 +74,7 @@ FuzzImage Call::Place(const char* name, int step, Part part, bool writable) {
 FuzzImage Call::Lay(int step, Part part, bool writable) {
   GuardedMemory& arena = Arena(images_.size());
   const unsigned where = in_.Byte();
-  Placed image = {arena.begin(), 0, 0, 0, writable, part.gapsToo, {}};
+  Placed image = {arena.begin(), 0, 0, 0, writable, {}};
   if (refused_ || part.bytes < 1 || part.rows < 1) {
     // Only an address; the unreadable page behind the memory.
     images_.push_back(image);
@@ -129,10 +128,7 @@ void Call::Forbid(const Placed& image, bool forbid) const {
   // From the last row down: making a row readable also does so for the bytes before it in its group
   // of eight, never for those behind it.
   for (std::ptrdiff_t r = image.rows - 1; r >= 0; --r)
-    ASAN_UNPOISON_MEMORY_REGION(
-        image.lowest + r * image.stride,
-        std::min(image.bytes + (image.gapsToo && r < image.rows - 1 ? 8 : 0),
-                 std::max(image.bytes, image.stride)));
+    ASAN_UNPOISON_MEMORY_REGION(image.lowest + r * image.stride, image.bytes);
 }
 
 std::vector<unsigned char> Call::Snapshot() const {

@@ -20,7 +20,6 @@ struct FuzzImage {
 // row `y` on. Nothing else of the image need exist.
 struct Part {
   std::ptrdiff_t bytes, rows, x = 0, y = 0;
-  bool gapsToo = false;  // what lies between its rows may be read
 };
 
 // The images lie apart in reserved memory, directly before or behind unreadable pages. What a call
@@ -71,7 +70,7 @@ class Call {
   struct Placed {
     unsigned char* lowest;
     std::ptrdiff_t stride, bytes, rows;
-    bool writable, gapsToo;
+    bool writable;
     std::vector<Window> windows;  // what is filled and compared: the rows and margins around them
   };
 

@@ -45,9 +45,6 @@ inline IppiRect Refusable(IppiRect dstRoi) {
   return dstRoi;
 }
 
-// Warps fetch whole words: up to seven bytes behind a row of the region that is not its last.
-constexpr bool kWarpsReadGaps = true;
-
 // Images that no address space holds: a region's origin lies within an image that starts at the
 // pointer, so the distance between them is limited, as is that of the first row from the last one.
 #if defined(_WIN32)

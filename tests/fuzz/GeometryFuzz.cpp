@@ -117,7 +117,7 @@ Placed PlaceImages(Input& in, Call& call, const Images& a, int channels) {
     };
     read = {channels * part(a.srcRoi.x, a.srcRoi.width, a.srcSize.width),
             part(a.srcRoi.y, a.srcRoi.height, a.srcSize.height),
-            std::ptrdiff_t{channels} * a.srcRoi.x, a.srcRoi.y, contract::kWarpsReadGaps};
+            std::ptrdiff_t{channels} * a.srcRoi.x, a.srcRoi.y};
     written = {std::ptrdiff_t{channels} * a.dstRoi.width, a.dstRoi.height,
                std::ptrdiff_t{channels} * a.dstRoi.x, a.dstRoi.y};
   }
