@@ -181,8 +181,9 @@ void PrintResizeAccuracy() {
       "# Accuracy of resizing\n\n"
       "Errors of each byte against the same method in double precision, in units of a byte, on "
       "random noise (one channel); written by `scripts/bench.sh`. Rounding alone makes a largest "
-      "error of 0.50 and a mean of 0.250. Bytes near the borders are left out. Where a method can be meant in several ways, each "
-      "contender is compared with the one that it comes closest to, which the last column names.\n\n"
+      "error of 0.50 and a mean of 0.250. Bytes near the borders are left out. Where a method can "
+      "be meant in several ways, each contender is compared with the one that it comes closest "
+      "to, which the last column names.\n\n"
       "| method | frame | contender | largest | mean | compared with |\n"
       "| --- | --- | --- | --- | --- | --- |\n");
   Bytes src(1280 * 720), dst(1280 * 720);

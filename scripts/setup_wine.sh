@@ -15,18 +15,18 @@ as_root=
 [ "$(id -u)" = 0 ] || as_root="sudo -E"
 
 if [ "${1-}" = --stop ]; then
-  for bits in 32 64; do "$root/scripts/wine.sh" $bits --stop; done
+  for bits in 32 64; do "$root/scripts/wine.sh" $bits --stop 2>/dev/null || true; done
   exit 0
 fi
 
 make_debian32() {
   debian=$cache/debian32
-  [ ! -e "$debian/complete" ] || return 0
-  "$root/scripts/setup.sh" debootstrap
-  if ! $as_root unshare --mount sh -c "mount --bind / /mnt && chroot / true" 2>/dev/null; then
+  if ! $as_root unshare --mount sh -c 'mount --bind /usr /mnt && chroot / true' 2>/dev/null; then
     echo "setup_wine.sh: no right to mount and to change the root folder here: no 32-bit Wine" >&2
     exit 3
   fi
+  [ ! -e "$debian/complete" ] || return 0
+  "$root/scripts/setup.sh" debootstrap
   echo "Making a 32-bit Debian with Wine in $debian"
   mkdir -p "$cache"
   # What an earlier attempt left, unless something is still mounted there.

@@ -99,6 +99,22 @@ TEST(AlphaCompC, ScalesByEveryAlpha) {
   }
 }
 
+TEST(AlphaCompC, BandsMoveEveryImageByItsOwnStep) {
+  const IppiSize size = {21, 200};
+  Bytes a(22 * 200), b(27 * 200);
+  Random(5).Fill(a.data(), a.size());
+  Random(6).Fill(b.data(), b.size());
+  const auto compose = [&](int budget) {
+    const UseBudget use(budget);
+    Bytes dst(25 * 200);
+    EXPECT_EQ(Lib::qvAlphaCompC(Type(2), a.data(), 22, 200, b.data(), 27, 90, dst.data(), 25, size,
+                                AlphaPlus),
+              StatusOk);
+    return dst;
+  };
+  EXPECT_TRUE(compose(1) == compose(3));
+}
+
 TEST(AlphaCompC, BandsAndThreeChannelsWriteTheSame) {
   const AllPairs pairs;
   const int step = AllPairs::kWidth, pixels = AllPairs::kWidth / 3;

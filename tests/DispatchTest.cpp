@@ -4,6 +4,7 @@
 
 #include <map>
 
+#include "dispatch/DispatchTable.h"
 #include "dispatch/ProcessorInfo.h"
 #include "dispatch/VariantIndex.h"
 
@@ -207,6 +208,30 @@ CpuidLeaves WidestLeaves() {
   leaves.leaf7.ecx = 1u << 1 | 1u << 10;
   leaves.xcr0 = 0xE7;
   return leaves;
+}
+
+int Plain() { return 0; }
+int Sse2() { return 1; }
+int Ssse3() { return 2; }
+int Avx2() { return 3; }
+int Avx512() { return 4; }
+
+// Slots of SSE and SSE3 processors, for which nothing is built, take what lies below.
+TEST_F(Dispatch, FillsEverySlotOfATable) {
+  constexpr auto all = MakeDispatchTable<Plain, Sse2, Ssse3, Avx2, Avx512>();
+  constexpr auto narrow = MakeDispatchTable<Plain, Sse2, Ssse3, Ssse3, Ssse3>();
+  const int expected[] = {0, 0, 1, 1, 2};
+  for (int slot = 0; slot < 5; ++slot) {
+    VariantIndex = slot;
+    WideLevel = 0;
+    EXPECT_EQ(all(), expected[slot]);
+    EXPECT_EQ(narrow(), expected[slot]);
+  }
+  for (int wide = 0; wide < 3; ++wide) {
+    WideLevel = wide;
+    EXPECT_EQ(all(), 2 + wide);
+    EXPECT_EQ(narrow(), 2);
+  }
 }
 
 TEST_F(Dispatch, ChoosesTheWideLevel) {

@@ -314,6 +314,27 @@ TEST(MergeAlphas, BandsWriteWhatOneCallWrites) {
   }
 }
 
+// Steps may all differ, but for dstAlpha, which has fgAlpha's.
+TEST(MergeAlphas, BandsMoveEveryPlaneByItsOwnStep) {
+  const int width = 21, height = 200, fgStep = 63, fgAlphaStep = 25, bgStep = 70, bgAlphaStep = 33;
+  Bytes fg(fgStep * height), fa(fgAlphaStep * height), bg(bgStep * height), ba(bgAlphaStep * height);
+  int seed = 0;
+  for (Bytes* plane : {&fg, &fa, &bg, &ba}) Random(++seed).Fill(plane->data(), plane->size());
+  for (const bool accelerated : {false, true}) {
+    const UsePath path(accelerated);
+    const auto merge = [&](int budget) {
+      const UseBudget use(budget);
+      Bytes over = fg, plus = fg, merged = fa;
+      Lib::qvMergeAlphaOver(Type(4), over.data(), fgStep, fa.data(), fgAlphaStep, bg.data(), bgStep,
+                            ba.data(), bgAlphaStep, merged.data(), 3 * width, width, height);
+      Lib::qvMergeAlphaPlus(Type(4), plus.data(), fgStep, bg.data(), bgStep, ba.data(), bgAlphaStep,
+                            width, height);
+      return std::tuple(over, plus, merged);
+    };
+    EXPECT_TRUE(merge(1) == merge(3)) << accelerated;
+  }
+}
+
 TEST(MergeAlphas, DoNothingForNegativeSizesAndRefuseOtherTypes) {
   const Planes before(1);
   for (const Level& level : AvailableLevels())

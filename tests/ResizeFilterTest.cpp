@@ -142,8 +142,10 @@ TEST(AxisTaps, Areas) {
   Random random(20262);
   for (int run = 0; run < 2000; ++run) {
     const int length = random.Between(1, 200);
-    const double inverse = random.OneIn(3) ? random.Between(1, 7) * 0.5 + 0.5 : random.Between(1.0, 6.0);
-    const AxisArea area = {std::max(1, int(length / inverse + random.Between(-1, 2))), inverse, length};
+    const double inverse =
+        random.OneIn(3) ? random.Between(1, 7) * 0.5 + 0.5 : random.Between(1.0, 6.0);
+    const AxisArea area = {std::max(1, int(length / inverse + random.Between(-1, 2))), inverse,
+                           length};
     if (AreaTapCount(area) > kMaxTaps) continue;
     const Taps t = Taps::From(area);
     ExpectSoundTaps(t.taps, length);
@@ -345,7 +347,8 @@ TEST_P(Filter, HalvesAsTapsDo) {
       random.Fill(src.data(), src.size());
       const Taps x = Taps::From(AxisArea{width, 2, 2 * width});
       const Taps y = Taps::From(AxisArea{height, 2, 2 * height});
-      std::vector<unsigned char> filtered(std::size_t(channels) * width * height), halved = filtered;
+      std::vector<unsigned char> filtered(std::size_t(channels) * width * height);
+      std::vector<unsigned char> halved = filtered;
       std::vector<unsigned char> scratch(FilterScratchBytes(layout, {x.taps, {}}, y.taps));
       const auto filter = channels == 1 ? FilterRows_8u_C1 : FilterRows_8u_C3;
       filter(src.data(), 2 * channels * width, {x.taps, {}}, y.taps, filtered.data(),

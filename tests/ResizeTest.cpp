@@ -89,6 +89,36 @@ TEST(Resize, TakesTheShortcutsOfTheFront) {
   EXPECT_TRUE(std::all_of(dst.begin(), dst.end(), [](int b) { return b == 77; }));
 }
 
+// A region that starts elsewhere is no whole image, even if it is as large as one.
+TEST(Resize, FiltersARegionThatIsAsLargeAsItsImage) {
+  const Bytes src = Noise(90 * 80, 3);
+  for (const IppiRect roi : {IppiRect{3, 0, 90, 80}, {0, 5, 90, 80}, {0, 0, 89, 80}, {0, 0, 90, 79}}) {
+    Call call = {{90, 80}, roi, {90, 80}, 1.03, 1.04, 1};
+    Bytes nearest, linear;
+    ASSERT_EQ(call.Run(src, &nearest, 1), StatusOk);
+    call.code = 2;
+    ASSERT_EQ(call.Run(src, &linear, 1), StatusOk);
+    EXPECT_NE(nearest, linear) << roi.x << ' ' << roi.y;
+  }
+}
+
+// Bands place their pixels differently, so it shows when an image is cut.
+TEST(Resize, IsCutOnlyIfSourceAndDestinationHaveTheRows) {
+  const Bytes src = Noise(40 * 300, 4);
+  const struct {
+    int srcRows, dstRows;
+    bool cut;
+  } cases[] = {{129, 300, false}, {300, 129, false}, {300, 130, true}, {130, 300, true}};
+  for (const auto& c : cases) {
+    const Call call = {{40, c.srcRows}, {0, 0, 40, c.srcRows}, {40, c.dstRows},
+                       1,               1.0 * c.dstRows / c.srcRows, 2};
+    Bytes whole, bands;
+    ASSERT_EQ(call.Run(src, &whole, 1), StatusOk);
+    ASSERT_EQ(call.Run(src, &bands, 2), StatusOk);
+    EXPECT_EQ(whole != bands, c.cut) << c.srcRows << ' ' << c.dstRows;
+  }
+}
+
 TEST(Resize, BandsWriteWhatOneBandWrites) {
   Random random(35);
   const Bytes src = Noise(300 * 520 * 3, 2);
@@ -123,7 +153,8 @@ TEST(Resize, BandsWriteWhatOneBandWrites) {
   }
 }
 
-// A region that does not begin at the image's origin lands displaced by its origin times the factor.
+// A region that does not begin at the image's origin lands displaced by its origin times the
+// factor.
 TEST(Resize, BandsPlaceARegionByItsOrigin) {
   const Bytes src = Noise(200 * 300, 4);
   const Call call = {{200, 300}, {40, 30, 100, 200}, {400, 600}, 2, 2, 1};
@@ -287,6 +318,21 @@ TEST(Resize, SurvivesExtremeNumbers) {
   EXPECT_EQ(
       Resize_8u_C1(src.data(), {64, 64}, 64, {0, 0, 64, 64}, dst.data(), 1, {big, 1}, 1e300, 1, 8),
       StatusInterpolationErr);
+}
+
+TEST(Resize, AveragesMoreRowsThanSumsOf32BitsHold) {
+  const int rows = 3 << 23;
+  Bytes column(rows);
+  std::fill(column.begin(), column.begin() + rows / 3, 255);
+  for (const Level& level : AvailableLevels()) {
+    const UseLevel use(level);
+    unsigned char mean[2] = {1, 2};
+    ASSERT_EQ(Lib::qvResize(Type(2), column.data(), {1, rows}, 1, {0, 0, 1, rows}, mean, 1, {1, 1},
+                            1, 1.0 / rows, 8),
+              StatusOk);
+    EXPECT_EQ(mean[0], 85) << level.name;
+    EXPECT_EQ(mean[1], 2);
+  }
 }
 
 TEST(Resize, OfOnePixelIsThatPixel) {

@@ -81,7 +81,7 @@ check_windows() {
 
   configure "windows$bits" "$consumers/package" \
     -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/windows$bits.cmake" \
-    -DCMAKE_FIND_ROOT_PATH="$prefix" -DCMAKE_PREFIX_PATH=/
+    -DqvAcceleratedLib_DIR="$prefix/lib/cmake/qvAcceleratedLib"
   cp "$prefix/bin/qvAcceleratedLib.dll" "$work/windows$bits/"
   quietly "$root/scripts/wine.sh" "$bits" "$work/windows$bits/consumer.exe"
   echo "Windows $bits, MinGW, find_package: works"

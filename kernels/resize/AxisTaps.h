@@ -34,9 +34,9 @@ void BuildTaps(const AxisPositions& positions, int interpolation, AxisTaps* taps
 
 // Area averaging along one axis: with n = first + i, destination sample i is the mean of the source
 // over the interval from n * inverse - origin to (n + 1) * inverse - origin, each source sample
-// weighted by the share of it that is covered. Intervals are clipped to 0 .. sourceLength; one that lies
-// outside takes the edge sample. That the parts of a destination agree where they meet, they count
-// from the same origin.
+// weighted by the share of it that is covered. Intervals are clipped to 0 .. sourceLength; one that
+// lies outside takes the edge sample. That the parts of a destination agree where they meet, they
+// count from the same origin.
 struct AxisArea {
   int count;
   double inverse;  // source samples per destination sample, above 0
@@ -72,7 +72,8 @@ struct AxisSpans {
 void BuildSpans(const AxisArea& area, AxisSpans* spans);
 
 // Sum of the shares of a span. Always inlined: row sources of several levels share this header.
-__attribute__((always_inline)) constexpr unsigned long long SpanTotal(const AreaSpan& s, unsigned unit) {
+__attribute__((always_inline)) constexpr unsigned long long SpanTotal(const AreaSpan& s,
+                                                                      unsigned unit) {
   return s.first == s.last
              ? s.firstShare
              : 0ull + s.firstShare + s.lastShare +

@@ -14,7 +14,8 @@ struct PairOffsets {
   uint32_t pair[kMaxTaps / 2];
 
   PairOffsets(int taps, int stride) {
-    for (int q = 0; q < kMaxTaps / 2; ++q) pair[q] = At(2 * q, taps, stride) | At(2 * q + 1, taps, stride) << 16;
+    for (int q = 0; q < kMaxTaps / 2; ++q)
+      pair[q] = At(2 * q, taps, stride) | At(2 * q + 1, taps, stride) << 16;
   }
   int Low(int q) const { return static_cast<int>(pair[q] & 0xFFFF); }
   int High(int q) const { return static_cast<int>(pair[q] >> 16); }

@@ -1,6 +1,7 @@
 // Filtering along x without gathers: for each group of neighbouring bytes of a destination row, a
 // window of contiguous source bytes that holds their taps, and the shuffles that bring each one's
-// pairs of taps side by side. Components stay interleaved: their taps are further apart, that is all.
+// pairs of taps side by side. Components stay interleaved: their taps are further apart, and that
+// is all.
 #ifndef QV_KERNELS_RESIZE_COLUMNWINDOWS_H
 #define QV_KERNELS_RESIZE_COLUMNWINDOWS_H
 

@@ -63,9 +63,8 @@ constexpr ptrdiff_t kStripBytes = ptrdiff_t{36} << 10;
 template <RowLayout kLayout>
 ptrdiff_t StripValues(const Work<kLayout>& work) {
   if (work.across.kind == Across::kWords) return work.to;
-  const ptrdiff_t bytes =
-      (2 * work.plan.ringRows + 8 * work.across.windows.pairs) * work.to;
-  const ptrdiff_t strips = (bytes + kStripBytes - 1) / kStripBytes;
+  const long long bytes = (2ll * work.plan.ringRows + 8 * work.across.windows.pairs) * work.to;
+  const auto strips = static_cast<ptrdiff_t>((bytes + kStripBytes - 1) / kStripBytes);
   return (work.to / strips + 63) / 64 * 64;
 }
 
@@ -75,7 +74,7 @@ void FilterSourceRows(const Work<kLayout>& work, int r, int rows) {
   const Byte* lines[kBatchRows];
   short* out[kBatchRows];
   const int lastRow = work.y.first[work.y.count - 1] + work.y.taps - 1;
-  ptrdiff_t ahead = r + 2 * kBatchRows - 1 <= lastRow ? ptrdiff_t{work.srcStep} * kBatchRows : 0;
+  ptrdiff_t ahead = lastRow - r >= 2 * kBatchRows - 1 ? ptrdiff_t{work.srcStep} * kBatchRows : 0;
   for (int i = 0; i < rows; ++i) {
     lines[i] = RowAt(work.src, work.srcStep, ptrdiff_t{r} + i) + work.plan.first;
     out[i] = work.Ring(r + i);

@@ -91,7 +91,9 @@ static void BlendRows(const Value* upper, const Value* lower, int w, Byte* dst, 
     const Vec u = Load(near + k);
     return ShiftRight16<6>(Add16(u, MulHighSigned16(Sub16(u, Load(far + k)), factor)));
   };
-  const auto block = [&](ptrdiff_t k) { return PackBytesInOrder(half(k), half(k + kVecBytes / 2)); };
+  const auto block = [&](ptrdiff_t k) {
+    return PackBytesInOrder(half(k), half(k + kVecBytes / 2));
+  };
   ptrdiff_t k = 0;
   for (; k <= bytes - kVecBytes; k += kVecBytes) Store(dst + k, block(k));
   if (k == bytes) return;

@@ -53,8 +53,8 @@ bool ProjectRegion(BandAxis axis, int start, int size, Span* span);
 // first sample.
 void BandNearestIndices(BandAxis axis, Span span, int* index);
 
-// (i + 0.5) / F - 0.5 - shift / F from the region's first sample, as AlignedTaps() splits positions.
-// Those left of the first sample take the first sample.
+// (i + 0.5) / F - 0.5 - shift / F from the region's first sample, split as by AlignedTaps().
+// Positions left of the first sample take the first sample.
 void BandTaps(BandAxis axis, Span span, int* index, unsigned short* weight);
 
 // (i + 0.5) / F - 0.5 - shift / F from the region's first sample. Positions farther outside than

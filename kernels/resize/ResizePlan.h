@@ -74,7 +74,8 @@ IppStatus RunNearest(const ResizeTask& task, X x, Y y, Chroma chroma) {
   x(work.At<int>(columns));
   y(work.At<int>(lines));
   if (task.Pairs() > 0) chroma(work.At<int>(pairs));
-  const NearestTables tables = {task.width,           task.height,        task.xLength, task.channels,
+  const NearestTables tables = {task.width,    task.height,
+                                task.xLength,  task.channels,
                                 work.At<int>(columns), work.At<int>(lines), work.At<int>(pairs)};
   NearestRows_8u(task.src, task.srcStep, task.dst, task.dstStep, &tables, work.At<char>(rows));
   return StatusOk;

@@ -29,7 +29,7 @@ int Bytes(RowLayout layout, int pixels) {
 
 // A factor from 1/20 to 20, often one that many scale by.
 double Factor(Case& c) {
-  if (c.random.OneIn(3)) return c.random.Between(1, 6) / static_cast<double>(c.random.Between(1, 6));
+  if (c.random.OneIn(3)) return c.random.Between(1, 6) / double(c.random.Between(1, 6));
   return std::exp2(c.random.Between(-4.3, 4.3));
 }
 
@@ -75,6 +75,9 @@ Shape RandomShape(Case& c, bool pairs) {
   s.xFactor = c.IsBench() ? 1.5 : Factor(c);
   s.yFactor = c.IsBench() ? 1.5 : Factor(c);
   s.dst = c.Size(pairs ? 2 : 1);
+  // Rows of several strips.
+  if (!c.IsBench() && c.random.OneIn(50))
+    s.dst = {c.random.Between(400, 4000), c.random.Between(1, 6)};
   const double width = s.dst.width / s.xFactor, height = s.dst.height / s.yFactor;
   s.src = {static_cast<int>(std::clamp(width, 1.0, 20000.0)),
            static_cast<int>(std::clamp(height, 1.0, 2000.0))};
