@@ -4,7 +4,7 @@
 // this order, of all but the quarter turns (which see below):
 //   StatusNullPtrErr         a null image
 //   StatusSizeErr            a source size, region width or height below 1, a negative region
-// origin
+//                            origin
 //   StatusStepErr            a step below 1
 //   StatusInterpolationErr   an interpolation, bit 31 aside, other than 1, 2, 4
 //   StatusNullPtrErr         a null plane of a planar layout
@@ -28,8 +28,8 @@ enum GeometryLayout {
   LayoutFourPlanes = 5
 };
 
-// qvWarpPerspective (CqvAccLib.h), and the same with the affine matrix [[c00, c01, c02], [c10, c11,
-// c12]].
+// qvWarpPerspective (CqvAccLib.h), and the same with the affine matrix
+// [[c00, c01, c02], [c10, c11, c12]].
 IppStatus WarpPerspectiveCore(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
                               void* dst, int dstStep, IppiRect dstRoi, int layout,
                               const double coeffs[3][3], int interpolation);

@@ -71,8 +71,8 @@ QV_INLINE void SampleLinear(const WarpSource& s, long long px, long long py, Byt
   }
 }
 
-// Along x first, to 6 fractional bits: the weights' positive part is at most 1.125, and 255 * 1.125
-// * 2^6 fits 15 bits. The second sum stays below 2^29.
+// Along x first, to 6 fractional bits: the weights' positive part is at most 1.125, and
+// 255 * 1.125 * 2^6 fits 15 bits. The second sum stays below 2^29.
 template <int kChannels>
 QV_INLINE void SampleCubic(const WarpSource& s, long long px, long long py, Byte* out) {
   constexpr int kTaps[4] = {0, 2, 1, 3};  // where the table keeps taps -1, 0, 1, 2

@@ -1,7 +1,7 @@
 // qvselftest: whether the library gives the same bytes here as everywhere.
 //
-//   qvselftest          the digests of all operations and the verdict; exit code 0 if all are as
-//   expected qvselftest --print  the text of Expected.inc, for a change of bytes that is meant
+//   qvselftest          the digests of all operations and the verdict; 0 if all are as expected
+//   qvselftest --print  the text of Expected.inc, for a change of bytes that is meant
 #include <cstdio>
 #include <cstring>
 
