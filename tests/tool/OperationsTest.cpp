@@ -152,7 +152,7 @@ TEST(PlanarVideo, PlanesAreWorkedOnEachOnItsOwnGrid) {
        "aabbccddeeff" "aabbccddeeff" "gghhiijjkkll" "gghhiijjkkll"
        "mmnnooppqqrr" "mmnnooppqqrr" "ssttuuvvwwxx" "ssttuuvvwwxx"
        "AABBCC" "AABBCC" "DDEEFF" "DDEEFF" "112233" "112233" "445566" "445566"},
-      {{"resize", "-", "-", "--to", "3x3", "--region", "2,0,4,4", "--method", "nearest"},
+      {{"resize", "-", "-", "--size", "3x3", "--region", "2,0,4,4", "--method", "nearest"},
        "YUV4MPEG2 W3 H3 C420jpeg F25:1\nFRAME\n" "cef" "oqr" "uwx" "BCEF" "2356"},
       // Chroma turns about the middle of the frame, as luma does.
       {{"rotate", "-", "-", "--angle", "90", "--fit"},

@@ -71,9 +71,12 @@ Frame& Resize(const Options& options, const Frame& in, Frame& out) {
   return out;
 }
 
-void Run(const Options& options) {
+void Run(Options& options) {
+  // Files know their own size: what --size says of them is the size wanted.
+  if (options.input.size && !options.input.layout && !options.size)
+    options.size.swap(options.input.size);
   if (options.size.has_value() == options.factor.has_value())
-    throw UsageError("resize wants one of --to and --factor");
+    throw UsageError("resize wants one of --to (or --size) and --factor");
   ForEachFrame(options.input, options.output, [&](Frame& in, Frame& out) -> Frame& {
     return Resize(options, in, out);
   });
@@ -85,7 +88,7 @@ void Configure(CLI::App& app) {
   AddOutput(app, options->output);
   app.add_option_function<std::string>(
          "--to", [options](const std::string& text) { options->size = ParseSize("--to", text); },
-         "The size of the result")
+         "The size of the result; --size without --layout is the same")
       ->type_name("WxH");
   app.add_option_function<std::string>(
          "--factor", [options](const std::string& text) { options->factor = ParseFactor(text); },
