@@ -1,5 +1,6 @@
 #include "bench/Bench.h"
 #include "bench/ResizeAccuracy.h"
+#include "bench/WarpAccuracy.h"
 
 #include <benchmark/benchmark.h>
 
@@ -92,8 +93,9 @@ int main(int argc, char** argv) {
 #if defined(QV_BENCH_OPENCV)
   cv::setNumThreads(1);  // peers run on one thread, like the figures they stand beside
 #endif
-  if (argc == 2 && std::string(argv[1]) == "--resize-accuracy") {
+  if (argc == 2 && std::string(argv[1]) == "--accuracy") {
     bench::PrintResizeAccuracy();
+    bench::PrintWarpAccuracy();
     return 0;
   }
   benchmark::Initialize(&argc, argv);

@@ -23,5 +23,5 @@ fi
 mkdir -p docs
 run --benchmark_out=build/bench/performance.json --benchmark_out_format=json >/dev/null
 scripts/performance.py build/bench/performance.json
-build/bench/bench/qvbench --resize-accuracy >docs/accuracy.md
+build/bench/bench/qvbench --accuracy >docs/accuracy.md
 echo 'Wrote docs/performance.md and docs/accuracy.md'

@@ -180,7 +180,7 @@ def main():
         "- *limit / ours*: the time that moving the bytes takes at the speed of that copy, as a share of ours.",
         "- *goal here*: the goal of bench/goals.csv times how much slower that copy is here than where the "
         "goals were set; a bold figure says by how much it is missed.",
-        "- How close the bytes of resizing are to exact ones: [accuracy.md](accuracy.md).", "",
+        "- How close the bytes of resizing and warping are to exact ones: [accuracy.md](accuracy.md).", "",
         "![Speed beside the best peer](performance.svg)", "",
         *table(results, goals), ""]
     (ROOT / "docs" / "performance.md").write_text("\n".join(lines))
