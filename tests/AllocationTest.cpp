@@ -91,26 +91,36 @@ TEST_P(Allocation, RefusedGivesTheStatusAndLeavesTheDestination) {
   EXPECT_EQ(allocating, (std::set<std::string>{"qvResize", "qvResizeYUV422"}));
 }
 
-// On one band the requests come one after the other.
-TEST(Allocation, RefusedInTheMiddleGivesBackTheRest) {
-  const UseBudget budget(1);
-  Frames frames;
-  const std::uint64_t untouched = frames.Digest();
-  int refusals = 0;
+// Makes every call again and again, with its first, second, ... request refused, until it makes no
+// further one. What was obtained is given back; `check` looks at the rest.
+template <class Check>
+void RefuseEachRequest(Frames& frames, Check check) {
   for (const OperationCall& call : AllCalls()) {
     SCOPED_TRACE(call.name);
     for (int k = 0;; ++k) {
+      SCOPED_TRACE(k);
       frames.RestoreDestinations();
       const long before = held;
       const Refuse one(k, k + 1);
       const IppStatus status = call.call(frames);
       EXPECT_EQ(held, before);
       if (requests <= k) break;
-      EXPECT_EQ(status, StatusMemAllocErr) << k;
-      EXPECT_EQ(frames.Digest(), untouched) << k;
-      ++refusals;
+      check(status);
     }
   }
+}
+
+// On one band the requests come one after the other.
+TEST(Allocation, RefusedInTheMiddleGivesBackTheRest) {
+  const UseBudget budget(1);
+  Frames frames;
+  const std::uint64_t untouched = frames.Digest();
+  int refusals = 0;
+  RefuseEachRequest(frames, [&](IppStatus status) {
+    EXPECT_EQ(status, StatusMemAllocErr);
+    EXPECT_EQ(frames.Digest(), untouched);
+    ++refusals;
+  });
   EXPECT_GT(refusals, 20);
 }
 
@@ -118,18 +128,9 @@ TEST(Allocation, RefusedInTheMiddleGivesBackTheRest) {
 TEST(Allocation, RefusedInABandLosesNothing) {
   const UseBudget budget(4);
   Frames frames;
-  for (const OperationCall& call : AllCalls()) {
-    SCOPED_TRACE(call.name);
-    for (int k = 0;; ++k) {
-      frames.RestoreDestinations();
-      const long before = held;
-      const Refuse one(k, k + 1);
-      const IppStatus status = call.call(frames);
-      EXPECT_EQ(held, before);
-      if (requests <= k) break;
-      EXPECT_TRUE(status >= 0 || status == StatusMemAllocErr || status == StatusNullPtrErr) << status;
-    }
-  }
+  RefuseEachRequest(frames, [](IppStatus status) {
+    EXPECT_TRUE(status >= 0 || status == StatusMemAllocErr || status == StatusNullPtrErr) << status;
+  });
 }
 
 }  // namespace

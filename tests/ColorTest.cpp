@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "qvAcceleratedLib/CqvAccLib.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/Guarded.h"
 #include "tests/support/Levels.h"
 #include "tests/support/Random.h"
@@ -15,16 +16,9 @@
 namespace qv::test {
 namespace {
 
-using Bytes = std::vector<unsigned char>;
 using Lib = CqvAccLib;
 
 constexpr Lib::qvDataType kAnyType = static_cast<Lib::qvDataType>(12345);
-
-Bytes Noise(std::size_t n) {
-  Bytes bytes(n);
-  Random(n).Fill(bytes.data(), n);
-  return bytes;
-}
 
 int Floor16(int x) { return x >= 0 ? x / 65536 : -((65535 - x) / 65536); }
 int Clamp(int x) { return std::clamp(x, 0, 255); }

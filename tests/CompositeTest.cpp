@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "qvAcceleratedLib/CqvAccLib.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/Guarded.h"
 #include "tests/support/Levels.h"
 #include "tests/support/Random.h"
@@ -12,10 +13,8 @@
 namespace qv::test {
 namespace {
 
-using Bytes = std::vector<unsigned char>;
 using Lib = CqvAccLib;
 
-Lib::qvDataType Type(int value) { return static_cast<Lib::qvDataType>(value); }
 IppiAlphaType Code(int value) { return static_cast<IppiAlphaType>(value); }
 
 unsigned Div255(unsigned x) { return (x + 1 + (x >> 8)) >> 8; }

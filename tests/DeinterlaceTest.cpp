@@ -5,16 +5,14 @@
 #include <vector>
 
 #include "qvAcceleratedLib/CqvAccLib.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/Levels.h"
 #include "tests/support/Random.h"
 
 namespace qv::test {
 namespace {
 
-using Bytes = std::vector<unsigned char>;
 using Lib = CqvAccLib;
-
-Lib::qvDataType Type(int value) { return static_cast<Lib::qvDataType>(value); }
 
 unsigned char Filtered(unsigned above, unsigned centre, unsigned below, unsigned centreWeight) {
   const unsigned w = std::min(centreWeight, 256u), s = (256 - w) / 2;

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "qvAcceleratedLib/CqvAccLib.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/Guarded.h"
 #include "tests/support/Levels.h"
 #include "tests/support/Random.h"
@@ -27,7 +28,6 @@ namespace qv::test {
 namespace {
 
 using Lib = CqvAccLib;
-using Bytes = std::vector<unsigned char>;
 
 struct Plane {
   unsigned char* data;
@@ -49,7 +49,6 @@ struct Operation {
   bool backwards = true;  // takes negative steps
 };
 
-Lib::qvDataType Type(int value) { return static_cast<Lib::qvDataType>(value); }
 int Pixel(int type) { return type == 2 ? 1 : 3; }
 
 IppiSize ScaledSize(IppiSize s) { return {s.width - s.width / 3, s.height + s.height / 2}; }

@@ -16,16 +16,14 @@
 
 #include "qvAcceleratedLib/CqvAccLib.h"
 #include "qvAcceleratedLib/Settings.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/Levels.h"
 #include "tests/support/Random.h"
 
 namespace qv::test {
 namespace {
 
-using Bytes = std::vector<unsigned char>;
 using Lib = CqvAccLib;
-
-Lib::qvDataType Type(int value) { return static_cast<Lib::qvDataType>(value); }
 
 // Selects the path of the over merge for a scope.
 class UsePath {

@@ -7,19 +7,17 @@
 #include <vector>
 
 #include "kernels/resize/Resize.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/Levels.h"
 #include "tests/support/Random.h"
 
 namespace qv::test {
 namespace {
 
-using Bytes = std::vector<unsigned char>;
 using Lib = CqvAccLib;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-
-Lib::qvDataType Type(int value) { return static_cast<Lib::qvDataType>(value); }
 
 Bytes Noise(std::size_t n, std::uint64_t seed) {
   Bytes bytes(n);

@@ -6,22 +6,14 @@
 
 #include "kernels/geometry/Geometry.h"
 #include "qvAcceleratedLib/CqvAccLib.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/Levels.h"
 #include "tests/support/Random.h"
 
 namespace qv::test {
 namespace {
 
-using Bytes = std::vector<unsigned char>;
 using Lib = CqvAccLib;
-
-Lib::qvDataType Type(int value) { return static_cast<Lib::qvDataType>(value); }
-
-Bytes Noise(std::size_t n) {
-  Bytes bytes(n);
-  Random(n).Fill(bytes.data(), n);
-  return bytes;
-}
 
 TEST(Rotate, QuarterTurnsArePermutations) {
   Random random(3);

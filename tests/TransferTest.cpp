@@ -11,22 +11,14 @@
 #include <vector>
 
 #include "qvAcceleratedLib/CqvAccLib.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/Levels.h"
 #include "tests/support/Random.h"
 
 namespace qv::test {
 namespace {
 
-using Bytes = std::vector<unsigned char>;
 using Lib = CqvAccLib;
-
-Lib::qvDataType Type(int value) { return static_cast<Lib::qvDataType>(value); }
-
-Bytes Noise(std::size_t n) {
-  Bytes bytes(n);
-  Random(n).Fill(bytes.data(), n);
-  return bytes;
-}
 
 // Runs a test body with one band and with several.
 void AtBudgets(const std::function<void()>& body) {

@@ -9,6 +9,7 @@
 
 #include "kernels/geometry/Geometry.h"
 #include "qvAcceleratedLib/CqvAccLib.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/Guarded.h"
 #include "tests/support/Levels.h"
 #include "tests/support/Random.h"
@@ -16,21 +17,12 @@
 namespace qv::test {
 namespace {
 
-using Bytes = std::vector<unsigned char>;
 using Lib = CqvAccLib;
-
-Lib::qvDataType Type(int value) { return static_cast<Lib::qvDataType>(value); }
 
 struct Matrix {
   double c[3][3];
 };
 constexpr Matrix kIdentity = {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
-
-Bytes Noise(std::size_t n) {
-  Bytes bytes(n);
-  Random(n).Fill(bytes.data(), n);
-  return bytes;
-}
 
 TEST(Warp, ChecksInOrder) {
   Bytes image(64 * 64), out(64 * 64);

@@ -12,6 +12,7 @@
 #include "kernels/geometry/Geometry.h"
 #include "kernels/geometry/Transform.h"
 #include "qvAcceleratedLib/CqvAccLib.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/Guarded.h"
 #include "tests/support/Levels.h"
 #include "tests/support/Random.h"
@@ -19,11 +20,8 @@
 namespace qv::test {
 namespace {
 
-using Bytes = std::vector<unsigned char>;
 using Lib = CqvAccLib;
 using Real = long double;
-
-Lib::qvDataType Type(int value) { return static_cast<Lib::qvDataType>(value); }
 
 struct Matrix {
   double c[3][3];

@@ -144,24 +144,37 @@ int DrawMethod(Input& in) {
   return in.Code("interpolation", 1, 2, 4, static_cast<int>(0x80000001u), 3, 8);
 }
 
-void FuzzWarp(Input& in, Call& call) {
-  const int type = in.Code("type", 2, 4, 4, 3);
-  const int method = DrawMethod(in);
-  Images a = DrawImages(in);
-  const bool known = type == 2 || type == 4;
-  const int channels = type == 4 ? 3 : 1;
-  if (!known || !AreSizesGood(a))
+// What warps and rotations of one image begin with.
+struct Typed {
+  int type;
+  bool known;
+  int channels, method;
+  Images images;
+};
+
+Typed DrawTyped(Input& in, Call& call) {
+  const int type = in.Code("type", 2, 4, 4, 3), method = DrawMethod(in);
+  Typed typed = {type, type == 2 || type == 4, type == 4 ? 3 : 1, method, DrawImages(in)};
+  Images& a = typed.images;
+  if (!typed.known || !AreSizesGood(a))
     call.Refused();
   else
-    Shrink(a.srcRoi, channels), Shrink(a.dstRoi, channels);
+    Shrink(a.srcRoi, typed.channels), Shrink(a.dstRoi, typed.channels);
+  return typed;
+}
+
+void FuzzWarp(Input& in, Call& call) {
+  const Typed typed = DrawTyped(in, call);
+  const Images& a = typed.images;
+  const int channels = typed.channels, method = typed.method;
+  const auto type = static_cast<Lib::qvDataType>(typed.type);
   const Matrix m = DrawMatrix(in, a.srcRoi, a.dstRoi);
   const Placed images = PlaceImages(in, call, a, channels);
   call.Run(
-      known ? Refusal(a, images, method, true) : StatusDataTypeErr,
+      typed.known ? Refusal(a, images, method, true) : StatusDataTypeErr,
       [&] {
-        return Lib::qvWarpPerspective(static_cast<Lib::qvDataType>(type), images.src.data,
-                                      a.srcSize, images.src.step, a.srcRoi, images.dst.data,
-                                      images.dst.step, a.dstRoi, m.c, method);
+        return Lib::qvWarpPerspective(type, images.src.data, a.srcSize, images.src.step, a.srcRoi,
+                                      images.dst.data, images.dst.step, a.dstRoi, m.c, method);
       },
       contract::Bands::kStatusMayVary);
 }
@@ -188,15 +201,10 @@ void FuzzWarpTwo(Input& in, Call& call) {
 }
 
 void FuzzRotate(Input& in, Call& call) {
-  const int type = in.Code("type", 2, 4, 4, 3);
-  const int method = DrawMethod(in);
-  Images a = DrawImages(in);
-  const bool known = type == 2 || type == 4;
-  const int channels = type == 4 ? 3 : 1;
-  if (!known || !AreSizesGood(a))
-    call.Refused();
-  else
-    Shrink(a.srcRoi, channels), Shrink(a.dstRoi, channels);
+  const Typed typed = DrawTyped(in, call);
+  const Images& a = typed.images;
+  const int channels = typed.channels, method = typed.method;
+  const auto type = static_cast<Lib::qvDataType>(typed.type);
   const int kind = in.Pick("angle: quarters, whole, any", 0, 1, 2);
   const double angle = kind == 0   ? 90.0 * in.Between("quarters", -5, 5)
                        : kind == 1 ? in.Between("degrees", -720, 720)
@@ -207,10 +215,10 @@ void FuzzRotate(Input& in, Call& call) {
                                           : in.Between("shift, in halves", -800, 800) / 2.0;
   const Placed images = PlaceImages(in, call, a, channels);
   // Quarter turns by whole numbers do not look at the interpolation.
-  call.Run(!known ? static_cast<int>(StatusDataTypeErr) : Refusal(a, images, method, false), [&] {
-    return Lib::qvRotate(static_cast<Lib::qvDataType>(type), images.src.data, a.srcSize,
-                         images.src.step, a.srcRoi, images.dst.data, images.dst.step, a.dstRoi,
-                         angle, shift[0], shift[1], method);
+  call.Run(!typed.known ? static_cast<int>(StatusDataTypeErr) : Refusal(a, images, method, false), [&] {
+    return Lib::qvRotate(type, images.src.data, a.srcSize, images.src.step, a.srcRoi,
+                         images.dst.data, images.dst.step, a.dstRoi, angle, shift[0], shift[1],
+                         method);
   });
 }
 
