@@ -1,35 +1,20 @@
-// qvWarpPerspective, qvWarpPerspectiveEx and qvRotate through the public interface, against an
-// unrounded reference in long double; statuses and their order; bands; edges of the arguments.
+// qvWarpPerspective through the public interface against an unrounded reference in long double.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <functional>
-#include <limits>
 #include <random>
-#include <vector>
 
-#include "kernels/geometry/Geometry.h"
-#include "kernels/geometry/Transform.h"
-#include "qvAcceleratedLib/CqvAccLib.h"
 #include "tests/support/Bytes.h"
 #include "tests/support/Guarded.h"
 #include "tests/support/Levels.h"
-#include "tests/support/Random.h"
+#include "tests/support/RandomMatrix.h"
 
 namespace qv::test {
 namespace {
 
 using Lib = CqvAccLib;
 using Real = long double;
-
-struct Matrix {
-  double c[3][3];
-};
-
-Matrix Affine(double a, double b, double c, double d, double e, double f) {
-  return {{{a, b, c}, {d, e, f}, {0, 0, 1}}};
-}
 
 // A whole warp: image, regions, matrix, method.
 struct Call {
@@ -155,30 +140,6 @@ void Judge(const Call& call, const unsigned char* src, int srcStep, const Bytes&
     }
 }
 
-Matrix RandomMatrix(Random& random, IppiRect roi, IppiSize dst) {
-  if (random.OneIn(3)) {
-    double r[2][3];
-    const double angle = random.Between(-720.0, 720.0), scale = random.Between(0.3, 3.0);
-    RotationCoefficients(angle, random.Between(-0.3, 1.0) * dst.width,
-                         random.Between(-0.3, 1.0) * dst.height, r);
-    return Affine(r[0][0] * scale, r[0][1] * scale, r[0][2], r[1][0] * scale, r[1][1] * scale,
-                  r[1][2]);
-  }
-  double quad[4][2];
-  const double x0 = random.Between(-0.5, 0.5) * dst.width, w = random.Between(0.2, 1.5) * dst.width;
-  const double y0 = random.Between(-0.5, 0.5) * dst.height;
-  const double h = random.Between(0.2, 1.5) * dst.height;
-  const bool flip = random.OneIn(2);
-  Matrix m;
-  do
-    for (int i = 0; i < 4; ++i) {
-      quad[i][0] = x0 + ((i == 1 || i == 2) ? w : 0) + random.Between(-.4, .4) * w;
-      quad[i][1] = y0 + ((i < 2) == flip ? h : 0) + random.Between(-.4, .4) * h;
-    }
-  while (Lib::qvGetPerspectiveTransform(Type(2), roi, quad, m.c) != StatusOk);
-  return m;
-}
-
 Call RandomCall(Random& random, IppiSize dst) {
   Call call;
   call.channels = random.Pick(1, 3);
@@ -199,7 +160,7 @@ Call RandomCall(Random& random, IppiSize dst) {
   if (random.OneIn(4)) call.dstRoi.width = random.Between(1, 20);  // less than a vector
   call.dstRoi.width = std::min(call.dstRoi.width, dst.width - call.dstRoi.x);
   call.dstRoi.height = std::min(call.dstRoi.height, dst.height - call.dstRoi.y);
-  call.m = RandomMatrix(random, call.srcRoi, dst);
+  call.m = RandomMatrix(random, call.srcRoi, dst, !random.OneIn(3), false);
   return call;
 }
 
