@@ -128,12 +128,12 @@ TEST_P(PngInput, BecomesTheSamplesItStandsFor) {
   std::string expected;
   for (int y = 0; y < kHeight; ++y)
     for (int x = 0; x < kWidth; ++x) expected += Expected(kind, x, y);
-  const Outcome direct = place.Run({"copy", "in.png", "-", "--format", "raw"});
+  const Outcome direct = place.Run("copy in.png - --format raw");
   EXPECT_EQ(direct.exitCode, 0) << direct.err;
   EXPECT_TRUE(direct.out == expected);
   // And once more through a PNG that qvtool wrote.
-  ASSERT_EQ(place.Run({"copy", "in.png", "out.png"}).exitCode, 0);
-  EXPECT_TRUE(place.Run({"copy", "out.png", "-", "--format", "raw"}).out == expected);
+  ASSERT_EQ(place.Run("copy in.png out.png").exitCode, 0);
+  EXPECT_TRUE(place.Run("copy out.png - --format raw").out == expected);
 }
 
 constexpr Kind kKinds[] = {
