@@ -144,7 +144,8 @@ TEST(LargeImages, DISABLED_SeventyThousandPixelsBothSides) {
   for (const Operation& operation : Operations()) {
     SCOPED_TRACE(operation.name);
     const auto is = [&](const char* family) { return operation.name.find(family) == 0; };
-    const UseBudget budget(2);
+    // Several bands resize differently, and a few rows are one band.
+    const UseBudget budget(is("qvResize") ? 1 : 2);
     const std::vector<Shape> shapes = operation.shapes({kSide, kSide});
     constexpr int kFew = 8;
     Bytes rows[2] = {Bytes(std::size_t{2 * kFew} * kStep), Bytes(std::size_t{2 * kFew} * kStep)};

@@ -51,7 +51,11 @@ void AddTransfers(List& list) {
                       return Lib::qvCopy(copy.type, p[0].data, p[0].step, p[1].data, p[1].step,
                                          size);
                     }});
-  list.push_back({"qvCopy of a row", Pixels(1, 1), [](const Plane* p, IppiSize size) {
+  list.push_back({"qvCopy of a row",
+                  [](IppiSize s) {
+                    return Shapes{{s.width, 1, false}, {s.width, 1, true}};
+                  },
+                  [](const Plane* p, IppiSize size) {
                     return Lib::qvCopy(Lib::OneChannel, p[0].data, 0, p[1].data, 0,
                                        {size.width, 1});
                   }});
@@ -155,7 +159,7 @@ void AddConversions(List& list) {
 
 // Fewer columns, more rows.
 constexpr double kAcross = 2.0 / 3, kDown = 1.5;
-IppiSize Resized(IppiSize s) { return {s.width - s.width / 3, s.height + s.height / 2}; }
+IppiSize Resized(IppiSize s) { return {s.width * 2 / 3, s.height * 3 / 2}; }
 
 void AddResizes(List& list) {
   for (const auto type : kTypes)
@@ -193,6 +197,7 @@ void AddResizes(List& list) {
 }
 
 void AddGeometry(List& list) {
+  static constexpr double kShear[3][3] = {{1.01, 0.125, -2.5}, {-0.0625, 1.125, 7}, {0, 0, 1}};
   static constexpr double kTilt[3][3] = {{1.01, 0.125, -2.5}, {-0.0625, 1.125, 7}, {1e-7, 0, 1}};
   for (const auto type : kTypes)
     for (const int method : {1, 2, 4}) {
@@ -216,7 +221,8 @@ void AddGeometry(List& list) {
                       [=](const Plane* p, IppiSize s) {
                         const IppiRect all = {0, 0, s.width, s.height};
                         return Lib::qvWarpPerspective(type, p[0].data, s, p[0].step, all, p[1].data,
-                                                      p[1].step, all, kTilt, method);
+                                                      p[1].step, all,
+                                                      method == 1 ? kTilt : kShear, method);
                       },
                       false});
     }
@@ -231,7 +237,7 @@ void AddGeometry(List& list) {
                     const IppiRect all = {0, 0, s.width, s.height};
                     return Lib::qvWarpPerspectiveEx(
                         Lib::ThreeChannels, p[0].data, s, p[0].step, all, p[1].data, p[1].step, all,
-                        kTilt, 2, p[2].data, p[2].step, p[3].data, p[3].step, kTilt);
+                        kShear, 2, p[2].data, p[2].step, p[3].data, p[3].step, kShear);
                   },
                   false});
 
