@@ -52,23 +52,6 @@ ExactAxis ExactBand(int code, int start, int length, double factor, double shift
   return axis;
 }
 
-struct Errors {
-  double largest = 0, sum = 0;
-  long long count = 0;
-
-  // Compares a byte with the sum over its samples; the first ones are `pixel` bytes apart.
-  void Add(const unsigned char* src, std::ptrdiff_t step, int pixel, const Sample& x,
-           const Sample& y, int byte) {
-    double exact = 0;
-    for (const auto& [sy, wy] : y)
-      for (const auto& [sx, wx] : x) exact += wy * wx * src[sy * step + std::ptrdiff_t{sx} * pixel];
-    exact = std::clamp(exact, 0.0, 255.0);
-    const double error = std::fabs(exact - byte);
-    largest = std::max(largest, error);
-    if (exact > 0 && exact < 255) sum += error, ++count;
-  }
-};
-
 // ---- Random jobs --------------------------------------------------------------------------------
 
 struct Job {

@@ -141,20 +141,6 @@ TEST(Resize, BandsWriteWhatOneBandWrites) {
     }
 }
 
-// A region that does not begin at the image's origin lands displaced by its origin times the
-// factor.
-TEST(Resize, BandsPlaceARegionByItsOrigin) {
-  const Bytes src = Noise(200 * 300);
-  const Call call = {{200, 300}, {40, 30, 100, 200}, {400, 600}, 2, 2, 1};
-  Bytes dst;
-  ASSERT_EQ(call.Run(src, &dst, 2), StatusOk);
-  for (int y = 0; y < 600; ++y)
-    for (int x = 0; x < 400; ++x) {
-      const bool inside = x >= 80 && x < 280 && y >= 60 && y < 460;
-      ASSERT_EQ(dst[y * 400 + x], inside ? src[y / 2 * 200 + x / 2] : 77) << x << ' ' << y;
-    }
-}
-
 TEST(Resize, SaysHowLargeABandBufferIs) {
   const int big = std::numeric_limits<int>::max();
   struct {
@@ -281,17 +267,6 @@ TEST(Resize, AveragesMoreRowsThanSumsOf32BitsHold) {
   }
 }
 
-TEST(Resize, OfOnePixelIsThatPixel) {
-  const Bytes src = {9, 8, 7};
-  for (const int code : {1, 2, 4, 16}) {
-    Bytes dst(7 * 5 * 3);
-    EXPECT_EQ(Lib::qvResize(Type(4), src.data(), {1, 1}, 3, {0, 0, 1, 1}, dst.data(), 21, {7, 5}, 7,
-                            5, code),
-              StatusOk);
-    for (std::size_t k = 0; k < dst.size(); ++k) ASSERT_EQ(dst[k], src[k % 3]);
-  }
-}
-
 // ---- Packed 4:2:2 -------------------------------------------------------------------------------
 
 TEST(ResizeYUV422, ChecksInTheDocumentedOrder) {
@@ -333,36 +308,6 @@ TEST(ResizeYUV422, AddressesTheRegionByFourBytesAPixel) {
             StatusOk);
   for (int y = 0; y < 50; ++y)
     for (int k = 0; k < 200; ++k) ASSERT_EQ(dst[y * 200 + k], src[(y + 5) * 400 + 8 + k]);
-}
-
-TEST(ResizeYUV422, ChoosesMethodAndExtent) {
-  const Bytes src = Noise(64 * 40);
-  const auto run = [&](IppiSize size, int code, double x, Bytes* dst) {
-    dst->assign(64 * 40, 77);
-    return Lib::qvResizeYUV422(Type(0), src.data(), size, 64, {0, 0, size.width, size.height},
-                               dst->data(), 64, {32, 40}, x, 1.5, code);
-  };
-  Bytes a, b;
-  struct {
-    IppiSize size;
-    int code, same;
-    bool equal;
-  } const cases[] = {
-      {{16, 16}, 16, 4, true}, {{16, 16}, 8, 4, true}, {{16, 16}, 4, 2, false},
-      {{6, 10}, 4, 2, true},   {{10, 3}, 4, 2, true},  {{8, 4}, 4, 2, false},
-      {{2, 10}, 2, 1, true},   {{10, 1}, 4, 1, true},  {{4, 2}, 2, 1, false},
-  };
-  for (const auto& c : cases) {
-    ASSERT_EQ(run(c.size, c.code, 1.5, &a), StatusOk);
-    ASSERT_EQ(run(c.size, c.same, 1.5, &b), StatusOk);
-    EXPECT_EQ(a == b, c.equal) << &c - cases;
-  }
-  EXPECT_EQ(run({2, 10}, 1, 0.7, &a), StatusEmptyOutputErr);
-  EXPECT_EQ(run({2, 10}, 1, 0.8, &a), StatusOk);  // 1.6 pixels are a pair
-  EXPECT_NE(a[3], 77);
-  EXPECT_EQ(a[4], 77);
-  EXPECT_EQ(run({2, 10}, 1, 2.5, &a), StatusOk);  // five pixels are two pairs
-  EXPECT_EQ(a[8], 77);
 }
 
 }  // namespace
