@@ -283,21 +283,18 @@ TEST_F(Dispatch, ReadsThisProcessor) {
   const ProcessorInfo info = ProcessorInfoOf(leaves);
   EXPECT_EQ(HasCpuid(leaves), true);
   EXPECT_EQ(IsGenuineIntel(leaves), __builtin_cpu_is("intel") != 0);
-  EXPECT_EQ(info.hasSse != 0, __builtin_cpu_supports("sse") != 0);
-  EXPECT_EQ(info.hasSse2 != 0, __builtin_cpu_supports("sse2") != 0);
-  EXPECT_EQ(info.hasSse3 != 0, __builtin_cpu_supports("sse3") != 0);
-  EXPECT_EQ(info.hasSsse3 != 0, __builtin_cpu_supports("ssse3") != 0);
-#if defined(__x86_64__)
-  EXPECT_EQ(info.has64BitMode, 1u);
-#endif
-  const bool avx2 = __builtin_cpu_supports("avx2");
+  EXPECT_EQ(info.hasSse, unsigned{__builtin_cpu_supports("sse") != 0});
+  EXPECT_EQ(info.hasSse2, unsigned{__builtin_cpu_supports("sse2") != 0});
+  EXPECT_EQ(info.hasSse3, unsigned{__builtin_cpu_supports("sse3") != 0});
+  EXPECT_EQ(info.hasSsse3, unsigned{__builtin_cpu_supports("ssse3") != 0});
+  if (sizeof(void*) == 8) { EXPECT_EQ(info.has64BitMode, 1u); }
   const bool avx512 = __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
                       __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512dq") &&
                       __builtin_cpu_supports("avx512vbmi");
-  const bool pclmul = __builtin_cpu_supports("pclmul");
-  const bool vpclmul = __builtin_cpu_supports("vpclmulqdq");
-  EXPECT_EQ(WideLevelOf(leaves), avx512 ? 2 : avx2 ? 1 : 0);
-  EXPECT_EQ(CarrylessLevelOf(leaves), !pclmul ? 0 : avx512 && vpclmul ? 2 : 1);
+  EXPECT_EQ(WideLevelOf(leaves), avx512 ? 2 : __builtin_cpu_supports("avx2") ? 1 : 0);
+  EXPECT_EQ(CarrylessLevelOf(leaves), !__builtin_cpu_supports("pclmul")                ? 0
+                                      : avx512 && __builtin_cpu_supports("vpclmulqdq") ? 2
+                                                                                       : 1);
 }
 
 }  // namespace
