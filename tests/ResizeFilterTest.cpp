@@ -1,4 +1,4 @@
-// The taps of the separable filter at positions that no image has, areas on the edge of a sample, and
+// The taps of the separable filter at positions that no image has, areas that end at a sample, and
 // halving. What whole images become is ResizeAccuracyTest's.
 #include <gtest/gtest.h>
 

@@ -51,13 +51,6 @@ TEST(Resize, TakesTheShortcutsOfTheFront) {
       other.code = code;
       ASSERT_EQ(other.Run(src, &dst, budget), StatusOk);
       EXPECT_TRUE(dst == nearest) << code;
-      other.roi = {1, 0, 639, 480};
-      if (code != 99) {
-        ASSERT_EQ(other.Run(src, &dst, budget), StatusOk);
-        EXPECT_FALSE(dst == nearest) << code;
-      } else {
-        EXPECT_EQ(other.Run(src, &dst, budget), StatusInterpolationErr);
-      }
     }
   }
   // Area averaging that enlarges is Lanczos; that reduces runs in one call whatever the budget.
@@ -83,7 +76,8 @@ TEST(Resize, TakesTheShortcutsOfTheFront) {
 // A region that starts elsewhere is no whole image, even if it is as large as one.
 TEST(Resize, FiltersARegionThatIsAsLargeAsItsImage) {
   const Bytes src = Noise(90 * 80);
-  for (const IppiRect roi : {IppiRect{3, 0, 90, 80}, {0, 5, 90, 80}, {0, 0, 89, 80}, {0, 0, 90, 79}}) {
+  const IppiRect rois[] = {{3, 0, 90, 80}, {0, 5, 90, 80}, {0, 0, 89, 80}, {0, 0, 90, 79}};
+  for (const IppiRect roi : rois) {
     Call call = {{90, 80}, roi, {90, 80}, 1.03, 1.04, 1};
     Bytes nearest, linear;
     ASSERT_EQ(call.Run(src, &nearest, 1), StatusOk);
@@ -218,7 +212,7 @@ TEST(Resize, ChecksInTheDocumentedOrder) {
   EXPECT_EQ(banded(p, {150, 0, 9, 9}, 1, 1, 2), StatusNoOverlapWarning);
   EXPECT_EQ(banded(p, {100, 0, 9, 9}, 2, 2, 2), StatusNothingToDoWarning);
   EXPECT_EQ(banded(p, {0, 0, 150, 150}, 0.9, 0.9, 3), StatusInterpolationErr);
-  // The kernel has no Lanczos to fall back on, and a destination that no memory has tables for.
+  // Before tables that no memory has are asked for.
   EXPECT_EQ(Resize_8u_C1(p, size, 20, all, p, 1, {big, 1}, 1e300, 1, 8), StatusInterpolationErr);
   EXPECT_TRUE(image == before);
 }

@@ -1,6 +1,6 @@
-// qvCopy, qvDup, qvSet, qvMirror, qvLUTPalette and qvMulCScale through the public interface. What the
-// rows write at each level is kernelcheck's; here are the formulas on small images, the statuses and
-// their order, and what long rows and large images make different.
+// qvCopy, qvDup, qvSet, qvMirror, qvLUTPalette and qvMulCScale through the public interface. What
+// the rows write at each level is kernelcheck's; here are the formulas on small images, statuses
+// and their order, and what long rows and large images make different.
 #include <gtest/gtest.h>
 
 #include <algorithm>

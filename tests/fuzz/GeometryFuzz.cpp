@@ -215,7 +215,8 @@ void FuzzRotate(Input& in, Call& call) {
                                           : in.Between("shift, in halves", -800, 800) / 2.0;
   const Placed images = PlaceImages(in, call, a, channels);
   // Quarter turns by whole numbers do not look at the interpolation.
-  call.Run(!typed.known ? static_cast<int>(StatusDataTypeErr) : Refusal(a, images, method, false), [&] {
+  const int expected = typed.known ? Refusal(a, images, method, false) : StatusDataTypeErr;
+  call.Run(expected, [&] {
     return Lib::qvRotate(type, images.src.data, a.srcSize, images.src.step, a.srcRoi,
                          images.dst.data, images.dst.step, a.dstRoi, angle, shift[0], shift[1],
                          method);

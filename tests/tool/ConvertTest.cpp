@@ -17,15 +17,15 @@ TEST(Convert, MakesRedOfEveryLayout) {
   for (const auto& [layout, bytes] :
        {std::pair("yuyv", "\x51\x5a\x51\xf0\x51\x5a\x51\xf0"), {"i420", "\x51\x51\x51\x51\x5a\xf0"},
         {"yv12", "\x51\x51\x51\x51\xf0\x5a"}, {"nv12", "\x51\x51\x51\x51\x5a\xf0"}})
-    EXPECT_EQ(place.Run("convert - - --to bgr --size 2x2 --layout " + std::string(layout), bytes).out,
-              red)
+    EXPECT_EQ(place.Run("convert - - --size 2x2 --layout " + std::string(layout), bytes).out, red)
         << layout;
 }
 
-// One picture in all layouts, of any size: the same pixels as BGR, and its planes again. An odd last
-// column or row goes away, but for packed pixels as BGR.
+// One picture in all layouts, of any size: the same pixels as BGR, and its planes again. An odd
+// last column or row goes away, but for packed pixels as BGR.
 TEST(Convert, FindsTheSamplesOfEveryLayout) {
-  for (const auto& [width, height] : {std::pair<std::size_t, std::size_t>(38, 20), {37, 21}, {3, 3}}) {
+  const std::pair<std::size_t, std::size_t> sizes[] = {{38, 20}, {37, 21}, {3, 3}};
+  for (const auto& [width, height] : sizes) {
     const std::size_t half = (width + 1) / 2, low = (height + 1) / 2;
     const std::string y = Noise(width * height, 1), cb = Noise(half * low, 2),
                       cr = Noise(half * low, 3);
