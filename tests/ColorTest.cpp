@@ -172,12 +172,7 @@ TEST(YCbCrToPlanes, SplitsWhatItIsGiven) {
     }
 }
 
-TEST(Color, ChecksInTheDocumentedOrder) {
-  using Byte = unsigned char;
-  Bytes image(20000, 5);
-  const Bytes before = image;
-  Byte* const p = image.data();
-  Byte* const null = nullptr;
+TEST_F(Refusals, OfConversions) {
   int steps[3] = {9, 9, 9}, *const noSteps = nullptr;
   Byte *whole[3] = {p, p, p}, **const noPlanes = nullptr;
   Byte *holes[3][3] = {{null, p, p}, {p, null, p}, {p, p, null}};
@@ -227,7 +222,6 @@ TEST(Color, ChecksInTheDocumentedOrder) {
                          {StatusNullPtrErr, {p, p, holes[2], steps, {0, big}}},
                          {StatusSizeErr, {p, p, whole, steps, {1, big}}},
                          {StatusSizeErr, {p, p, whole, steps, {big, 1}}}});
-  EXPECT_TRUE(image == before);
 }
 
 }  // namespace

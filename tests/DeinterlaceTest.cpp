@@ -87,12 +87,7 @@ TEST(Deinterlace, WritesTheRowsOfItsMode) {
           }
 }
 
-TEST(Deinterlace, ChecksInTheDocumentedOrder) {
-  using Byte = unsigned char;
-  Bytes image(2000, 5);
-  const Bytes before = image;
-  Byte* const p = image.data();
-  Byte* const null = nullptr;
+TEST_F(Refusals, OfDeinterlacing) {
   const std::function filter = [](int type, Byte* src, Byte* dst, int srcStep, IppiSize size) {
     return Lib::qvDeinterlace(Type(type), src, srcStep, dst, 9, size, 100, 16);
   };
@@ -105,7 +100,6 @@ TEST(Deinterlace, ChecksInTheDocumentedOrder) {
                           {StatusSizeErr, {2, p, p, 9, {0, 3}}},
                           {StatusSizeErr, {4, p, p, 0, {9, 3}}},
                           {StatusSizeErr, {4, p + 1000, p + 1000, -9, {9, 3}}}});
-  EXPECT_TRUE(image == before);
 }
 
 }  // namespace

@@ -162,12 +162,7 @@ TEST(Resize, SaysHowLargeABandBufferIs) {
   EXPECT_EQ(ResizeBandBufferSize({0, 0}, 2, 8, nullptr), StatusNullPtrErr);
 }
 
-TEST(Resize, ChecksInTheDocumentedOrder) {
-  using Byte = unsigned char;
-  Bytes image(40000, 5);
-  const Bytes before = image;
-  Byte* const p = image.data();
-  Byte* const null = nullptr;
+TEST_F(Refusals, OfResizes) {
   const IppiSize size = {20, 20}, none = {0, 0}, to = {9, 9};
   const IppiRect all = {0, 0, 20, 20};
   const int big = std::numeric_limits<int>::max();
@@ -214,16 +209,12 @@ TEST(Resize, ChecksInTheDocumentedOrder) {
   EXPECT_EQ(banded(p, {0, 0, 150, 150}, 0.9, 0.9, 3), StatusInterpolationErr);
   // Before tables that no memory has are asked for.
   EXPECT_EQ(Resize_8u_C1(p, size, 20, all, p, 1, {big, 1}, 1e300, 1, 8), StatusInterpolationErr);
-  EXPECT_TRUE(image == before);
 }
 
-TEST(ResizeBand, ChecksInTheDocumentedOrder) {
-  Bytes image(4000, 5);
-  const Bytes before = image;
-  unsigned char* const p = image.data();
+TEST_F(Refusals, OfBandsOfResizes) {
   const IppiSize size = {20, 20};
   const IppiRect all = {0, 0, 9, 9}, outside = {30, 0, 9, 9};
-  const std::function band = [p](IppiSize srcSize, IppiRect roi, IppiRect rect, double factor,
+  const std::function band = [this](IppiSize srcSize, IppiRect roi, IppiRect rect, double factor,
                                  double shift, int code) {
     return ResizeBand_8u_C1(p, srcSize, 20, roi, p + 1000, 20, rect, factor, factor, shift, shift,
                             code, p + 2000);
@@ -243,7 +234,6 @@ TEST(ResizeBand, ChecksInTheDocumentedOrder) {
   });
   EXPECT_EQ(ResizeBand_8u_C1(p, {0, 9}, 20, {}, p, 20, {}, 1, 1, 0, 0, 2, nullptr),
             StatusNullPtrErr);
-  EXPECT_TRUE(image == before);
 }
 
 TEST(Resize, AveragesMoreRowsThanSumsOf32BitsHold) {
@@ -263,13 +253,10 @@ TEST(Resize, AveragesMoreRowsThanSumsOf32BitsHold) {
 
 // ---- Packed 4:2:2 -------------------------------------------------------------------------------
 
-TEST(ResizeYUV422, ChecksInTheDocumentedOrder) {
-  Bytes image(20000, 5);
-  const Bytes before = image;
-  unsigned char* const p = image.data();
+TEST_F(Refusals, OfPackedResizes) {
   const IppiSize none = {0, 0}, to = {8, 8};
   const IppiRect roi = {0, 0, 10, 9};
-  const std::function resize = [p](unsigned char* src, IppiSize srcSize, IppiRect roi,
+  const std::function resize = [this](unsigned char* src, IppiSize srcSize, IppiRect roi,
                                    IppiSize dstSize, double x, double y, int code) {
     return Lib::qvResizeYUV422(kAnyType, src, srcSize, 60, roi, p, 60, dstSize, x, y, code);
   };
@@ -291,7 +278,6 @@ TEST(ResizeYUV422, ChecksInTheDocumentedOrder) {
       {StatusEmptyOutputErr, {p, {20, 9}, roi, to, 1, 0.05, 16}},
   });
   EXPECT_EQ(ResizeYUV422_8u_C2(p, {20, 9}, 60, roi, p, 60, to, 2, 1, 8), StatusResizeFactorErr);
-  EXPECT_TRUE(image == before);
 }
 
 TEST(ResizeYUV422, AddressesTheRegionByFourBytesAPixel) {

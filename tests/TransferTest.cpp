@@ -136,12 +136,7 @@ TEST(MulCScale, IsTheFlooredQuotientForAllBytesAtAllLevels) {
   }
 }
 
-TEST(Transfer, ChecksInTheDocumentedOrder) {
-  using Byte = unsigned char;
-  Bytes image(20000, 5);
-  const Bytes before = image;
-  Byte* const p = image.data();
-  Byte* const null = nullptr;
+TEST_F(Refusals, OfTransfers) {
   const int big = 140;  // rows enough for two bands
 
   const std::function copy = [](int type, Byte* src, Byte* dst, IppiSize size) {
@@ -181,7 +176,7 @@ TEST(Transfer, ChecksInTheDocumentedOrder) {
                           {StatusSizeErr, {2, 2, p, p, {9, 0}}},
                           {StatusSizeErr, {2, 0, p, p, {big, 0}}}});
 
-  const std::function palette = [p](IppiSize size, Byte* colours, int bits) {
+  const std::function palette = [this](IppiSize size, Byte* colours, int bits) {
     return Lib::qvLUTPalette(Type(2), p, 9, p, 9, size, colours, bits);
   };
   ExpectStatuses(palette, {{StatusNullPtrErr, {{0, 0}, null, 9}},
@@ -197,7 +192,6 @@ TEST(Transfer, ChecksInTheDocumentedOrder) {
                          {StatusStepErr, {16, p, 0, {0, big}}},
                          {StatusStepErr, {16, p + 10000, -9, {9, big}}},
                          {StatusSizeErr, {16, p, 9, {0, big}}}});
-  EXPECT_TRUE(image == before);
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "qvAcceleratedLib/CqvAccLib.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/Levels.h"
 
 namespace qv::test {
@@ -29,8 +30,22 @@ inline void AtLevelsAndBudgets(const std::function<void()>& body) {
     }
 }
 
+// Tests of refusals, with a pointer that nothing may be written to and one that is null.
+class Refusals : public testing::Test {
+ protected:
+  using Byte = unsigned char;
+  ~Refusals() override { EXPECT_TRUE(image_ == Bytes(image_.size(), 5)); }
+
+ private:
+  Bytes image_ = Bytes(40000, 5);
+
+ protected:
+  Byte* const p = image_.data();
+  Byte* const null = nullptr;
+};
+
 // The first fault in the documented order decides, whatever else is wrong: each case has the faults
-// that would come later, too. Nothing may be written; that is the caller's to look at.
+// that would come later, too.
 template <class... Arguments>
 void ExpectStatuses(
     const std::function<IppStatus(Arguments...)>& call,
