@@ -87,6 +87,19 @@ TEST(Resize, FiltersARegionThatIsAsLargeAsItsImage) {
   }
 }
 
+// A quotient of whole numbers times its divisor may be a little less than the dividend.
+TEST(Resize, FillsTheWidthThatAFactorIsTheQuotientOf) {
+  const Bytes src(2 * 120, 5);
+  for (int length = 2; length <= 120; ++length)
+    for (int width = 1; width <= 120; ++width) {
+      Bytes dst(2 * width);
+      ASSERT_EQ(Resize_8u_C1(src.data(), {length, 2}, length, {0, 0, length, 2}, dst.data(), width,
+                             {width, 2}, double(width) / length, 1, 1),
+                StatusOk);
+      ASSERT_EQ(dst, Bytes(dst.size(), 5)) << length << ' ' << width;
+    }
+}
+
 // Bands place their pixels differently, so it shows when an image is cut.
 TEST(Resize, IsCutOnlyIfSourceAndDestinationHaveTheRows) {
   const Bytes src = Noise(40 * 300);
