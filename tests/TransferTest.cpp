@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <numeric>
 #include <vector>
 
@@ -20,17 +19,21 @@ using Lib = CqvAccLib;
 TEST(Copy, OfALongRowIsThatOfItsPixels) {
   const int width = 30000;
   const Bytes src = Noise(4 * width);
-  for (const auto& [type, from, to] : {std::array{2, 1, 1}, {4, 3, 3}, {9, 1, 3}, {13, 4, 3}})
+  const struct {
+    int type, from, to;
+  } layouts[] = {{2, 1, 1}, {4, 3, 3}, {9, 1, 3}, {13, 4, 3}};
+  for (const auto& l : layouts)
     for (const int step : {5, 6})
       for (const int pixels : {1, 4096, 8191, width}) {
         Bytes expected(4 * width, 7);
         for (int k = 0; k < pixels; ++k)
-          for (int c = 0; c < std::min(from, to); ++c) expected[to * k + c] = src[from * k + c];
+          for (int c = 0; c < std::min(l.from, l.to); ++c)
+            expected[l.to * k + c] = src[l.from * k + c];
         AtLevelsAndBudgets([&] {
           Bytes dst(4 * width, 7);
-          EXPECT_EQ(Lib::qvCopy(Type(type), src.data(), 5, dst.data(), step, {pixels, 1}),
+          EXPECT_EQ(Lib::qvCopy(Type(l.type), src.data(), 5, dst.data(), step, {pixels, 1}),
                     StatusOk);
-          EXPECT_TRUE(dst == expected) << type << ' ' << pixels;
+          EXPECT_TRUE(dst == expected) << l.type << ' ' << pixels;
         });
       }
 }
