@@ -95,8 +95,8 @@ Vec MulAddBytes(Vec a, Vec b);
 #endif
 
 // kHasBytePermute: across the whole vector, by the low six bits of each index byte (seven for two
-// vectors). PermuteBytesOver is PermuteBytes(v, index) in the bytes whose mask bit is set, `base` in
-// the others.
+// vectors). PermuteBytesOver is PermuteBytes(v, index) in the bytes whose mask bit is set, `base`
+// in the others.
 Vec PermuteBytes(Vec v, Vec index);
 Vec PermuteBytes2(Vec low, Vec index, Vec high);
 Vec PermuteBytesOver(Vec base, unsigned long long mask, Vec v, Vec index);
