@@ -222,8 +222,10 @@ IppStatus CqvAccLib::qvResize(qvDataType type, const unsigned char* src, IppiSiz
                               IppiSize dstRoiSize, double xFactor, double yFactor,
                               int interpolation) {
   if (IsNearIdentity(srcSize, srcRoi, dstRoiSize)) interpolation = InterpolateNearest;
-  if (interpolation == InterpolateArea && (xFactor > 1 || yFactor > 1))
-    interpolation = InterpolateLanczos;
+  if (interpolation == InterpolateArea) {
+    const FloatEnvironment environment;
+    if (Enlarges(xFactor, yFactor)) interpolation = InterpolateLanczos;
+  }
   const Bands bands = PlanResizeBands(srcSize.height, dstRoiSize.height, ThreadBudget);
   const int channels = type == OneChannel ? 1 : type == ThreeChannels ? 3 : 0;
   int bufferBytes = 0;

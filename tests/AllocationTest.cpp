@@ -56,81 +56,68 @@ class Refuse {
   ~Refuse() { refusedTo = refusedFrom = -1; }
 };
 
-std::string OperationOf(const OperationCall& call) { return call.name.substr(0, call.name.find(' ')); }
+// A band of a resize that has no memory has no buffer to pass on.
+bool Refused(IppStatus status, int budget) {
+  return status == StatusMemAllocErr || (status == StatusNullPtrErr && budget > 1);
+}
 
 class Allocation : public testing::TestWithParam<int> {};
 INSTANTIATE_TEST_SUITE_P(Budgets, Allocation, testing::Values(1, 4));
 
 TEST_P(Allocation, RefusedGivesTheStatusAndLeavesTheDestination) {
   const UseBudget budget(GetParam());
-  Frames frames;
-  const std::uint64_t untouched = frames.Digest();
+  Runner runner;
   std::set<std::string> allocating;
-  for (const OperationCall& call : AllCalls()) {
-    SCOPED_TRACE(call.name);
+  for (const Operation& operation : Operations()) {
+    SCOPED_TRACE(operation.name);
+    const std::uint64_t untouched = runner.Prepare(operation);
+    const long before = held;
     int needed;
     {
       const Refuse none(-1, -1);
-      const long before = held;
-      RunCall(call, frames);
+      runner.Call(operation);
       needed = requests;
       EXPECT_EQ(held, before);
     }
     if (needed == 0) continue;
-    allocating.insert(OperationOf(call));
-    frames.RestoreDestinations();
-    const long before = held;
+    allocating.insert(operation.name.substr(0, operation.name.find(' ')));
+    runner.Prepare(operation);
     const Refuse all(0, needed);
-    const IppStatus status = call.call(frames);
-    // A band of a resize that has no memory has no buffer to pass on.
-    EXPECT_TRUE(status == StatusMemAllocErr || (status == StatusNullPtrErr && GetParam() > 1))
-        << status;
-    EXPECT_EQ(frames.Digest(), untouched);
+    const Outcome outcome = runner.Call(operation);
+    EXPECT_TRUE(Refused(outcome.status, GetParam())) << outcome.status;
+    EXPECT_EQ(outcome.digest, untouched);
     EXPECT_EQ(held, before);
   }
   EXPECT_EQ(allocating, (std::set<std::string>{"qvResize", "qvResizeYUV422"}));
 }
 
-// Makes every call again and again, with its first, second, ... request refused, until it makes no
-// further one. What was obtained is given back; `check` looks at the rest.
-template <class Check>
-void RefuseEachRequest(Frames& frames, Check check) {
-  for (const OperationCall& call : AllCalls()) {
-    SCOPED_TRACE(call.name);
+// Every call again and again, with its first, second, ... request refused, until it makes no further
+// one. What was obtained is given back. On one band the requests come one after the other; a band
+// that lacks memory leaves its rows and does not disturb the others.
+TEST_P(Allocation, RefusedInTheMiddleGivesBackTheRest) {
+  const UseBudget budget(GetParam());
+  Runner runner;
+  int refusals = 0;
+  for (const Operation& operation : Operations()) {
+    SCOPED_TRACE(operation.name);
     for (int k = 0;; ++k) {
       SCOPED_TRACE(k);
-      frames.RestoreDestinations();
+      const std::uint64_t untouched = runner.Prepare(operation);
       const long before = held;
       const Refuse one(k, k + 1);
-      const IppStatus status = call.call(frames);
+      const Outcome outcome = runner.Call(operation);
       EXPECT_EQ(held, before);
       if (requests <= k) break;
-      check(status);
+      ++refusals;
+      if (GetParam() == 1) {
+        EXPECT_EQ(outcome.status, StatusMemAllocErr);
+        EXPECT_EQ(outcome.digest, untouched);
+      } else {
+        EXPECT_TRUE(outcome.status >= 0 || Refused(outcome.status, GetParam())) << outcome.status;
+      }
     }
   }
-}
-
-// On one band the requests come one after the other.
-TEST(Allocation, RefusedInTheMiddleGivesBackTheRest) {
-  const UseBudget budget(1);
-  Frames frames;
-  const std::uint64_t untouched = frames.Digest();
-  int refusals = 0;
-  RefuseEachRequest(frames, [&](IppStatus status) {
-    EXPECT_EQ(status, StatusMemAllocErr);
-    EXPECT_EQ(frames.Digest(), untouched);
-    ++refusals;
-  });
-  EXPECT_GT(refusals, 20);
-}
-
-// In bands, a band that lacks memory leaves its rows and does not disturb the others.
-TEST(Allocation, RefusedInABandLosesNothing) {
-  const UseBudget budget(4);
-  Frames frames;
-  RefuseEachRequest(frames, [](IppStatus status) {
-    EXPECT_TRUE(status >= 0 || status == StatusMemAllocErr || status == StatusNullPtrErr) << status;
-  });
+  EXPECT_GE(refusals, 10);
 }
 
 }  // namespace

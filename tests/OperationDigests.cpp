@@ -21,6 +21,6 @@ int main(int argc, char** argv) {
   const UseBudget useBudget(4);
   const std::vector<Outcome> outcomes = RunAll();
   for (std::size_t i = 0; i < outcomes.size(); ++i)
-    std::printf("%s: %d %016" PRIx64 "\n", AllCalls()[i].name.c_str(), outcomes[i].status,
+    std::printf("%s: %d %016" PRIx64 "\n", Operations()[i].name.c_str(), outcomes[i].status,
                 outcomes[i].digest);
 }

@@ -3,7 +3,7 @@
 #   check_surroundings.sh OPERATIONDIGESTS
 set -u
 expected=$("$1") || exit 1
-[ "$(wc -l <<<"$expected")" -ge 100 ] || { echo 'too few digests'; exit 1; }
+[ "$(wc -l <<<"$expected")" -ge 70 ] || { echo 'too few digests'; exit 1; }
 failed=0
 check() {
   local got

@@ -19,6 +19,9 @@ enum Interpolation : int {
   InterpolateLanczos = 16
 };
 
+// Whether a factor is above 1, which area averaging cannot do.
+bool Enlarges(double xFactor, double yFactor);
+
 // Whole images. With L the length of the region, clipped to the image, and F the factor of an axis,
 // at most trunc(L * F + 1e-07) and at most the destination's samples are written, at least one.
 // Positions in the source, from the region's first sample, each the one before plus the step:

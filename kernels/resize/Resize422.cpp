@@ -71,7 +71,7 @@ IppStatus ResizeYUV422_8u_C2(const unsigned char* src, IppiSize srcSize, int src
   if (width == 0) return StatusEmptyOutputErr;
   const int height = WrittenExtent(y, dstRoiSize.height);
   if (height == 0) return StatusEmptyOutputErr;
-  if (interpolation == InterpolateArea && !(xFactor <= 1 && yFactor <= 1))
+  if (interpolation == InterpolateArea && Enlarges(xFactor, yFactor))
     return StatusResizeFactorErr;
   // Four bytes for each pixel of the region's origin, twice as many as its pixels take.
   const ResizeTask task = {PixelAt(src, srcStep, srcRoi.x, srcRoi.y, 4),

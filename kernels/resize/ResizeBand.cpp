@@ -52,7 +52,7 @@ IppStatus ResizeBand(const unsigned char* src, IppiSize srcSize, int srcStep, Ip
   if (!ProjectRegion(x, dstRect.x, dstRect.width, &columns) ||
       !ProjectRegion(y, dstRect.y, dstRect.height, &rows))
     return StatusNothingToDoWarning;
-  if (interpolation == InterpolateArea && !(xFactor <= 1 && yFactor <= 1))
+  if (interpolation == InterpolateArea && Enlarges(xFactor, yFactor))
     return StatusResizeFactorErr;
   if (columns.count == 0 || rows.count == 0) return StatusOk;
 

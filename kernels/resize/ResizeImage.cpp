@@ -43,7 +43,7 @@ IppStatus ResizeImage(const unsigned char* src, IppiSize srcSize, int srcStep, I
   if (StartsOutside(srcSize, srcRoi)) return StatusNoOverlapWarning;
   if (dstRoiSize.width < 1 || dstRoiSize.height < 1) return StatusSizeErr;
   if (!AreFactorsPositive(xFactor, yFactor)) return StatusResizeFactorErr;
-  const bool area = interpolation == InterpolateArea && xFactor <= 1 && yFactor <= 1;
+  const bool area = interpolation == InterpolateArea && !Enlarges(xFactor, yFactor);
   if (!area) {
     if (!IsInterpolation(interpolation)) return StatusInterpolationErr;
     interpolation = DowngradedForSize(interpolation, srcSize);
@@ -64,6 +64,8 @@ IppStatus ResizeImage(const unsigned char* src, IppiSize srcSize, int srcStep, I
 }
 
 }  // namespace
+
+bool Enlarges(double xFactor, double yFactor) { return xFactor > 1 || yFactor > 1; }
 
 IppStatus Resize_8u_C1(const unsigned char* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
                        unsigned char* dst, int dstStep, IppiSize dstRoiSize, double xFactor,

@@ -1,9 +1,11 @@
-"""Plants the faults of faults.txt, one at a time, in a copy of the tree; see scripts/mutate.sh.
+"""Plants the faults of faults.txt, one at a time, in copies of the tree; see scripts/mutate.sh.
 
 Exit code: 0 if every fault was found, 1 if one survived, 2 if a fault does not apply or does not build.
 """
+import concurrent.futures
 import os
 import pathlib
+import queue
 import re
 import shutil
 import subprocess
@@ -11,8 +13,6 @@ import sys
 import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-COPY = ROOT / "build" / "mutation" / "source"
-BUILD = ROOT / "build" / "mutation" / "build"
 TARGETS = ["kernelcheck", "unittests"]
 # The race of many threads is the thread sanitizer's business.
 TESTS = [
@@ -56,42 +56,70 @@ def read_faults(path):
     return faults
 
 
-def copy_tree():
-    """What git knows of, as it is now. Files that have not changed keep their time."""
-    names = subprocess.run(["git", "-C", ROOT, "ls-files", "-z", "--cached", "--others",
-                            "--exclude-standard"], check=True, capture_output=True, text=True)
-    for name in filter(None, names.stdout.split("\0")):
-        source, target = ROOT / name, COPY / name
-        if not source.is_file():
-            continue
-        if target.exists() and target.read_bytes() == source.read_bytes():
-            continue
-        target.parent.mkdir(parents=True, exist_ok=True)
-        shutil.copy(source, target)
+class Copy:
+    """What git knows of, as it is now, with a build of its own."""
 
+    def __init__(self, number):
+        self.source = ROOT / "build" / "mutation" / str(number) / "source"
+        self.directory = self.source.parent / "build"
 
-def build():
-    result = subprocess.run(["cmake", "--build", BUILD, "--target", *TARGETS], text=True,
-                            stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
-    return result.returncode == 0, result.stdout
+    def prepare(self):
+        """Copies and builds the tree; what is wrong with it, or None."""
+        names = subprocess.run(["git", "-C", ROOT, "ls-files", "-z", "--cached", "--others",
+                                "--exclude-standard"], check=True, capture_output=True, text=True)
+        for name in filter(None, names.stdout.split("\0")):
+            source, target = ROOT / name, self.source / name
+            # Files that have not changed keep their time.
+            if not source.is_file() or (target.exists()
+                                        and target.read_bytes() == source.read_bytes()):
+                continue
+            target.parent.mkdir(parents=True, exist_ok=True)
+            shutil.copy(source, target)
+        subprocess.run(["cmake", "-S", self.source, "-B", self.directory, "-G", "Ninja",
+                        "-DCMAKE_BUILD_TYPE=Release", "-DQV_BUILD_TOOLS=OFF",
+                        "-DQV_VECTOR_OPTIMIZATION=-O1"], check=True, stdout=subprocess.DEVNULL)
+        built, output = self.build()
+        if not built:
+            return output
+        found = self.find()
+        return f"The tests fail without any fault: {found}" if found else None
 
+    def build(self):
+        result = subprocess.run(["cmake", "--build", self.directory, "--target", *TARGETS],
+                                text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        return result.returncode == 0, result.stdout
 
-def find(file="kernels/"):
-    """The test that fails, or None. Wrappers are none of the kernel checks' business."""
-    environment = dict(os.environ, OMP_WAIT_POLICY="passive")
-    for command in TESTS if file.startswith("kernels/") else TESTS[1:]:
+    def find(self, file="kernels/"):
+        """The test that fails, or None. Wrappers are none of the kernel checks' business."""
+        environment = dict(os.environ, OMP_WAIT_POLICY="passive")
+        for command in TESTS if file.startswith("kernels/") else TESTS[1:]:
+            try:
+                result = subprocess.run([self.directory / command[0], *command[1:]],
+                                        env=environment, cwd=self.directory, timeout=SECONDS,
+                                        text=True, errors="replace", stdout=subprocess.PIPE,
+                                        stderr=subprocess.STDOUT)
+            except subprocess.TimeoutExpired:
+                return command[0] + ": no end"
+            if result.returncode == 0:
+                continue
+            failed = re.search(r"^(?:FAILED: (\S+ at \S+)|\[  FAILED  \] (\S+))", result.stdout,
+                               re.M)
+            name = failed.group(1) or failed.group(2) if failed else f"exit code {result.returncode}"
+            return f"{command[0].split('/')[1]}: {name.rstrip(':')}"
+        return None
+
+    def plant(self, fault):
+        """Whether the tree builds with the fault, and the test that finds it."""
+        path = self.source / fault.file
+        source = path.read_text()
         try:
-            result = subprocess.run([BUILD / command[0], *command[1:]], env=environment, cwd=BUILD,
-                                    timeout=SECONDS, text=True, errors="replace",
-                                    stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
-        except subprocess.TimeoutExpired:
-            return command[0] + ": no end"
-        if result.returncode == 0:
-            continue
-        failed = re.search(r"^(?:FAILED: (\S+ at \S+)|\[  FAILED  \] (\S+))", result.stdout, re.M)
-        name = failed.group(1) or failed.group(2) if failed else f"exit code {result.returncode}"
-        return f"{command[0].split('/')[1]}: {name.rstrip(':')}"
-    return None
+            path.write_text(fault.planted_in(source))
+            built, output = self.build()
+            if not built:
+                print(output[-2000:])
+            return built, self.find(fault.file) if built else None
+        finally:
+            path.write_text(source)
 
 
 def main(patterns):
@@ -101,35 +129,34 @@ def main(patterns):
            or f.planted_in((ROOT / f.file).read_text()) is None]
     for fault in bad:
         print(f"faults.txt:{fault.number}: does not apply: {fault}")
-    start = time.time()
-    copy_tree()
-    subprocess.run(["cmake", "-S", COPY, "-B", BUILD, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Release",
-                    "-DQV_BUILD_TOOLS=OFF", "-DQV_VECTOR_OPTIMIZATION=-O1"], check=True, stdout=subprocess.DEVNULL)
-    built, output = build()
-    if not built:
-        sys.exit(output)
-    if found := find():
-        sys.exit(f"The tests fail without any fault: {found}")
-
-    survivors = []
     planted = [f for f in faults if f not in bad]
-    for i, fault in enumerate(planted, 1):
-        path = COPY / fault.file
-        source = path.read_text()
-        try:
-            path.write_text(fault.planted_in(source))
-            built, output = build()
-            found = find(fault.file) if built else None
-        finally:
-            path.write_text(source)
-        if not built:
-            bad.append(fault)
-            print(output[-2000:])
-        elif not found:
-            survivors.append(fault)
-        verdict = "does not build" if not built else found or "SURVIVES"
-        print(f"[{i}/{len(planted)}] {fault} -> {verdict}", flush=True)
-    build()
+    start = time.time()
+    # A test keeps one processor busy, so as many copies as there are.
+    copies = [Copy(i) for i in range(min(os.cpu_count(), 4, len(planted)))]
+    with concurrent.futures.ThreadPoolExecutor(len(copies) or 1) as pool:
+        for wrong in pool.map(Copy.prepare, copies):
+            if wrong:
+                sys.exit(wrong)
+
+        idle = queue.SimpleQueue()
+        for copy in copies:
+            idle.put(copy)
+
+        def verdict_on(fault):
+            copy = idle.get()
+            try:
+                return copy.plant(fault)
+            finally:
+                idle.put(copy)
+
+        survivors = []
+        for i, (fault, (built, found)) in enumerate(zip(planted, pool.map(verdict_on, planted)), 1):
+            if not built:
+                bad.append(fault)
+            elif not found:
+                survivors.append(fault)
+            verdict = found or "SURVIVES" if built else "does not build"
+            print(f"[{i}/{len(planted)}] {fault} -> {verdict}", flush=True)
     found = len(planted) - len(survivors) - sum(f in planted for f in bad)
     print(f"{found} of {len(planted)} faults found in {time.time() - start:.0f} s")
     for fault in survivors:

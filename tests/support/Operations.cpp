@@ -1,7 +1,9 @@
 #include "tests/support/Operations.h"
 
+#include <algorithm>
 #include <cstring>
 
+#include "tests/support/Bytes.h"
 #include "tests/support/Random.h"
 
 namespace qv::test {
@@ -9,14 +11,10 @@ namespace qv::test {
 namespace {
 
 using Lib = CqvAccLib;
+using Shapes = std::vector<Shape>;
+using List = std::vector<Operation>;
 
-constexpr int W = Frames::kWidth, H = Frames::kHeight;
-constexpr IppiSize kSize = {W, H};
-constexpr IppiRect kWhole = {0, 0, W, H};
-constexpr IppiRect kPart = {7, 3, W - 16, H - 9};
 constexpr Lib::qvDataType kTypes[] = {Lib::OneChannel, Lib::ThreeChannels};
-
-using Calls = std::vector<OperationCall>;
 
 int ChannelsOf(Lib::qvDataType type) { return type == Lib::OneChannel ? 1 : 3; }
 
@@ -27,234 +25,300 @@ std::string Name(const char* operation, Parts... parts) {
   return name;
 }
 
-void AddTransfers(Calls& calls) {
+// As many pixels of so many bytes, read from the first plane and written to the second.
+auto Pixels(int from, int to) {
+  return [=](IppiSize s) {
+    return Shapes{{from * s.width, s.height, false}, {to * s.width, s.height, true}};
+  };
+}
+
+auto InPlace(int bytes) {
+  return [=](IppiSize s) { return Shapes{{bytes * s.width, s.height, true}}; };
+}
+
+void AddTransfers(List& list) {
   const struct {
     Lib::qvDataType type;
-    int srcBytes, dstBytes;
+    int from, to;
   } copies[] = {{Lib::OneChannel, 1, 1},
                 {Lib::ThreeChannels, 3, 3},
                 {Lib::PlaneToThreeChannels, 1, 3},
                 {Lib::FourToThreeChannels, 4, 3},
                 {Lib::ThreeToFourChannels, 3, 4}};
-  for (const auto& c : copies)
-    calls.push_back({Name("qvCopy", c.type), [c](Frames& f) {
-                       return Lib::qvCopy(c.type, f.src[0].data(), W * c.srcBytes, f.dst[0].data(),
-                                          W * c.dstBytes, kSize);
-                     }});
-  calls.push_back({"qvCopy row", [](Frames& f) {
-                     return Lib::qvCopy(Lib::OneChannel, f.src[0].data(), 0, f.dst[0].data(), 0,
-                                        {Frames::kBytes, 1});
-                   }});
-  calls.push_back({"qvDup", [](Frames& f) {
-                     return Lib::qvDup(Lib::OneChannel, f.src[0].data(), W, f.dst[0].data(), 3 * W,
-                                       kSize);
-                   }});
+  for (const auto& copy : copies)
+    list.push_back({Name("qvCopy", copy.type), Pixels(copy.from, copy.to),
+                    [=](const Plane* p, IppiSize size) {
+                      return Lib::qvCopy(copy.type, p[0].data, p[0].step, p[1].data, p[1].step,
+                                         size);
+                    }});
+  list.push_back({"qvCopy of a row",
+                  [](IppiSize s) {
+                    return Shapes{{s.width, 1, false}, {s.width, 1, true}};
+                  },
+                  [](const Plane* p, IppiSize size) {
+                    return Lib::qvCopy(Lib::OneChannel, p[0].data, 0, p[1].data, 0,
+                                       {size.width, 1});
+                  }});
+  list.push_back({"qvDup", Pixels(1, 3), [](const Plane* p, IppiSize size) {
+                    return Lib::qvDup(Lib::OneChannel, p[0].data, p[0].step, p[1].data, p[1].step,
+                                      size);
+                  }});
   for (const auto type : kTypes) {
-    const int step = W * ChannelsOf(type);
-    calls.push_back({Name("qvSet", type), [=](Frames& f) {
-                       return Lib::qvSet(type, f.src[0].data(), f.dst[0].data(), step, kSize);
-                     }});
+    const int bytes = ChannelsOf(type);
+    list.push_back({Name("qvSet", type), InPlace(bytes), [=](const Plane* p, IppiSize size) {
+                      static constexpr unsigned char kColour[3] = {3, 141, 59};
+                      return Lib::qvSet(type, kColour, p[0].data, p[0].step, size);
+                    }});
     for (const IppiAxis axis : {AxisHorizontal, AxisVertical, AxisBoth})
-      calls.push_back({Name("qvMirror", type, axis), [=](Frames& f) {
-                         return Lib::qvMirror(type, f.src[0].data(), step, f.dst[0].data(), step,
-                                              kSize, axis);
-                       }});
+      list.push_back({Name("qvMirror", type, axis), Pixels(bytes, bytes),
+                      [=](const Plane* p, IppiSize size) {
+                        return Lib::qvMirror(type, p[0].data, p[0].step, p[1].data, p[1].step, size,
+                                             axis);
+                      }});
   }
-  for (const int bits : {1, 4, 8})
-    calls.push_back({Name("qvLUTPalette", bits), [=](Frames& f) {
-                       return Lib::qvLUTPalette(Lib::OneChannel, f.src[0].data(), W,
-                                                f.dst[0].data(), 3 * W, kSize, f.src[1].data(),
-                                                bits);
-                     }});
-  calls.push_back({"qvMulCScale", [](Frames& f) {
-                     return Lib::qvMulCScale(Lib::ScalePlane, 137, f.dst[0].data(), W, kSize);
-                   }});
+  list.push_back({"qvLUTPalette", Pixels(1, 3), [](const Plane* p, IppiSize size) {
+                    static const Bytes palette = Noise(768);
+                    return Lib::qvLUTPalette(Lib::OneChannel, p[0].data, p[0].step, p[1].data,
+                                             p[1].step, size, palette.data(), 8);
+                  }});
+  list.push_back({"qvMulCScale", InPlace(1),
+                  [](const Plane* p, IppiSize size) {
+                    return Lib::qvMulCScale(Lib::ScalePlane, 77, p[0].data, p[0].step, size);
+                  },
+                  false});
 }
 
-// The sum is written where the digest sees it.
-void AddChecksums(Calls& calls) {
+// Of the first row; the sum is written to the second plane.
+void AddChecksums(List& list) {
   const auto add = [&](const char* name, auto operation, unsigned fresh) {
-    for (const int length : {1000, Frames::kBytes})
-      calls.push_back({Name(name, length), [=](Frames& f) {
-                         unsigned sum = fresh;
-                         const IppStatus status =
-                             operation(Lib::OneChannel, f.src[0].data(), length, &sum);
-                         std::memcpy(f.dst[0].data(), &sum, sizeof sum);
-                         return status;
-                       }});
+    list.push_back({name,
+                    [](IppiSize s) {
+                      return Shapes{{s.width, 1, false}, {sizeof fresh, 1, true}};
+                    },
+                    [=](const Plane* p, IppiSize size) {
+                      unsigned sum = fresh;
+                      const auto status = operation(Lib::OneChannel, p[0].data, size.width, &sum);
+                      std::memcpy(p[1].data, &sum, sizeof sum);
+                      return status;
+                    }});
   };
   add("qvCRC32", Lib::qvCRC32, 0);
   add("qvAdler32", Lib::qvAdler32, 1);
 }
 
-void AddConversions(Calls& calls) {
-  for (const IppiSize size : {kSize, IppiSize{W - 1, H - 1}}) {
-    calls.push_back({Name("qvYCbCr420", size.width), [=](Frames& f) {
-                       unsigned char* planes[] = {f.dst[0].data(), f.dst[1].data(), f.dst[2].data()};
-                       int steps[] = {W, W / 2, W / 2};
-                       return Lib::qvYCbCr420(Lib::OneChannel, f.src[0].data(), W, f.src[1].data(),
-                                              W, planes, steps, size);
-                     }});
-    calls.push_back({Name("qvYCbCr422ToYCrCb420", size.width), [=](Frames& f) {
-                       unsigned char* planes[] = {f.dst[0].data(), f.dst[1].data(), f.dst[2].data()};
-                       int steps[] = {W, W / 2, W / 2};
-                       return Lib::qvYCbCr422ToYCrCb420(Lib::OneChannel, f.src[0].data(), 2 * W,
-                                                        planes, steps, size);
-                     }});
-    calls.push_back({Name("qvYCbCr420ToBGR", size.width), [=](Frames& f) {
-                       unsigned char* planes[] = {f.src[0].data(), f.src[1].data(), f.src[2].data()};
-                       int steps[] = {W, W / 2, W / 2};
-                       return Lib::qvYCbCr420ToBGR(Lib::OneChannel, planes, steps, f.dst[0].data(),
-                                                   3 * W, size);
-                     }});
-    calls.push_back({Name("qvYCbCr422ToBGR", size.width), [=](Frames& f) {
-                       return Lib::qvYCbCr422ToBGR(Lib::OneChannel, f.src[0].data(), 2 * W,
-                                                   f.dst[0].data(), 3 * W, size);
-                     }});
-  }
+// The first three planes as arrays.
+struct Planes420 {
+  explicit Planes420(const Plane* p)
+      : data{p[0].data, p[1].data, p[2].data}, steps{p[0].step, p[1].step, p[2].step} {}
+  unsigned char* data[3];
+  int steps[3];
+};
+
+Shapes With420(IppiSize s, bool written, Shapes others) {
+  Shapes shapes = {{s.width, s.height, written},
+                   {s.width / 2, s.height / 2, written},
+                   {s.width / 2, s.height / 2, written}};
+  shapes.insert(shapes.end(), others.begin(), others.end());
+  return shapes;
 }
 
-void AddResizes(Calls& calls) {
-  const struct {
-    IppiRect region;
-    IppiSize dst;
-    double x, y;
-  } scales[] = {{kWhole, {W, 3 * H / 4}, 0.7, 0.73},
-                {kWhole, {W / 2, H / 2}, 0.5, 0.5},
-                {kPart, {W, H - 1}, 1.05, 0.99},
-                {{0, 0, W, 40}, {2 * W, 80}, 1.9, 1.7}};
-  int scale = 0;
-  for (const auto& s : scales) {
-    ++scale;
-    for (const auto type : kTypes)
-      for (const int method : {1, 2, 4, 8, 16})
-        calls.push_back({Name("qvResize", type, method, scale), [=](Frames& f) {
-                           const int step = W * ChannelsOf(type);
-                           return Lib::qvResize(type, f.src[0].data(), kSize, step, s.region,
-                                                f.dst[0].data(), s.dst.width * ChannelsOf(type),
-                                                s.dst, s.x, s.y, method);
-                         }});
-    for (const int method : {1, 2, 4})
-      calls.push_back({Name("qvResizeYUV422", method, scale), [=](Frames& f) {
-                         const IppiRect even = {s.region.x / 4 * 2, s.region.y,
-                                                s.region.width / 4 * 2, s.region.height};
-                         return Lib::qvResizeYUV422(Lib::OneChannel, f.src[0].data(), kSize, 2 * W,
-                                                    even, f.dst[0].data(), 2 * s.dst.width, s.dst,
-                                                    s.x, s.y, method);
-                       }});
-  }
-  calls.push_back({"qvResize by a denormal number", [](Frames& f) {
-                     return Lib::qvResize(Lib::OneChannel, f.src[0].data(), kSize, W, kWhole,
-                                          f.dst[0].data(), W, {W, 40}, 1e-310, 0.1, 2);
-                   }});
+void AddConversions(List& list) {
+  list.push_back({"qvYCbCr420",
+                  [](IppiSize s) {
+                    return With420(s, true,
+                                   {{s.width, s.height, false}, {s.width, s.height / 2, false}});
+                  },
+                  [](const Plane* p, IppiSize size) {
+                    Planes420 to(p);
+                    return Lib::qvYCbCr420(Lib::OneChannel, p[3].data, p[3].step, p[4].data,
+                                           p[4].step, to.data, to.steps, size);
+                  }});
+  list.push_back({"qvYCbCr422ToYCrCb420",
+                  [](IppiSize s) {
+                    return With420(s, true, {{2 * s.width + 2, s.height, false}});
+                  },
+                  [](const Plane* p, IppiSize size) {
+                    Planes420 to(p);
+                    return Lib::qvYCbCr422ToYCrCb420(Lib::OneChannel, p[3].data, p[3].step, to.data,
+                                                     to.steps, size);
+                  }});
+  list.push_back({"qvYCbCr420ToBGR",
+                  [](IppiSize s) {
+                    return With420(s, false, {{3 * s.width, s.height, true}});
+                  },
+                  [](const Plane* p, IppiSize size) {
+                    Planes420 from(p);
+                    return Lib::qvYCbCr420ToBGR(Lib::OneChannel, from.data, from.steps, p[3].data,
+                                                p[3].step, size);
+                  }});
+  list.push_back({"qvYCbCr422ToBGR", Pixels(2, 3), [](const Plane* p, IppiSize size) {
+                    return Lib::qvYCbCr422ToBGR(Lib::OneChannel, p[0].data, p[0].step, p[1].data,
+                                                p[1].step, size);
+                  }});
 }
 
-void AddGeometry(Calls& calls) {
-  static constexpr double kMatrices[2][3][3] = {
-      {{0.875, 0.125, 3.5}, {-0.0625, 0.9375, 7}, {0.00012, -0.00024, 1}},
-      {{1.1, -0.3, 31}, {0.2, 0.9, -12.3}, {0, 0, 1}}};
+// Fewer columns, more rows.
+constexpr double kAcross = 2.0 / 3, kDown = 1.5;
+IppiSize Resized(IppiSize s) { return {s.width * 2 / 3, s.height * 3 / 2}; }
+
+void AddResizes(List& list) {
+  for (const auto type : kTypes)
+    for (const int method : {1, 2, 4, 8, 16}) {
+      const int bytes = ChannelsOf(type);
+      list.push_back({Name("qvResize", type, method),
+                      [=](IppiSize s) {
+                        const IppiSize to = Resized(s);
+                        return Shapes{{bytes * s.width, s.height, false},
+                                      {bytes * to.width, to.height, true}};
+                      },
+                      [=](const Plane* p, IppiSize s) {
+                        // Area averaging reduces, to a quarter, so that bands in the middle of a
+                        // large image have work as well.
+                        const bool area = method == 8;
+                        return Lib::qvResize(type, p[0].data, s, p[0].step,
+                                             {0, 0, s.width, s.height}, p[1].data, p[1].step,
+                                             Resized(s), area ? 0.5 : kAcross, area ? 0.25 : kDown,
+                                             method);
+                      }});
+    }
+  for (const int method : {1, 2, 4})
+    list.push_back({Name("qvResizeYUV422", method),
+                    [](IppiSize s) {
+                      const IppiSize to = Resized(s);
+                      return Shapes{{2 * s.width, s.height, false},
+                                    {2 * to.width + 2, to.height, true}};
+                    },
+                    [=](const Plane* p, IppiSize s) {
+                      const IppiSize from = {s.width & ~1, s.height};
+                      return Lib::qvResizeYUV422(Lib::OneChannel, p[0].data, from, p[0].step,
+                                                 {0, 0, from.width, from.height}, p[1].data,
+                                                 p[1].step, Resized(s), kAcross, kDown, method);
+                    }});
+}
+
+void AddGeometry(List& list) {
+  static constexpr double kShear[3][3] = {{1.01, 0.125, -2.5}, {-0.001, 1.125, 7}, {0, 0, 1}};
+  static constexpr double kTilt[3][3] = {{1.01, 0.125, -2.5}, {-0.001, 1.125, 7}, {1e-7, 0, 1}};
   for (const auto type : kTypes)
     for (const int method : {1, 2, 4}) {
-      const int step = W * ChannelsOf(type);
-      for (const double angle : {0.3, 30.0, 90.0, 180.0, 270.0})
-        calls.push_back({Name("qvRotate", type, method, angle), [=](Frames& f) {
-                           return Lib::qvRotate(type, f.src[0].data(), kSize, step, kPart,
-                                                f.dst[0].data(), step, kWhole, angle, 12, 150,
-                                                method);
-                         }});
-      for (const auto& matrix : kMatrices)
-        calls.push_back({Name("qvWarpPerspective", type, method, matrix[0][0]), [=](Frames& f) {
-                           return Lib::qvWarpPerspective(type, f.src[0].data(), kSize, step, kPart,
-                                                         f.dst[0].data(), step, kWhole, matrix,
-                                                         method);
-                         }});
+      const int bytes = ChannelsOf(type);
+      for (const int angle : {1, 90, 180, 270})
+        list.push_back(
+            {Name("qvRotate", type, method, angle), Pixels(bytes, bytes),
+             [=](const Plane* p, IppiSize s) {
+               const IppiRect all = {0, 0, s.width, s.height};
+               // Quarter turns are laid so that the last source rows meet the last
+               // destination rows.
+               double x = -1.5, y = 2.25;
+               if (angle == 90) x = 0, y = s.height - 1;
+               if (angle == 180) x = s.width - 1, y = s.height - 1;
+               if (angle == 270) x = s.height, y = 0;
+               return Lib::qvRotate(type, p[0].data, s, p[0].step, all, p[1].data, p[1].step, all,
+                                    angle, x, y, method);
+             },
+             false});
+      list.push_back({Name("qvWarpPerspective", type, method), Pixels(bytes, bytes),
+                      [=](const Plane* p, IppiSize s) {
+                        const IppiRect all = {0, 0, s.width, s.height};
+                        return Lib::qvWarpPerspective(type, p[0].data, s, p[0].step, all, p[1].data,
+                                                      p[1].step, all,
+                                                      method == 1 ? kTilt : kShear, method);
+                      },
+                      false});
     }
-  calls.push_back({"qvRotate by a denormal number", [](Frames& f) {
-                     return Lib::qvRotate(Lib::OneChannel, f.src[0].data(), kSize, W, kPart,
-                                          f.dst[0].data(), W, kWhole, 90, 1e-310, 0, 3);
-                   }});
-  calls.push_back({"qvWarpPerspectiveEx", [](Frames& f) {
-                     return Lib::qvWarpPerspectiveEx(Lib::ThreeChannels, f.src[0].data(), kSize,
-                                                     3 * W, kWhole, f.dst[0].data(), 3 * W, kWhole,
-                                                     kMatrices[0], 2, f.src[1].data(), W,
-                                                     f.dst[1].data(), W, kMatrices[1]);
-                   }});
-  calls.push_back({"qvGetPerspectiveTransform", [](Frames& f) {
-                     const double quad[4][2] = {{10.1, 4}, {300, 12.3}, {290.7, 200}, {3, 190}};
-                     double coeffs[3][3];
-                     const auto status =
-                         Lib::qvGetPerspectiveTransform(Lib::OneChannel, kPart, quad, coeffs);
-                     std::memcpy(f.dst[0].data(), coeffs, sizeof coeffs);
-                     return status;
-                   }});
+  list.push_back({"qvWarpPerspectiveEx",
+                  [](IppiSize s) {
+                    return Shapes{{3 * s.width, s.height, false},
+                                  {3 * s.width, s.height, true},
+                                  {s.width, s.height, false},
+                                  {s.width, s.height, true}};
+                  },
+                  [](const Plane* p, IppiSize s) {
+                    const IppiRect all = {0, 0, s.width, s.height};
+                    return Lib::qvWarpPerspectiveEx(
+                        Lib::ThreeChannels, p[0].data, s, p[0].step, all, p[1].data, p[1].step, all,
+                        kShear, 2, p[2].data, p[2].step, p[3].data, p[3].step, kShear);
+                  },
+                  false});
+
+  // Of numbers; they are written to the plane.
+  list.push_back({"qvGetPerspectiveTransform",
+                  [](IppiSize) {
+                    return Shapes{{sizeof(double[3][3]), 1, true}};
+                  },
+                  [](const Plane* p, IppiSize s) {
+                    const double quad[4][2] = {{10.1, 4}, {300, 12.3}, {290.7, 200}, {3, 190}};
+                    double coeffs[3][3];
+                    const auto status = Lib::qvGetPerspectiveTransform(
+                        Lib::OneChannel, {1, 2, s.width, s.height}, quad, coeffs);
+                    std::memcpy(p[0].data, coeffs, sizeof coeffs);
+                    return status;
+                  }});
   for (const double angle : {33.3, 450.0})
-    calls.push_back({Name("qvGetRotateBound", angle), [=](Frames& f) {
-                       double bound[2][2];
-                       const auto status = Lib::qvGetRotateBound(Lib::OneChannel, kPart, bound,
-                                                                 angle, 1.1, -2.3);
-                       std::memcpy(f.dst[0].data(), bound, sizeof bound);
-                       return status;
-                     }});
+    list.push_back({Name("qvGetRotateBound", angle),
+                    [](IppiSize) {
+                      return Shapes{{sizeof(double[2][2]), 1, true}};
+                    },
+                    [=](const Plane* p, IppiSize s) {
+                      double bound[2][2];
+                      const auto status = Lib::qvGetRotateBound(
+                          Lib::OneChannel, {1, 2, s.width, s.height}, bound, angle, 1.1, -2.3);
+                      std::memcpy(p[0].data, bound, sizeof bound);
+                      return status;
+                    }});
 }
 
-void AddCompositions(Calls& calls) {
+void AddCompositions(List& list) {
   for (const auto type : kTypes) {
-    const int step = W * ChannelsOf(type);
-    for (int code = AlphaOver; code <= AlphaPlusPremul; ++code)
-      calls.push_back({Name("qvAlphaCompC", type, code), [=](Frames& f) {
-                         return Lib::qvAlphaCompC(type, f.src[0].data(), step, 200, f.src[1].data(),
-                                                  step, 99, f.dst[0].data(), step, kSize,
-                                                  static_cast<IppiAlphaType>(code));
-                       }});
-    calls.push_back({Name("qvMergeAlphaPlus", type), [=](Frames& f) {
-                       return Lib::qvMergeAlphaPlus(type, f.dst[0].data(), step, f.src[0].data(),
-                                                    step, f.src[1].data(), W, W, H);
-                     }});
-    for (const unsigned mode : {0u, 1u})
-      calls.push_back({Name("qvDeinterlace", type, mode), [=](Frames& f) {
-                         return Lib::qvDeinterlace(type, f.src[0].data(), step, f.dst[0].data(),
-                                                   step, kSize, 129, mode);
-                       }});
+    const int bytes = ChannelsOf(type);
+    for (const IppiAlphaType code : {AlphaOver, AlphaAtop, AlphaXorPremul})
+      list.push_back({Name("qvAlphaCompC", type, code),
+                      [=](IppiSize s) {
+                        return Shapes{{bytes * s.width, s.height, false},
+                                      {bytes * s.width, s.height, false},
+                                      {bytes * s.width, s.height, true}};
+                      },
+                      [=](const Plane* p, IppiSize size) {
+                        return Lib::qvAlphaCompC(type, p[0].data, p[0].step, 200, p[1].data,
+                                                 p[1].step, 99, p[2].data, p[2].step, size, code);
+                      }});
+    list.push_back({Name("qvMergeAlphaPlus", type),
+                    [=](IppiSize s) {
+                      return Shapes{{bytes * s.width, s.height, true},
+                                    {bytes * s.width, s.height, false},
+                                    {s.width, s.height, false}};
+                    },
+                    [=](const Plane* p, IppiSize s) {
+                      return Lib::qvMergeAlphaPlus(type, p[0].data, p[0].step, p[1].data, p[1].step,
+                                                   p[2].data, p[2].step, s.width, s.height);
+                    }});
   }
-  calls.push_back({"qvMergeAlphaOver", [](Frames& f) {
-                     return Lib::qvMergeAlphaOver(Lib::ThreeChannels, f.dst[0].data(), 3 * W,
-                                                  f.src[1].data(), W, f.src[0].data(), 3 * W,
-                                                  f.src[2].data(), W, f.dst[1].data(), 3 * W, W, H);
-                   }});
+  // Three channels are filtered together with what lies between the rows.
+  for (const unsigned mode : {0u, 1u})
+    list.push_back({Name("qvDeinterlace", mode), Pixels(1, 1), [=](const Plane* p, IppiSize size) {
+                      return Lib::qvDeinterlace(Lib::OneChannel, p[0].data, p[0].step, p[1].data,
+                                                p[1].step, size, 129, mode);
+                    }});
+  list.push_back({"qvMergeAlphaOver",
+                  [](IppiSize s) {
+                    return Shapes{{3 * s.width, s.height, true},
+                                  {s.width, s.height, true},
+                                  {3 * s.width, s.height, false},
+                                  {s.width, s.height, false}};
+                  },
+                  [](const Plane* p, IppiSize s) {
+                    return Lib::qvMergeAlphaOver(Lib::ThreeChannels, p[0].data, p[0].step,
+                                                 p[1].data, p[1].step, p[2].data, p[2].step,
+                                                 p[3].data, p[3].step, p[1].data, 3 * s.width,
+                                                 s.width, s.height);
+                  }});
 }
 
 }  // namespace
 
-Frames::Frames() : initial_(kBytes) {
-  Random random(20);
-  for (auto& s : src) {
-    s.resize(kBytes);
-    random.Fill(s.data(), s.size());
-  }
-  random.Fill(initial_.data(), initial_.size());
-  RestoreDestinations();
-}
-
-void Frames::RestoreDestinations() {
-  const int bytes[] = {kBytes, kWidth * kHeight, kWidth * kHeight};  // the last two are planes
-  for (int i = 0; i < 3; ++i) dst[i].assign(initial_.begin(), initial_.begin() + bytes[i]);
-}
-
-std::uint64_t Frames::Digest() const {
-  std::uint64_t digest = 0xCBF29CE484222325u;
-  for (const auto& d : dst)
-    for (std::size_t i = 0; i < d.size(); i += 8) {  // FNV-1a with eight bytes at a time, and mixed
-      std::uint64_t bytes;
-      std::memcpy(&bytes, d.data() + i, 8);
-      digest = (digest ^ bytes) * 0x100000001B3u;
-      digest ^= digest >> 29;
-    }
-  return digest;
-}
-
-const std::vector<OperationCall>& AllCalls() {
-  static const Calls calls = [] {
-    Calls all;
+const List& Operations() {
+  static const List operations = [] {
+    List all;
     AddTransfers(all);
     AddChecksums(all);
     AddConversions(all);
@@ -263,19 +327,68 @@ const std::vector<OperationCall>& AllCalls() {
     AddCompositions(all);
     return all;
   }();
-  return calls;
+  return operations;
 }
 
-Outcome RunCall(const OperationCall& call, Frames& frames) {
-  frames.RestoreDestinations();
-  const IppStatus status = call.call(frames);
-  return {status, frames.Digest()};
+Planes::Planes(std::size_t capacity) {
+  for (int i = 0; i < 5; ++i) memory_.push_back(std::make_unique<GuardedMemory>(capacity));
+}
+
+void Planes::Place(const Operation& operation, IppiSize size,
+                   const std::function<int(int)>& step) {
+  shapes_ = operation.shapes(size);
+  planes_.clear();
+  size_ = size;
+  for (std::size_t i = 0; i < shapes_.size(); ++i) {
+    const int apart = step(shapes_[i].rowBytes);
+    const std::ptrdiff_t last = std::ptrdiff_t{apart} * (shapes_[i].rows - 1);
+    planes_.push_back({memory_[i]->begin() + (last < 0 ? -last : 0), apart});
+  }
+}
+
+template <class Visit>
+void Planes::ForEachRow(const Visit& visit) const {
+  for (std::size_t i = 0; i < shapes_.size(); ++i)
+    for (int y = 0; y < shapes_[i].rows; ++y)
+      visit(shapes_[i], planes_[i].data + std::ptrdiff_t{y} * planes_[i].step);
+}
+
+void Planes::Fill() {
+  Random random(20);
+  ForEachRow([&](const Shape& shape, unsigned char* row) {
+    random.Fill(row, static_cast<std::size_t>(shape.rowBytes));
+  });
+}
+
+Outcome Planes::Call(const Operation& operation) {
+  const IppStatus status = operation.call(planes_.data(), size_);
+  return {status, Digest()};
+}
+
+std::uint64_t Planes::Digest() const {
+  std::uint64_t digest = 0xCBF29CE484222325u;
+  ForEachRow([&](const Shape& shape, const unsigned char* row) {
+    if (!shape.written) return;
+    for (int i = 0; i < shape.rowBytes; i += 8) {  // FNV-1a with eight bytes at a time, and mixed
+      std::uint64_t bytes = 0;
+      std::memcpy(&bytes, row + i, static_cast<std::size_t>(std::min(8, shape.rowBytes - i)));
+      digest = (digest ^ bytes) * 0x100000001B3u;
+      digest ^= digest >> 29;
+    }
+  });
+  return digest;
+}
+
+std::uint64_t Runner::Prepare(const Operation& operation) {
+  planes_.Place(operation, kBanded);
+  planes_.Fill();
+  return planes_.Digest();
 }
 
 std::vector<Outcome> RunAll() {
-  Frames frames;
+  Runner runner;
   std::vector<Outcome> outcomes;
-  for (const OperationCall& call : AllCalls()) outcomes.push_back(RunCall(call, frames));
+  for (const Operation& operation : Operations()) outcomes.push_back(runner.Run(operation));
   return outcomes;
 }
 
