@@ -1,13 +1,7 @@
 // qvYCbCr422ToBGR, qvYCbCr420ToBGR, qvYCbCr420, qvYCbCr422ToYCrCb420.
 #include "bench/Bench.h"
+#include "bench/Peers.h"
 
-#if defined(QV_BENCH_OPENCV)
-#include <opencv2/core.hpp>
-#include <opencv2/imgproc.hpp>
-#endif
-#if defined(QV_BENCH_LIBYUV)
-#include <libyuv.h>
-#endif
 #if defined(QV_BENCH_SWSCALE)
 extern "C" {
 #include <libswscale/swscale.h>

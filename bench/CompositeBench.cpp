@@ -1,18 +1,8 @@
 // qvAlphaCompC, qvMergeAlphaPlus, qvMergeAlphaOver, qvDeinterlace.
-#include "bench/Bench.h"
-
-#if defined(QV_BENCH_OPENCV)
-#include <opencv2/core.hpp>
-#include <opencv2/imgproc.hpp>
-#endif
-#if defined(QV_BENCH_LIBYUV)
-#include <libyuv.h>
-#endif
-#if defined(QV_BENCH_PIXMAN)
-#include <pixman.h>
-
 #include <memory>
-#endif
+
+#include "bench/Bench.h"
+#include "bench/Peers.h"
 
 using Lib = CqvAccLib;
 

@@ -3,17 +3,7 @@
 #include <memory>
 
 #include "bench/Bench.h"
-
-#if defined(QV_BENCH_OPENCV)
-#include <opencv2/core.hpp>
-#include <opencv2/imgproc.hpp>
-#endif
-#if defined(QV_BENCH_LIBYUV)
-#include <libyuv.h>
-#endif
-#if defined(QV_BENCH_PIXMAN)
-#include <pixman.h>
-#endif
+#include "bench/Peers.h"
 
 using Lib = CqvAccLib;
 
@@ -27,6 +17,20 @@ struct Method {
 constexpr Method kMethods[] = {{1, "nearest"}, {2, "linear"}, {4, "cubic"}};
 
 Lib::qvDataType Type(int channels) { return channels == 1 ? Lib::OneChannel : Lib::ThreeChannels; }
+
+#if defined(QV_BENCH_OPENCV)
+cv::Mat Wrap(IppiSize size, int channels, unsigned char* pixels) {
+  return cv::Mat(size.height, size.width, channels == 1 ? CV_8UC1 : CV_8UC3, pixels);
+}
+
+int OpenCvFlag(int code) {
+  return code == 1 ? cv::INTER_NEAREST : code == 2 ? cv::INTER_LINEAR : cv::INTER_CUBIC;
+}
+
+const char* OpenCvName(int code) {
+  return code == 1 ? "OpenCV" : "~OpenCV, positions to 1/32 pixel";
+}
+#endif
 
 void TurnJobs(bench::Suite& s, IppiSize size) {
   const bench::Buffers b = s.Frame(size);
@@ -44,8 +48,8 @@ void TurnJobs(bench::Suite& s, IppiSize size) {
                     180, w - 1, h - 1, 1);
     });
 #if defined(QV_BENCH_OPENCV)
-    const int depth = channels == 1 ? CV_8UC1 : CV_8UC3;
-    const cv::Mat src(h, w, depth, b.src), upright(w, h, depth, b.dst), level(h, w, depth, b.dst);
+    const cv::Mat src = Wrap(size, channels, b.src), level = Wrap(size, channels, b.dst),
+                  upright = Wrap({h, w}, channels, b.dst);
     s.Peer(quarter, size, "OpenCV rotate",
            [=] { cv::rotate(src, cv::Mat(upright), cv::ROTATE_90_COUNTERCLOCKWISE); });
     s.Peer(half, size, "OpenCV rotate", [=] { cv::rotate(src, cv::Mat(level), cv::ROTATE_180); });
@@ -82,14 +86,11 @@ void WarpJobs(bench::Suite& s, IppiSize size) {
                                {0, 0, w, h}, m.c, code);
       });
 #if defined(QV_BENCH_OPENCV)
-      const int depth = channels == 1 ? CV_8UC1 : CV_8UC3;
-      const cv::Mat src(h, w, depth, b.src), dst(h, w, depth, b.dst);
+      const cv::Mat src = Wrap(size, channels, b.src), dst = Wrap(size, channels, b.dst);
       const cv::Mat matrix = cv::Mat(3, 3, CV_64F, const_cast<double(*)[3]>(m.c)).clone();
-      const int flag = code == 1   ? cv::INTER_NEAREST
-                       : code == 2 ? cv::INTER_LINEAR
-                                   : cv::INTER_CUBIC;
-      s.Peer(job, size, code == 1 ? "OpenCV" : "~OpenCV, positions to 1/32 pixel", [=] {
-        cv::warpPerspective(src, cv::Mat(dst), matrix, dst.size(), flag, cv::BORDER_REPLICATE);
+      s.Peer(job, size, OpenCvName(code), [=] {
+        cv::warpPerspective(src, cv::Mat(dst), matrix, dst.size(), OpenCvFlag(code),
+                            cv::BORDER_REPLICATE);
       });
 #endif
     }
@@ -147,15 +148,12 @@ void RotateJobs(bench::Suite& s, IppiSize size) {
                       xShift, yShift, code);
       });
 #if defined(QV_BENCH_OPENCV)
-      const int depth = channels == 1 ? CV_8UC1 : CV_8UC3;
-      const cv::Mat in(from.height, from.width, depth, src), out(h, w, depth, dst);
+      const cv::Mat in = Wrap(from, channels, src), out = Wrap(size, channels, dst);
       const cv::Mat matrix =
           (cv::Mat_<double>(2, 3) << cosine, sine, xShift, -sine, cosine, yShift);
-      const int flag = code == 1   ? cv::INTER_NEAREST
-                       : code == 2 ? cv::INTER_LINEAR
-                                   : cv::INTER_CUBIC;
-      s.Peer(job, size, code == 1 ? "OpenCV" : "~OpenCV, positions to 1/32 pixel", [=] {
-        cv::warpAffine(in, cv::Mat(out), matrix, out.size(), flag, cv::BORDER_REPLICATE);
+      s.Peer(job, size, OpenCvName(code), [=] {
+        cv::warpAffine(in, cv::Mat(out), matrix, out.size(), OpenCvFlag(code),
+                       cv::BORDER_REPLICATE);
       });
 #endif
 #if defined(QV_BENCH_PIXMAN)

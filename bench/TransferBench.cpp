@@ -2,14 +2,7 @@
 #include <cstring>
 
 #include "bench/Bench.h"
-
-#if defined(QV_BENCH_OPENCV)
-#include <opencv2/core.hpp>
-#include <opencv2/imgproc.hpp>
-#endif
-#if defined(QV_BENCH_LIBYUV)
-#include <libyuv.h>
-#endif
+#include "bench/Peers.h"
 
 using Lib = CqvAccLib;
 

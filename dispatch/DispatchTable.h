@@ -65,4 +65,11 @@ constexpr auto MakeDispatchTable() {
                         Avx512::kernel>();                                                       \
   }
 
+// The entry, in namespace qv, of a kernel that turns one image into another of `size`.
+#define QV_DEFINE_IMAGE_ENTRY(kernel)                                                            \
+  IppStatus kernel(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,       \
+                   IppiSize size) {                                                              \
+    return kernel##_Table(src, srcStep, dst, dstStep, size);                                     \
+  }
+
 #endif

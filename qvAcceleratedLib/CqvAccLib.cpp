@@ -3,15 +3,14 @@
 
 #include <new>
 
-#include "kernels/copy/Copy.h"
-#include "kernels/resize/Resize.h"
 #include "kernels/checksum/Checksum.h"
 #include "kernels/color/Color.h"
 #include "kernels/composite/Composite.h"
 #include "kernels/copy/Copy.h"
+#include "kernels/deinterlace/Deinterlace.h"
 #include "kernels/geometry/Geometry.h"
 #include "kernels/geometry/Transform.h"
-#include "kernels/deinterlace/Deinterlace.h"
+#include "kernels/resize/Resize.h"
 #include "qvAcceleratedLib/BandSplit.h"
 #include "qvAcceleratedLib/Settings.h"
 
@@ -23,9 +22,9 @@ CqvAccLib& CqvAccLib::operator=(const CqvAccLib&) { return *this; }
 
 namespace {
 
-using CopyKernel = decltype(CopyRows_8u_C1);
+using ImageKernel = decltype(CopyRows_8u_C1);
 
-CopyKernel* FindCopyKernel(int type) {
+ImageKernel* FindCopyKernel(int type) {
   switch (type) {
     case CqvAccLib::OneChannel: return CopyRows_8u_C1;
     case CqvAccLib::ThreeChannels: return CopyRows_8u_C3;
@@ -37,9 +36,8 @@ CopyKernel* FindCopyKernel(int type) {
 }
 
 // The kernel on bands of rows, both images moving on by their steps.
-IppStatus CopyInBands(CopyKernel* kernel, const unsigned char* src, int srcStep,
-                      unsigned char* dst, int dstStep, IppiSize size) {
-  const Bands bands = PlanBands(size.height, ThreadBudget);
+IppStatus RunOnRows(ImageKernel* kernel, const Bands& bands, const unsigned char* src, int srcStep,
+                    unsigned char* dst, int dstStep, IppiSize size) {
   return RunBands(bands, [&](int i) {
     return kernel(Advance(src, bands.First(i) * srcStep), srcStep,
                   Advance(dst, bands.First(i) * dstStep), dstStep,
@@ -51,10 +49,11 @@ IppStatus CopyInBands(CopyKernel* kernel, const unsigned char* src, int srcStep,
 
 IppStatus CqvAccLib::qvCopy(qvDataType type, const unsigned char* src, int srcStep,
                             unsigned char* dst, int dstStep, IppiSize size) {
-  CopyKernel* const kernel = FindCopyKernel(type);
+  ImageKernel* const kernel = FindCopyKernel(type);
   if (!kernel) return StatusDataTypeErr;
   if (size.height != 1 || type != OneChannel || ThreadBudget <= 1 || srcStep != dstStep)
-    return CopyInBands(kernel, src, srcStep, dst, dstStep, size);
+    return RunOnRows(kernel, PlanBands(size.height, ThreadBudget), src, srcStep, dst, dstStep,
+                     size);
   // A single row cannot be cut into rows: a long one is cut into pieces of columns.
   const Bands pieces = PlanPieces(size.width, ThreadBudget);
   return RunBands(pieces, [&](int i) {
@@ -65,7 +64,8 @@ IppStatus CqvAccLib::qvCopy(qvDataType type, const unsigned char* src, int srcSt
 
 IppStatus CqvAccLib::qvDup(qvDataType, const unsigned char* src, int srcStep, unsigned char* dst,
                            int dstStep, IppiSize size) {
-  return CopyInBands(DupGray_8u_C1C3, src, srcStep, dst, dstStep, size);
+  return RunOnRows(DupGray_8u_C1C3, PlanBands(size.height, ThreadBudget), src, srcStep, dst,
+                   dstStep, size);
 }
 
 IppStatus CqvAccLib::qvSet(qvDataType type, const unsigned char* const value, unsigned char* dst,
@@ -191,12 +191,8 @@ IppStatus CqvAccLib::qvYCbCr420ToBGR(qvDataType, unsigned char** const src, int*
 
 IppStatus CqvAccLib::qvYCbCr422ToBGR(qvDataType, const unsigned char* src, int srcStep,
                                      unsigned char* dst, int dstStep, IppiSize size) {
-  const Bands bands = PlanEvenBands(size.height, ThreadBudget);
-  return RunBands(bands, [&](int i) {
-    return YCbCr422ToBGR_8u_C2C3(Advance(src, bands.First(i) * srcStep), srcStep,
-                                 Advance(dst, bands.First(i) * dstStep), dstStep,
-                                 {size.width, bands.Height(i)});
-  });
+  return RunOnRows(YCbCr422ToBGR_8u_C2C3, PlanEvenBands(size.height, ThreadBudget), src, srcStep,
+                   dst, dstStep, size);
 }
 
 // ---- Resizing -----------------------------------------------------------------------------------

@@ -58,12 +58,12 @@ struct WeightedRun {
   // Products of bytes: a lane gains at most 255 * (8 + 7), and 8 * 3825 < 32768.
   // Without: the bytes of odd places alone, and whole lanes, from which those of even places follow
   // modulo 65536; 128 * 255 < 32768.
-  static constexpr ptrdiff_t kRun = kHasByteProducts ? 8 : 128;
+  static constexpr ptrdiff_t kRun = kHasByteShuffle ? 8 : 128;
 
   Vec sum = Zero(), odd = Zero();
 
   QV_INLINE void Add(Vec d) {
-    if constexpr (kHasByteProducts) {
+    if constexpr (kHasByteShuffle) {
       sum = Add16(sum, MulAddBytes(d, OctetPattern(0x01020304, 0x05060708)));
     } else {
       sum = Add16(sum, d);
@@ -72,7 +72,7 @@ struct WeightedRun {
   }
 
   QV_INLINE Vec Total() const {
-    if constexpr (kHasByteProducts) return MulAddPairs16(sum, Splat16(1));
+    if constexpr (kHasByteShuffle) return MulAddPairs16(sum, Splat16(1));
     const Vec even = Sub16(sum, ShiftLeft16<8>(odd));
     return Add32(MulAddPairs16(even, OctetPattern(0x00020004, 0x00060008)),
                  MulAddPairs16(odd, OctetPattern(0x00010003, 0x00050007)));

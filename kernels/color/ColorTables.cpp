@@ -8,10 +8,7 @@
 
 namespace qv {
 
-IppStatus YCbCr422ToBGR_8u_C2C3(const unsigned char* src, int srcStep, unsigned char* dst,
-                                int dstStep, IppiSize size) {
-  return YCbCr422ToBGR_8u_C2C3_Table(src, srcStep, dst, dstStep, size);
-}
+QV_DEFINE_IMAGE_ENTRY(YCbCr422ToBGR_8u_C2C3)
 
 IppStatus YCbCr420ToBGR_8u_P3C3(const unsigned char* const src[3], const int srcStep[3],
                                 unsigned char* dst, int dstStep, IppiSize size) {

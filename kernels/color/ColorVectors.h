@@ -49,6 +49,11 @@ struct LaneIndex {
   }
 };
 
+QV_INLINE Vec FourTimesEvenBytes(Vec v) {
+  if constexpr (kHasByteShuffle) return MulAddBytes(v, Splat16(4));
+  return ShiftLeft16<2>(And(v, Splat16(0xff)));
+}
+
 #if defined(__AVX512VBMI__)
 
 // The high halves of 32-bit lanes: those of `even` in even 16-bit lanes, those of `odd` in odd ones.
@@ -62,8 +67,6 @@ QV_INLINE Vec HighHalves(Vec even, Vec odd) {
 QV_INLINE Vec SubOdd16(Vec v, Vec lanes) {
   return _mm512_mask_sub_epi16(v, 0xAAAAAAAAu, v, lanes);
 }
-
-QV_INLINE Vec FourTimesEvenBytes(Vec v) { return _mm512_maddubs_epi16(v, Splat16(4)); }
 
 QV_INLINE void LoadPacked(const Byte* src, Vec& first, Vec& second) {
   first = Load(src);
@@ -153,15 +156,9 @@ QV_INLINE Vec SubOdd16(Vec v, Vec lanes) { return Sub16(v, And(lanes, SplatPair1
 
 #if defined(__AVX2__)
 
-QV_INLINE Vec Join(const void* low, const void* high) {
-  return _mm256_inserti128_si256(
-      _mm256_castsi128_si256(_mm_loadu_si128(static_cast<const __m128i*>(low))),
-      _mm_loadu_si128(static_cast<const __m128i*>(high)), 1);
-}
-
 QV_INLINE void LoadPacked(const Byte* src, Vec& first, Vec& second) {
-  first = Join(src, src + 32);
-  second = Join(src + 16, src + 48);
+  first = LoadLanes([=](int i) { return src + 32 * i; });
+  second = LoadLanes([=](int i) { return src + 16 + 32 * i; });
 }
 
 QV_INLINE Vec WidenBytes(const Byte* src) {
@@ -197,8 +194,6 @@ QV_INLINE void LoadLuma(const Byte* src, Vec& first, Vec& second) {
 
 #if defined(__AVX2__)
 
-QV_INLINE Vec FourTimesEvenBytes(Vec v) { return _mm256_maddubs_epi16(v, Splat16(4)); }
-
 QV_INLINE Vec SplatLane(const LaneIndex& index) {
   return _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(index.at)));
 }
@@ -210,8 +205,6 @@ QV_INLINE void StoreParts(Byte* dst, Vec a, Vec b, Vec c) {
 }
 
 #else
-
-QV_INLINE Vec FourTimesEvenBytes(Vec v) { return _mm_maddubs_epi16(v, Splat16(4)); }
 
 QV_INLINE Vec SplatLane(const LaneIndex& index) { return Load(index.at); }
 
@@ -239,8 +232,6 @@ QV_INLINE void StoreBGR(Byte* dst, const Colours& first, const Colours& second) 
 }
 
 #else  // SSE2
-
-QV_INLINE Vec FourTimesEvenBytes(Vec v) { return ShiftLeft16<2>(And(v, Splat16(0xff))); }
 
 // Two pixels B, G, R, 0 in each half become six bytes, the lowest of the half.
 QV_INLINE Vec Squeeze(Vec v) {

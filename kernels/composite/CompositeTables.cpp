@@ -7,21 +7,16 @@
 
 namespace qv {
 
-IppStatus AlphaCompC_8u_C1(const unsigned char* src1, int src1Step, unsigned char alpha1,
-                           const unsigned char* src2, int src2Step, unsigned char alpha2,
-                           unsigned char* dst, int dstStep, IppiSize size,
-                           IppiAlphaType alphaType) {
-  return AlphaCompC_8u_C1_Table(src1, src1Step, alpha1, src2, src2Step, alpha2, dst, dstStep, size,
-                                alphaType);
-}
-
-IppStatus AlphaCompC_8u_C3(const unsigned char* src1, int src1Step, unsigned char alpha1,
-                           const unsigned char* src2, int src2Step, unsigned char alpha2,
-                           unsigned char* dst, int dstStep, IppiSize size,
-                           IppiAlphaType alphaType) {
-  return AlphaCompC_8u_C3_Table(src1, src1Step, alpha1, src2, src2Step, alpha2, dst, dstStep, size,
-                                alphaType);
-}
+#define QV_BLEND_ENTRY(kernel)                                                                   \
+  IppStatus kernel(const unsigned char* src1, int src1Step, unsigned char alpha1,                \
+                   const unsigned char* src2, int src2Step, unsigned char alpha2,                \
+                   unsigned char* dst, int dstStep, IppiSize size, IppiAlphaType alphaType) {    \
+    return kernel##_Table(src1, src1Step, alpha1, src2, src2Step, alpha2, dst, dstStep, size,    \
+                          alphaType);                                                            \
+  }
+QV_BLEND_ENTRY(AlphaCompC_8u_C1)
+QV_BLEND_ENTRY(AlphaCompC_8u_C3)
+#undef QV_BLEND_ENTRY
 
 IppStatus MergeAlphaOverPlain_8u(unsigned char* fg, int fgStep, const unsigned char* fgAlpha,
                                  int fgAlphaStep, const unsigned char* bg, int bgStep,
@@ -39,18 +34,13 @@ IppStatus MergeAlphaOver_8u(unsigned char* fg, int fgStep, const unsigned char* 
                                  bgAlphaStep, dstAlpha, rowBytes, width, height);
 }
 
-IppStatus MergeAlphaPlus_8u_C1(unsigned char* srcDst, int srcDstStep, const unsigned char* src,
-                               int srcStep, const unsigned char* alpha, int alphaStep, int width,
-                               int height) {
-  return MergeAlphaPlus_8u_C1_Table(srcDst, srcDstStep, src, srcStep, alpha, alphaStep, width,
-                                    height);
-}
-
-IppStatus MergeAlphaPlus_8u_C3(unsigned char* srcDst, int srcDstStep, const unsigned char* src,
-                               int srcStep, const unsigned char* alpha, int alphaStep, int width,
-                               int height) {
-  return MergeAlphaPlus_8u_C3_Table(srcDst, srcDstStep, src, srcStep, alpha, alphaStep, width,
-                                    height);
-}
+#define QV_PLUS_ENTRY(kernel)                                                                    \
+  IppStatus kernel(unsigned char* srcDst, int srcDstStep, const unsigned char* src, int srcStep, \
+                   const unsigned char* alpha, int alphaStep, int width, int height) {           \
+    return kernel##_Table(srcDst, srcDstStep, src, srcStep, alpha, alphaStep, width, height);    \
+  }
+QV_PLUS_ENTRY(MergeAlphaPlus_8u_C1)
+QV_PLUS_ENTRY(MergeAlphaPlus_8u_C3)
+#undef QV_PLUS_ENTRY
 
 }  // namespace qv

@@ -8,9 +8,32 @@
 #ifndef QV_KERNELS_COMPOSITE_OVERBLOCK_H
 #define QV_KERNELS_COMPOSITE_OVERBLOCK_H
 
-#include "kernels/composite/Floats.h"
+#include "kernels/level/Floats.h"
 
 namespace qv::QV_LEVEL {
+
+// x / 255, rounded, of integers from 0 to 256: x / 255 = p + p / 65535 with p = x * 257 / 65536,
+// which is exact. The second term is so small that its own rounding never shows in the sum; all 257
+// values are those of a division.
+constexpr float k257Over65536 = 257.0f / 65536.0f;
+QV_INLINE Floats AddOver65535(Floats p) {
+#if defined(__AVX512F__)
+  return _mm512_fmadd_ps(p, SplatFloat(1.0f / 65535.0f), p);
+#else
+  return AddFloat(p, MulFloat(p, SplatFloat(1.0f / 65535.0f)));
+#endif
+}
+QV_INLINE Floats Over255(Floats x) { return AddOver65535(MulFloat(x, SplatFloat(k257Over65536))); }
+
+// What the alphas of a pixel make of its colours: (F * foreground + background * B) / divisor.
+struct OverWeights {
+  Floats foreground, background, divisor;
+};
+
+// Of alphas over 255; the merged one comes with the 1 added before.
+QV_INLINE OverWeights WeightsOf(Floats fgAlpha, Floats bgAlpha, Floats divisor) {
+  return {fgAlpha, MulFloat(SubFloat(SplatFloat(1.0f), fgAlpha), bgAlpha), divisor};
+}
 
 #if defined(__AVX512VBMI__)
 
@@ -20,8 +43,8 @@ constexpr int kOverReads = 64;
 // The bytes that `index` picks, one for each 32-bit lane, as numbers above 2^23: a byte in the low
 // end of that number's significand.
 QV_INLINE Floats BytesAbove23(Vec bytes, const ByteTable& index) {
-  return _mm512_castsi512_ps(PermuteBytesOver(Splat32(0x4B000000), 0x1111111111111111u, bytes,
-                                              Load(index.b)));
+  return AsFloats(
+      PermuteBytesOver(Splat32(0x4B000000), 0x1111111111111111u, bytes, Load(index.b)));
 }
 
 QV_INLINE Floats AlphasAbove23(const Byte* alpha) {
@@ -93,7 +116,7 @@ QV_INLINE Floats AlphaFloats(const Byte* alpha) {
 // Pixels 0 to 3 in the first twelve bytes of the low lane, 4 to 7 in the last twelve of the high
 // one.
 QV_INLINE Vec LoadColours(const Byte* p) {
-  return _mm256_inserti128_si256(_mm256_castsi128_si256(Load16(p)), Load16(p + 8), 1);
+  return LoadLanes([=](int i) { return p + 8 * i; });
 }
 
 QV_INLINE void OverBlock(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,

@@ -8,35 +8,12 @@
 
 namespace qv {
 
-IppStatus CopyRows_8u_C1(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
-                         IppiSize size) {
-  return CopyRows_8u_C1_Table(src, srcStep, dst, dstStep, size);
-}
-
-IppStatus CopyRows_8u_C3(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
-                         IppiSize size) {
-  return CopyRows_8u_C3_Table(src, srcStep, dst, dstStep, size);
-}
-
-IppStatus CopyChannel_8u_C1C3(const unsigned char* src, int srcStep, unsigned char* dst,
-                              int dstStep, IppiSize size) {
-  return CopyChannel_8u_C1C3_Table(src, srcStep, dst, dstStep, size);
-}
-
-IppStatus CopyDropAlpha_8u_AC4C3(const unsigned char* src, int srcStep, unsigned char* dst,
-                                 int dstStep, IppiSize size) {
-  return CopyDropAlpha_8u_AC4C3_Table(src, srcStep, dst, dstStep, size);
-}
-
-IppStatus CopyKeepAlpha_8u_C3AC4(const unsigned char* src, int srcStep, unsigned char* dst,
-                                 int dstStep, IppiSize size) {
-  return CopyKeepAlpha_8u_C3AC4_Table(src, srcStep, dst, dstStep, size);
-}
-
-IppStatus DupGray_8u_C1C3(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
-                          IppiSize size) {
-  return DupGray_8u_C1C3_Table(src, srcStep, dst, dstStep, size);
-}
+QV_DEFINE_IMAGE_ENTRY(CopyRows_8u_C1)
+QV_DEFINE_IMAGE_ENTRY(CopyRows_8u_C3)
+QV_DEFINE_IMAGE_ENTRY(CopyChannel_8u_C1C3)
+QV_DEFINE_IMAGE_ENTRY(CopyDropAlpha_8u_AC4C3)
+QV_DEFINE_IMAGE_ENTRY(CopyKeepAlpha_8u_C3AC4)
+QV_DEFINE_IMAGE_ENTRY(DupGray_8u_C1C3)
 
 IppStatus SetPixels_8u_C1(unsigned char value, unsigned char* dst, int dstStep, IppiSize size) {
   return SetPixels_8u_C1_Table(value, dst, dstStep, size);

@@ -43,22 +43,12 @@ QV_INLINE Lanes operator+(const Lanes& a, const Lanes& b) {
 // It wants a weight from -128 to 127: the products then fit signed lanes, which their sums may
 // leave.
 constexpr bool kHasSignedWeights = true;
-QV_INLINE Vec WeighPairs(Vec bytes, Vec weights) {
-#if defined(__AVX512BW__)
-  return _mm512_maddubs_epi16(bytes, weights);
-#elif defined(__AVX2__)
-  return _mm256_maddubs_epi16(bytes, weights);
-#else
-  return _mm_maddubs_epi16(bytes, weights);
-#endif
-}
-
 struct Weight {
   Vec even, odd;
   explicit Weight(int w) : even(Splat16(w & 0xFF)), odd(Splat16((w & 0xFF) << 8)) {}
 };
 QV_INLINE Lanes Weigh(Vec bytes, const Weight& w) {
-  return {WeighPairs(bytes, w.even), WeighPairs(bytes, w.odd)};
+  return {MulAddBytes(bytes, w.even), MulAddBytes(bytes, w.odd)};
 }
 
 #else

@@ -10,32 +10,10 @@ namespace qv::QV_LEVEL {
 
 constexpr int kLanes16 = kVecBytes / 16;
 
-// 16 bytes of each of kLanes16 rows, `apart` bytes from row to row; and the interleaving of 8-byte
-// halves within each 16-byte lane.
-#if defined(__AVX512F__)
+// 16 bytes of each of kLanes16 rows, `apart` bytes from row to row.
 QV_INLINE Vec LoadLanes(const Byte* p, ptrdiff_t apart) {
-  const auto load = [=](int i) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i * apart));
-  };
-  const __m256i low = _mm256_inserti128_si256(_mm256_castsi128_si256(load(0)), load(1), 1);
-  const __m256i high = _mm256_inserti128_si256(_mm256_castsi128_si256(load(2)), load(3), 1);
-  return _mm512_inserti64x4(_mm512_zextsi256_si512(low), high, 1);
+  return LoadLanes([=](int i) { return p + i * apart; });
 }
-QV_INLINE Vec InterleaveLow64(Vec a, Vec b) { return _mm512_unpacklo_epi64(a, b); }
-QV_INLINE Vec InterleaveHigh64(Vec a, Vec b) { return _mm512_unpackhi_epi64(a, b); }
-#elif defined(__AVX2__)
-QV_INLINE Vec LoadLanes(const Byte* p, ptrdiff_t apart) {
-  return _mm256_inserti128_si256(
-      _mm256_castsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))),
-      _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + apart)), 1);
-}
-QV_INLINE Vec InterleaveLow64(Vec a, Vec b) { return _mm256_unpacklo_epi64(a, b); }
-QV_INLINE Vec InterleaveHigh64(Vec a, Vec b) { return _mm256_unpackhi_epi64(a, b); }
-#else
-QV_INLINE Vec LoadLanes(const Byte* p, ptrdiff_t) { return Load(p); }
-QV_INLINE Vec InterleaveLow64(Vec a, Vec b) { return _mm_unpacklo_epi64(a, b); }
-QV_INLINE Vec InterleaveHigh64(Vec a, Vec b) { return _mm_unpackhi_epi64(a, b); }
-#endif
 
 // Stores the first three bytes of each of the kVecBytes / 4 groups of four, without gaps: exactly
 // 3 * kVecBytes / 4 bytes are written.

@@ -28,24 +28,24 @@ class Curve {
   QV_INLINE Curve(const WarpSegment& s, int skipped) : half_(s.count / 2) {
     for (int axis = 0; axis < 2; ++axis) {
       base_[axis] = Splat32(static_cast<int>(s.base[axis]));
-      for (int i = 0; i < (kIsLine ? 2 : 4); ++i) coeff_[axis][i] = SplatF(s.coeff[axis][i]);
+      for (int i = 0; i < (kIsLine ? 2 : 4); ++i) coeff_[axis][i] = SplatFloat(s.coeff[axis][i]);
     }
     MoveTo(skipped);
   }
   QV_INLINE void MoveTo(int column) {
     static constexpr float kIota[16] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
-    t_ = AddF(LoadF(kIota), SplatF(static_cast<float>(column - half_)));
+    t_ = AddFloat(LoadFloats(kIota), SplatFloat(static_cast<float>(column - half_)));
   }
-  QV_INLINE void Advance() { t_ = AddF(t_, SplatF(kLanes32)); }
+  QV_INLINE void Advance() { t_ = AddFloat(t_, SplatFloat(kLanes32)); }
   QV_INLINE Vec At(int axis) const {
-    const VecF* const c = coeff_[axis];
-    VecF p = c[1];
-    if constexpr (!kIsLine) p = AddF(MulF(AddF(MulF(c[3], t_), c[2]), t_), p);
-    return Add32(Truncate(AddF(MulF(p, t_), c[0])), base_[axis]);
+    const Floats* const c = coeff_[axis];
+    Floats p = c[1];
+    if constexpr (!kIsLine) p = AddFloat(MulFloat(AddFloat(MulFloat(c[3], t_), c[2]), t_), p);
+    return Add32(TruncatedInts(AddFloat(MulFloat(p, t_), c[0])), base_[axis]);
   }
 
  private:
-  VecF t_, coeff_[2][4];
+  Floats t_, coeff_[2][4];
   Vec base_[2];
   int half_;
 };

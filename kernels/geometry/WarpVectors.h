@@ -1,32 +1,47 @@
-// What warping needs of a level beyond the common vocabulary: single precision, 32-bit lanes, and
-// fetches from scattered addresses.
+// What warping needs of a level beyond the common vocabulary: arithmetic on 32-bit lanes and fetches
+// from scattered addresses.
 #ifndef QV_KERNELS_GEOMETRY_WARPVECTORS_H
 #define QV_KERNELS_GEOMETRY_WARPVECTORS_H
 
 #include "kernels/geometry/GeometryVectors.h"
+#include "kernels/level/Floats.h"
 
 #if QV_HAS_VECTORS
 
 namespace qv::QV_LEVEL {
 
-constexpr int kLanes32 = kVecBytes / 4;
+#if defined(__AVX2__)
+QV_INLINE Vec Min32(Vec a, Vec b) { return QV_OP(min_epi32)(a, b); }
+QV_INLINE Vec Max32(Vec a, Vec b) { return QV_OP(max_epi32)(a, b); }
+QV_INLINE Vec MulLow32(Vec a, Vec b) { return QV_OP(mullo_epi32)(a, b); }
+#else
+QV_INLINE Vec Choose(Vec mask, Vec a, Vec b) {
+  return _mm_or_si128(_mm_and_si128(mask, a), _mm_andnot_si128(mask, b));
+}
+QV_INLINE Vec Min32(Vec a, Vec b) { return Choose(_mm_cmpgt_epi32(a, b), b, a); }
+QV_INLINE Vec Max32(Vec a, Vec b) { return Choose(_mm_cmpgt_epi32(a, b), a, b); }
+QV_INLINE Vec MulLow32(Vec a, Vec b) {
+  const Vec even = _mm_mul_epu32(a, b);
+  const Vec odd = _mm_mul_epu32(_mm_srli_epi64(a, 32), _mm_srli_epi64(b, 32));
+  return _mm_unpacklo_epi32(_mm_shuffle_epi32(even, _MM_SHUFFLE(0, 0, 2, 0)),
+                            _mm_shuffle_epi32(odd, _MM_SHUFFLE(0, 0, 2, 0)));
+}
+#endif
 
+// Whether any lane is negative; and lane `lane` of each 16-byte lane in all four of it.
 #if defined(__AVX512F__)
-
-using VecF = __m512;
-QV_INLINE VecF LoadF(const float* p) { return _mm512_loadu_ps(p); }
-QV_INLINE VecF SplatF(float x) { return _mm512_set1_ps(x); }
-QV_INLINE VecF AddF(VecF a, VecF b) { return _mm512_add_ps(a, b); }
-QV_INLINE VecF MulF(VecF a, VecF b) { return _mm512_mul_ps(a, b); }
-QV_INLINE Vec Truncate(VecF v) { return _mm512_cvttps_epi32(v); }
-
-QV_INLINE Vec Min32(Vec a, Vec b) { return _mm512_min_epi32(a, b); }
-QV_INLINE Vec Max32(Vec a, Vec b) { return _mm512_max_epi32(a, b); }
-QV_INLINE Vec MulLow32(Vec a, Vec b) { return _mm512_mullo_epi32(a, b); }
 QV_INLINE bool AnyNegative32(Vec v) { return _mm512_movepi32_mask(v) != 0; }
 template <int lane> QV_INLINE Vec SplatInLanes32(Vec v) {
   return _mm512_shuffle_epi32(v, static_cast<_MM_PERM_ENUM>(lane * 0x55));
 }
+#else
+QV_INLINE bool AnyNegative32(Vec v) { return QV_OP(movemask_ps)(AsFloats(v)) != 0; }
+template <int lane> QV_INLINE Vec SplatInLanes32(Vec v) {
+  return QV_OP(shuffle_epi32)(v, lane * 0x55);
+}
+#endif
+
+#if defined(__AVX512F__)
 
 QV_INLINE Vec Gather32(const void* base, Vec offset) {
   return _mm512_i32gather_epi32(offset, base, 1);
@@ -35,22 +50,6 @@ template <int kHalf> QV_INLINE Vec Gather64(const Byte* base, Vec offset) {
   const Vec order = _mm512_setr_epi32(0, 1, 4, 5, 8, 9, 12, 13, 2, 3, 6, 7, 10, 11, 14, 15);
   const Vec sorted = _mm512_permutexvar_epi32(order, offset);
   return _mm512_i32gather_epi64(_mm512_extracti64x4_epi64(sorted, kHalf), base, 1);
-}
-template <int kPart> QV_INLINE Vec Gather128(const Byte* base, const int* offset) {
-  const auto load = [=](int i) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(base + offset[4 * i + kPart]));
-  };
-  const __m256i low = _mm256_inserti128_si256(_mm256_castsi128_si256(load(0)), load(1), 1);
-  const __m256i high = _mm256_inserti128_si256(_mm256_castsi128_si256(load(2)), load(3), 1);
-  return _mm512_inserti64x4(_mm512_zextsi256_si512(low), high, 1);
-}
-QV_INLINE Vec EvenLanes32(Vec a, Vec b) {
-  return _mm512_castps_si512(
-      _mm512_shuffle_ps(_mm512_castsi512_ps(a), _mm512_castsi512_ps(b), 0x88));
-}
-QV_INLINE Vec OddLanes32(Vec a, Vec b) {
-  return _mm512_castps_si512(
-      _mm512_shuffle_ps(_mm512_castsi512_ps(a), _mm512_castsi512_ps(b), 0xDD));
 }
 QV_INLINE void StoreLowBytes(Byte* p, Vec v) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm512_cvtepi32_epi8(v));
@@ -62,23 +61,6 @@ QV_INLINE void StoreAsBytes(Byte* p, Vec v) {
 
 #elif defined(__AVX2__)
 
-using VecF = __m256;
-QV_INLINE VecF LoadF(const float* p) { return _mm256_loadu_ps(p); }
-QV_INLINE VecF SplatF(float x) { return _mm256_set1_ps(x); }
-QV_INLINE VecF AddF(VecF a, VecF b) { return _mm256_add_ps(a, b); }
-QV_INLINE VecF MulF(VecF a, VecF b) { return _mm256_mul_ps(a, b); }
-QV_INLINE Vec Truncate(VecF v) { return _mm256_cvttps_epi32(v); }
-
-QV_INLINE Vec Min32(Vec a, Vec b) { return _mm256_min_epi32(a, b); }
-QV_INLINE Vec Max32(Vec a, Vec b) { return _mm256_max_epi32(a, b); }
-QV_INLINE Vec MulLow32(Vec a, Vec b) { return _mm256_mullo_epi32(a, b); }
-QV_INLINE bool AnyNegative32(Vec v) {
-  return _mm256_movemask_ps(_mm256_castsi256_ps(v)) != 0;
-}
-template <int lane> QV_INLINE Vec SplatInLanes32(Vec v) {
-  return _mm256_shuffle_epi32(v, lane * 0x55);
-}
-
 QV_INLINE Vec Gather32(const void* base, Vec offset) {
   return _mm256_i32gather_epi32(static_cast<const int*>(base), offset, 1);
 }
@@ -87,20 +69,6 @@ template <int kHalf> QV_INLINE Vec Gather64(const Byte* base, Vec offset) {
       _mm256_permutevar8x32_epi32(offset, _mm256_setr_epi32(0, 1, 4, 5, 2, 3, 6, 7));
   return _mm256_i32gather_epi64(reinterpret_cast<const long long*>(base),
                                 _mm256_extracti128_si256(sorted, kHalf), 1);
-}
-template <int kPart> QV_INLINE Vec Gather128(const Byte* base, const int* offset) {
-  const auto load = [=](int i) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(base + offset[4 * i + kPart]));
-  };
-  return _mm256_inserti128_si256(_mm256_castsi128_si256(load(0)), load(1), 1);
-}
-QV_INLINE Vec EvenLanes32(Vec a, Vec b) {
-  return _mm256_castps_si256(
-      _mm256_shuffle_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b), 0x88));
-}
-QV_INLINE Vec OddLanes32(Vec a, Vec b) {
-  return _mm256_castps_si256(
-      _mm256_shuffle_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b), 0xDD));
 }
 QV_INLINE void StoreLowBytes(Byte* p, Vec v) {
   const __m256i low = _mm256_shuffle_epi8(
@@ -117,29 +85,6 @@ QV_INLINE void StoreAsBytes(Byte* p, Vec v) {
 }
 
 #else
-
-using VecF = __m128;
-QV_INLINE VecF LoadF(const float* p) { return _mm_loadu_ps(p); }
-QV_INLINE VecF SplatF(float x) { return _mm_set1_ps(x); }
-QV_INLINE VecF AddF(VecF a, VecF b) { return _mm_add_ps(a, b); }
-QV_INLINE VecF MulF(VecF a, VecF b) { return _mm_mul_ps(a, b); }
-QV_INLINE Vec Truncate(VecF v) { return _mm_cvttps_epi32(v); }
-
-QV_INLINE Vec Choose(Vec mask, Vec a, Vec b) {
-  return _mm_or_si128(_mm_and_si128(mask, a), _mm_andnot_si128(mask, b));
-}
-QV_INLINE Vec Min32(Vec a, Vec b) { return Choose(_mm_cmpgt_epi32(a, b), b, a); }
-QV_INLINE Vec Max32(Vec a, Vec b) { return Choose(_mm_cmpgt_epi32(a, b), a, b); }
-QV_INLINE Vec MulLow32(Vec a, Vec b) {
-  const Vec even = _mm_mul_epu32(a, b);
-  const Vec odd = _mm_mul_epu32(_mm_srli_epi64(a, 32), _mm_srli_epi64(b, 32));
-  return _mm_unpacklo_epi32(_mm_shuffle_epi32(even, _MM_SHUFFLE(0, 0, 2, 0)),
-                            _mm_shuffle_epi32(odd, _MM_SHUFFLE(0, 0, 2, 0)));
-}
-QV_INLINE bool AnyNegative32(Vec v) { return _mm_movemask_ps(_mm_castsi128_ps(v)) != 0; }
-template <int lane> QV_INLINE Vec SplatInLanes32(Vec v) {
-  return _mm_shuffle_epi32(v, lane * 0x55);
-}
 
 template <int i> QV_INLINE int Lane32(Vec v) {
   return _mm_cvtsi128_si32(_mm_shuffle_epi32(v, i * 0x55));
@@ -162,15 +107,6 @@ template <int kHalf> QV_INLINE Vec Gather64(const Byte* base, Vec offset) {
   return _mm_unpacklo_epi64(LoadQword(base + Lane32<2 * kHalf>(offset)),
                             LoadQword(base + Lane32<2 * kHalf + 1>(offset)));
 }
-template <int kPart> QV_INLINE Vec Gather128(const Byte* base, const int* offset) {
-  return Load(base + offset[kPart]);
-}
-QV_INLINE Vec EvenLanes32(Vec a, Vec b) {
-  return _mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b), 0x88));
-}
-QV_INLINE Vec OddLanes32(Vec a, Vec b) {
-  return _mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b), 0xDD));
-}
 QV_INLINE void StoreAsBytes(Byte* p, Vec v) {
   v = _mm_packs_epi32(v, v);
   const int bits = _mm_cvtsi128_si32(_mm_packus_epi16(v, v));
@@ -186,6 +122,9 @@ QV_INLINE void StoreLowBytes(Byte* p, Vec v) {
 // 1 of each 16-byte lane of `offset`, so that EvenLanes32 and OddLanes32 of both halves are the
 // first and the last 4 bytes of each lane. Gather128<k>: 16 bytes for lane k of each. StoreAsBytes
 // saturates 32-bit lanes, StoreLowBytes cuts them off; both store kLanes32 bytes.
+template <int kPart> QV_INLINE Vec Gather128(const Byte* base, const int* offset) {
+  return LoadLanes([=](int i) { return base + offset[4 * i + kPart]; });
+}
 
 // Bytes kFirst and kSecond of each 32-bit lane, as 16-bit halves.
 template <int kFirst, int kSecond> QV_INLINE Vec SpreadPair(Vec v) {

@@ -1,7 +1,8 @@
 // The vocabulary of the level that this translation unit is built for. Row sources include this one
 // header and write their code in namespace qv::QV_LEVEL.
 //
-// All level headers give the same names: a vector type Vec of kVecBytes bytes and operations on it.
+// All levels give the same names: a vector type Vec of kVecBytes bytes and operations on it, most of
+// which Vectors.h defines for all; Floats.h has those on single precision.
 // A level says what it has in constants (kHasByteShuffle, ...) for `if constexpr`; an operation
 // that a level lacks is declared there without a definition, so that discarded branches compile
 // and a branch that is not discarded fails to link. Only the generic level has no vectors at all:
@@ -29,6 +30,8 @@
 #endif
 
 #if QV_HAS_VECTORS
+#include "kernels/level/Vectors.h"
+
 #include "kernels/level/Blocks.h"
 #endif
 

@@ -27,16 +27,9 @@ struct ByteGather {
 };
 
 // A vector whose lanes are loaded from row + at[0] + ahead, row + at[1] + ahead, ...
-#if defined(__AVX2__) && !defined(__AVX512BW__)
 QV_INLINE Vec LoadLanes(const Byte* row, const int* at, int ahead) {
-  return _mm256_inserti128_si256(_mm256_castsi128_si256(Load16(row + at[0] + ahead)),
-                                 Load16(row + at[1] + ahead), 1);
+  return LoadLanes([=](int i) { return row + at[i] + ahead; });
 }
-#else
-QV_INLINE Vec LoadLanes(const Byte* row, const int* at, int ahead) {
-  return Load(row + at[0] + ahead);
-}
-#endif
 
 // Vector `v` of the output.
 template <int kLoads>

@@ -33,22 +33,30 @@ WorkLayout BytesLayout(long long bytes) {
   return layout;
 }
 
-IppStatus RunTaps(const FilterTask& task, const FilterColumns& x, const AxisTaps& y) {
-  const WorkMemory scratch(BytesLayout(FilterScratchBytes(task.layout, x, y)));
+// The kernel of the task's layout.
+template <class Columns, class Rows>
+using FilterKernel = IppStatus(const unsigned char* src, int srcStep, const Columns& x,
+                               const Rows& y, unsigned char* dst, int dstStep, void* scratch);
+template <class Columns, class Rows>
+IppStatus Run(const FilterTask& task, const Columns& x, const Rows& y, long long scratchBytes,
+              FilterKernel<Columns, Rows>* gray, FilterKernel<Columns, Rows>* triples,
+              FilterKernel<Columns, Rows>* pairs) {
+  const WorkMemory scratch(BytesLayout(scratchBytes));
   if (!scratch) return StatusMemAllocErr;
-  const auto kernel = task.layout == RowLayout::kGray      ? FilterRows_8u_C1
-                      : task.layout == RowLayout::kTriples ? FilterRows_8u_C3
-                                                           : FilterRows422_8u_C2;
+  const auto kernel = task.layout == RowLayout::kGray      ? gray
+                      : task.layout == RowLayout::kTriples ? triples
+                                                           : pairs;
   return kernel(task.src, task.srcStep, x, y, task.dst, task.dstStep, scratch.At<char>(0));
 }
 
+IppStatus RunTaps(const FilterTask& task, const FilterColumns& x, const AxisTaps& y) {
+  return Run(task, x, y, FilterScratchBytes(task.layout, x, y), FilterRows_8u_C1,
+             FilterRows_8u_C3, FilterRows422_8u_C2);
+}
+
 IppStatus RunSpans(const FilterTask& task, const AreaColumns& x, const AxisSpans& y) {
-  const WorkMemory scratch(BytesLayout(AreaScratchBytes(task.layout, x, y)));
-  if (!scratch) return StatusMemAllocErr;
-  const auto kernel = task.layout == RowLayout::kGray      ? AreaRows_8u_C1
-                      : task.layout == RowLayout::kTriples ? AreaRows_8u_C3
-                                                           : AreaRows422_8u_C2;
-  return kernel(task.src, task.srcStep, x, y, task.dst, task.dstStep, scratch.At<char>(0));
+  return Run(task, x, y, AreaScratchBytes(task.layout, x, y), AreaRows_8u_C1, AreaRows_8u_C3,
+             AreaRows422_8u_C2);
 }
 
 // True if every interval is two whole samples inside the region.

@@ -8,34 +8,20 @@
 
 namespace qv {
 
-#define QV_FILTER_ENTRY(kernel)                                                                  \
-  IppStatus kernel(const unsigned char* src, int srcStep, const FilterColumns& x,                \
-                   const AxisTaps& y, unsigned char* dst, int dstStep, void* scratch) {          \
+#define QV_FILTER_ENTRY(kernel, Columns, Rows)                                                   \
+  IppStatus kernel(const unsigned char* src, int srcStep, const Columns& x, const Rows& y,       \
+                   unsigned char* dst, int dstStep, void* scratch) {                             \
     return kernel##_Table(src, srcStep, x, y, dst, dstStep, scratch);                            \
   }
-QV_FILTER_ENTRY(FilterRows_8u_C1)
-QV_FILTER_ENTRY(FilterRows_8u_C3)
-QV_FILTER_ENTRY(FilterRows422_8u_C2)
+QV_FILTER_ENTRY(FilterRows_8u_C1, FilterColumns, AxisTaps)
+QV_FILTER_ENTRY(FilterRows_8u_C3, FilterColumns, AxisTaps)
+QV_FILTER_ENTRY(FilterRows422_8u_C2, FilterColumns, AxisTaps)
+QV_FILTER_ENTRY(AreaRows_8u_C1, AreaColumns, AxisSpans)
+QV_FILTER_ENTRY(AreaRows_8u_C3, AreaColumns, AxisSpans)
+QV_FILTER_ENTRY(AreaRows422_8u_C2, AreaColumns, AxisSpans)
 #undef QV_FILTER_ENTRY
 
-#define QV_AREA_ENTRY(kernel)                                                                    \
-  IppStatus kernel(const unsigned char* src, int srcStep, const AreaColumns& x,                  \
-                   const AxisSpans& y, unsigned char* dst, int dstStep, void* scratch) {         \
-    return kernel##_Table(src, srcStep, x, y, dst, dstStep, scratch);                            \
-  }
-QV_AREA_ENTRY(AreaRows_8u_C1)
-QV_AREA_ENTRY(AreaRows_8u_C3)
-QV_AREA_ENTRY(AreaRows422_8u_C2)
-#undef QV_AREA_ENTRY
-
-IppStatus HalveRows_8u_C1(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
-                          IppiSize size) {
-  return HalveRows_8u_C1_Table(src, srcStep, dst, dstStep, size);
-}
-
-IppStatus HalveRows_8u_C3(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
-                          IppiSize size) {
-  return HalveRows_8u_C3_Table(src, srcStep, dst, dstStep, size);
-}
+QV_DEFINE_IMAGE_ENTRY(HalveRows_8u_C1)
+QV_DEFINE_IMAGE_ENTRY(HalveRows_8u_C3)
 
 }  // namespace qv

@@ -7,13 +7,6 @@
 
 namespace qv::QV_LEVEL {
 
-#if QV_HAS_VECTORS && !defined(__AVX512VBMI__)
-// Only where there is a byte permutation.
-struct WideWindow {};
-WideWindow LoadWideWindow(const Byte* line, const int* base);
-Vec SpreadPairs(WideWindow w, Vec index);
-#endif
-
 #if QV_HAS_VECTORS
 
 // A row of `bytes` bytes, shorter than the loads, to where it can be read by them. Where there are
@@ -27,27 +20,32 @@ QV_INLINE void CopyShortRow(const Byte* row, ptrdiff_t bytes, Byte* copy) {
   }
 }
 
-#endif
+#if defined(__SSSE3__)
 
-#if QV_HAS_VECTORS && defined(__SSSE3__)
+// (a * b + 2^14) >> 15 of signed 16-bit lanes; not for -32768 * -32768.
+QV_INLINE Vec MulRounded15(Vec a, Vec b) { return QV_OP(mulhrs_epi16)(a, b); }
+
+// Sums of neighbouring bytes as words.
+QV_INLINE Vec AddBytePairs(Vec v) { return MulAddBytes(v, Splat8(1)); }
 QV_INLINE Vec16 MulAddBytes16(Vec16 a, Vec16 b) { return _mm_maddubs_epi16(a, b); }
-#elif QV_HAS_VECTORS
+
+#else
+
+// From the halves of the product: (high * 2^16 + low + 2^14) >> 15 with low unsigned.
+QV_INLINE Vec MulRounded15(Vec a, Vec b) {
+  const Vec low = ShiftRight16<14>(MulLow16(a, b));
+  return Add16(ShiftLeft16<1>(MulHighSigned16(a, b)), ShiftRight16<1>(Add16(low, Splat16(1))));
+}
+QV_INLINE Vec AddBytePairs(Vec v) { return Add16(And(v, Splat16(255)), ShiftRight16<8>(v)); }
 Vec16 MulAddBytes16(Vec16 a, Vec16 b);
+
 #endif
 
 #if defined(__AVX512VBMI__)
 
-// (a * b + 2^14) >> 15 of signed 16-bit lanes; not for -32768 * -32768.
-QV_INLINE Vec MulRounded15(Vec a, Vec b) { return _mm512_mulhrs_epi16(a, b); }
-
-// Sums of neighbouring bytes as words; of neighbouring products of unsigned and signed bytes.
-QV_INLINE Vec AddBytePairs(Vec v) { return _mm512_maddubs_epi16(v, Splat8(1)); }
-QV_INLINE Vec MulAddBytes(Vec a, Vec b) { return _mm512_maddubs_epi16(a, b); }
-
 // Bytes from the words of two vectors, with saturation, in order.
 QV_INLINE Vec PackBytesInOrder(Vec a, Vec b) {
-  return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7),
-                                  _mm512_packus_epi16(a, b));
+  return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), PackUnsigned16(a, b));
 }
 
 // Filtered rows keep the order that PackSigned32 of samples 0 .. 15 and 16 .. 31 leaves: four of
@@ -55,7 +53,7 @@ QV_INLINE Vec PackBytesInOrder(Vec a, Vec b) {
 QV_INLINE Vec PackSamples(Vec a, Vec b) {
   return _mm512_permutexvar_epi32(
       _mm512_setr_epi32(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15),
-      _mm512_packus_epi16(a, b));
+      PackUnsigned16(a, b));
 }
 // Where value k of a row is.
 QV_INLINE ptrdiff_t RingPlace(ptrdiff_t k) {
@@ -79,15 +77,14 @@ QV_INLINE Vec SpreadPairs(WideWindow w, Vec index) {
   return _mm512_maskz_permutex2var_epi8(0x5555555555555555, w.low, index, w.high);
 }
 
-#elif defined(__AVX2__)
-
-QV_INLINE Vec MulRounded15(Vec a, Vec b) { return _mm256_mulhrs_epi16(a, b); }
-
-QV_INLINE Vec AddBytePairs(Vec v) { return _mm256_maddubs_epi16(v, Splat8(1)); }
-QV_INLINE Vec MulAddBytes(Vec a, Vec b) { return _mm256_maddubs_epi16(a, b); }
+#else
 
 QV_INLINE Vec PackBytesInOrder(Vec a, Vec b) {
-  return _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8);
+#if defined(__AVX2__)
+  return _mm256_permute4x64_epi64(PackUnsigned16(a, b), 0xD8);
+#else
+  return PackUnsigned16(a, b);
+#endif
 }
 
 // Each 16-byte lane has a window of its own, and the windows are dealt out so that filtered rows
@@ -95,45 +92,21 @@ QV_INLINE Vec PackBytesInOrder(Vec a, Vec b) {
 QV_INLINE Vec PackSamples(Vec a, Vec b) { return PackBytesInOrder(a, b); }
 QV_INLINE ptrdiff_t RingPlace(ptrdiff_t k) { return k; }
 
-constexpr int kWindowsPerVector = 2;
+constexpr int kWindowsPerVector = kVecBytes / 16;
 using Window = Vec;
 QV_INLINE Window LoadWindow(const Byte* line, const int* base) {
-  return _mm256_inserti128_si256(_mm256_castsi128_si256(Load16(line + base[0])),
-                                 Load16(line + base[1]), 1);
+  return LoadLanes([=](int i) { return line + base[i]; });
 }
 QV_INLINE Vec SpreadPairs(Window w, Vec index) { return ShuffleBytes(w, index); }
 
-#elif QV_HAS_VECTORS
-
-#if defined(__SSSE3__)
-QV_INLINE Vec MulRounded15(Vec a, Vec b) { return _mm_mulhrs_epi16(a, b); }
-QV_INLINE Vec AddBytePairs(Vec v) { return _mm_maddubs_epi16(v, Splat8(1)); }
-QV_INLINE Vec MulAddBytes(Vec a, Vec b) { return _mm_maddubs_epi16(a, b); }
-QV_INLINE Vec SpreadPairs(Vec w, Vec index) { return ShuffleBytes(w, index); }
-#else
-// From the halves of the product: (high * 2^16 + low + 2^14) >> 15 with low unsigned.
-QV_INLINE Vec MulRounded15(Vec a, Vec b) {
-  const Vec low = _mm_srli_epi16(_mm_mullo_epi16(a, b), 14);
-  return _mm_add_epi16(_mm_slli_epi16(_mm_mulhi_epi16(a, b), 1),
-                       _mm_srli_epi16(_mm_add_epi16(low, _mm_set1_epi16(1)), 1));
-}
-QV_INLINE Vec AddBytePairs(Vec v) {
-  return _mm_add_epi16(_mm_and_si128(v, _mm_set1_epi16(255)), _mm_srli_epi16(v, 8));
-}
-Vec MulAddBytes(Vec a, Vec b);
-Vec SpreadPairs(Vec w, Vec index);
-#endif
-
-QV_INLINE Vec PackBytesInOrder(Vec a, Vec b) { return _mm_packus_epi16(a, b); }
-
-QV_INLINE Vec PackSamples(Vec a, Vec b) { return PackBytesInOrder(a, b); }
-QV_INLINE ptrdiff_t RingPlace(ptrdiff_t k) { return k; }
-
-constexpr int kWindowsPerVector = 1;
-using Window = Vec;
-QV_INLINE Window LoadWindow(const Byte* line, const int* base) { return Load16(line + base[0]); }
+// Only where there is a byte permutation.
+struct WideWindow {};
+WideWindow LoadWideWindow(const Byte* line, const int* base);
+Vec SpreadPairs(WideWindow w, Vec index);
 
 #endif
+
+#endif  // QV_HAS_VECTORS
 
 }  // namespace qv::QV_LEVEL
 

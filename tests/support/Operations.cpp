@@ -197,12 +197,12 @@ void AddResizes(List& list) {
 }
 
 void AddGeometry(List& list) {
-  static constexpr double kShear[3][3] = {{1.01, 0.125, -2.5}, {-0.0625, 1.125, 7}, {0, 0, 1}};
-  static constexpr double kTilt[3][3] = {{1.01, 0.125, -2.5}, {-0.0625, 1.125, 7}, {1e-7, 0, 1}};
+  static constexpr double kShear[3][3] = {{1.01, 0.125, -2.5}, {-0.001, 1.125, 7}, {0, 0, 1}};
+  static constexpr double kTilt[3][3] = {{1.01, 0.125, -2.5}, {-0.001, 1.125, 7}, {1e-7, 0, 1}};
   for (const auto type : kTypes)
     for (const int method : {1, 2, 4}) {
       const int bytes = ChannelsOf(type);
-      for (const int angle : {50, 90, 180, 270})
+      for (const int angle : {1, 90, 180, 270})
         list.push_back(
             {Name("qvRotate", type, method, angle), Pixels(bytes, bytes),
              [=](const Plane* p, IppiSize s) {

@@ -23,11 +23,8 @@
 //   }
 //
 //   void Configure(CLI::App& app) {
-//     auto options = std::make_shared<Options>();
-//     AddInput(app, options->input);
-//     AddOutput(app, options->output);
+//     const auto options = AddFrames(app, Run);
 //     app.add_option("--amount", options->amount, "How much")->required();
-//     app.callback([options] { Run(*options); });
 //   }
 //
 //   const Command command{"name", "What it does, in one line", Configure};
@@ -61,6 +58,17 @@ class Command {
   const char* about;
   void (*configure)(CLI::App&);
 };
+
+// The options of a sub-command that reads frames from IN, which is options->input, works on them in
+// `run` and writes them to OUT, options->output.
+template <class Options>
+std::shared_ptr<Options> AddFrames(CLI::App& app, void (*run)(const Options&)) {
+  auto options = std::make_shared<Options>();
+  AddInput(app, options->input);
+  AddOutput(app, options->output);
+  app.callback([options, run] { run(*options); });
+  return options;
+}
 
 // All sub-commands by name.
 std::vector<const Command*> AllCommands();

@@ -104,15 +104,12 @@ void Run(const Options& options) {
 }
 
 void Configure(CLI::App& app) {
-  auto options = std::make_shared<Options>();
-  AddInput(app, options->input);
-  AddOutput(app, options->output);
+  const auto options = AddFrames(app, Run);
   AddChoice<Layout>(
       app, "--to", options->target,
       {{"bgr", Layout::Bgr}, {"i420", Layout::I420}, {"yv12", Layout::Yv12}},
       "Layout of the output: bgr (if not given), or planar 4:2:0 from yuyv and nv12. An odd "
       "last column or row of 4:2:0 is left out");
-  app.callback([options] { Run(*options); });
 }
 
 const Command command{"convert", "Convert YCbCr video to BGR, or to planar 4:2:0", Configure};

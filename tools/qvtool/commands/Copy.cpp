@@ -167,9 +167,7 @@ void Run(const Options& options) {
 }
 
 void Configure(CLI::App& app) {
-  auto options = std::make_shared<Options>();
-  AddInput(app, options->input);
-  AddOutput(app, options->output);
+  const auto options = AddFrames(app, Run);
   AddRegion(app, options->region);
   AddChoice<Target>(
       app, "--to", options->target,
@@ -187,7 +185,6 @@ void Configure(CLI::App& app) {
   app.add_option("--alpha", options->alpha,
                  "Grey picture that becomes the alpha of --to bgra (255)")
       ->type_name("FILE");
-  app.callback([options] { Run(*options); });
 }
 
 const Command command{"copy", "Copy, crop, or change between grey, BGR and BGRA", Configure};

@@ -85,9 +85,7 @@ void Run(const Options& options) {
 }
 
 void Configure(CLI::App& app) {
-  auto options = std::make_shared<Options>();
-  AddInput(app, options->input);
-  AddOutput(app, options->output);
+  const auto options = AddFrames(app, Run);
   AddInteger(app, "--centre-weight", options->centreWeight, 0, 256,
              "Weight of a row in its own result, in 1/256; its neighbours share the rest (128)");
   AddChoice<unsigned>(app, "--mode", options->mode, {{"0", 0}, {"1", 1}, {"4", 4}, {"16", 16}},
@@ -97,7 +95,6 @@ void Configure(CLI::App& app) {
       "Other rows stay as they are: modes 1 and 4, which leave the last row to the caller, give\n"
       "the frames of 0 and 16. With 4 and 16 the first row is its own upper neighbour. Every plane\n"
       "is filtered on its own grid.");
-  app.callback([options] { Run(*options); });
 }
 
 const Command command{"deinterlace", "Smooth the combing of interlaced frames", Configure};

@@ -32,14 +32,11 @@ void Run(const Options& options) {
 }
 
 void Configure(CLI::App& app) {
-  auto options = std::make_shared<Options>();
-  AddInput(app, options->input);
-  AddOutput(app, options->output);
+  const auto options = AddFrames(app, Run);
   AddChoice<IppiAxis>(
       app, "--axis", options->axis,
       {{"top-bottom", AxisHorizontal}, {"left-right", AxisVertical}, {"both", AxisBoth}},
       "Which way to flip (left-right); both is a turn by 180 degrees");
-  app.callback([options] { Run(*options); });
 }
 
 const Command command{"mirror", "Flip top to bottom, left to right or both", Configure};

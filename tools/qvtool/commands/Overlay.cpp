@@ -164,9 +164,7 @@ void Run(const Options& options) {
 }
 
 void Configure(CLI::App& app) {
-  auto options = std::make_shared<Options>();
-  AddInput(app, options->input);
-  AddOutput(app, options->output);
+  const auto options = AddFrames(app, Run);
   app.add_option("--with", options->logo, "Picture to place on the frames: a PNG with alpha")
       ->type_name("FILE")
       ->required();
@@ -180,7 +178,6 @@ void Configure(CLI::App& app) {
   app.footer(
       "What sticks out of the frame is cut off. Frames of every layout are taken: the picture is\n"
       "converted to theirs. Where it is transparent, frames keep their pixels.");
-  app.callback([options] { Run(*options); });
 }
 
 const Command command{"overlay", "Place a picture with alpha over frames", Configure};

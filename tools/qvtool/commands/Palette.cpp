@@ -34,9 +34,7 @@ void Run(const Options& options) {
 }
 
 void Configure(CLI::App& app) {
-  auto options = std::make_shared<Options>();
-  AddInput(app, options->input);
-  AddOutput(app, options->output);
+  const auto options = AddFrames(app, Run);
   std::vector<std::pair<std::string, std::string>> names;
   for (const std::string& name : PaletteNames()) names.emplace_back(name, name);
   CLI::Option* named = AddChoice<std::string>(app, "--name", options->name, names,
@@ -48,7 +46,6 @@ void Configure(CLI::App& app) {
   AddInteger(app, "--bits", options->bits, 1, 8,
              "Only so many low bits of a byte are the index; the palette has 2^bits entries (8)");
   app.footer("Of frames with luma and chroma the luma is coloured.");
-  app.callback([options] { Run(*options); });
 }
 
 const Command command{"palette", "Colour a grey plane through a palette", Configure};

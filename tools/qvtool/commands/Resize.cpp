@@ -71,7 +71,8 @@ Frame& Resize(const Options& options, const Frame& in, Frame& out) {
   return out;
 }
 
-void Run(Options& options) {
+void Run(const Options& given) {
+  Options options = given;
   // Files know their own size: what --size says of them is the size wanted.
   if (options.input.size && !options.input.layout && !options.size)
     options.size.swap(options.input.size);
@@ -83,9 +84,7 @@ void Run(Options& options) {
 }
 
 void Configure(CLI::App& app) {
-  auto options = std::make_shared<Options>();
-  AddInput(app, options->input);
-  AddOutput(app, options->output);
+  const auto options = AddFrames(app, Run);
   app.add_option_function<std::string>(
          "--to", [options](const std::string& text) { options->size = ParseSize("--to", text); },
          "The size of the result; --size without --layout is the same")
@@ -105,7 +104,6 @@ void Configure(CLI::App& app) {
   app.footer(
       "Planes of chroma are resized each on its own grid. Area enlarges as lanczos does; packed yuyv\n"
       "frames take cubic for both.");
-  app.callback([options] { Run(*options); });
 }
 
 const Command command{"resize", "Scale frames, or a part of them, to another size", Configure};

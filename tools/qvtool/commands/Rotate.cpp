@@ -21,9 +21,7 @@ void Run(const Options& options) {
 }
 
 void Configure(CLI::App& app) {
-  auto options = std::make_shared<Options>();
-  AddInput(app, options->input);
-  AddOutput(app, options->output);
+  const auto options = AddFrames(app, Run);
   app.add_option_function<std::string>(
          "--angle",
          [options](const std::string& text) {
@@ -37,7 +35,6 @@ void Configure(CLI::App& app) {
   app.footer(
       "Without --fit the canvas keeps the frame's size and its corners are cut off. With --fit,\n"
       "turns by 90, 180 and 270 degrees move pixels as they are.");
-  app.callback([options] { Run(*options); });
 }
 
 const Command command{"rotate", "Turn frames by any angle", Configure};

@@ -40,16 +40,13 @@ void Run(const Options& options) {
 }
 
 void Configure(CLI::App& app) {
-  auto options = std::make_shared<Options>();
-  AddInput(app, options->input);
-  AddOutput(app, options->output);
+  const auto options = AddFrames(app, Run);
   AddInteger(app, "--by", options->value, 0, 255,
              "Every byte becomes floor(byte * this / 255): 255 changes nothing, 0 is black")
       ->required();
   app.add_flag("--alpha", options->alpha,
                "Scale the alpha instead of the colours: fade to nothing");
   app.footer("Of frames with luma and chroma only the luma is scaled.");
-  app.callback([options] { Run(*options); });
 }
 
 const Command command{"scale", "Multiply all samples by a constant from 0 to 1", Configure};

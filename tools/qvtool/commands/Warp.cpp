@@ -63,9 +63,7 @@ void Run(const Options& options) {
 }
 
 void Configure(CLI::App& app) {
-  auto options = std::make_shared<Options>();
-  AddInput(app, options->input);
-  AddOutput(app, options->output);
+  const auto options = AddFrames(app, Run);
   app.add_option_function<std::string>(
          "--quad",
          [options](const std::string& text) {
@@ -86,7 +84,6 @@ void Configure(CLI::App& app) {
   AddProjectionOptions(app, options->projection);
   app.footer(
       "Points are pixel centres: the top-left pixel is 0,0. They may lie outside of the result.");
-  app.callback([options] { Run(*options); });
 }
 
 const Command command{"warp", "Place frames on a quadrilateral, or make one straight", Configure};

@@ -1,0 +1,41 @@
+// Single-precision vectors, one value in each 32-bit lane, and what their lanes need as integers.
+// Every operation is rounded by itself.
+#ifndef QV_KERNELS_LEVEL_FLOATS_H
+#define QV_KERNELS_LEVEL_FLOATS_H
+
+#include "kernels/level/Level.h"
+
+#if QV_HAS_VECTORS
+
+namespace qv::QV_LEVEL {
+
+constexpr int kLanes32 = kVecBytes / 4;
+
+QV_INLINE Floats LoadFloats(const float* p) { return QV_OP(loadu_ps)(p); }
+QV_INLINE Floats SplatFloat(float x) { return QV_OP(set1_ps)(x); }
+QV_INLINE Floats AddFloat(Floats a, Floats b) { return QV_OP(add_ps)(a, b); }
+QV_INLINE Floats SubFloat(Floats a, Floats b) { return QV_OP(sub_ps)(a, b); }
+QV_INLINE Floats MulFloat(Floats a, Floats b) { return QV_OP(mul_ps)(a, b); }
+QV_INLINE Floats DivFloat(Floats a, Floats b) { return QV_OP(div_ps)(a, b); }
+
+QV_INLINE Floats ToFloats(Vec x) { return QV_OP(cvtepi32_ps)(x); }
+QV_INLINE Vec NearestInts(Floats x) { return QV_OP(cvtps_epi32)(x); }
+QV_INLINE Vec TruncatedInts(Floats x) { return QV_OP(cvttps_epi32)(x); }
+
+// The bits as they are.
+QV_INLINE Floats AsFloats(Vec v) { return reinterpret_cast<Floats>(v); }
+QV_INLINE Vec AsInts(Floats x) { return reinterpret_cast<Vec>(x); }
+
+// Within each 16-byte lane: lanes 0 and 2, or 1 and 3, of `a` and then of `b`.
+QV_INLINE Vec EvenLanes32(Vec a, Vec b) {
+  return AsInts(QV_OP(shuffle_ps)(AsFloats(a), AsFloats(b), 0x88));
+}
+QV_INLINE Vec OddLanes32(Vec a, Vec b) {
+  return AsInts(QV_OP(shuffle_ps)(AsFloats(a), AsFloats(b), 0xDD));
+}
+
+}  // namespace qv::QV_LEVEL
+
+#endif  // QV_HAS_VECTORS
+
+#endif

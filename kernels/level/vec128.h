@@ -1,0 +1,27 @@
+// 16-byte vectors: what the levels sse2 and ssse3 have in common.
+#ifndef QV_KERNELS_LEVEL_VEC128_H
+#define QV_KERNELS_LEVEL_VEC128_H
+
+#define QV_HAS_VECTORS 1
+#define QV_OP(name) _mm_##name
+#define QV_BITS_OP(name) _mm_##name##si128
+
+namespace qv::QV_LEVEL {
+
+using Vec = __m128i;
+using Floats = __m128;
+constexpr int kVecBytes = 16;
+
+constexpr bool kHasBytePermute = false;
+constexpr bool kHasMaskedBytes = false;
+
+template <class At> QV_INLINE Vec LoadLanes(At at) {
+  return _mm_loadu_si128(reinterpret_cast<const Vec*>(at(0)));
+}
+
+QV_INLINE Vec LowLaneTwice(Vec v) { return v; }
+QV_INLINE Vec HighLaneTwice(Vec v) { return v; }
+
+}  // namespace qv::QV_LEVEL
+
+#endif
