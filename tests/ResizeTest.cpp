@@ -87,16 +87,25 @@ TEST(Resize, FiltersARegionThatIsAsLargeAsItsImage) {
   }
 }
 
-// A quotient of whole numbers times its divisor may be a little less than the dividend.
-TEST(Resize, FillsTheWidthThatAFactorIsTheQuotientOf) {
-  const Bytes src(2 * 120, 5);
+// A quotient of whole numbers times its divisor may be a little less than the dividend: the last
+// column must be written all the same and, in bands, a pixel's centre lie where whole numbers say.
+TEST(Resize, RoundsQuotientsToWhatTheyStandFor) {
+  Bytes src(2 * 120), buffer(1 << 14);
   for (int length = 2; length <= 120; ++length)
     for (int width = 1; width <= 120; ++width) {
-      Bytes dst(2 * width);
-      ASSERT_EQ(Resize_8u_C1(src.data(), {length, 2}, length, {0, 0, length, 2}, dst.data(), width,
-                             {width, 2}, double(width) / length, 1, 1),
+      for (int k = 0; k < 2 * length; ++k) src[k] = static_cast<unsigned char>(k % length);
+      const double factor = double(width) / length;
+      const IppiRect all = {0, 0, length, 2};
+      Bytes whole(2 * width, 200), band = whole;
+      ASSERT_EQ(Resize_8u_C1(src.data(), {length, 2}, length, all, whole.data(), width, {width, 2},
+                             factor, 1, 1),
                 StatusOk);
-      ASSERT_EQ(dst, Bytes(dst.size(), 5)) << length << ' ' << width;
+      ASSERT_EQ(ResizeBand_8u_C1(src.data(), {length, 2}, length, all, band.data(), width,
+                                 {0, 0, width, 2}, factor, 1, 0, 0, 1, buffer.data()),
+                StatusOk);
+      ASSERT_NE(whole.back(), 200) << length << ' ' << width;
+      for (int i = 0; i < width; ++i)
+        ASSERT_EQ(band[i], (2 * i + 1) * length / (2 * width)) << length << ' ' << width;
     }
 }
 
