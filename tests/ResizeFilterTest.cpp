@@ -10,6 +10,7 @@
 #include "kernels/resize/AxisTaps.h"
 #include "kernels/resize/Resize.h"
 #include "tests/support/Bytes.h"
+#include "tests/support/ExactResize.h"
 
 namespace qv::test {
 namespace {
@@ -46,6 +47,32 @@ TEST(AxisTaps, AreSoundAtAnyPositions) {
       int sum = 0;
       for (int t = 0; t < taps; ++t) sum += weights[i * taps + t];
       ASSERT_EQ(sum, 16384);
+    }
+  }
+}
+
+// Each weight is within a rounding of the exact share.
+TEST(AxisTaps, WeighAreasByTheirShares) {
+  Random random(20262);
+  for (int run = 0; run < 2000; ++run) {
+    const int length = random.Between(1, 200);
+    const double inverse =
+        random.OneIn(3) ? random.Between(1, 7) * 0.5 + 0.5 : random.Between(1.0, 6.0);
+    const AxisArea area = {std::max(1, int(length / inverse + random.Between(-1, 2))), inverse,
+                           length};
+    const int taps = AreaTapCount(area);
+    if (taps > kMaxTaps) continue;
+    std::vector<int> first(area.count);
+    std::vector<short> weights(area.count * taps);
+    AxisTaps axis = {area.count, taps, first.data(), weights.data()};
+    BuildAreaTaps(area, &axis);
+    for (int i = 0; i < area.count; ++i) {
+      ASSERT_LE(first[i], length - taps);
+      std::vector<double> dense(taps);
+      for (const auto& [s, w] : ExactMean(i * inverse, (i + 1) * inverse, length))
+        if (s >= first[i] && s < first[i] + taps) dense[s - first[i]] += w;
+      for (int t = 0; t < taps; ++t)
+        ASSERT_NEAR(weights[i * taps + t], dense[t] * 16384, 1.02) << i << ' ' << t;
     }
   }
 }

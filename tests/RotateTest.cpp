@@ -55,12 +55,17 @@ TEST(Rotate, QuarterTurnsArePermutations) {
 // A quarter turn by half a pixel interpolates: midway between two neighbours.
 TEST(Rotate, FractionalQuartersInterpolate) {
   const unsigned char src[] = {0, 100, 200, 10, 110, 210};
-  unsigned char dst[6] = {7, 7, 7, 7, 7, 7};
-  ASSERT_EQ(
-      Lib::qvRotate(Type(2), src, {3, 2}, 3, {0, 0, 3, 2}, dst, 2, {0, 0, 2, 3}, 90, .5, 2, 2),
-      StatusOk);
-  const unsigned char expected[] = {7, 205, 7, 105, 7, 5};
-  for (int i = 0; i < 6; ++i) EXPECT_EQ(dst[i], expected[i]) << i;
+  const struct {
+    double dx, dy;
+    Bytes expected;
+  } cases[] = {{.5, 2, {7, 205, 7, 105, 7, 5}}, {0, 2.5, {7, 7, 150, 160, 50, 60}}};
+  for (const auto& c : cases) {
+    Bytes dst(6, 7);
+    ASSERT_EQ(Lib::qvRotate(Type(2), src, {3, 2}, 3, {0, 0, 3, 2}, dst.data(), 2, {0, 0, 2, 3}, 90,
+                            c.dx, c.dy, 2),
+              StatusOk);
+    EXPECT_EQ(dst, c.expected);
+  }
 }
 
 }  // namespace
