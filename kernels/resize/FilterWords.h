@@ -82,13 +82,13 @@ QV_INLINE void FilterComponent(const Byte* from, RowComponent component, ptrdiff
     FilterWords<8>(words, taps, out);
 }
 
-// The components of a filtered row, one line behind the other, to their places in a ring row. Lines
-// of gray have `count` samples, each of the three of triples too; of luma twice as many as of chroma.
+// The components of a filtered row, one line behind the other, to their places in a ring row: lines
+// of `count` samples, or of 4:2:2 the luma line of twice as many.
 template <RowLayout kLayout>
 QV_INLINE void PlaceComponents(const short* line, ptrdiff_t count, short* out) {
   ptrdiff_t i = 0;
   if constexpr (!kHasBytePermute && kLayout == RowLayout::kTriples) {
-    // Four words a pixel, of which the next pixel overwrites the last: one pixel has to come behind.
+    // Four words a pixel, the last of which the next pixel overwrites: one has to come behind.
     for (; i + 8 < count; i += 8) {
       const Vec16 b = Load16(line + i), g = Load16(line + count + i),
                   r = Load16(line + 2 * count + i);
