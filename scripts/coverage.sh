@@ -7,7 +7,7 @@
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 cd "$root"
-"$root/scripts/setup.sh" libgtest-dev zlib1g-dev gcovr
+"$root/scripts/setup.sh" libgtest-dev gcovr
 cmake --preset coverage >/dev/null
 cmake --build --preset coverage --target unittests kernelcheck operationdigests host
 

@@ -9,7 +9,7 @@
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 cd "$root"
-"$root/scripts/setup.sh" libgtest-dev zlib1g-dev valgrind
+"$root/scripts/setup.sh" libgtest-dev valgrind
 cmake --preset release >/dev/null
 cmake --build --preset release --target operationdigests kernelcheck
 

@@ -6,5 +6,5 @@
 #   scripts/mutate.sh PATTERN...   those whose file or description contains one of the patterns
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
-"$root/scripts/setup.sh" libgtest-dev zlib1g-dev python3
+"$root/scripts/setup.sh" libgtest-dev python3
 exec python3 "$root/tests/mutation/mutate.py" "$@"

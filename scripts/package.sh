@@ -10,7 +10,7 @@ cd "$root"
 out=${QV_OUT:-$root/out}
 
 [ $# -gt 0 ] || set -- release windows32 windows64
-"$root/scripts/setup.sh" libgtest-dev zlib1g-dev dpkg-dev file
+"$root/scripts/setup.sh" libgtest-dev dpkg-dev file
 for preset; do
   case $preset in
     release) ;;

@@ -5,18 +5,16 @@
 #include <atomic>
 #include <climits>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "qvAcceleratedLib/BandSplit.h"
+#include "qvAcceleratedLib/Settings.h"
 #include "tests/support/Levels.h"
+#include "tests/support/Operations.h"
 
-namespace qv {
+namespace qv::test {
 namespace {
-
-struct BandCase {
-  int extent, budget;
-  std::vector<int> heights;
-};
 
 void ExpectHeights(const Bands& bands, const std::vector<int>& heights) {
   ASSERT_EQ(bands.count, static_cast<int>(heights.size()));
@@ -27,6 +25,11 @@ void ExpectHeights(const Bands& bands, const std::vector<int>& heights) {
     first += heights[static_cast<std::size_t>(i)];
   }
 }
+
+struct BandCase {
+  int extent, budget;
+  std::vector<int> heights;
+};
 
 TEST(Bands, CutRowsByTheBudgetAndTheFloorOf64) {
   const BandCase cases[] = {
@@ -72,15 +75,6 @@ TEST(RunBands, ReturnsTheStatusOfTheLastBand) {
   EXPECT_EQ(RunBands(Bands{0, 100, 300}, status), StatusOk);  // no band runs
 }
 
-TEST(RunBands, RunsEveryBandOnce) {
-  std::vector<std::atomic<int>> runs(17);
-  RunBands(Bands{17, 65, 17 * 65}, [&](int i) {
-    ++runs[static_cast<std::size_t>(i)];
-    return StatusOk;
-  });
-  for (const auto& r : runs) EXPECT_EQ(r, 1);
-}
-
 TEST(RunBands, StaysOnTheCallingThreadInsideAParallelRegion) {
   const int levels = omp_get_max_active_levels();
   omp_set_max_active_levels(4);  // nested teams are allowed, and still not wanted
@@ -100,5 +94,32 @@ TEST(RunBands, StaysOnTheCallingThreadInsideAParallelRegion) {
   EXPECT_EQ(strangers, 0);
 }
 
+TEST(Bands, OfEveryOperationMoveEveryPlaneByItsOwnStep) {
+  const IppiSize size = {70, 301};  // only the last band has an odd row
+  Planes planes(1 << 20);
+  for (const unsigned path : {0u, 1u})  // of the over merge
+    for (const Operation& operation : Operations())
+      for (const int sign : {1, -1}) {
+        if (sign < 0 && !operation.backwards) continue;
+        const auto run = [&](int budget) {
+          const UseBudget use(budget);
+          const unsigned old = std::exchange(HostProcessorInfo, path);
+          int plane = 0;
+          planes.Place(operation, size,
+                       [&](int rowBytes) { return sign * (rowBytes + 7 * plane++); });
+          planes.Fill();
+          const Outcome outcome = planes.Call(operation);
+          HostProcessorInfo = old;
+          return outcome;
+        };
+        // qvResize places its pixels otherwise in bands, however many they are.
+        const Outcome expected = run(operation.name.starts_with("qvResize ") ? 2 : 1);
+        EXPECT_GE(expected.status, StatusOk) << operation.name;
+        for (const int budget : {2, 3, 7})
+          EXPECT_TRUE(run(budget) == expected)
+              << operation.name << ", sign " << sign << ", budget " << budget;
+      }
+}
+
 }  // namespace
-}  // namespace qv
+}  // namespace qv::test

@@ -1,6 +1,7 @@
 // Classification of made-up processors, and of this one.
 #include <gtest/gtest.h>
 #include <limits.h>
+#include <string.h>
 
 #include <map>
 
@@ -34,15 +35,10 @@ CpuidLeaves LeavesOf(const Processor& p) {
   CpuidLeaves leaves = {};
   leaves.hasCpuid = !(p.features & NoCpuid);
   leaves.leaf0.eax = p.features & NoLeaf4 ? 3 : 4;
-  if (p.intel) {
-    leaves.leaf0.ebx = 'G' | 'e' << 8 | 'n' << 16 | 'u' << 24;
-    leaves.leaf0.edx = 'i' | 'n' << 8 | 'e' << 16 | 'I' << 24;
-    leaves.leaf0.ecx = 'n' | 't' << 8 | 'e' << 16 | 'l' << 24;
-  } else {
-    leaves.leaf0.ebx = 'A' | 'u' << 8 | 't' << 16 | 'h' << 24;
-    leaves.leaf0.edx = 'e' | 'n' << 8 | 't' << 16 | 'i' << 24;
-    leaves.leaf0.ecx = 'c' | 'A' << 8 | 'M' << 16 | 'D' << 24;
-  }
+  const char* const vendor = p.intel ? "GenuineIntel" : "AuthenticAMD";
+  memcpy(&leaves.leaf0.ebx, vendor, 4);
+  memcpy(&leaves.leaf0.edx, vendor + 4, 4);
+  memcpy(&leaves.leaf0.ecx, vendor + 8, 4);
   // Extended family and model, type and reserved bits all set: none may be taken for the family.
   leaves.leaf1.eax = 0xFFFFF000u | p.family << 8 | 0xA7;
   leaves.leaf1.ebx = (p.features & OneLogical ? 1u : 2u) << 16 | 0xFF00FFFFu;
@@ -162,21 +158,12 @@ TEST_F(Dispatch, FillsTheRecord) {
   CpuidLeaves leaves = LeavesOf({"", true, 0xF, UpToSse2 | SSSE3 | X64 | MultiFlag, 5, 0, 0});
   leaves.leaf2 = {0x11, 0x22, 0x33, 0x44};
   const ProcessorInfo info = ProcessorInfoOf(leaves);
-  EXPECT_EQ(info.family, 0xFu);
-  EXPECT_EQ(info.model, 0xAu);
-  EXPECT_EQ(info.stepping, 7u);
-  EXPECT_EQ(info.processorType, 0u);
-  EXPECT_EQ(info.featureFlags, 0x16800000u);
-  EXPECT_EQ(info.cacheDescriptors[0], 0x11u);
-  EXPECT_EQ(info.cacheDescriptors[1], 0x44u);
-  EXPECT_EQ(info.hasMmx, 1u);
-  EXPECT_EQ(info.hasSse, 1u);
-  EXPECT_EQ(info.hasSse2, 1u);
-  EXPECT_EQ(info.hasMultipleLogical, 1u);
-  EXPECT_EQ(info.hasSse3, 0u);
-  EXPECT_EQ(info.has64BitMode, 1u);
-  EXPECT_EQ(info.hasSsse3, 1u);
-  EXPECT_EQ(info.coresPerPackage, 5u);
+  const ProcessorInfo expected = {
+      .family = 0xF, .stepping = 7, .model = 0xA, .processorType = 0, .featureFlags = 0x16800000,
+      .cacheDescriptors = {0x11, 0x44}, .hasMmx = 1, .hasSse = 1, .hasSse2 = 1,
+      .hasMultipleLogical = 1, .hasSse3 = 0, .has64BitMode = 1, .hasSsse3 = 1,
+      .coresPerPackage = 5};
+  EXPECT_EQ(memcmp(&info, &expected, sizeof info), 0);
 }
 
 TEST_F(Dispatch, MapsCodesToVariants) {
@@ -296,21 +283,18 @@ TEST_F(Dispatch, ReadsThisProcessor) {
   const ProcessorInfo info = ProcessorInfoOf(leaves);
   EXPECT_EQ(HasCpuid(leaves), true);
   EXPECT_EQ(IsGenuineIntel(leaves), __builtin_cpu_is("intel") != 0);
-  EXPECT_EQ(info.hasSse != 0, __builtin_cpu_supports("sse") != 0);
-  EXPECT_EQ(info.hasSse2 != 0, __builtin_cpu_supports("sse2") != 0);
-  EXPECT_EQ(info.hasSse3 != 0, __builtin_cpu_supports("sse3") != 0);
-  EXPECT_EQ(info.hasSsse3 != 0, __builtin_cpu_supports("ssse3") != 0);
-#if defined(__x86_64__)
-  EXPECT_EQ(info.has64BitMode, 1u);
-#endif
-  const bool avx2 = __builtin_cpu_supports("avx2");
+  EXPECT_EQ(info.hasSse, unsigned{__builtin_cpu_supports("sse") != 0});
+  EXPECT_EQ(info.hasSse2, unsigned{__builtin_cpu_supports("sse2") != 0});
+  EXPECT_EQ(info.hasSse3, unsigned{__builtin_cpu_supports("sse3") != 0});
+  EXPECT_EQ(info.hasSsse3, unsigned{__builtin_cpu_supports("ssse3") != 0});
+  if (sizeof(void*) == 8) { EXPECT_EQ(info.has64BitMode, 1u); }
   const bool avx512 = __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
                       __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512dq") &&
                       __builtin_cpu_supports("avx512vbmi");
-  const bool pclmul = __builtin_cpu_supports("pclmul");
-  const bool vpclmul = __builtin_cpu_supports("vpclmulqdq");
-  EXPECT_EQ(WideLevelOf(leaves), avx512 ? 2 : avx2 ? 1 : 0);
-  EXPECT_EQ(CarrylessLevelOf(leaves), !pclmul ? 0 : avx512 && vpclmul ? 2 : 1);
+  EXPECT_EQ(WideLevelOf(leaves), avx512 ? 2 : __builtin_cpu_supports("avx2") ? 1 : 0);
+  EXPECT_EQ(CarrylessLevelOf(leaves), !__builtin_cpu_supports("pclmul")                ? 0
+                                      : avx512 && __builtin_cpu_supports("vpclmulqdq") ? 2
+                                                                                       : 1);
 }
 
 }  // namespace

@@ -1,14 +1,10 @@
-// qvRotate: quarter turns as exact permutations, the road each angle takes, statuses.
+// qvRotate: quarter turns as exact permutations, and the road that fractions take.
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <vector>
+#include <algorithm>
 
-#include "kernels/geometry/Geometry.h"
-#include "qvAcceleratedLib/CqvAccLib.h"
 #include "tests/support/Bytes.h"
 #include "tests/support/Levels.h"
-#include "tests/support/Random.h"
 
 namespace qv::test {
 namespace {
@@ -54,80 +50,6 @@ TEST(Rotate, QuarterTurnsArePermutations) {
       ASSERT_TRUE(dst == expected) << n << ' ' << level.name;
     }
   }
-}
-
-TEST(Rotate, FourQuartersGiveBackTheFrame) {
-  for (const int channels : {1, 3}) {
-    const IppiSize size = {641, 363};
-    const Bytes start = Noise(std::size_t(channels) * size.width * size.height);
-    Bytes frame = start, turned(start.size());
-    IppiSize now = size;
-    for (int i = 0; i < 4; ++i) {
-      const IppiSize next = {now.height, now.width};
-      ASSERT_EQ(Lib::qvRotate(Type(channels == 1 ? 2 : 4), frame.data(), now, now.width * channels,
-                              {0, 0, now.width, now.height}, turned.data(), next.width * channels,
-                              {0, 0, next.width, next.height}, 90, 0, now.width - 1, 1),
-                StatusOk);
-      std::swap(frame, turned);
-      now = next;
-      EXPECT_EQ(frame == start, i == 3);
-    }
-  }
-}
-
-TEST(Rotate, ChecksInOrderOnBothRoads) {
-  Bytes src(400), dst(400);
-  struct Arguments {
-    const unsigned char* src;
-    IppiSize size;
-    int srcStep;
-    IppiRect from;
-    unsigned char* dst;
-    int dstStep;
-    IppiRect to;
-    int type, method;
-  };
-  const struct {
-    int quarter, general;  // what is expected on either road
-    void (*breakIt)(Arguments&);
-  } cases[] = {
-      {StatusDataTypeErr, StatusDataTypeErr, [](Arguments& a) { a.type = 9; }},
-      {StatusNullPtrErr, StatusNullPtrErr, [](Arguments& a) { a.src = nullptr; }},
-      {StatusNullPtrErr, StatusNullPtrErr, [](Arguments& a) { a.dst = nullptr; }},
-      {StatusSizeErr, StatusSizeErr, [](Arguments& a) { a.size.width = 0; }},
-      {StatusSizeErr, StatusSizeErr, [](Arguments& a) { a.from.y = -1; }},
-      {StatusSizeErr, StatusSizeErr, [](Arguments& a) { a.to.height = 0; }},
-      {StatusStepErr, StatusStepErr, [](Arguments& a) { a.srcStep = 0; }},
-      {StatusStepErr, StatusStepErr, [](Arguments& a) { a.dstStep = -20; }},
-      {StatusOk, StatusInterpolationErr, [](Arguments& a) { a.method = 7; }},
-      {StatusOk, StatusCoeffErr, [](Arguments& a) { a.from.width = 1; }},
-      {StatusNoOverlapWarning, StatusRectErr, [](Arguments& a) { a.from.x = 20; }},
-      {StatusNoOverlapWarning, StatusNoOverlapWarning, [](Arguments& a) { a.to.x = 90; }},
-  };
-  const Arguments good = {src.data(), {20, 20}, 20, {0, 0, 20, 20}, dst.data(), 20,
-                          {0, 0, 20, 20}, 2, 2};
-  const auto run = [](const Arguments& a, double angle) {
-    return Lib::qvRotate(Type(a.type), a.src, a.size, a.srcStep, a.from, a.dst, a.dstStep, a.to,
-                         angle, 0, 19, a.method);
-  };
-  for (const auto& c : cases) {
-    Arguments a = good;
-    c.breakIt(a);
-    EXPECT_EQ(run(a, 90), c.quarter) << &c - cases;
-    EXPECT_EQ(run(a, 89), c.general) << &c - cases;
-    for (const auto* later = &c + 1; later != std::end(cases); ++later) {
-      Arguments both = a;
-      later->breakIt(both);
-      if (c.quarter < 0) { EXPECT_EQ(run(both, 270), c.quarter); }
-      if (c.general < 0) { EXPECT_EQ(run(both, 1), c.general); }
-    }
-  }
-  const double nan = std::nan("");
-  EXPECT_EQ(run(good, nan), StatusCoeffErr);
-  EXPECT_EQ(run(good, HUGE_VAL), StatusCoeffErr);
-  EXPECT_EQ(Lib::qvRotate(Type(2), src.data(), {20, 20}, 20, {0, 0, 20, 20}, dst.data(), 20,
-                          {0, 0, 20, 20}, 180, 1e300, -HUGE_VAL, 1),
-            StatusNoOverlapWarning);
 }
 
 // A quarter turn by half a pixel interpolates: midway between two neighbours.

@@ -123,107 +123,67 @@ TEST(CpuQuota, ReadsQuotas) {
   EXPECT_EQ(CpusOfCfs("x", "50000\n"), 0);
 }
 
-using Files = std::map<std::string, std::string>;
-const Files* files;
+std::map<std::string, std::string> files;
 
 char* ReadMadeUp(const char* path) {
-  const auto found = files->find(path);
-  if (found == files->end()) return nullptr;
+  const auto found = files.find(path);
+  if (found == files.end()) return nullptr;
   char* text = new char[found->second.size() + 1];
   memcpy(text, found->second.c_str(), found->second.size() + 1);
   return text;
 }
 
-constexpr char kGroup[] = "/proc/self/cgroup";
-constexpr char kMounts[] = "/proc/self/mountinfo";
-
 TEST(CpuQuota, FollowsTheControlGroups) {
   const std::string unified =
       "30 23 0:26 / /cg rw,nosuid shared:9 - cgroup2 cgroup2 rw,nsdelegate\n";
   const std::string other = "22 1 8:1 / / rw - ext4 /dev/sda1 rw\n";
-  struct {
+  const std::string part = "32 30 0:28 /pods/ab /cg ro - cgroup cgroup rw,cpu\n";
+  const struct {
     const char* name;
     int cpus;
-    Files given;
-  } const cases[] = {
-      {"no /proc", 0, {{"/cg/cpu.max", "100000 100000"}}},
-      {"no mounts", 0, {{kGroup, "0::/\n"}, {"/cg/cpu.max", "100000 100000"}}},
-      {"not mounted", 0, {{kGroup, "0::/\n"}, {kMounts, other}, {"/cpu.max", "100000 100000"}}},
-      {"no quota", 0, {{kGroup, "0::/a\n"}, {kMounts, other + unified}}},
-      {"container's own root", 2,
-       {{kGroup, "0::/\n"}, {kMounts, other + unified}, {"/cg/cpu.max", "150000 100000\n"}}},
-      {"own group", 3,
-       {{kGroup, "0::/a/b"},
-        {kMounts, unified},
-        {"/cg/a/b/cpu.max", "300000 100000\n"},
-        {"/cg/a/cpu.max", "400000 100000\n"},
-        {"/cg/cpu.max", "max 100000\n"}}},
-      {"parent's quota", 3,
-       {{kGroup, "0::/a/b/c\n"},
-        {kMounts, unified},
-        {"/cg/a/b/c/cpu.max", "800000 100000\n"},
-        {"/cg/a/cpu.max", "300000 100000\n"}}},
-      {"mount point's quota", 1,
-       {{kGroup, "0::/a/b\n"},
-        {kMounts, unified},
-        {"/cg/a/b/cpu.max", "800000 100000\n"},
-        {"/cg/cpu.max", "10000 100000\n"}}},
-      {"nothing above the mount point", 0,
-       {{kGroup, "0::/a\n"}, {kMounts, unified}, {"/cpu.max", "100000 100000\n"}}},
-      {"version 1, among others", 4,
-       {{kGroup, "12:cpuset:/x\n4:cpuacct,cpu:/a:b\n1:name=init:/y\n"},
-        {kMounts,
-         "31 30 0:27 / /cg/cpuset rw - cgroup cgroup rw,cpuset\n"
-         "32 30 0:28 / /cg/both rw - cgroup cgroup rw,cpuacct,cpu\n"},
-        {"/cg/cpuset/cpu.cfs_quota_us", "100000"},
-        {"/cg/cpuset/cpu.cfs_period_us", "100000"},
-        {"/cg/both/a:b/cpu.cfs_quota_us", "350000"},
-        {"/cg/both/a:b/cpu.cfs_period_us", "100000"},
-        {"/cg/both/cpu.cfs_quota_us", "-1"},
-        {"/cg/both/cpu.cfs_period_us", "100000"}}},
-      {"part of the hierarchy mounted", 2,
-       {{kGroup, "4:cpu:/pods/ab/c\n"},
-        {kMounts, "32 30 0:28 /pods/ab /cg ro - cgroup cgroup rw,cpu\n"},
-        {"/cg/c/cpu.cfs_quota_us", "200000"},
-        {"/cg/c/cpu.cfs_period_us", "100000"}}},
-      {"name from outside: the mount point stands for it", 2,
-       {{kGroup, "4:cpu:/pods/abc\n"},
-        {kMounts, "32 30 0:28 /pods/ab /cg ro - cgroup cgroup rw,cpu\n"},
-        {"/cgc/cpu.cfs_quota_us", "100000"},
-        {"/cgc/cpu.cfs_period_us", "100000"},
-        {"/cg/cpu.cfs_quota_us", "200000"},
-        {"/cg/cpu.cfs_period_us", "100000"}}},
-      {"mounted twice, name from outside: the first", 5,
-       {{kGroup, "0::/a\n"},
-        {kMounts,
-         "30 23 0:26 /b /b rw - cgroup2 none rw\n"
-         "31 23 0:26 /c /c rw - cgroup2 none rw\n"},
-        {"/b/cpu.max", "500000 100000\n"},
-        {"/c/cpu.max", "100000 100000\n"}}},
-      {"mounted twice: the one that shows the group", 5,
-       {{kGroup, "0::/a\n"},
-        {kMounts, "30 23 0:26 /other /elsewhere rw - cgroup2 none rw\n" + unified},
-        {"/elsewhere/cpu.max", "100000 100000\n"},
-        {"/cg/a/cpu.max", "500000 100000\n"}}},
-      {"both versions: the smaller", 2,
-       {{kGroup, "4:cpu:/\n0::/a\n"},
-        {kMounts, "32 30 0:28 / /v1 rw - cgroup cgroup rw,cpu\n" + unified},
-        {"/v1/cpu.cfs_quota_us", "700000"},
-        {"/v1/cpu.cfs_period_us", "100000"},
-        {"/cg/a/cpu.max", "200000 100000\n"}}},
-      {"blank and backslash in the mount point", 6,
-       {{kGroup, "0::/a\n"},
-        {kMounts, "30 23 0:26 / /my\\040cg\\134 rw - cgroup2 none rw\n"},
-        {"/my cg\\/a/cpu.max", "600000 100000\n"}}},
-      {"malformed", 0,
-       {{kGroup, "\n:\n::\n0:\n0"}, {kMounts, "\n - \n1 2 3 4 5\n1 2 3 4 5 6 - cgroup2"}}},
-      {"longer than a path may be", 0,
-       {{kGroup, "0::/" + std::string(9000, 'a')},
-        {kMounts, unified},
-        {"/cg/cpu.max", "100000 100000\n"}}},
+    std::string group, mounts;  // none if empty
+    std::map<std::string, int> quotas;  // of directories, in microseconds of 100000; none below 0
+  } cases[] = {
+      {"no /proc", 0, "", "", {{"/cg", 100000}}},
+      {"no mounts", 0, "0::/\n", "", {{"/cg", 100000}}},
+      {"not mounted", 0, "0::/\n", other, {{"", 100000}}},
+      {"no quota", 0, "0::/a\n", other + unified, {}},
+      {"container's own root", 2, "0::/\n", other + unified, {{"/cg", 150000}}},
+      {"own group", 3, "0::/a/b", unified, {{"/cg/a/b", 300000}, {"/cg/a", 400000}, {"/cg", -1}}},
+      {"parent's quota", 3, "0::/a/b/c\n", unified, {{"/cg/a/b/c", 800000}, {"/cg/a", 300000}}},
+      {"mount point's quota", 1, "0::/a/b\n", unified, {{"/cg/a/b", 800000}, {"/cg", 10000}}},
+      {"nothing above the mount point", 0, "0::/a\n", unified, {{"", 100000}}},
+      {"version 1, among others", 4, "12:cpuset:/x\n4:cpuacct,cpu:/a:b\n1:name=init:/y\n",
+       "31 30 0:27 / /cg/cpuset rw - cgroup cgroup rw,cpuset\n"
+       "32 30 0:28 / /cg/both rw - cgroup cgroup rw,cpuacct,cpu\n",
+       {{"/cg/cpuset", 100000}, {"/cg/both/a:b", 350000}, {"/cg/both", -1}}},
+      {"part of the hierarchy mounted", 2, "4:cpu:/pods/ab/c\n", part, {{"/cg/c", 200000}}},
+      {"name from outside: the mount point stands for it", 2, "4:cpu:/pods/abc\n", part,
+       {{"/cgc", 100000}, {"/cg", 200000}}},
+      {"mounted twice, name from outside: the first", 5, "0::/a\n",
+       "30 23 0:26 /b /b rw - cgroup2 none rw\n31 23 0:26 /c /c rw - cgroup2 none rw\n",
+       {{"/b", 500000}, {"/c", 100000}}},
+      {"mounted twice: the one that shows the group", 5, "0::/a\n",
+       "30 23 0:26 /other /elsewhere rw - cgroup2 none rw\n" + unified,
+       {{"/elsewhere", 100000}, {"/cg/a", 500000}}},
+      {"both versions: the smaller", 2, "4:cpu:/\n0::/a\n",
+       "32 30 0:28 / /v1 rw - cgroup cgroup rw,cpu\n" + unified,
+       {{"/v1", 700000}, {"/cg/a", 200000}}},
+      {"blank and backslash in the mount point", 6, "0::/a\n",
+       "30 23 0:26 / /my\\040cg\\134 rw - cgroup2 none rw\n", {{"/my cg\\/a", 600000}}},
+      {"malformed", 0, "\n:\n::\n0:\n0", "\n - \n1 2 3 4 5\n1 2 3 4 5 6 - cgroup2", {}},
+      {"longer than a path may be", 0, "0::/" + std::string(9000, 'a'), unified,
+       {{"/cg", 100000}}},
   };
   for (const auto& c : cases) {
-    files = &c.given;
+    files.clear();
+    if (!c.group.empty()) files["/proc/self/cgroup"] = c.group;
+    if (!c.mounts.empty()) files["/proc/self/mountinfo"] = c.mounts;
+    for (const auto& [directory, quota] : c.quotas) {  // as both versions have it
+      files[directory + "/cpu.max"] = (quota < 0 ? "max" : std::to_string(quota)) + " 100000\n";
+      files[directory + "/cpu.cfs_quota_us"] = std::to_string(quota);
+      files[directory + "/cpu.cfs_period_us"] = "100000";
+    }
     EXPECT_EQ(QuotaCpus(ReadMadeUp), c.cpus) << c.name;
   }
 }

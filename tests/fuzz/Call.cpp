@@ -63,6 +63,13 @@ int Call::Step(const char* name, std::ptrdiff_t rowBytes) {
   return in_.Between(name, -INT_MAX, INT_MAX);
 }
 
+IppiSize Call::Size(bool isRefused, int bytesAPixel) {
+  const IppiSize size = {in_.Length("width"), in_.Length("height")};
+  if (!isRefused && !IsEmpty(size)) return contract::Fitting(size, bytesAPixel);
+  Refused();
+  return size;
+}
+
 FuzzImage Call::Place(const char* name, int step, Part part, bool writable) {
   if (contract::MayBeNull(in_, name)) {
     Refused();

@@ -8,6 +8,7 @@
 
 #include "tests/fuzz/Contract.h"
 #include "tests/fuzz/Input.h"
+#include "tests/support/Bytes.h"
 
 namespace qv::test {
 
@@ -22,6 +23,8 @@ struct Part {
   std::ptrdiff_t bytes, rows, x = 0, y = 0;
 };
 
+inline bool IsEmpty(IppiSize size) { return size.width < 1 || size.height < 1; }
+
 // The images lie apart in reserved memory, directly before or behind unreadable pages. What a call
 // must not touch is unreadable for the address sanitizer, the gaps between rows included, and
 // compared afterwards.
@@ -31,6 +34,10 @@ class Call {
 
   // The distance of rows of so many bytes: exact, padded, negative, none, huge, anything.
   int Step(const char* name, std::ptrdiff_t rowBytes);
+
+  // Width and height of images. Unless the call is refused for want of pixels or something else,
+  // they fit into memory at so many bytes a pixel.
+  IppiSize Size(bool isRefused, int bytesAPixel);
 
   // From here on the call is known to be refused: images cannot be touched at all.
   void Refused() { refused_ = true; }

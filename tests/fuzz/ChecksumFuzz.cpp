@@ -8,7 +8,7 @@ namespace qv::test {
 void FuzzChecksum(Input& in) {
   using Lib = CqvAccLib;
   const bool adler = in.Pick("operation: CRC-32, Adler-32", 0, 1) == 1;
-  const auto type = static_cast<Lib::qvDataType>(in.Any("type"));
+  const auto type = Type(in.Any("type"));
   Call call(in);
   const auto start = static_cast<unsigned>(in.Any("start"));
   int length = in.Length("length", 20000);

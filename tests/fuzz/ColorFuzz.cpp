@@ -37,7 +37,7 @@ int Even(int n) { return n - n % 2; }
 void FuzzColor(Input& in) {
   const int operation =
       in.Pick("operation: 422 to BGR, 420 to BGR, 422 to 420, two planes to 420", 0, 1, 2, 3);
-  const auto type = static_cast<Lib::qvDataType>(in.Any("type"));
+  const auto type = Type(in.Any("type"));
   Call call(in);
   IppiSize size = {in.Length("width"), in.Length("height")};
   const int leastWidth = operation == 1 ? 1 : 2, leastHeight = operation < 2 ? 1 : 2;

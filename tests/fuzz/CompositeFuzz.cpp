@@ -8,20 +8,13 @@ namespace {
 
 using Lib = CqvAccLib;
 
-Lib::qvDataType Type(int value) { return static_cast<Lib::qvDataType>(value); }
-
 void FuzzAlphaComp(Input& in, Call& call) {
   const int type = in.Code("type", 2, 4, 4, 3);
   const int code = in.Code("alphaType", 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, -1);
   const auto alpha1 = static_cast<unsigned char>(in.Between("alpha1", 0, 255));
   const auto alpha2 = static_cast<unsigned char>(in.Between("alpha2", 0, 255));
-  IppiSize size = {in.Length("width"), in.Length("height")};
   const bool known = type == 2 || type == 4, composes = code >= 0 && code <= 11;
-  const bool empty = size.width < 1 || size.height < 1;
-  if (!known || !composes || empty)
-    call.Refused();
-  else
-    size = contract::Fitting(size, 3);
+  const IppiSize size = call.Size(!known || !composes, 3);
   const std::ptrdiff_t rowBytes = std::ptrdiff_t{type == 4 ? 3 : 1} * size.width;
   const Part part = {rowBytes, size.height};
   const FuzzImage dst = call.Destination("dst null", call.Step("dstStep", rowBytes), part);
@@ -35,7 +28,7 @@ void FuzzAlphaComp(Input& in, Call& call) {
                                                  reads2 ? part : Part{0, 1});
   const int expected = !known                                  ? StatusDataTypeErr
                        : !src1.data || !src2.data || !dst.data ? StatusNullPtrErr
-                       : empty                                 ? StatusSizeErr
+                       : IsEmpty(size)                         ? StatusSizeErr
                        : !composes                             ? StatusAlphaTypeErr
                                                                : StatusOk;
   call.Run(expected, [&] {
@@ -51,12 +44,8 @@ FuzzImage Needed(Call& call, const char* name, Part part, bool writable) {
 
 void FuzzMergePlus(Input& in, Call& call) {
   const int type = in.Code("type", 2, 4, 4, 3);
-  IppiSize size = {in.Length("width"), in.Length("height")};
   const bool known = type == 2 || type == 4;
-  if (!known || size.width < 1 || size.height < 1)
-    call.Refused();
-  else
-    size = contract::Fitting(size, 3);
+  const IppiSize size = call.Size(!known, 3);
   const Part colours = {std::ptrdiff_t{type == 4 ? 3 : 1} * size.width, size.height};
   const FuzzImage dst = Needed(call, "srcDstStep", colours, true);
   const FuzzImage src =

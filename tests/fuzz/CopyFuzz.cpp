@@ -7,21 +7,11 @@ namespace {
 
 using Lib = CqvAccLib;
 
-Lib::qvDataType Type(int value) { return static_cast<Lib::qvDataType>(value); }
-
-bool IsEmpty(IppiSize size) { return size.width < 1 || size.height < 1; }
-
-IppiSize DrawSize(Input& in) { return {in.Length("width"), in.Length("height")}; }
-
 void FuzzLayouts(Input& in, Call& call) {
   const bool dup = in.Pick("operation: copy, dup", 0, 1) == 1;
   const int type = in.Code("type", 2, 4, 9, 13, 14, 0, 3, 16);
-  IppiSize size = DrawSize(in);
   const bool known = dup || type == 2 || type == 4 || type == 9 || type == 13 || type == 14;
-  if (!known || IsEmpty(size))
-    call.Refused();
-  else
-    size = contract::Fitting(size, 4);
+  const IppiSize size = call.Size(!known, 4);
   const int from = dup || type == 2 || type == 9 ? 1 : type == 13 ? 4 : 3;
   const int to = !dup && type == 2 ? 1 : !dup && type == 14 ? 4 : 3;
   const std::ptrdiff_t width = size.width;
@@ -43,12 +33,8 @@ void FuzzLayouts(Input& in, Call& call) {
 
 void FuzzSet(Input& in, Call& call) {
   const int type = in.Code("type", 2, 4, 9);
-  IppiSize size = DrawSize(in);
   const bool known = type == 2 || type == 4;
-  if (!known || IsEmpty(size))
-    call.Refused();
-  else
-    size = contract::Fitting(size, 3);
+  const IppiSize size = call.Size(!known, 3);
   const int channels = type == 4 ? 3 : 1;
   const unsigned char bytes[3] = {static_cast<unsigned char>(in.Byte()),
                                   static_cast<unsigned char>(in.Byte()),
@@ -69,12 +55,8 @@ void FuzzSet(Input& in, Call& call) {
 void FuzzMirror(Input& in, Call& call) {
   const int type = in.Code("type", 2, 4, 9);
   const int axis = in.Code("axis", 0, 1, 2, 3);
-  IppiSize size = DrawSize(in);
   const bool known = type == 2 || type == 4, any = axis >= 0 && axis <= 2;
-  if (!known || !any || IsEmpty(size))
-    call.Refused();
-  else
-    size = contract::Fitting(size, 3);
+  const IppiSize size = call.Size(!known || !any, 3);
   const std::ptrdiff_t rowBytes = std::ptrdiff_t{type == 4 ? 3 : 1} * size.width;
   const FuzzImage src =
       call.Source("src null", call.Step("srcStep", rowBytes), {rowBytes, size.height});
@@ -94,12 +76,8 @@ void FuzzMirror(Input& in, Call& call) {
 void FuzzPalette(Input& in, Call& call) {
   const int type = in.Any("type");
   const int bits = in.Code("bitSize", 8, 1, 2, 3, 4, 5, 6, 7, 0, 9);
-  IppiSize size = DrawSize(in);
   const bool known = bits >= 1 && bits <= 8;
-  if (!known || IsEmpty(size))
-    call.Refused();
-  else
-    size = contract::Fitting(size, 3);
+  const IppiSize size = call.Size(!known, 3);
   const std::ptrdiff_t width = size.width;
   const FuzzImage palette =
       call.Source("palette null", 0, {known ? std::ptrdiff_t{3} << bits : 0, 1});
@@ -119,11 +97,7 @@ void FuzzPalette(Input& in, Call& call) {
 void FuzzScale(Input& in, Call& call) {
   const int type = in.Code("type", 16, 16, 16, 2);
   const auto value = static_cast<unsigned char>(in.Between("value", 0, 255));
-  IppiSize size = DrawSize(in);
-  if (type != 16 || IsEmpty(size))
-    call.Refused();
-  else
-    size = contract::Fitting(size, 1);
+  const IppiSize size = call.Size(type != 16, 1);
   const int step = contract::DisjointStep(call.Step("step", size.width), size.width, size.height);
   if (step < 1) call.Refused();
   const FuzzImage image = call.Destination("srcDst null", step, {size.width, size.height});

@@ -43,7 +43,7 @@ void FuzzDeinterlace(Input& in) {
                        : empty                  ? StatusSizeErr
                                                 : StatusOk;
   call.Run(expected, [&] {
-    return Lib::qvDeinterlace(static_cast<Lib::qvDataType>(type), src.data, step, dst.data,
+    return Lib::qvDeinterlace(Type(type), src.data, step, dst.data,
                               dst.step, size, weight, mode);
   });
 }

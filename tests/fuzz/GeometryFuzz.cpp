@@ -167,7 +167,7 @@ void FuzzWarp(Input& in, Call& call) {
   const Typed typed = DrawTyped(in, call);
   const Images& a = typed.images;
   const int channels = typed.channels, method = typed.method;
-  const auto type = static_cast<Lib::qvDataType>(typed.type);
+  const auto type = Type(typed.type);
   const Matrix m = DrawMatrix(in, a.srcRoi, a.dstRoi);
   const Placed images = PlaceImages(in, call, a, channels);
   call.Run(
@@ -204,7 +204,7 @@ void FuzzRotate(Input& in, Call& call) {
   const Typed typed = DrawTyped(in, call);
   const Images& a = typed.images;
   const int channels = typed.channels, method = typed.method;
-  const auto type = static_cast<Lib::qvDataType>(typed.type);
+  const auto type = Type(typed.type);
   const int kind = in.Pick("angle: quarters, whole, any", 0, 1, 2);
   const double angle = kind == 0   ? 90.0 * in.Between("quarters", -5, 5)
                        : kind == 1 ? in.Between("degrees", -720, 720)
@@ -215,7 +215,8 @@ void FuzzRotate(Input& in, Call& call) {
                                           : in.Between("shift, in halves", -800, 800) / 2.0;
   const Placed images = PlaceImages(in, call, a, channels);
   // Quarter turns by whole numbers do not look at the interpolation.
-  call.Run(!typed.known ? static_cast<int>(StatusDataTypeErr) : Refusal(a, images, method, false), [&] {
+  const int expected = typed.known ? Refusal(a, images, method, false) : StatusDataTypeErr;
+  call.Run(expected, [&] {
     return Lib::qvRotate(type, images.src.data, a.srcSize, images.src.step, a.srcRoi,
                          images.dst.data, images.dst.step, a.dstRoi, angle, shift[0], shift[1],
                          method);
@@ -223,7 +224,7 @@ void FuzzRotate(Input& in, Call& call) {
 }
 
 void FuzzNumbers(Input& in, Call& call) {
-  const auto type = static_cast<Lib::qvDataType>(in.Any("type"));
+  const auto type = Type(in.Any("type"));
   const IppiRect roi = DrawRegion(in, "roi.x", "roi.y", "roi.width", "roi.height", 700);
   double quad[4][2];
   for (auto& corner : quad)

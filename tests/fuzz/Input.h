@@ -69,26 +69,11 @@ class Input {
   // Any double: ordinary ones, and all that arithmetic stumbles over.
   double Real(const char* name) {
     using Limits = std::numeric_limits<double>;
-    static constexpr double kEdges[] = {0.0,
-                                        -0.0,
-                                        1.0,
-                                        -1.0,
-                                        0.5,
-                                        2.0,
-                                        1e-7,
-                                        1e-300,
-                                        1e300,
-                                        -1e300,
-                                        0x1p31,
-                                        -0x1p31,
-                                        0x1p63,
-                                        Limits::infinity(),
-                                        -Limits::infinity(),
-                                        Limits::quiet_NaN(),
-                                        Limits::denorm_min(),
-                                        Limits::max(),
-                                        Limits::lowest(),
-                                        Limits::epsilon()};
+    static constexpr double kEdges[] = {
+        0.0,     -0.0,    1.0,    -1.0,   0.5,     2.0,    1e-7, 1e-300, 1e300, -1e300,
+        0x1p31,  -0x1p31, 0x1p63, Limits::infinity(),      -Limits::infinity(),
+        Limits::quiet_NaN(),      Limits::denorm_min(),    Limits::max(),
+        Limits::lowest(),         Limits::epsilon()};
     constexpr unsigned kCount = sizeof kEdges / sizeof *kEdges;
     const unsigned choice = Byte();
     double value;

@@ -70,8 +70,6 @@ bool StartsOutside(const Arguments& a) {
   return a.srcRoi.x >= a.srcSize.width || a.srcRoi.y >= a.srcSize.height;
 }
 
-bool IsDestinationEmpty(const Arguments& a) { return a.dstSize.width < 1 || a.dstSize.height < 1; }
-
 bool IsSizeKept(const Arguments& a) {
   const auto near = [](long long from, long long to) { return from - to <= 1 && to - from <= 1; };
   return near(a.srcSize.width, a.dstSize.width) && near(a.srcSize.height, a.dstSize.height) &&
@@ -128,14 +126,14 @@ void FuzzPixels(Input& in, Call& call) {
     return a.method == 8 && (a.xFactor > 1 || a.yFactor > 1) ? 16 : a.method;
   };
   const auto methodKnown = [&](int m) { return m == 1 || m == 2 || m == 4 || m == 8 || m == 16; };
-  const bool works = known && !IsSourceBad(a) && !StartsOutside(a) && !IsDestinationEmpty(a) &&
+  const bool works = known && !IsSourceBad(a) && !StartsOutside(a) && !IsEmpty(a.dstSize) &&
                      factors && methodKnown(methodOf());
   if (works)
     Fit(a, channels);
   else
     call.Refused();
   const int method = methodOf();
-  const int count = known && !IsDestinationEmpty(a) && methodKnown(method) && method != 8
+  const int count = known && !IsEmpty(a.dstSize) && methodKnown(method) && method != 8
                         ? BandCount(a, call.budget())
                         : 1;
 
@@ -146,7 +144,7 @@ void FuzzPixels(Input& in, Call& call) {
     refusal = StatusSizeErr;
   else if (count == 1 && StartsOutside(a))
     refusal = StatusNoOverlapWarning;
-  else if (IsDestinationEmpty(a))
+  else if (IsEmpty(a.dstSize))
     refusal = StatusSizeErr;
   else if (!factors)
     refusal = StatusResizeFactorErr;
@@ -188,7 +186,7 @@ void FuzzPixels(Input& in, Call& call) {
   call.Run(
       sure ? refusal : Call::kAnyStatus,
       [&] {
-        return Lib::qvResize(static_cast<Lib::qvDataType>(a.type), src.data, a.srcSize, src.step,
+        return Lib::qvResize(Type(a.type), src.data, a.srcSize, src.step,
                              a.srcRoi, dst.data, dst.step, a.dstSize, a.xFactor, a.yFactor,
                              a.method);
       },
@@ -202,7 +200,7 @@ void FuzzPacked(Input& in, Call& call) {
   const auto refusalOf = [&] {
     if (IsSourceBad(a)) return StatusSizeErr;
     if (StartsOutside(a)) return StatusNoOverlapWarning;
-    if (IsDestinationEmpty(a) || odd(a.srcSize.width) || odd(a.srcRoi.width) || odd(a.srcRoi.x) ||
+    if (IsEmpty(a.dstSize) || odd(a.srcSize.width) || odd(a.srcRoi.width) || odd(a.srcRoi.x) ||
         a.dstSize.width < 2)
       return StatusSizeErr;
     if (!(a.xFactor > 0 && a.yFactor > 0)) return StatusResizeFactorErr;
@@ -235,7 +233,7 @@ void FuzzPacked(Input& in, Call& call) {
       call.Destination("dst null", call.Step("dstStep", dstBytes), {dstBytes, rows});
   if (!src.data || !dst.data) refusal = StatusNullPtrErr;
   call.Run(refusal, [&] {
-    return Lib::qvResizeYUV422(static_cast<Lib::qvDataType>(a.type), src.data, a.srcSize, src.step,
+    return Lib::qvResizeYUV422(Type(a.type), src.data, a.srcSize, src.step,
                                a.srcRoi, dst.data, dst.step, a.dstSize, a.xFactor, a.yFactor,
                                a.method);
   });

@@ -55,8 +55,8 @@ class Case {
   // `rowsBefore` is not 0, the pointer is that many rows inside.
   Image Destination(std::ptrdiff_t rowBytes, int rows, bool downwards = false, int rowsBefore = 0);
 
-  // Runs the call at every level. Compares the returned value and every byte of all destinations with
-  // the plain level's.
+  // Runs the call at every level. Compares the returned value and every byte of all destinations
+  // with the plain level's.
   void Compare(const std::function<int()>& call);
 
   Random random{0};

@@ -1,45 +1,11 @@
-#include <cmath>
-
 #include "kernels/geometry/Geometry.h"
-#include "kernels/geometry/Transform.h"
 #include "tests/kernelcheck/Case.h"
+#include "tests/support/RandomMatrix.h"
 
 using namespace qv;
 using namespace qv::test;
 
 namespace {
-
-struct Matrix {
-  double c[3][3];
-};
-
-// Mostly a quadrilateral or a rotation that covers much of the destination; now and then something
-// steep, tiny or far off.
-Matrix RandomMatrix(Random& random, IppiRect roi, IppiSize dst, bool perspective) {
-  Matrix m = {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
-  const double width = dst.width, height = dst.height;
-  if (!perspective) {
-    double r[2][3];
-    const double scale = random.OneIn(2) ? 1 : std::exp(random.Between(-4.0, 4.0));
-    RotationCoefficients(random.OneIn(4) ? 0 : random.Between(0.0, 360.0),
-                         random.Between(0.0, 1.0) * width, random.Between(0.0, 1.0) * height, r);
-    for (int i = 0; i < 2; ++i)
-      for (int k = 0; k < 3; ++k) m.c[i][k] = k < 2 ? r[i][k] * scale : r[i][k];
-    return m;
-  }
-  const double spread = random.OneIn(4) ? 3 : 1.2, bend = random.OneIn(4) ? .49 : .25;
-  double quad[4][2];
-  do {
-    const double x0 = random.Between(-.2, .5) * width, y0 = random.Between(-.2, .5) * height;
-    const double w = random.Between(.1, spread) * width + 2;
-    const double h = random.Between(.1, spread) * height + 2;
-    for (int i = 0; i < 4; ++i) {
-      quad[i][0] = x0 + (i == 1 || i == 2 ? w : 0) + random.Between(-bend, bend) * w;
-      quad[i][1] = y0 + (i < 2 ? 0 : h) + random.Between(-bend, bend) * h;
-    }
-  } while (GetPerspectiveTransform_64f(roi, quad, m.c) != StatusOk);
-  return m;
-}
 
 void CheckWarp(Case& c, int channels) {
   IppiSize size = c.Size();
@@ -57,7 +23,7 @@ void CheckWarp(Case& c, int channels) {
   const Image src = c.Source(std::ptrdiff_t{srcSize.width} * channels, srcSize.height, true);
   const Image dst = c.Destination(std::ptrdiff_t{size.width} * channels, size.height, true);
   const bool perspective = !c.random.OneIn(3);
-  Matrix m = RandomMatrix(c.random, roi, size, perspective);
+  Matrix m = RandomMatrix(c.random, roi, size, perspective, true);
   if (c.IsBench()) {  // a trapezium that fills most of the frame
     const double w = size.width, h = size.height;
     const double quad[4][2] = {{.1 * w, .02 * h}, {.95 * w, .05 * h}, {w, .97 * h}, {0, .9 * h}};

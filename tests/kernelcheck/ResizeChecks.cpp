@@ -10,11 +10,29 @@ using namespace qv::test;
 
 namespace {
 
-// A factor: mostly between 1/20 and 20, often a ratio of small numbers.
-double RandomFactor(Case& c) {
-  if (c.random.OneIn(3)) return c.random.Between(1, 6) / double(c.random.Between(1, 6));
-  return std::exp(c.random.Between(-3.0, 3.0));
+// From 1/20 to 20, often a ratio of small numbers.
+double AnyFactor(Random& random) {
+  if (random.OneIn(3)) return random.Between(1, 6) / double(random.Between(1, 6));
+  return std::exp(random.Between(-3.0, 3.0));
 }
+
+double Reducing(Random& random) {
+  const double factor = AnyFactor(random);
+  return std::min(factor, 1 / factor);
+}
+
+// Means over more than eight samples of an axis at least are of spans.
+double Strongly(Random& random) { return 1 / random.Between(7.0, 25.0); }
+
+double Half(Random&) { return 0.5; }
+
+struct Scaling {
+  double (*factor)(Random& random);
+  double atBench;
+};
+
+constexpr Scaling kAny = {AnyFactor, 1.5}, kReducing = {Reducing, 2.0 / 3},
+                  kStrongly = {Strongly, 0.1}, kHalf = {Half, 0.5};
 
 // A source image, a region of it between guard pages, and a destination of about the scaled size.
 struct ResizeCase {
@@ -24,22 +42,19 @@ struct ResizeCase {
   IppiSize dstSize;
 };
 
-ResizeCase PlanCase(Case& c, bool reduction = false) {
+ResizeCase PlanCase(Case& c, Scaling scaling) {
   ResizeCase r;
+  r.dstSize = c.Size();
   if (c.IsBench()) {  // the size asked for is the destination's
-    r.dstSize = c.Size();
-    r.xFactor = r.yFactor = reduction ? 2.0 / 3 : 1.5;
+    r.xFactor = r.yFactor = scaling.atBench;
     r.srcSize = {int(r.dstSize.width / r.xFactor + .5), int(r.dstSize.height / r.yFactor + .5)};
     r.roi = {0, 0, r.srcSize.width, r.srcSize.height};
     return r;
   }
-  r.dstSize = c.Size();
-  r.xFactor = RandomFactor(c);
-  r.yFactor = RandomFactor(c);
-  if (reduction) {
-    r.xFactor = std::min(r.xFactor, 1 / r.xFactor);
-    r.yFactor = std::min(r.yFactor, 1 / r.yFactor);
-  }
+  // Rows of several strips.
+  if (c.random.OneIn(50)) r.dstSize = {c.random.Between(400, 4000), c.random.Between(1, 6)};
+  r.xFactor = scaling.factor(c.random);
+  r.yFactor = scaling.factor(c.random);
   const auto source = [&](int size, double factor) {
     return std::clamp(int(size / factor + c.random.Between(-1.0, 1.0)), 1, 40000);
   };
@@ -56,20 +71,24 @@ ResizeCase PlanCase(Case& c, bool reduction = false) {
   return r;
 }
 
+// Only the region is readable: what lies around it in the image must not be touched. The image's
+// first byte is `pixelBytes` a column before it.
+Image MakeSource(Case& c, const ResizeCase& r, int rowBytes, int pixelBytes) {
+  Image region = c.Source(rowBytes, std::min(r.roi.height, r.srcSize.height - r.roi.y));
+  region.data -= r.roi.y * std::ptrdiff_t{region.step} + std::ptrdiff_t{r.roi.x} * pixelBytes;
+  return region;
+}
+
 // Whole image or, as often, the band kernel.
-void CheckResize(Case& c, int channels, int interpolation) {
-  const ResizeCase r = PlanCase(c, interpolation == InterpolateArea);
-  // Only the region is readable: what lies around it in the image must not be touched.
+void CheckResize(Case& c, int channels, int interpolation, Scaling scaling) {
+  const ResizeCase r = PlanCase(c, scaling);
   const int width = std::min(r.roi.width, r.srcSize.width - r.roi.x);
-  const int height = std::min(r.roi.height, r.srcSize.height - r.roi.y);
-  const Image region = c.Source(std::ptrdiff_t{width} * channels, height);
-  const unsigned char* const src =
-      region.data - r.roi.y * std::ptrdiff_t{region.step} - std::ptrdiff_t{r.roi.x} * channels;
+  const Image src = MakeSource(c, r, width * channels, channels);
   const Image dst = c.Destination(std::ptrdiff_t{r.dstSize.width} * channels, r.dstSize.height);
   if (c.IsBench() || c.random.OneIn(2)) {
     const auto kernel = channels == 1 ? Resize_8u_C1 : Resize_8u_C3;
     c.Compare([=] {
-      return kernel(src, r.srcSize, region.step, r.roi, dst.data, dst.step, r.dstSize, r.xFactor,
+      return kernel(src.data, r.srcSize, src.step, r.roi, dst.data, dst.step, r.dstSize, r.xFactor,
                     r.yFactor, interpolation);
     });
     return;
@@ -78,43 +97,57 @@ void CheckResize(Case& c, int channels, int interpolation) {
   int bytes = 0;
   ResizeBandBufferSize(r.dstSize, channels, interpolation, &bytes);
   std::vector<unsigned char> buffer(std::size_t(bytes) + 1);
+  unsigned char fill = 0;
   const double xShift = c.random.OneIn(3) ? c.random.Between(-9.0, 9.0) : 0;
   const double yShift = c.random.OneIn(3) ? c.random.Between(-2.0, 2.0) : 0;
-  c.Compare([=, &buffer] {
-    return kernel(src, r.srcSize, region.step, r.roi, dst.data, dst.step,
+  c.Compare([=, &buffer, &fill] {
+    std::fill(buffer.begin(), buffer.end(), fill += 77);  // nothing may depend on what was there
+    return kernel(src.data, r.srcSize, src.step, r.roi, dst.data, dst.step,
                   {0, 0, r.dstSize.width, r.dstSize.height}, r.xFactor, r.yFactor, xShift, yShift,
                   interpolation, buffer.data());
   });
 }
 
-void CheckResize422(Case& c, int interpolation) {
-  ResizeCase r = PlanCase(c, interpolation == InterpolateArea);
+void CheckResize422(Case& c, int interpolation, Scaling scaling) {
+  ResizeCase r = PlanCase(c, scaling);
   r.dstSize.width += r.dstSize.width % 2;
   r.roi.width += r.roi.width % 2;
   r.srcSize.width += r.srcSize.width % 2;
   r.roi.x -= r.roi.x % 2;
   const int width = std::min(r.roi.width, r.srcSize.width - r.roi.x);
-  const int height = std::min(r.roi.height, r.srcSize.height - r.roi.y);
-  const Image region = c.Source(std::ptrdiff_t{width} * 2, height);
-  const unsigned char* const src =
-      region.data - r.roi.y * std::ptrdiff_t{region.step} - std::ptrdiff_t{r.roi.x} * 4;
+  const Image src = MakeSource(c, r, width * 2, 4);
   const Image dst = c.Destination(std::ptrdiff_t{r.dstSize.width} * 2, r.dstSize.height);
   c.Compare([=] {
-    return ResizeYUV422_8u_C2(src, r.srcSize, region.step, r.roi, dst.data, dst.step, r.dstSize,
+    return ResizeYUV422_8u_C2(src.data, r.srcSize, src.step, r.roi, dst.data, dst.step, r.dstSize,
                               r.xFactor, r.yFactor, interpolation);
   });
 }
 
-}  // namespace
-
 // One or three channels or packed 4:2:2.
-static void CheckAnyLayout(Case& c, int interpolation) {
+void CheckAnyLayout(Case& c, int interpolation) {
   const int channels = c.IsBench() ? 3 : c.random.Between(1, 3);
-  if (channels == 2)
-    CheckResize422(c, interpolation);
-  else
-    CheckResize(c, channels, interpolation);
+  if (channels == 2) CheckResize422(c, interpolation, kAny);
+  else CheckResize(c, channels, interpolation, kAny);
 }
+
+// Cubic, Lanczos, or means over few samples, which are taps as well.
+void CheckFilter(Case& c, int channels) {
+  const int method = c.IsBench() ? 4 : c.random.Pick(4, 8, 16);
+  CheckResize(c, channels, method, method == 8 ? kReducing : kAny);
+}
+
+}  // namespace
 
 QV_CHECK(NearestRows_8u) { CheckAnyLayout(c, InterpolateNearest); }
 QV_CHECK(LinearRows_8u) { CheckAnyLayout(c, InterpolateLinear); }
+QV_CHECK(HalveRows_8u_C1) { CheckResize(c, 1, InterpolateArea, kHalf); }
+QV_CHECK(HalveRows_8u_C3) { CheckResize(c, 3, InterpolateArea, kHalf); }
+QV_CHECK(FilterRows_8u_C1) { CheckFilter(c, 1); }
+QV_CHECK(FilterRows_8u_C3) { CheckFilter(c, 3); }
+QV_CHECK(FilterRows422_8u_C2) {
+  const bool mean = !c.IsBench() && c.random.OneIn(3);
+  CheckResize422(c, mean ? InterpolateArea : InterpolateCubic, mean ? kReducing : kAny);
+}
+QV_CHECK(AreaRows_8u_C1) { CheckResize(c, 1, InterpolateArea, kStrongly); }
+QV_CHECK(AreaRows_8u_C3) { CheckResize(c, 3, InterpolateArea, kStrongly); }
+QV_CHECK(AreaRows422_8u_C2) { CheckResize422(c, InterpolateArea, kStrongly); }

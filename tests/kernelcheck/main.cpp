@@ -115,7 +115,8 @@ int RunChecks(const Options& o, Case& c, const std::vector<Check>& checks) {
       ++calls;
       ++statuses[c.plainResult];
       if (c.failure.empty()) continue;
-      std::printf("FAILED: %s at %s: %s\n  kernelcheck --kernel %s --level %s --seed %llu --case %d\n",
+      std::printf("FAILED: %s at %s: %s\n"
+                  "  kernelcheck --kernel %s --level %s --seed %llu --case %d\n",
                   check.kernel, c.failedLevel.c_str(), c.failure.c_str(), check.kernel,
                   c.failedLevel.c_str(), static_cast<unsigned long long>(o.seed), i);
       ++failures;

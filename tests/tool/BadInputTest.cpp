@@ -21,12 +21,11 @@ class BadInput : public testing::TestWithParam<Bad> {};
 TEST_P(BadInput, EndsWithOneClearLine) {
   const Bad& bad = GetParam();
   Workplace place;
-  ASSERT_EQ(place.Run({"copy", "-", "whole.png", "--layout", "bgr", "--size", "40x30"},
-                      Noise(40 * 30 * 3, 1)).exitCode, 0);
-  ASSERT_EQ(place.Run({"copy", "whole.png", "whole.jpg"}).exitCode, 0);
-  ASSERT_EQ(place.Run({"fill", "grey.png", "--layout", "grey", "--size", "40x30", "--colour", "1"})
-                .exitCode, 0);
-  ASSERT_EQ(place.Run({"copy", "whole.png", "alpha.png", "--to", "bgra"}).exitCode, 0);
+  const std::string noise = Noise(40 * 30 * 3, 1);
+  ASSERT_EQ(place.Run("copy - whole.png --layout bgr --size 40x30", noise).exitCode, 0);
+  ASSERT_EQ(place.Run("copy whole.png whole.jpg").exitCode, 0);
+  ASSERT_EQ(place.Run("fill grey.png --layout grey --size 40x30 --colour 1").exitCode, 0);
+  ASSERT_EQ(place.Run("copy whole.png alpha.png --to bgra").exitCode, 0);
   const std::string png = place.Read("whole.png"), jpeg = place.Read("whole.jpg");
   place.Write("cut.png", png.substr(0, png.size() / 2));
   place.Write("endless.png", png.substr(0, png.size() - 12));  // without its last chunk

@@ -60,15 +60,15 @@ TEST(ChecksumCommand, ChecksItsOwnLists) {
   Workplace place;
   place.Write("one", Noise(1000, 1));
   place.Write("two (2)", Noise(2000, 2));
-  std::string list = place.Run({"checksum", "one", "two (2)"}).out;
-  list += place.Run({"checksum", "--tag", "--algorithm", "adler32", "one", "two (2)"}).out;
+  std::string list = place.Run(Arguments{"checksum", "one", "two (2)"}).out;
+  list += place.Run(Arguments{"checksum", "--tag", "--algorithm", "adler32", "one", "two (2)"}).out;
   place.Write("list", list);
-  Outcome outcome = place.Run({"checksum", "--check", "list"});
+  Outcome outcome = place.Run("checksum --check list");
   EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
   EXPECT_EQ(outcome.out, "one: OK\ntwo (2): OK\none: OK\ntwo (2): OK\n");
 
   place.Write("one", Noise(1000, 3));
-  outcome = place.Run({"checksum", "--check"}, list);
+  outcome = place.Run("checksum --check", list);
   EXPECT_EQ(outcome.exitCode, 1);
   EXPECT_EQ(outcome.out, "one: FAILED\ntwo (2): OK\none: FAILED\ntwo (2): OK\n");
   EXPECT_EQ(outcome.err, "qvtool: 2 of 4 checksums do not match\n");

@@ -47,41 +47,34 @@ void CheckPage(const Workplace& place) {
 
 TEST(Demo, ShowsTheTestCard) {
   Workplace place;
-  const Outcome outcome = place.Run({"demo", "out"});
+  const Outcome outcome = place.Run("demo out");
   ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
   CheckPage(place);
   for (const char* operation : {"qvDeinterlace(", "qvWarpPerspective("})
     EXPECT_GT(Count(place.Read("out/index.html"), operation), 0u) << operation;
   // The pictures are those of the operations: the mirrored frame, mirrored, is the frame.
-  ASSERT_EQ(
-      place.Run({"mirror", "out/mirror-both-after.png", "back.png", "--axis", "both"}).exitCode, 0);
-  EXPECT_TRUE(place.Run({"copy", "back.png", "-", "--format", "raw"}).out ==
-              place.Run({"copy", "out/frame-colour.png", "-", "--format", "raw"}).out);
+  ASSERT_EQ(place.Run("mirror out/mirror-both-after.png back.png --axis both").exitCode, 0);
+  EXPECT_TRUE(place.Run("copy back.png - --format raw").out ==
+              place.Run("copy out/frame-colour.png - --format raw").out);
 }
 
 TEST(Demo, ShowsTheUsersOwnFrames) {
-  struct Case {
-    const char* name;
-    Arguments make;
-    std::string input;
-  };
-  const Case cases[] = {
-      {"photo.jpg",
-       {"copy", "-", "photo.jpg", "--layout", "bgr", "--size", "61x43"},
-       Noise(61 * 43 * 3, 2)},
-      {"tiny.png", {"fill", "tiny.png", "--layout", "grey", "--size", "1x1", "--colour", "9"}, ""},
-      {"tall.png", {"fill", "tall.png", "--size", "3x4000", "--colour", "9"}, ""},
-      {"clip.y4m",
-       {"copy", "-", "clip.y4m"},
+  const struct {
+    std::string name, make, input;
+  } cases[] = {
+      {"photo.jpg", "copy - photo.jpg --layout bgr --size 61x43", Noise(61 * 43 * 3, 2)},
+      {"tiny.png", "fill tiny.png --layout grey --size 1x1 --colour 9", ""},
+      {"tall.png", "fill tall.png --size 3x4000 --colour 9", ""},
+      {"clip.y4m", "copy - clip.y4m",
        "YUV4MPEG2 W9 H5 C420\nFRAME\n" + Noise(75, 3) + "FRAME\n" + Noise(75, 4)},
   };
-  for (const Case& test : cases) {
+  for (const auto& c : cases) {
     Workplace place;
-    ASSERT_EQ(place.Run(test.make, test.input).exitCode, 0);
-    const Outcome outcome = place.Run({"demo", "out", "--input", test.name});
+    ASSERT_EQ(place.Run(c.make, c.input).exitCode, 0);
+    const Outcome outcome = place.Run("demo out --input " + c.name);
     ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
     CheckPage(place);
-    EXPECT_NE(place.Read("out/index.html").find(test.name), std::string::npos);
+    EXPECT_NE(place.Read("out/index.html").find(c.name), std::string::npos);
   }
 }
 

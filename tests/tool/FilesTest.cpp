@@ -31,102 +31,86 @@ TEST(Y4m, StreamsPassUnchanged) {
     std::string stream = std::string("YUV4MPEG2 W5 H3 ") + test.fields + "\n";
     for (unsigned i = 0; i < 3; ++i)
       stream += std::string(test.frame) + "\n" + Noise(test.bytes, i);
-    const Outcome piped = place.Run({"copy", "-", "-"}, stream);
+    const Outcome piped = place.Run("copy - -", stream);
     EXPECT_EQ(piped.exitCode, 0) << piped.err;
     EXPECT_TRUE(piped.out == stream) << test.fields;
     // Two mirrors are none, in files as well.
     place.Write("in.y4m", stream);
-    ASSERT_EQ(place.Run({"mirror", "in.y4m", "half.y4m", "--axis", "both"}).exitCode, 0);
-    ASSERT_EQ(place.Run({"mirror", "half.y4m", "back.y4m", "--axis", "both"}).exitCode, 0);
+    ASSERT_EQ(place.Run("mirror in.y4m half.y4m --axis both").exitCode, 0);
+    ASSERT_EQ(place.Run("mirror half.y4m back.y4m --axis both").exitCode, 0);
     EXPECT_FALSE(place.Read("half.y4m") == stream);
     EXPECT_TRUE(place.Read("back.y4m") == stream) << test.fields;
   }
 }
 
 TEST(Raw, EveryLayoutPassesUnchanged) {
-  struct Case {
-    const char* layout;
-    std::size_t bytes;  // of a 5x3 frame
-  };
-  const Case cases[] = {{"grey", 15}, {"bgr", 45},  {"bgra", 60}, {"yuyv", 36},
-                        {"i420", 27}, {"yv12", 27}, {"nv12", 27}, {"i411", 27},
-                        {"i422", 33}, {"i444", 45}, {"i444a", 60}};
-  for (const Case& test : cases) {
+  const std::pair<std::string, std::size_t> cases[] = {  // and bytes of a 5x3 frame
+      {"grey", 15}, {"bgr", 45},  {"bgra", 60}, {"yuyv", 36}, {"i420", 27}, {"yv12", 27},
+      {"nv12", 27}, {"i411", 27}, {"i422", 33}, {"i444", 45}, {"i444a", 60}};
+  for (const auto& [layout, bytes] : cases) {
     Workplace place;
-    const std::string frames = Noise(test.bytes * 2, 5);
-    const Outcome outcome =
-        place.Run({"copy", "-", "-", "--layout", test.layout, "--size", "5x3"}, frames);
+    const std::string frames = Noise(bytes * 2, 5), copy = "copy - - --size 5x3 --layout " + layout;
+    const Outcome outcome = place.Run(copy, frames);
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-    EXPECT_TRUE(outcome.out == frames) << test.layout;
-    const Outcome cut = place.Run({"copy", "-", "-", "--layout", test.layout, "--size", "5x3"},
-                                  frames.substr(0, frames.size() - 1));
-    EXPECT_EQ(cut.exitCode, 1) << test.layout;
+    EXPECT_TRUE(outcome.out == frames) << layout;
+    EXPECT_EQ(place.Run(copy, frames.substr(1)).exitCode, 1) << layout;
   }
 }
 
 TEST(Raw, BecomesY4mWithItsRate) {
   Workplace place;
-  const Outcome outcome = place.Run({"copy", "-", "-", "--layout", "i422", "--size", "2x1",
-                                     "--rate", "30000:1001", "--format", "y4m"},
-                                    "abcd");
-  EXPECT_EQ(outcome.out, "YUV4MPEG2 W2 H1 F30000:1001 Ip A1:1 C422\nFRAME\nabcd");
+  const char* const copy = "copy - - --layout i422 --size 2x1 --rate 30000:1001 --format y4m";
+  EXPECT_EQ(place.Run(copy, "abcd").out, "YUV4MPEG2 W2 H1 F30000:1001 Ip A1:1 C422\nFRAME\nabcd");
 }
 
 TEST(Y4m, ColourFieldFollowsTheFrames) {
   // A grey picture as Y4M, and a frame each of a mono stream as pictures.
   Workplace place;
-  ASSERT_EQ(place.Run({"fill", "grey.png", "--layout", "grey", "--size", "3x2", "--colour", "65"})
-                .exitCode,
-            0);
-  EXPECT_EQ(place.Run({"copy", "grey.png", "-", "--format", "y4m"}).out,
+  ASSERT_EQ(place.Run("fill grey.png --layout grey --size 3x2 --colour 65").exitCode, 0);
+  EXPECT_EQ(place.Run("copy grey.png - --format y4m").out,
             "YUV4MPEG2 W3 H2 F25:1 Cmono\nFRAME\nAAAAAA");
-  ASSERT_EQ(place.Run({"copy", "-", "out-%03d.png"}, "YUV4MPEG2 W2 H1 Cmono\nFRAME\nab\nFRAME\ncd")
+  ASSERT_EQ(place.Run("copy - out-%03d.png", "YUV4MPEG2 W2 H1 Cmono\nFRAME\nab\nFRAME\ncd")
                 .exitCode,
             1);  // a byte too much
   const Outcome outcome =
-      place.Run({"copy", "-", "out-%03d.png"}, "YUV4MPEG2 W2 H1 Cmono\nFRAME\nabFRAME\ncd");
+      place.Run("copy - out-%03d.png", "YUV4MPEG2 W2 H1 Cmono\nFRAME\nabFRAME\ncd");
   EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-  EXPECT_EQ(place.Run({"copy", "out-002.png", "-", "--format", "raw"}).out, "cd");
+  EXPECT_EQ(place.Run("copy out-002.png - --format raw").out, "cd");
 }
 
 TEST(Jpeg, KeepsThePictureAndItsChannels) {
-  for (const char* layout : {"grey", "bgr"}) {
-    const int bytes = layout == std::string("grey") ? 1 : 3;
+  for (const std::string layout : {"grey", "bgr"}) {
+    const int bytes = layout == "grey" ? 1 : 3;
     Workplace place;
     std::string source;
     for (int y = 0; y < 24; ++y)
       for (int x = 0; x < 40; ++x)
         for (int c = 0; c < bytes; ++c)
           source += static_cast<char>(c == 0 ? 6 * x : c == 1 ? 9 * y : 200 - 2 * x - 2 * y);
-    ASSERT_EQ(
-        place
-            .Run({"copy", "-", "a.jpg", "--layout", layout, "--size", "40x24", "--quality", "100"},
-                 source)
-            .exitCode,
-        0);
+    const std::string copy = "copy - a.jpg --size 40x24 --quality 100 --layout " + layout;
+    ASSERT_EQ(place.Run(copy, source).exitCode, 0);
     EXPECT_EQ(place.Read("a.jpg").substr(0, 3), "\xff\xd8\xff");
-    const Outcome back = place.Run({"copy", "a.jpg", "-", "--format", "raw"});
+    const Outcome back = place.Run("copy a.jpg - --format raw");
     ASSERT_EQ(back.out.size(), source.size()) << back.err;
     int worst = 0;
     for (std::size_t i = 0; i < source.size(); ++i)
       worst = std::max(worst, std::abs(Byte(source, i) - Byte(back.out, i)));
     EXPECT_LE(worst, 3) << layout;
     // The quality is heard.
-    ASSERT_EQ(place.Run({"copy", "a.jpg", "b.jpeg", "--quality", "10"}).exitCode, 0);
+    ASSERT_EQ(place.Run("copy a.jpg b.jpeg --quality 10").exitCode, 0);
     EXPECT_LT(place.Read("b.jpeg").size(), place.Read("a.jpg").size());
   }
 }
 
 TEST(Inputs, AreRecognisedByContentAlsoFromPipes) {
   Workplace place;
-  ASSERT_EQ(place.Run({"fill", "a.jpg", "--size", "9x5", "--colour", "9"}).exitCode, 0);
-  ASSERT_EQ(place.Run({"fill", "a.png", "--size", "9x5", "--colour", "9"}).exitCode, 0);
+  ASSERT_EQ(place.Run("fill a.jpg --size 9x5 --colour 9").exitCode, 0);
+  ASSERT_EQ(place.Run("fill a.png --size 9x5 --colour 9").exitCode, 0);
   place.Write("wrong.txt", place.Read("a.png"));
-  EXPECT_NE(place.Run({"info", "wrong.txt"}).out.find("format  PNG"), std::string::npos);
-  EXPECT_NE(place.Run({"info", "-"}, place.Read("a.jpg")).out.find("format  JPEG"),
-            std::string::npos);
-  EXPECT_EQ(place.Run({"copy", "-", "-"}, place.Read("a.png")).out.substr(1, 3), "PNG");
-  const std::string info = place.Run({"info", "-"}, "YUV4MPEG2 W2 H1 F24:1 Cmono\nFRAME\nab").out;
+  EXPECT_NE(place.Run("info wrong.txt").out.find("format  PNG"), std::string::npos);
+  EXPECT_NE(place.Run("info -", place.Read("a.jpg")).out.find("format  JPEG"), std::string::npos);
+  EXPECT_EQ(place.Run("copy - -", place.Read("a.png")).out.substr(1, 3), "PNG");
+  const std::string info = place.Run("info -", "YUV4MPEG2 W2 H1 F24:1 Cmono\nFRAME\nab").out;
   for (const char* part :
        {"format  Y4M", "layout  grey", "size    2x1", "frames  1", "F24:1 Cmono"})
     EXPECT_NE(info.find(part), std::string::npos) << part << " is not in\n" << info;

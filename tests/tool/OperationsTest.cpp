@@ -46,15 +46,11 @@ TEST_P(OperationTest, FollowsItsFormula) {
   Pixels source{Noise(kWidth * kHeight * static_cast<std::size_t>(operation.sourceBytes), 7),
                 operation.sourceBytes};
   place.Write("own.txt", "#010203\n#ff8000\n");
-  const auto make = [&](const char* file, const char* colour, const char* layout) {
-    return place.Run({"fill", file, "--colour", colour, "--layout", layout, "--size", "37x21"});
-  };
-  ASSERT_EQ(make("other.png", "66", "bgr").exitCode, 0);
-  ASSERT_EQ(make("mask.png", "51", "grey").exitCode, 0);
-
-  Arguments arguments = Words(operation.command);
-  arguments.insert(arguments.end(), {"-", "-", "--layout", operation.layout, "--size", "37x21"});
-  const Outcome outcome = place.Run(arguments, source.data);
+  const std::string size = " --size 37x21 --layout ";
+  ASSERT_EQ(place.Run("fill other.png --colour 66" + size + "bgr").exitCode, 0);
+  ASSERT_EQ(place.Run("fill mask.png --colour 51" + size + "grey").exitCode, 0);
+  const Outcome outcome =
+      place.Run(operation.command + (" - -" + size) + operation.layout, source.data);
   ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
   EXPECT_EQ(outcome.err, "");
   Pixels expected = Empty(operation.resultBytes);
@@ -132,39 +128,38 @@ INSTANTIATE_TEST_SUITE_P(All, OperationTest, testing::ValuesIn(kOperations),
 // Planar video: each plane on its own grid. 6x4 in 4:2:0 has chroma of 3x2.
 TEST(PlanarVideo, PlanesAreWorkedOnEachOnItsOwnGrid) {
   struct Case {
-    Arguments arguments;
+    const char* line;
     std::string expected;
   };
   const std::string header = "YUV4MPEG2 W6 H4 C420jpeg F25:1\nFRAME\n";
   const std::string luma = "abcdefghijklmnopqrstuvwx", cb = "ABCDEF", cr = "123456";
   const Case cases[] = {
-      {{"mirror", "-", "-"}, header + "fedcba" "lkjihg" "rqponm" "xwvuts" "CBAFED" "321654"},
-      {{"mirror", "-", "-", "--axis", "both"},
+      {"mirror - -", header + "fedcba" "lkjihg" "rqponm" "xwvuts" "CBAFED" "321654"},
+      {"mirror - - --axis both",
        header + "xwvutsrqponmlkjihgfedcba" "FEDCBA" "654321"},
-      {{"scale", "-", "-", "--by", "0"}, header + std::string(24, '\0') + cb + cr},
-      {{"fill", "-", "-", "--colour", "48,49,50", "--region", "1,1,2,1"},
+      {"scale - - --by 0", header + std::string(24, '\0') + cb + cr},
+      {"fill - - --colour 48,49,50 --region 1,1,2,1",
        header + "abcdef" "g00jkl" "mnopqrstuvwx" "11CDEF" "223456"},
-      {{"copy", "-", "-", "--region", "2,2,3,2"},
+      {"copy - - --region 2,2,3,2",
        "YUV4MPEG2 W3 H2 C420jpeg F25:1\nFRAME\n" "opquvw" "EF" "56"},
       // 12x8 has chroma of 6x4, 3x3 of the lower right has chroma of 2x2.
-      {{"resize", "-", "-", "--factor", "2", "--method", "nearest"},
+      {"resize - - --factor 2 --method nearest",
        "YUV4MPEG2 W12 H8 C420jpeg F25:1\nFRAME\n"
        "aabbccddeeff" "aabbccddeeff" "gghhiijjkkll" "gghhiijjkkll"
        "mmnnooppqqrr" "mmnnooppqqrr" "ssttuuvvwwxx" "ssttuuvvwwxx"
        "AABBCC" "AABBCC" "DDEEFF" "DDEEFF" "112233" "112233" "445566" "445566"},
-      {{"resize", "-", "-", "--size", "3x3", "--region", "2,0,4,4", "--method", "nearest"},
+      {"resize - - --size 3x3 --region 2,0,4,4 --method nearest",
        "YUV4MPEG2 W3 H3 C420jpeg F25:1\nFRAME\n" "cef" "oqr" "uwx" "BCEF" "2356"},
       // Chroma turns about the middle of the frame, as luma does.
-      {{"rotate", "-", "-", "--angle", "90", "--fit"},
+      {"rotate - - --angle 90 --fit",
        "YUV4MPEG2 W4 H6 C420jpeg F25:1\nFRAME\n"
        "flrx" "ekqw" "djpv" "ciou" "bhnt" "agms" "CF" "BE" "AD" "36" "25" "14"},
-      {{"warp", "-", "-", "--unwarp", "--quad", "5,3,0,3,0,0,5,0", "--method", "linear"},
+      {"warp - - --unwarp --quad 5,3,0,3,0,0,5,0 --method linear",
        header + "xwvutsrqponmlkjihgfedcba" "FEDCBA" "654321"},
-      {{"warp", "-", "-", "--quad", "2,0,7,0,7,3,2,3", "--to", "6x4", "--method", "nearest",
-        "--background", "48,49,50"},
+      {"warp - - --quad 2,0,7,0,7,3,2,3 --to 6x4 --method nearest --background 48,49,50",
        header + "00abcd" "00ghij" "00mnop" "00stuv" "1AB1DE" "212245"},
-      {{"copy", "-", "-", "--format", "raw"}, luma + cb + cr},
-      {{"palette", "-", "-", "--name", "grey", "--format", "raw"},
+      {"copy - - --format raw", luma + cb + cr},
+      {"palette - - --name grey --format raw",
        [&] {
          std::string bgr;
          for (char c : luma) bgr += std::string(3, c);
@@ -173,17 +168,17 @@ TEST(PlanarVideo, PlanesAreWorkedOnEachOnItsOwnGrid) {
   };
   for (const Case& test : cases) {
     Workplace place;
-    const Outcome outcome = place.Run(test.arguments, header + luma + cb + cr);
+    const Outcome outcome = place.Run(test.line, header + luma + cb + cr);
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-    EXPECT_EQ(outcome.out, test.expected) << testing::PrintToString(test.arguments);
+    EXPECT_EQ(outcome.out, test.expected) << test.line;
   }
 }
 
 TEST(Fill, ColoursOfVideoAreConverted) {
   // ITU-R BT.601 studio range: red is Y 81, Cb 90, Cr 240; white is 235, 128, 128.
   Workplace place;
-  const auto fill = [&](const char* layout, const char* colour) {
-    return place.Run({"fill", "-", "--layout", layout, "--size", "2x2", "--colour", colour}).out;
+  const auto fill = [&](const std::string& layout, const std::string& colour) {
+    return place.Run("fill - --size 2x2 --layout " + layout + " --colour " + colour).out;
   };
   EXPECT_EQ(fill("i420", "#ff0000"), "\x51\x51\x51\x51\x5a\xf0");
   EXPECT_EQ(fill("yv12", "#ff0000"), "\x51\x51\x51\x51\xf0\x5a");

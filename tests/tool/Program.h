@@ -28,6 +28,9 @@ class Workplace {
   Workplace& operator=(const Workplace&) = delete;
 
   Outcome Run(const Arguments& arguments, const std::string& input = "") const;
+  Outcome Run(const std::string& line, const std::string& input = "") const {
+    return Run(Words(line), input);
+  }
 
   std::filesystem::path Path(const std::string& name) const { return folder_ / name; }
   void Write(const std::string& name, const std::string& bytes) const;

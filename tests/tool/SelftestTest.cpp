@@ -9,12 +9,12 @@ namespace {
 
 TEST(SelftestCommand, FindsTheBytesThatAreEverywhere) {
   const Workplace place;
-  const Outcome outcome = place.Run({"selftest"});
+  const Outcome outcome = place.Run("selftest");
   EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
   EXPECT_NE(outcome.out.find("all processors: same bytes as everywhere\n"), std::string::npos)
       << outcome.out;
   EXPECT_NE(outcome.out.find("one processor: same bytes as everywhere\n"), std::string::npos);
-  const std::string print = place.Run({"selftest", "--print"}).out;
+  const std::string print = place.Run("selftest --print").out;
   int digests = 0;
   for (std::size_t at = 0, end; (end = outcome.out.find('\n', at)) != std::string::npos;
        at = end + 1) {
