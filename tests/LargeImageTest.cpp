@@ -162,7 +162,9 @@ TEST(LargeImages, DISABLED_SeventyThousandPixelsBothSides) {
     const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
     std::printf("%s: %.1f s\n", operation.name.c_str(), seconds.count());
     std::fflush(stdout);
-    if (shapes.size() != 2 || shapes[1].rows < kSide || is("qvRotate") || is("qvWarp")) continue;
+    if (shapes.size() != 2 || shapes[1].rows < kSide || is("qvRotate") || is("qvWarp") ||
+        is("qvDeinterlace"))  // whose last row is a copy
+      continue;
     ++compared;
     const Plane few[] = {{rows[0].data(), kStep}, {rows[1].data(), kStep}};
     ASSERT_EQ(operation.call(few, {kSide, kFew}), StatusOk);

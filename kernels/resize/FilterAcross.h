@@ -126,14 +126,21 @@ void FilterAcross(const AcrossPlan& plan, const FilterColumns& x, const Byte* co
     if (plan.kind == Across::kSecondWindow)
       return FilterByWindows<true>(lines, rows, ahead, plan.windows, first, end, out);
   }
-  for (int r = 0; r < rows; ++r)
+  constexpr bool kIsInPlace = kLayout == RowLayout::kGray && !kHasBytePermute;
+  for (int r = 0; r < rows; ++r) {
+    short* line = kIsInPlace ? out[r] : plan.line;
     for (int k = 0; k < ComponentCount(kLayout); ++k) {
       const bool isChroma = kLayout == RowLayout::kPairs422 && k > 0;
       const RowComponent component = Component(kLayout, k);
+      // Writes whole eights: what passes the line's end is overwritten by the next line.
       FilterComponent(lines[r], component, span / component.stride,
-                      isChroma ? plan.chroma : plan.luma,
-                      isChroma ? x.chroma.count : x.luma.count, plan.words, plan.line, out[r]);
+                      isChroma ? plan.chroma : plan.luma, plan.words, line);
+      line += isChroma ? x.chroma.count : x.luma.count;
     }
+    if constexpr (!kIsInPlace)
+      PlaceComponents<kLayout>(
+          plan.line, kLayout == RowLayout::kPairs422 ? x.chroma.count : x.luma.count, out[r]);
+  }
 }
 
 }  // namespace

@@ -9,6 +9,8 @@ namespace {
 // or eights and may pass its end by kReadAhead.
 constexpr long long kBlock = 64;
 constexpr long long kReadAhead = 16;
+// Filtered lines are written by eights.
+constexpr long long kWritePast = 7;
 
 long long RoundUp(long long n) { return (n + kBlock - 1) / kBlock * kBlock; }
 
@@ -49,7 +51,7 @@ FilterScratch PlanFilterScratch(RowLayout layout, const FilterColumns& x, const 
   // fourth one a window a pair; or up to four or eight weights and an offset.
   s.columns = take(RoundUp(values) * (4 + (taps + 1) / 2 * 9));
   s.words = take(2 * (samples + kReadAhead));
-  s.line = take(2 * RoundUp(values));
+  s.line = take(2 * RoundUp(values + kWritePast));
   s.total = at + kBlock;
   return s;
 }

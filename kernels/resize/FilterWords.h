@@ -72,20 +72,57 @@ void FilterWords(const short* line, const PaddedTaps& taps, short* out) {
   }
 }
 
-// One component of a source row, whose first sample is at `from`, into its places in a ring row.
+// One component of a source row, whose first sample is at `from`.
 QV_INLINE void FilterComponent(const Byte* from, RowComponent component, ptrdiff_t samples,
-                               const PaddedTaps& taps, ptrdiff_t count, short* words, short* line,
-                               short* out) {
+                               const PaddedTaps& taps, short* words, short* out) {
   WidenSamples(from + component.offset, component.stride, words, samples);
-  const bool isInPlace = component.stride == 1 && !kHasBytePermute;
-  short* const filtered = isInPlace ? out : line;
   if (taps.kept == 4)
-    FilterWords<4>(words, taps, filtered);
+    FilterWords<4>(words, taps, out);
   else
-    FilterWords<8>(words, taps, filtered);
-  if (isInPlace) return;
-  for (ptrdiff_t i = 0; i < count; ++i)
-    out[RingPlace(component.offset + i * component.stride)] = line[i];
+    FilterWords<8>(words, taps, out);
+}
+
+// The components of a filtered row, one line behind the other, to their places in a ring row: lines
+// of `count` samples, or of 4:2:2 the luma line of twice as many.
+template <RowLayout kLayout>
+QV_INLINE void PlaceComponents(const short* line, ptrdiff_t count, short* out) {
+  ptrdiff_t i = 0;
+  if constexpr (!kHasBytePermute && kLayout == RowLayout::kTriples) {
+    // Four words a pixel, the last of which the next pixel overwrites: one has to come behind.
+    for (; i + 8 < count; i += 8) {
+      const Vec16 b = Load16(line + i), g = Load16(line + count + i),
+                  r = Load16(line + 2 * count + i);
+      const auto store = [&](ptrdiff_t pixel, Vec16 bg, Vec16 rr) {
+        const Vec16 two[2] = {_mm_unpacklo_epi32(bg, rr), _mm_unpackhi_epi32(bg, rr)};
+        for (int k = 0; k < 2; ++k) {
+          short* const to = out + 3 * (pixel + 2 * k);
+          _mm_storel_epi64(reinterpret_cast<Vec16*>(to), two[k]);
+          _mm_storel_epi64(reinterpret_cast<Vec16*>(to + 3), _mm_unpackhi_epi64(two[k], two[k]));
+        }
+      };
+      store(i, _mm_unpacklo_epi16(b, g), _mm_unpacklo_epi16(r, r));
+      store(i + 4, _mm_unpackhi_epi16(b, g), _mm_unpackhi_epi16(r, r));
+    }
+  }
+  if constexpr (!kHasBytePermute && kLayout == RowLayout::kPairs422) {
+    const short* const cb = line + 2 * count;
+    for (; i + 8 <= count; i += 8) {
+      const Vec16 b = Load16(cb + i), r = Load16(cb + count + i);
+      const Vec16 y[2] = {Load16(line + 2 * i), Load16(line + 2 * i + 8)};
+      const Vec16 chroma[2] = {_mm_unpacklo_epi16(b, r), _mm_unpackhi_epi16(b, r)};
+      for (int k = 0; k < 2; ++k) {
+        Store16(out + 4 * i + 16 * k, _mm_unpacklo_epi16(y[k], chroma[k]));
+        Store16(out + 4 * i + 16 * k + 8, _mm_unpackhi_epi16(y[k], chroma[k]));
+      }
+    }
+  }
+  for (int c = 0; c < ComponentCount(kLayout); ++c) {
+    const RowComponent component = Component(kLayout, c);
+    const int each = kLayout == RowLayout::kPairs422 && c == 0 ? 2 : 1;
+    for (ptrdiff_t k = each * i; k < each * count; ++k)
+      out[RingPlace(component.offset + k * component.stride)] = line[k];
+    line += each * count;
+  }
 }
 
 }  // namespace

@@ -43,7 +43,8 @@ void CheckWarp(Case& c, int channels) {
 
 void CheckTranspose(Case& c, decltype(Transpose_8u_C1)* kernel, int channels) {
   IppiSize size = c.Size();
-  if (!c.IsBench() && size.height < 1000) size.height += c.random.Between(0, 90);
+  if (!c.IsBench() && size.height < 1000 && size.width < 1000)
+    size.height += c.random.Between(0, 90);
   const Image src = c.Source(std::ptrdiff_t{size.height} * channels, size.width);
   const Image dst = c.Destination(std::ptrdiff_t{size.width} * channels, size.height);
   c.Compare([=] {
