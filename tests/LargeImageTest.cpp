@@ -143,7 +143,11 @@ TEST(LargeImages, DISABLED_SeventyThousandPixelsBothSides) {
   int compared = 0;
   for (const Operation& operation : Operations()) {
     SCOPED_TRACE(operation.name);
-    const auto is = [&](const char* family) { return operation.name.find(family) == 0; };
+    const auto is = [&](const char* family) { return operation.name.starts_with(family); };
+    // Scattered fetches from so many pages are slow; a method for each layout will do.
+    if ((is("qvRotate") || is("qvWarpPerspective ")) && !is("qvRotate 2 1 ") &&
+        !is("qvRotate 4 2 ") && !is("qvWarpPerspective 2 2") && !is("qvWarpPerspective 4 1"))
+      continue;
     // Several bands resize differently, and a few rows are one band.
     const UseBudget budget(is("qvResize") ? 1 : 2);
     const std::vector<Shape> shapes = operation.shapes({kSide, kSide});

@@ -170,5 +170,28 @@ TEST(Warp, IsWithinOneUnitOfTheReferenceEverywhere) {
   }
 }
 
+// A corner of the region that falls upon a whole pixel is written, though quotients of numbers that no
+// double holds place it a little outside.
+TEST(Warp, CornersOnWholePixelsAreWritten) {
+  Bytes src = Noise(40 * 40);
+  const IppiRect roi = {7, 5, 20, 18};
+  for (const int cornerX : {roi.x, roi.x + roi.width - 1})
+    for (const int cornerY : {roi.y, roi.y + roi.height - 1})
+      for (int tenths = 3; tenths <= 40; ++tenths)
+        for (int at = 0; at < 12; ++at) {
+          const double scale = tenths / 10.0;
+          const double coeffs[3][3] = {{scale, 0, at - scale * cornerX},
+                                       {0, scale, 11 - at - scale * cornerY},
+                                       {0, 0, 1}};
+          Bytes dst(12 * 12, 0);
+          src[cornerY * 40 + cornerX] = 255;
+          ASSERT_EQ(Lib::qvWarpPerspective(Type(2), src.data(), {40, 40}, 40, roi, dst.data(), 12,
+                                           {0, 0, 12, 12}, coeffs, 1),
+                    StatusOk);
+          ASSERT_EQ(dst[(11 - at) * 12 + at], 255)
+              << scale << ", " << cornerX << ", " << cornerY << " to " << at;
+        }
+}
+
 }  // namespace
 }  // namespace qv::test
