@@ -126,12 +126,13 @@ void FuzzPixels(Input& in, Call& call) {
     return a.method == 8 && (a.xFactor > 1 || a.yFactor > 1) ? 16 : a.method;
   };
   const auto methodKnown = [&](int m) { return m == 1 || m == 2 || m == 4 || m == 8 || m == 16; };
-  const bool works = known && !IsSourceBad(a) && !StartsOutside(a) && !IsEmpty(a.dstSize) &&
-                     factors && methodKnown(methodOf());
-  if (works)
+  bool works = known && !IsSourceBad(a) && !StartsOutside(a) && !IsEmpty(a.dstSize) && factors &&
+               methodKnown(methodOf());
+  if (works) {
     Fit(a, channels);
-  else
-    call.Refused();
+    works = methodKnown(methodOf());  // which may have hung on the size
+  }
+  if (!works) call.Refused();
   const int method = methodOf();
   const int count = known && !IsEmpty(a.dstSize) && methodKnown(method) && method != 8
                         ? BandCount(a, call.budget())
