@@ -84,6 +84,8 @@ TEST(Warp, ChecksInOrderAndSoDoesRotate) {
   EXPECT_EQ(shifted(0, -19.5), StatusNoOverlapWarning);
   EXPECT_EQ(shifted(19, 0), StatusOk);  // reaching up to the edge is no miss
   EXPECT_EQ(warp(good, {{{1, 1, 0}, {1, 1, 0}, {0, 0, 1}}}), StatusCoeffErr);
+  // It makes a sound quadrilateral, but its upper left four have no inverse.
+  EXPECT_EQ(warp(good, {{{1, 0, 0}, {0, 0, 5}, {0, 0.1, 1}}}), StatusCoeffErr);
   EXPECT_EQ(rotate(good, std::nan("")), StatusCoeffErr);
   EXPECT_EQ(rotate(good, HUGE_VAL), StatusCoeffErr);
   EXPECT_EQ(Lib::qvRotate(Type(2), image.data(), {20, 20}, 20, {0, 0, 20, 20}, out.data(), 20,
