@@ -279,8 +279,9 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // of it, and on average within 0.26 (0.25 is a perfect rounding).
   //
   // Bands. With a budget of several threads, and more than 64 rows of both srcSize and dstRoiSize a
-  // band, codes 1, 2, 4 and 16 run in bands, which lie differently: all codes use pixel centres, in
-  // coordinates of the whole image,
+  // band, codes 1, 2, 4 and 16 run in bands (unless a band of dstRoiSize took more work memory than
+  // an int can count), which lie differently: all codes use pixel centres, in coordinates of the
+  // whole image,
   //   code 1  trunc((i + 0.5) / F + 1e-10);  codes 2, 4, 16  (i + 0.5) / F - 0.5,
   // and written is what the region becomes there: from trunc(srcRoi.x * xFactor + 0.4999999999) to
   // before trunc((srcRoi.x + W) * xFactor + 0.4999999999), rows likewise, as far as it lies in

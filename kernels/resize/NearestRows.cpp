@@ -23,18 +23,19 @@ static void PlainRow(const Byte* row, const NearestTables& t, Byte* dst) {
   }
 }
 
-// Calls fill(row, dst) for every destination row, except that rows of the same source row are
-// copies.
+// Calls fill(row, next, dst) for every destination row, `next` being the source row of the one
+// below, except that rows of the same source row are copies.
 template <class Fill>
 QV_INLINE void FillRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
                         const NearestTables& t, Fill fill) {
   const size_t bytes = static_cast<size_t>(t.width) * t.channels;
   for (int i = 0; i < t.height; ++i) {
     Byte* const to = RowAt(dst, dstStep, i);
+    const int below = t.y[i + 1 < t.height ? i + 1 : i];
     if (i > 0 && t.y[i] == t.y[i - 1])
       memcpy(to, RowAt(dst, dstStep, i - 1), bytes);
     else
-      fill(RowAt(src, srcStep, t.y[i]), to);
+      fill(RowAt(src, srcStep, t.y[i]), RowAt(src, srcStep, below), to);
   }
 }
 
@@ -57,10 +58,13 @@ static void FillOffsets(const NearestTables& t, int* offset) {
 }
 
 template <int kLoads>
-QV_INLINE void GatherRow(const ByteGather& g, const Byte* row, Byte* dst, ptrdiff_t bytes) {
+QV_INLINE void GatherRow(const ByteGather& g, const Byte* row, const Byte* next, Byte* dst,
+                         ptrdiff_t bytes) {
   const ptrdiff_t vectors = bytes / kVecBytes, rest = bytes % kVecBytes;
-  for (ptrdiff_t v = 0; v < vectors; ++v)
+  for (ptrdiff_t v = 0; v < vectors; ++v) {
+    FetchAhead<kLoads>(g, next, v);
     Store(dst + v * kVecBytes, GatherBytes<kLoads>(g, row, v));
+  }
   if (rest == 0) return;
   const Vec last = GatherBytes<kLoads>(g, row, vectors);
   if constexpr (kHasMaskedBytes)
@@ -85,13 +89,13 @@ static bool ShuffledRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
   WithLoads(g.loads, [&]<int kLoads>() {
     if (g.padded) {
       Byte copy[kPaddedRow] = {};
-      FillRows(src, srcStep, dst, dstStep, t, [&](const Byte* row, Byte* to) {
+      FillRows(src, srcStep, dst, dstStep, t, [&](const Byte* row, const Byte*, Byte* to) {
         CopyShortRow(row, readable, copy);
-        GatherRow<kLoads>(g, copy, to, bytes);
+        GatherRow<kLoads>(g, copy, copy, to, bytes);
       });
     } else {
-      FillRows(src, srcStep, dst, dstStep, t, [&](const Byte* row, Byte* to) {
-        GatherRow<kLoads>(g, row, to, bytes);
+      FillRows(src, srcStep, dst, dstStep, t, [&](const Byte* row, const Byte* next, Byte* to) {
+        GatherRow<kLoads>(g, row, next, to, bytes);
       });
     }
   });
@@ -107,7 +111,7 @@ void NearestRows_8u(const Byte* src, int srcStep, Byte* dst, int dstStep,
     if (ShuffledRows(src, srcStep, dst, dstStep, *tables, work)) return;
 #endif
   FillRows(src, srcStep, dst, dstStep, *tables,
-           [&](const Byte* row, Byte* to) { PlainRow(row, *tables, to); });
+           [&](const Byte* row, const Byte*, Byte* to) { PlainRow(row, *tables, to); });
 }
 
 }  // namespace qv::QV_LEVEL

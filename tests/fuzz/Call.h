@@ -41,6 +41,8 @@ class Call {
 
   // From here on the call is known to be refused: images cannot be touched at all.
   void Refused() { refused_ = true; }
+  // Or the images that follow are not concerned by that.
+  void NotRefused() { refused_ = false; }
   bool refused() const { return refused_; }
 
   // Images whose pointer may turn out null.

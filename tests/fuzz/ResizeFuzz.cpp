@@ -2,6 +2,7 @@
 // documentation; the regions are all of the source that may be read.
 #include <algorithm>
 
+#include "kernels/resize/Resize.h"
 #include "tests/fuzz/Call.h"
 
 namespace qv::test {
@@ -134,9 +135,9 @@ void FuzzPixels(Input& in, Call& call) {
   }
   if (!works) call.Refused();
   const int method = methodOf();
-  const int count = known && !IsEmpty(a.dstSize) && methodKnown(method) && method != 8
-                        ? BandCount(a, call.budget())
-                        : 1;
+  int bufferBytes;  // too many for an int: not in bands
+  const bool banded = known && ResizeBandBufferSize(a.dstSize, channels, method, &bufferBytes) == 0;
+  const int count = banded ? BandCount(a, call.budget()) : 1;
 
   int refusal = StatusOk;
   if (!known)
