@@ -27,8 +27,8 @@ for preset; do
   tests=()
   case $preset in
     linux32) "$root/scripts/setup.sh" g++-multilib googletest qemu-user ;;
-    windows32) "$root/scripts/setup.sh" g++-mingw-w64-i686-posix googletest clang lld llvm ;;
-    windows64) "$root/scripts/setup.sh" g++-mingw-w64-x86-64-posix googletest clang lld llvm ;;
+    windows32) "$root/scripts/setup.sh" g++-mingw-w64-i686-posix googletest clang lld llvm python3 ;;
+    windows64) "$root/scripts/setup.sh" g++-mingw-w64-x86-64-posix googletest clang lld llvm python3 ;;
     *) sed -n '2,6s/^# \{0,1\}//p' "$0" >&2; exit 2 ;;
   esac
   step "$preset: build"
