@@ -10,6 +10,7 @@ shift
 work=$root/build/consumers
 rm -rf "$work"
 mkdir -p "$work"
+"$root/scripts/setup.sh" pkg-config unzip
 version=$(sed -n 's/^#define QVACCELERATEDLIB_VERSION "\(.*\)"/\1/p' "$root/qvAcceleratedLib/CqvAccLib.h")
 consumers=$root/tests/consumers
 
