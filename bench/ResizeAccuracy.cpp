@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "bench/ResizePeers.h"
+#include "tests/support/ExactResize.h"
 #include "tests/support/Levels.h"
 #include "tests/support/Random.h"
 
@@ -35,21 +36,6 @@ std::string Text(int code, const Reading& r) {
   return text + parameter;
 }
 
-double Kernel(int code, double x, double parameter) {
-  x = std::fabs(x);
-  if (code == 2) return std::max(0.0, 1 - x);
-  if (code == 4) {
-    const double a = parameter;
-    return x < 1   ? ((a + 2) * x - (a + 3)) * x * x + 1
-           : x < 2 ? ((a * x - 5 * a) * x + 8 * a) * x - 4 * a
-                   : 0;
-  }
-  if (x < 1e-9) return 1;
-  return x < parameter ? parameter * std::sin(M_PI * x) * std::sin(M_PI * x / parameter) /
-                             (M_PI * M_PI * x * x)
-                       : 0;
-}
-
 using Sample = std::vector<std::pair<int, double>>;  // source samples with weights that sum to 1
 
 std::vector<Sample> ExactAxis(int code, const Reading& r, int from, int to) {
@@ -69,7 +55,7 @@ std::vector<Sample> ExactAxis(int code, const Reading& r, int from, int to) {
     } else {
       const double p = r.centred ? (i + 0.5) * step - 0.5 : i * (from - 1.0) / (to - 1);
       for (int s = static_cast<int>(std::ceil(p - reach)); s <= p + reach; ++s)
-        add(s, Kernel(code, (s - p) / scale, r.parameter));
+        add(s, qv::test::Kernel(code, (s - p) / scale, r.parameter));
     }
     for (auto& [s, weight] : axis[i]) weight /= sum;
   }

@@ -7,13 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "bench/Peers.h"
 #include "qvAcceleratedLib/CqvAccLib.h"
+#include "tests/support/ExactResize.h"
 #include "tests/support/Random.h"
-
-#if defined(QV_BENCH_OPENCV)
-#include <opencv2/core.hpp>
-#include <opencv2/imgproc.hpp>
-#endif
 
 namespace bench {
 
@@ -39,15 +36,6 @@ Matrix InverseOf(const Matrix& m) {
   return inverse;  // up to a factor, which a quotient of its rows does not see
 }
 
-// Two taps, or Keys' four (1981), at a distance of t pixels.
-double Weight(int code, double parameter, double t) {
-  t = std::fabs(t);
-  if (code == 2) return std::max(0.0, 1 - t);
-  return t < 1   ? ((parameter + 2) * t - (parameter + 3)) * t * t + 1
-         : t < 2 ? ((parameter * t - 5 * parameter) * t + 8 * parameter) * t - 4 * parameter
-                 : 0;
-}
-
 struct Errors {
   double largest = 0, mean = 0;
 };
@@ -69,7 +57,8 @@ Errors ErrorsOf(const Matrix& back, int code, double parameter,
       double exact = 0;
       for (int i = iy - 1; i <= iy + 2; ++i)
         for (int k = ix - 1; k <= ix + 2; ++k)
-          exact += Weight(code, parameter, px - k) * Weight(code, parameter, py - i) *
+          exact += qv::test::Kernel(code, px - k, parameter) *
+                   qv::test::Kernel(code, py - i, parameter) *
                    src[static_cast<std::size_t>(i * kSize.width + k)];
       const double limited = std::clamp(exact, 0.0, 255.0);
       const double error =

@@ -13,18 +13,24 @@ namespace qv::test {
 // A destination sample of one axis: source samples with their weights, which sum to 1.
 using Sample = std::vector<std::pair<int, double>>;
 
-// Linear, Keys 1981 (a = -1/2) and Lanczos with three lobes.
-inline double Kernel(int code, double x) {
+// Linear; Keys 1981, whose a is the parameter; Lanczos with so many lobes.
+inline double Kernel(int code, double x, double parameter) {
   x = std::fabs(x);
   if (code == 2) return std::max(0.0, 1 - x);
-  if (code == 4)
-    return x < 1   ? 1.5 * x * x * x - 2.5 * x * x + 1
-           : x < 2 ? -0.5 * x * x * x + 2.5 * x * x - 4 * x + 2
+  if (code == 4) {
+    const double a = parameter;
+    return x < 1   ? ((a + 2) * x - (a + 3)) * x * x + 1
+           : x < 2 ? ((a * x - 5 * a) * x + 8 * a) * x - 4 * a
                    : 0;
-  return x < 1e-9 ? 1
-         : x < 3  ? 3 * std::sin(M_PI * x) * std::sin(M_PI * x / 3) / (M_PI * M_PI * x * x)
-                  : 0;
+  }
+  if (x < 1e-9) return 1;
+  return x < parameter ? parameter * std::sin(M_PI * x) * std::sin(M_PI * x / parameter) /
+                             (M_PI * M_PI * x * x)
+                       : 0;
 }
+
+// Those of this library.
+inline double Kernel(int code, double x) { return Kernel(code, x, code == 4 ? -0.5 : 3); }
 
 inline Sample ExactTaps(int code, double position, int length) {
   const int taps = code == 2 ? 2 : code == 4 ? 4 : 6;
