@@ -14,8 +14,8 @@ IppStatus CqvAccLib::qvMergeAlphaOver(qvDataType, unsigned char* fg, int fgStep,
   // However many empty rows there are.
   if (width < 0 || (width == 0 && (rowBytes < 1 || !HostProcessorInfo))) return StatusOk;
   const Bands bands = PlanBands(height, ThreadBudget);
-  return RunBands(bands, [&](int i) {
-    const long long first = bands.First(i);
+  return RunBands(bands, {1ll * width * height, 0}, [&](Band band) {
+    const long long first = band.first;
     unsigned char* const f = Advance(fg, first * fgStep);
     const unsigned char* const fa = Advance(fgAlpha, first * fgAlphaStep);
     const unsigned char* const b = Advance(bg, first * bgStep);
@@ -23,9 +23,9 @@ IppStatus CqvAccLib::qvMergeAlphaOver(qvDataType, unsigned char* fg, int fgStep,
     unsigned char* const merged = Advance(dstAlpha, first * fgAlphaStep);
     return HostProcessorInfo
                ? MergeAlphaOver_8u(f, fgStep, fa, fgAlphaStep, b, bgStep, ba, bgAlphaStep, merged,
-                                   rowBytes, width, bands.Height(i))
+                                   rowBytes, width, band.length)
                : MergeAlphaOverPlain_8u(f, fgStep, fa, fgAlphaStep, b, bgStep, ba, bgAlphaStep,
-                                        merged, width, bands.Height(i));
+                                        merged, width, band.length);
   });
 }
 
@@ -36,9 +36,9 @@ IppStatus CqvAccLib::qvMergeAlphaPlus(qvDataType type, unsigned char* srcDst, in
   if (width < 1) return StatusOk;
   const auto kernel = type == OneChannel ? MergeAlphaPlus_8u_C1 : MergeAlphaPlus_8u_C3;
   const Bands bands = PlanBands(height, ThreadBudget);
-  return RunBands(bands, [&](int i) {
-    const long long first = bands.First(i);
+  return RunBands(bands, {1ll * width * height, MethodOf(kernel)}, [&](Band band) {
+    const long long first = band.first;
     return kernel(Advance(srcDst, first * srcDstStep), srcDstStep, Advance(src, first * srcStep),
-                  srcStep, Advance(alpha, first * alphaStep), alphaStep, width, bands.Height(i));
+                  srcStep, Advance(alpha, first * alphaStep), alphaStep, width, band.length);
   });
 }

@@ -2,26 +2,48 @@
 #ifndef QV_QVACCELERATEDLIB_BANDSPLIT_H
 #define QV_QVACCELERATEDLIB_BANDSPLIT_H
 
-#include <omp.h>
 #include <stddef.h>
 #include <stdint.h>
 
+#include "qvAcceleratedLib/BandTeam.h"
 #include "qvAcceleratedLib/CqvAccLib.h"
 #include "qvAcceleratedLib/FloatEnvironment.h"
-#include "qvAcceleratedLib/Fork.h"
 
 namespace qv {
 
-// An extent (rows, or columns of an operation that cuts strips) cut into bands of equal size, the
-// last of which takes the remainder. A count of 1 is the uncut extent; a count below 1 has no band.
+// A pointer moved by whole rows or bytes; a null pointer stays null, for the kernel to find. Sizes and
+// steps are not checked yet, so the distance may lead anywhere: addresses wrap, pointers must not.
+template <class Pointer>
+Pointer Advance(Pointer p, long long bytes) {
+  if (!p) return p;
+  return reinterpret_cast<Pointer>(reinterpret_cast<uintptr_t>(p) + static_cast<uintptr_t>(bytes));
+}
+
+// Some rows, or columns of an operation that cuts strips, of the whole extent.
+struct Band {
+  long long first;
+  int length;
+
+  // Where it begins in an image with this step.
+  template <class Pointer>
+  Pointer At(Pointer image, long long step) const {
+    return Advance(image, first * step);
+  }
+};
+
+// An extent cut into bands of equal size, the last of which takes the remainder. A count of 1 is the
+// uncut extent; a count below 1 has no band.
 struct Bands {
   int count;
   int rows;    // of every band but the last
   int extent;  // of all bands together
 
-  // In 64 bits on every platform: callers multiply it with a step before anything is checked.
-  constexpr long long First(int i) const { return static_cast<long long>(i) * rows; }
-  constexpr int Height(int i) const { return i == count - 1 ? extent - i * rows : rows; }
+  // Bands i to i + n - 1, in 64 bits on every platform: callers multiply with a step before anything is
+  // checked.
+  constexpr Band Of(int i, int n = 1) const {
+    const long long first = static_cast<long long>(i) * rows;
+    return {first, i + n == count ? static_cast<int>(extent - first) : n * rows};
+  }
 };
 
 // A band is worth a thread only if it is larger than this.
@@ -50,41 +72,37 @@ constexpr Bands PlanPieces(int columns, int budget) {
   return piece < MinColumnsPerPiece ? Bands{1, columns, columns} : Bands{budget, piece, columns};
 }
 
-// A pointer moved by whole rows or bytes; a null pointer stays null, for the kernel to find. Sizes and
-// steps are not checked yet, so the distance may lead anywhere: addresses wrap, pointers must not.
-template <class Pointer>
-Pointer Advance(Pointer p, long long bytes) {
-  if (!p) return p;
-  return reinterpret_cast<Pointer>(reinterpret_cast<uintptr_t>(p) + static_cast<uintptr_t>(bytes));
+// Calls body(band) for every band and returns the status of the last one (StatusOk if there is none).
+// Several bands run on the team of threads; where no other thread has time for them, the calling thread
+// does them as a single band. So the last band must have the status that all have.
+template <class Body>
+IppStatus RunBands(const Bands& bands, const Work& work, const Body& body) {
+  if (bands.count == 1) return body(bands.Of(0));
+  const auto run = [&](int first, int n) { return body(bands.Of(first, n)); };
+  return RunOnTeam(
+      bands.count, work,
+      [](const void* self, int first, int n) -> IppStatus {
+        return (*static_cast<const decltype(run)*>(self))(first, n);
+      },
+      &run);
 }
 
-// Calls body(i) for every band i and returns the status of the last band (StatusOk if there is
-// none). Bands run on the OpenMP team, or one after another if the caller is in a parallel region
-// already or lost its team in a fork.
+// The same for a body that computes with floating-point numbers, and whose bands may have statuses of
+// their own: they stay apart whoever does them.
 template <class Body>
-IppStatus RunBands(const Bands& bands, const Body& body) {
-  if (bands.count == 1) return body(0);
-  IppStatus status = StatusOk;
-  const int last = bands.count - 1;
-  if (omp_in_parallel() || IsForkedThread) {
-    for (int i = 0; i <= last; ++i) status = body(i);
-    return status;
-  }
-#pragma omp parallel for schedule(static)
-  for (int i = 0; i <= last; ++i) {
-    const IppStatus bandStatus = body(i);
-    if (i == last) status = bandStatus;
-  }
-  return status;
-}
-
-// The same for a body that computes with floating-point numbers.
-template <class Body>
-IppStatus RunFloatBands(const Bands& bands, const Body& body) {
-  return RunBands(bands, [&](int i) {
+IppStatus RunFloatBands(const Bands& bands, const Work& work, const Body& body) {
+  const auto run = [&](int first, int n) {
     const FloatEnvironment environment;
-    return body(i);
-  });
+    for (; n > 1; ++first, --n) body(bands.Of(first));
+    return body(bands.Of(first));
+  };
+  if (bands.count == 1) return run(0, 1);
+  return RunOnTeam(
+      bands.count, work,
+      [](const void* self, int first, int n) -> IppStatus {
+        return (*static_cast<const decltype(run)*>(self))(first, n);
+      },
+      &run);
 }
 
 }  // namespace qv

@@ -35,13 +35,15 @@ ImageKernel* FindCopyKernel(int type) {
   }
 }
 
+constexpr long long Area(IppiSize size) { return 1ll * size.width * size.height; }
+
 // The kernel on bands of rows, both images moving on by their steps.
 IppStatus RunOnRows(ImageKernel* kernel, const Bands& bands, const unsigned char* src, int srcStep,
                     unsigned char* dst, int dstStep, IppiSize size) {
-  return RunBands(bands, [&](int i) {
-    return kernel(Advance(src, bands.First(i) * srcStep), srcStep,
-                  Advance(dst, bands.First(i) * dstStep), dstStep,
-                  {size.width, bands.Height(i)});
+  return RunBands(bands, {Area(size), MethodOf(kernel)}, [&](Band band) {
+    return kernel(band.At(src, srcStep), srcStep,
+                  band.At(dst, dstStep), dstStep,
+                  {size.width, band.length});
   });
 }
 
@@ -56,9 +58,9 @@ IppStatus CqvAccLib::qvCopy(qvDataType type, const unsigned char* src, int srcSt
                      size);
   // A single row cannot be cut into rows: a long one is cut into pieces of columns.
   const Bands pieces = PlanPieces(size.width, ThreadBudget);
-  return RunBands(pieces, [&](int i) {
-    return kernel(Advance(src, pieces.First(i)), srcStep, Advance(dst, pieces.First(i)), dstStep,
-                  {pieces.Height(i), 1});
+  return RunBands(pieces, {Area(size), MethodOf(kernel)}, [&](Band band) {
+    return kernel(band.At(src, 1), srcStep, band.At(dst, 1), dstStep,
+                  {band.length, 1});
   });
 }
 
@@ -72,11 +74,11 @@ IppStatus CqvAccLib::qvSet(qvDataType type, const unsigned char* const value, un
                            int dstStep, IppiSize size) {
   if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
   const Bands bands = PlanBands(size.height, ThreadBudget);
-  return RunBands(bands, [&](int i) {
-    unsigned char* const band = Advance(dst, bands.First(i) * dstStep);
-    const IppiSize bandSize = {size.width, bands.Height(i)};
-    return type == OneChannel ? SetPixels_8u_C1(value[0], band, dstStep, bandSize)
-                              : SetPixels_8u_C3(value, band, dstStep, bandSize);
+  return RunBands(bands, {Area(size), static_cast<uintptr_t>(type)}, [&](Band band) {
+    unsigned char* const first = band.At(dst, dstStep);
+    const IppiSize bandSize = {size.width, band.length};
+    return type == OneChannel ? SetPixels_8u_C1(value[0], first, dstStep, bandSize)
+                              : SetPixels_8u_C3(value, first, dstStep, bandSize);
   });
 }
 
@@ -90,16 +92,16 @@ IppStatus CqvAccLib::qvMirror(qvDataType type, const unsigned char* src, int src
   if (axis == AxisHorizontal) {
     const int pixelBytes = type == OneChannel ? 1 : 3;
     const Bands strips = PlanBands(size.width, ThreadBudget);
-    return RunBands(strips, [&](int i) {
-      return kernel(Advance(src, strips.First(i) * pixelBytes), srcStep,
-                    Advance(dst, strips.First(i) * pixelBytes), dstStep, strips.Height(i),
+    return RunBands(strips, {Area(size), MethodOf(kernel)}, [&](Band band) {
+      return kernel(band.At(src, pixelBytes), srcStep,
+                    band.At(dst, pixelBytes), dstStep, band.length,
                     size.height, axis);
     });
   }
   const Bands bands = PlanBands(size.height, ThreadBudget);
-  return RunBands(bands, [&](int i) {
-    return kernel(Advance(src, bands.First(i) * srcStep), srcStep,
-                  Advance(dst, bands.First(i) * dstStep), dstStep, size.width, bands.Height(i),
+  return RunBands(bands, {Area(size), MethodOf(kernel)}, [&](Band band) {
+    return kernel(band.At(src, srcStep), srcStep,
+                  band.At(dst, dstStep), dstStep, size.width, band.length,
                   axis);
   });
 }
@@ -108,10 +110,10 @@ IppStatus CqvAccLib::qvLUTPalette(qvDataType, const unsigned char* src, int srcS
                                   unsigned char* dst, int dstStep, IppiSize size,
                                   const unsigned char* palette, int bitSize) {
   const Bands bands = PlanBands(size.height, ThreadBudget);
-  return RunBands(bands, [&](int i) {
-    return LookupPalette_8u_C1C3(Advance(src, bands.First(i) * srcStep), srcStep,
-                                 Advance(dst, bands.First(i) * dstStep), dstStep, size.width,
-                                 bands.Height(i), palette, bitSize);
+  return RunBands(bands, {Area(size), 0}, [&](Band band) {
+    return LookupPalette_8u_C1C3(band.At(src, srcStep), srcStep,
+                                 band.At(dst, dstStep), dstStep, size.width,
+                                 band.length, palette, bitSize);
   });
 }
 
@@ -119,10 +121,9 @@ IppStatus CqvAccLib::qvMulCScale(qvDataType type, unsigned char value, unsigned 
                                  int srcDstStep, IppiSize size) {
   if (type != ScalePlane) return StatusDataTypeErr;
   const Bands bands = PlanBands(size.height, ThreadBudget);
-  return RunBands(bands, [&](int i) {
-    unsigned char* const band = Advance(srcDst, bands.First(i) * srcDstStep);
-    return MulScale_8u_C1I(band, srcDstStep, value, band, srcDstStep, size.width,
-                           bands.Height(i));
+  return RunBands(bands, {Area(size), 0}, [&](Band band) {
+    unsigned char* const first = band.At(srcDst, srcDstStep);
+    return MulScale_8u_C1I(first, srcDstStep, value, first, srcDstStep, size.width, band.length);
   });
 }
 
@@ -159,12 +160,12 @@ IppStatus CqvAccLib::qvYCbCr420(qvDataType, const unsigned char* srcY, int srcYS
                                 const unsigned char* srcCbCr, int srcCbCrStep,
                                 unsigned char** const dst, int* const dstStep, IppiSize size) {
   const Bands bands = PlanEvenBands(size.height, ThreadBudget);
-  return RunBands(bands, [&](int i) {
-    const PlanesFrom planes(dst, dstStep, bands.First(i));
-    return YCbCrInterleavedTo420_8u_P2P3(Advance(srcY, bands.First(i) * srcYStep), srcYStep,
-                                         Advance(srcCbCr, bands.First(i) * srcCbCrStep / 2),
+  return RunBands(bands, {Area(size), 0}, [&](Band band) {
+    const PlanesFrom planes(dst, dstStep, band.first);
+    return YCbCrInterleavedTo420_8u_P2P3(band.At(srcY, srcYStep), srcYStep,
+                                         Advance(srcCbCr, band.first * srcCbCrStep / 2),
                                          srcCbCrStep, planes.array, dstStep,
-                                         {size.width, bands.Height(i)});
+                                         {size.width, band.length});
   });
 }
 
@@ -172,20 +173,20 @@ IppStatus CqvAccLib::qvYCbCr422ToYCrCb420(qvDataType, const unsigned char* src, 
                                           unsigned char** const dst, int* const dstStep,
                                           IppiSize size) {
   const Bands bands = PlanEvenBands(size.height, ThreadBudget);
-  return RunBands(bands, [&](int i) {
-    const PlanesFrom planes(dst, dstStep, bands.First(i));
-    return YCbCr422ToYCrCb420_8u_C2P3(Advance(src, bands.First(i) * srcStep), srcStep,
-                                      planes.array, dstStep, {size.width, bands.Height(i)});
+  return RunBands(bands, {Area(size), 0}, [&](Band band) {
+    const PlanesFrom planes(dst, dstStep, band.first);
+    return YCbCr422ToYCrCb420_8u_C2P3(band.At(src, srcStep), srcStep,
+                                      planes.array, dstStep, {size.width, band.length});
   });
 }
 
 IppStatus CqvAccLib::qvYCbCr420ToBGR(qvDataType, unsigned char** const src, int* const srcStep,
                                      unsigned char* dst, int dstStep, IppiSize size) {
   const Bands bands = PlanEvenBands(size.height, ThreadBudget);
-  return RunBands(bands, [&](int i) {
-    const PlanesFrom planes(src, srcStep, bands.First(i));
-    return YCbCr420ToBGR_8u_P3C3(planes.array, srcStep, Advance(dst, bands.First(i) * dstStep),
-                                 dstStep, {size.width, bands.Height(i)});
+  return RunBands(bands, {Area(size), 0}, [&](Band band) {
+    const PlanesFrom planes(src, srcStep, band.first);
+    return YCbCr420ToBGR_8u_P3C3(planes.array, srcStep, band.At(dst, dstStep),
+                                 dstStep, {size.width, band.length});
   });
 }
 
@@ -239,11 +240,10 @@ IppStatus CqvAccLib::qvResize(qvDataType type, const unsigned char* src, IppiSiz
                   interpolation);
   }
   const auto kernel = channels == 1 ? ResizeBand_8u_C1 : ResizeBand_8u_C3;
-  return RunFloatBands(bands, [&](int i) {
-    const IppiRect band = {0, static_cast<int>(bands.First(i)), dstRoiSize.width,
-                           bands.Height(i)};
+  return RunFloatBands(bands, {Area(dstRoiSize), MethodOf(kernel, interpolation)}, [&](Band band) {
+    const IppiRect part = {0, static_cast<int>(band.first), dstRoiSize.width, band.length};
     auto* const buffer = new (std::nothrow) unsigned char[static_cast<size_t>(bufferBytes)];
-    const IppStatus status = kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, band, xFactor,
+    const IppStatus status = kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, part, xFactor,
                                     yFactor, 0, 0, interpolation, buffer);
     delete[] buffer;
     return status;
@@ -276,11 +276,11 @@ IppStatus CqvAccLib::qvRotate(qvDataType type, const unsigned char* src, IppiSiz
 
 namespace {
 
-// The rows of a destination region that are band i. Pointers stay: the warp works in absolute
+// The rows of a destination region that a band is. Pointers stay: the warp works in absolute
 // coordinates. A region may reach beyond the last row that an int can number; bands there are empty.
-IppiRect BandOf(const Bands& bands, int i, IppiRect roi) {
-  const long long y = roi.y + bands.First(i);
-  return {roi.x, y < INT32_MAX ? static_cast<int>(y) : INT32_MAX, roi.width, bands.Height(i)};
+IppiRect PartOf(IppiRect roi, Band band) {
+  const long long y = roi.y + band.first;
+  return {roi.x, y < INT32_MAX ? static_cast<int>(y) : INT32_MAX, roi.width, band.length};
 }
 
 }  // namespace
@@ -292,8 +292,9 @@ IppStatus CqvAccLib::qvWarpPerspective(qvDataType type, const unsigned char* src
   if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
   const auto kernel = type == OneChannel ? WarpPerspective_8u_C1 : WarpPerspective_8u_C3;
   const Bands bands = PlanBands(dstRoi.height, ThreadBudget);
-  return RunFloatBands(bands, [&](int i) {
-    return kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, BandOf(bands, i, dstRoi), coeffs,
+  const Work work = {1ll * dstRoi.width * dstRoi.height, MethodOf(kernel, interpolation)};
+  return RunFloatBands(bands, work, [&](Band band) {
+    return kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, PartOf(dstRoi, band), coeffs,
                   interpolation);
   });
 }
@@ -307,12 +308,13 @@ IppStatus CqvAccLib::qvWarpPerspectiveEx(qvDataType, const unsigned char* src, I
                                          int src2Step, unsigned char* dst2, int dst2Step,
                                          const double coeffs2[3][3]) {
   const Bands bands = PlanBands(dstRoi.height, ThreadBudget);
-  return RunFloatBands(bands, [&](int i) {
-    const IppiRect band = BandOf(bands, i, dstRoi);
+  const Work work = {1ll * dstRoi.width * dstRoi.height, static_cast<uintptr_t>(interpolation)};
+  return RunFloatBands(bands, work, [&](Band band) {
+    const IppiRect part = PartOf(dstRoi, band);
     const IppStatus status = WarpPerspective_8u_C3(src, srcSize, srcStep, srcRoi, dst, dstStep,
-                                                   band, coeffs, interpolation);
+                                                   part, coeffs, interpolation);
     if (!src2 || !dst2 || (bands.count == 1 && status != StatusOk)) return status;
-    return WarpPerspective_8u_C1(src2, srcSize, src2Step, srcRoi, dst2, dst2Step, band, coeffs2,
+    return WarpPerspective_8u_C1(src2, srcSize, src2Step, srcRoi, dst2, dst2Step, part, coeffs2,
                                  interpolation);
   });
 }
@@ -338,10 +340,10 @@ IppStatus CqvAccLib::qvAlphaCompC(qvDataType type, const unsigned char* src1, in
   if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
   const auto kernel = type == OneChannel ? AlphaCompC_8u_C1 : AlphaCompC_8u_C3;
   const Bands bands = PlanBands(size.height, ThreadBudget);
-  return RunBands(bands, [&](int i) {
-    return kernel(Advance(src1, bands.First(i) * src1Step), src1Step, alpha1,
-                  Advance(src2, bands.First(i) * src2Step), src2Step, alpha2,
-                  Advance(dst, bands.First(i) * dstStep), dstStep, {size.width, bands.Height(i)},
+  return RunBands(bands, {Area(size), MethodOf(kernel, alphaType)}, [&](Band band) {
+    return kernel(band.At(src1, src1Step), src1Step, alpha1,
+                  band.At(src2, src2Step), src2Step, alpha2,
+                  band.At(dst, dstStep), dstStep, {size.width, band.length},
                   alphaType);
   });
 }
@@ -353,8 +355,8 @@ IppStatus CqvAccLib::qvDeinterlace(qvDataType type, const unsigned char* src, in
   // Three-channel rows are filtered together with their padding.
   const int rowBytes = type == OneChannel ? size.width : srcStep;
   const Bands strips = PlanBands(rowBytes, ThreadBudget);
-  return RunBands(strips, [&](int i) {
-    return Deinterlace_8u(Advance(src, strips.First(i)), srcStep, Advance(dst, strips.First(i)),
-                          dstStep, strips.Height(i), size.height, centreWeight, mode);
+  return RunBands(strips, {1ll * rowBytes * size.height, 0}, [&](Band band) {
+    return Deinterlace_8u(band.At(src, 1), srcStep, band.At(dst, 1),
+                          dstStep, band.length, size.height, centreWeight, mode);
   });
 }

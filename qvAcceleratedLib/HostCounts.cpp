@@ -4,9 +4,15 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 #elif defined(__linux__)
+#include <dirent.h>
 #include <sched.h>
+#include <stdlib.h>
+#include <string.h>
+#include <unistd.h>
 
 #include "qvAcceleratedLib/CpuQuota.h"
+#include "qvAcceleratedLib/HostRegion.h"
+#include "qvAcceleratedLib/Settings.h"
 #endif
 
 namespace qv {
@@ -33,24 +39,53 @@ void CPUCount(int* first, int* second) {
 
 namespace {
 
-// CPUs in the calling thread's affinity mask; 0 if the system does not tell.
-int AffinityCpus() {
-  // The system refuses a mask smaller than its own largest number of CPUs, which is 8192 at most as
-  // of today.
-  constexpr size_t maskCpus = 65536;
-  unsigned long mask[maskCpus / (8 * sizeof(unsigned long))];
-  cpu_set_t* set = reinterpret_cast<cpu_set_t*>(mask);
-  if (sched_getaffinity(0, sizeof mask, set) != 0) return 0;
-  return CPU_COUNT_S(sizeof mask, set);
+// The system refuses a mask smaller than its own largest number of CPUs, which is 8192 at most as of
+// today.
+struct CpuMask {
+  static constexpr int kWords = 65536 / (8 * sizeof(unsigned long));
+  unsigned long words[kWords];
+
+  int Count() const { return CPU_COUNT_S(sizeof words, reinterpret_cast<const cpu_set_t*>(words)); }
+  bool ReadThread(int id) {
+    memset(words, 0, sizeof words);
+    return sched_getaffinity(id, sizeof words, reinterpret_cast<cpu_set_t*>(words)) == 0;
+  }
+};
+
+// The CPUs of all threads of the process together, and their number; 0 if the system does not tell.
+int CpusOfThreads(CpuMask* all) {
+  if (!all->ReadThread(0)) return 0;
+  DIR* const threads = opendir("/proc/self/task");
+  if (!threads) return all->Count();
+  while (const dirent* thread = readdir(threads)) {
+    CpuMask one;
+    if (thread->d_name[0] == '.' || !one.ReadThread(atoi(thread->d_name))) continue;
+    for (int i = 0; i < CpuMask::kWords; ++i) all->words[i] |= one.words[i];
+  }
+  closedir(threads);
+  return all->Count();
 }
 
 }  // namespace
 
 void CPUCount(int* first, int* second) {
-  const int affinity = AffinityCpus();
-  if (affinity == 0) return;
-  *first = SmallerLimit(affinity, QuotaCpus(ReadFile));
+  CpuMask mask;
+  int cpus = CpusOfThreads(&mask);
+  if (cpus == 0) return;
+  // An OpenMP runtime binds the first thread while it is loaded, if its settings say so.
+  if (cpus < sysconf(_SC_NPROCESSORS_ONLN)) {
+    const int found = HostRuntimeProcessors();
+    if (found > cpus) cpus = found;
+  }
+  *first = SmallerLimit(cpus, QuotaCpus(ReadFile));
   *second = 1;
+}
+
+void RunWhereProcessMay() {
+  CpuMask mask;
+  if (CpusOfThreads(&mask) < ThreadBudget)  // bound by a runtime: wherever the system lets it
+    memset(mask.words, 0xFF, sizeof mask.words);
+  sched_setaffinity(0, sizeof mask.words, reinterpret_cast<const cpu_set_t*>(mask.words));
 }
 
 #else

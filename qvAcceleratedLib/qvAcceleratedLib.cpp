@@ -1,6 +1,6 @@
 // Loading and unloading of the library.
 #include "dispatch/ProcessorInfo.h"
-#include "qvAcceleratedLib/Fork.h"
+#include "qvAcceleratedLib/BandTeam.h"
 #include "qvAcceleratedLib/HostCounts.h"
 #include "qvAcceleratedLib/Settings.h"
 #include "qvAcceleratedLib/Startup.h"
@@ -45,9 +45,9 @@ BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
   if (reason == DLL_PROCESS_ATTACH) {
     DisableThreadLibraryCalls(module);
     qv::LibraryStartup();
-    // The OpenMP runtime keeps its threads after a parallel region has ended, and would be unmapped
-    // under their feet together with this library: so the library stays. If that fails, a host that
-    // never unloads the library misses nothing.
+    qv::PrepareTeam();
+    // Threads of the team sleep between calls, and would lose their code together with this library: so
+    // the library stays. If that fails, a host that never unloads the library misses nothing.
     HMODULE pinned;
     GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
                        reinterpret_cast<LPCWSTR>(&DllMain), &pinned);
@@ -61,7 +61,7 @@ namespace {
 
 __attribute__((constructor)) void Load() {
   qv::LibraryStartup();
-  qv::WatchForks();
+  qv::PrepareTeam();
 }
 
 }  // namespace

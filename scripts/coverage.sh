@@ -13,7 +13,6 @@ cmake --build --preset coverage --target unittests kernelcheck operationdigests 
 
 cd build/coverage
 find . -name '*.gcda' -delete
-export OMP_WAIT_POLICY=passive  # counters are slow enough
 # Left out are tests that make the calls of others many times over.
 repeated='Threads.MayCall*:FloatEnvironment.OfTheHost*:LargeImages.*:Selftest.*'
 for test in "unittests --gtest_brief=1 --gtest_filter=-$repeated" kernelcheck operationdigests \

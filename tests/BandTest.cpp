@@ -1,8 +1,6 @@
 // The band frame: geometry for budgets that no test machine has, and how bands are run.
 #include <gtest/gtest.h>
-#include <omp.h>
 
-#include <atomic>
 #include <climits>
 #include <cstdint>
 #include <utility>
@@ -20,8 +18,8 @@ void ExpectHeights(const Bands& bands, const std::vector<int>& heights) {
   ASSERT_EQ(bands.count, static_cast<int>(heights.size()));
   std::ptrdiff_t first = 0;
   for (int i = 0; i < bands.count; ++i) {
-    EXPECT_EQ(bands.First(i), first);
-    EXPECT_EQ(bands.Height(i), heights[static_cast<std::size_t>(i)]);
+    EXPECT_EQ(bands.Of(i).first, first);
+    EXPECT_EQ(bands.Of(i).length, heights[static_cast<std::size_t>(i)]);
     first += heights[static_cast<std::size_t>(i)];
   }
 }
@@ -64,34 +62,18 @@ TEST(Bands, CutASingleRowIntoPiecesOf4096AtLeast) {
 #if PTRDIFF_MAX > INT_MAX
 TEST(Bands, LieWhereAnIntWouldOverflow) {
   const Bands bands = PlanBands(70000, 2);
-  EXPECT_EQ(bands.First(1) * 100000, std::ptrdiff_t{3500000000});
+  EXPECT_EQ(bands.Of(1).first * 100000, std::ptrdiff_t{3500000000});
 }
 #endif
 
 TEST(RunBands, ReturnsTheStatusOfTheLastBand) {
-  const auto status = [](int i) { return i == 3 ? StatusOddSizeWarning : StatusSizeErr; };
-  EXPECT_EQ(RunBands(Bands{4, 100, 400}, status), StatusOddSizeWarning);
-  EXPECT_EQ(RunBands(Bands{3, 100, 300}, status), StatusSizeErr);
-  EXPECT_EQ(RunBands(Bands{0, 100, 300}, status), StatusOk);  // no band runs
-}
-
-TEST(RunBands, StaysOnTheCallingThreadInsideAParallelRegion) {
-  const int levels = omp_get_max_active_levels();
-  omp_set_max_active_levels(4);  // nested teams are allowed, and still not wanted
-  std::atomic<int> strangers{0}, runs{0};
-#pragma omp parallel num_threads(2)
-  {
-    static thread_local char here;
-    const char* const caller = &here;
-    RunBands(Bands{4, 65, 260}, [&](int) {
-      ++runs;
-      if (&here != caller) ++strangers;
-      return StatusOk;
-    });
+  const auto status = [](Band band) { return band.first == 300 ? StatusOddSizeWarning : StatusSizeErr; };
+  for (const Sharing sharing : {Sharing::Always, Sharing::OnOneThread}) {
+    const UseBudget use(4, sharing);
+    EXPECT_EQ(RunBands(Bands{4, 100, 400}, {400, 0}, status), StatusOddSizeWarning);
+    EXPECT_EQ(RunBands(Bands{3, 100, 300}, {300, 0}, status), StatusSizeErr);
+    EXPECT_EQ(RunBands(Bands{0, 100, 300}, {300, 0}, status), StatusOk);  // no band runs
   }
-  omp_set_max_active_levels(levels);
-  EXPECT_EQ(runs, 8);
-  EXPECT_EQ(strangers, 0);
 }
 
 TEST(Bands, OfEveryOperationMoveEveryPlaneByItsOwnStep) {

@@ -1,10 +1,11 @@
 // Rounding, denormal numbers, traps and precision are the host's to set: no byte depends on them,
 // and the host finds them as it left them.
 #include <gtest/gtest.h>
-#include <omp.h>
 
+#include <atomic>
 #include <limits>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "qvAcceleratedLib/BandSplit.h"
@@ -40,7 +41,7 @@ void Set(Control c) {
   __asm__ volatile("fnclex\n\tldmxcsr %0\n\tfldcw %1" : : "m"(c.sse), "m"(word));
 }
 
-// On the calling thread and on all threads of its team.
+// On the calling thread and on three threads of the team.
 class UseControl {
  public:
   explicit UseControl(Control c) : old_(Current()) { SetAll(c); }
@@ -48,8 +49,13 @@ class UseControl {
 
  private:
   static void SetAll(Control c) {
-#pragma omp parallel
-    Set(c);
+    const UseBudget budget(4);
+    std::atomic<int> arrived{0};
+    RunBands(Bands{4, 1, 4}, {4, 0}, [&](Band) {
+      for (++arrived; arrived < 4;) std::this_thread::yield();
+      Set(c);
+      return StatusOk;
+    });
   }
   Control old_;
 };
@@ -155,8 +161,9 @@ TEST(FloatEnvironment, IsTheSameInEveryBand) {
       std::vector<double> thirds(4, 1.0 / 3);
       {
         const UseControl use(host);
-        RunFloatBands(Bands{count, 1, count}, [&](int i) {
-          const auto at = static_cast<std::size_t>(i);
+        const UseBudget budget(4);
+        RunFloatBands(Bands{count, 1, count}, {count, 0}, [&](Band band) {
+          const auto at = static_cast<std::size_t>(band.first);
           controls[at] = Current();
           if (kX87Doubles) thirds[at] = X87Third();
           return StatusOk;
@@ -179,7 +186,7 @@ TEST(FloatEnvironment, KeepsTheHostsX87Flags) {
   unsigned short before, after;
   const UseControl use({0x1F80, 0x0340});
   __asm__ volatile("fnstsw %0" : "=m"(before));
-  RunFloatBands(Bands{1, 1, 1}, [](int) { return X87Third() > 0 ? StatusOk : StatusSizeErr; });
+  RunFloatBands(Bands{1, 1, 1}, {1, 0}, [](Band) { return X87Third() > 0 ? StatusOk : StatusSizeErr; });
   __asm__ volatile("fnstsw %0" : "=m"(after));
   EXPECT_EQ(before & 0x3F, after & 0x3F);
 }

@@ -1,7 +1,5 @@
-// Calls from many threads, from inside parallel regions, from forked children, and on whatever team
-// the host's settings leave.
+// The team of threads among whatever a host does: many threads, forks, signals, no thread to be had.
 #include <gtest/gtest.h>
-#include <omp.h>
 
 #include <atomic>
 #include <chrono>
@@ -9,16 +7,20 @@
 #include <thread>
 #include <vector>
 
+#include "qvAcceleratedLib/BandSplit.h"
 #include "tests/support/Levels.h"
 #include "tests/support/Operations.h"
 #include "tests/support/Random.h"
+#include "tests/support/ThreadCount.h"
 
-#if !defined(_WIN32)
-#include <sys/wait.h>
-#include <unistd.h>
-#endif
 #if defined(__linux__)
 #include <sched.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/time.h>
+#include <sys/wait.h>
+#include <unistd.h>
 #endif
 
 #if defined(__SANITIZE_THREAD__)
@@ -54,55 +56,67 @@ TEST(Calls, Succeed) {
   }
 }
 
-// 16 threads for QV_TEST_SECONDS (a second unless set), each with calls in an order of its own.
+// 16 threads at a time for QV_TEST_SECONDS (a second unless set), each with some calls in an order of its
+// own, after which another thread takes its place.
 TEST(Threads, MayCallAllOperationsAtOnce) {
-  const UseBudget budget(4);
+  constexpr int kBudget = 4, kHostThreads = 16;
+  const UseBudget budget(kBudget);
+#if defined(__linux__)
+  const int before = ThreadsOfProcess("qvBandTeam");
+#endif
   const std::vector<Outcome> expected = RunAll();
   const char* const text = std::getenv("QV_TEST_SECONDS");
   const auto end =
       std::chrono::steady_clock::now() + std::chrono::seconds(text ? std::atoi(text) : 1);
   std::atomic<long> calls{0}, differences{0};
   std::vector<std::thread> threads;
-  for (int t = 0; t < 16; ++t)
+  for (int t = 0; t < kHostThreads; ++t)
     threads.emplace_back([&, t] {
       Random random(static_cast<std::uint64_t>(t));
-      Runner runner;
-      while (std::chrono::steady_clock::now() < end) {
-        const auto i = static_cast<std::size_t>(random.Next() % Operations().size());
-        if (runner.Run(Operations()[i]) != expected[i]) ++differences;
-        ++calls;
-      }
+      while (std::chrono::steady_clock::now() < end)
+        std::thread([&] {
+          Runner runner;
+          for (int i = 0; i < 50; ++i) {
+            const auto call = static_cast<std::size_t>(random.Next() % Operations().size());
+            if (runner.Run(Operations()[call]) != expected[call]) ++differences;
+            ++calls;
+          }
+        }).join();
     });
   for (std::thread& thread : threads) thread.join();
   std::printf("%ld calls of %zu kinds on 16 threads\n", calls.load(), Operations().size());
   EXPECT_EQ(differences, 0);
+#if defined(__linux__)
+  // Earlier tests may have had a larger budget.
+  EXPECT_LE(ThreadsOfProcess("qvBandTeam"), std::max(before, kBudget - 1));
+#endif
 }
 
-TEST(Threads, InsideParallelRegionsTheBytesAreTheSame) {
-  const UseBudget budget(4);
-  const std::vector<Outcome> expected = RunAll();
-  const int levels = omp_get_max_active_levels();
-  for (const int nested : {1, 4}) {
-    omp_set_max_active_levels(nested);
-    std::atomic<int> differences{0};
-#pragma omp parallel num_threads(3)
-    differences += Differences(expected);
-    EXPECT_EQ(differences, 0) << nested;
+// As a user has it: short calls stay on their thread, long ones are shared.
+TEST(Threads, AsMeasuredGiveTheSameBytes) {
+  std::vector<Outcome> expected;
+  {
+    const UseBudget budget(4);
+    expected = RunAll();
   }
-  omp_set_max_active_levels(levels);
+  const UseBudget budget(4, Sharing::Measured);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(Differences(expected), 0);
 }
 
-TEST(Threads, TeamsOfAnySizeGiveTheSameBytes) {
+// Bands that wait for each other find a thread each; a band that calls again stays on its thread.
+TEST(Threads, RunTheBandsOfACallSideBySide) {
   const UseBudget budget(4);
-  const std::vector<Outcome> expected = RunAll();
-  const int threads = omp_get_max_threads(), dynamic = omp_get_dynamic();
-  for (const int team : {1, 2, 3, 9}) {
-    omp_set_dynamic(team == 3);
-    omp_set_num_threads(team);
-    EXPECT_EQ(Differences(expected), 0) << team;
-  }
-  omp_set_num_threads(threads);
-  omp_set_dynamic(dynamic);
+  std::atomic<int> arrived{0}, strangers{0};
+  const IppStatus status = RunBands(Bands{4, 65, 260}, {260, 0}, [&](Band) {
+    for (++arrived; arrived < 4;) std::this_thread::yield();
+    const auto self = std::this_thread::get_id();
+    return RunBands(Bands{4, 65, 260}, {260, 1}, [&](Band inner) {
+      strangers += std::this_thread::get_id() != self;
+      return inner.first == 195 ? StatusOddSizeWarning : StatusSizeErr;
+    });
+  });
+  EXPECT_EQ(status, StatusOddSizeWarning);
+  EXPECT_EQ(strangers, 0);
 }
 
 #if defined(__linux__)
@@ -123,7 +137,7 @@ TEST(Threads, AnAffinityMaskThatShrinksChangesNoByte) {
 #endif
 
 // The thread sanitizer does not follow a child that makes threads.
-#if !defined(_WIN32) && !defined(QV_TEST_TSAN)
+#if defined(__linux__) && !defined(QV_TEST_TSAN)
 
 // Runs the check in a forked child; whether it returned true, and in time.
 template <class Check>
@@ -137,20 +151,109 @@ bool HoldsInChild(const Check& check) {
   return waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-TEST(Threads, AForkedChildOfAProcessWithATeamCompletesItsCalls) {
+TEST(Threads, AForkedChildHasATeamOfItsOwn) {
   const UseBudget budget(4);
   const std::vector<Outcome> expected = RunAll();  // makes the team
-  EXPECT_TRUE(HoldsInChild([&] { return Differences(expected) == 0; }));
-  EXPECT_TRUE(HoldsInChild([&] {  // grandchildren, too
-    return HoldsInChild([&] { return Differences(expected) == 0; });
-  }));
-  // A child's new threads have teams as those of any process.
-  EXPECT_TRUE(HoldsInChild([&] {
-    int differences = 1;
-    std::thread([&] { differences = Differences(expected); }).join();
-    return differences == 0 && Differences(expected) == 0;
-  }));
+  const auto holds = [&] { return Differences(expected) == 0 && ThreadsOfProcess() == 4; };
+  EXPECT_TRUE(HoldsInChild(holds));
+  EXPECT_TRUE(HoldsInChild([&] { return holds() && HoldsInChild(holds); }));  // grandchildren, too
   EXPECT_EQ(Differences(expected), 0);
+}
+
+TEST(Threads, MayCallWhileAnotherOneForks) {
+  const UseBudget budget(4);
+  const std::vector<Outcome> expected = RunAll();
+  std::atomic<bool> done{false};
+  std::atomic<int> differences{0};
+  std::thread caller([&] {
+    while (!done) differences += Differences(expected);
+  });
+  for (int i = 0; i < 20; ++i)
+    EXPECT_TRUE(HoldsInChild([&] {
+      Runner runner;
+      const auto first = static_cast<std::size_t>(i);
+      return runner.Run(Operations()[first]) == expected[first] && ThreadsOfProcess() <= 4;
+    }));
+  done = true;
+  caller.join();
+  EXPECT_EQ(differences, 0);
+}
+
+// Where the system has no thread to give, the calling thread does it all, without a word.
+TEST(Threads, AreDoneWithoutWhereThereAreNone) {
+  const UseBudget budget(4);
+  const std::vector<Outcome> expected = RunAll();
+  const auto alone = [&] {
+    if (freopen("/dev/full", "w", stderr) == nullptr) return false;
+    return Differences(expected) == 0 && ThreadsOfProcess() == 1 && !ferror(stderr);
+  };
+  EXPECT_TRUE(HoldsInChild([&] {
+    long pages = 0;
+    std::FILE* const file = std::fopen("/proc/self/statm", "r");
+    if (!file || std::fscanf(file, "%ld", &pages) != 1) return false;
+    Runner runner;  // has its memory before there is no more
+    const rlim_t room = static_cast<rlim_t>(pages) * static_cast<rlim_t>(getpagesize()) + (128 << 10);
+    const rlimit limit = {room, room};
+    if (setrlimit(RLIMIT_AS, &limit) != 0) return false;
+    for (std::size_t i = 0; i < expected.size(); ++i)
+      // What asks for work memory may be refused it.
+      if (const Outcome outcome = runner.Run(Operations()[i]);
+          outcome != expected[i] && outcome.status != StatusMemAllocErr)
+        return false;
+    return true;  // the C library may have kept a stack for a thread
+  }));
+  EXPECT_TRUE(HoldsInChild([&] {
+    const rlimit limit = {1, 1};
+    // Root is not limited.
+    return setrlimit(RLIMIT_NPROC, &limit) == 0 && (geteuid() != 0 || setuid(65534) == 0) && alone();
+  }));
+}
+
+// The host's signals find the host's threads.
+TEST(Threads, OfTheTeamTakeNoSignals) {
+  const UseBudget budget(2);
+  static std::atomic<int> taken, elsewhere;
+  taken = elsewhere = 0;
+  static const pid_t host = getpid();
+  struct sigaction action = {}, old;
+  action.sa_handler = [](int) {
+    ++taken;
+    elsewhere += gettid() != host;
+  };
+  ASSERT_EQ(sigaction(SIGALRM, &action, &old), 0);
+  const itimerval often = {{0, 1000}, {0, 1000}}, never = {};
+  setitimer(ITIMER_REAL, &often, nullptr);
+  const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(100);
+  char name[16] = {};
+  while (std::chrono::steady_clock::now() < end) {
+    std::atomic<int> arrived{0};
+    RunBands(Bands{2, 65, 130}, {130, 0}, [&](Band) {
+      for (++arrived; arrived < 2;) std::this_thread::yield();
+      if (gettid() != host) prctl(PR_GET_NAME, name);
+      return StatusOk;
+    });
+  }
+  setitimer(ITIMER_REAL, &never, nullptr);
+  sigaction(SIGALRM, &old, nullptr);
+  EXPECT_GT(taken, 10);
+  EXPECT_EQ(elsewhere, 0);
+  EXPECT_STREQ(name, "qvBandTeam");
+}
+
+// Between calls nobody uses a processor.
+TEST(Threads, SleepWhenThereIsNothingToDo) {
+  const UseBudget budget(4);
+  RunAll();
+  std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  const auto used = [] {
+    rusage usage;
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_utime.tv_usec + usage.ru_stime.tv_usec +
+           1000000 * (usage.ru_utime.tv_sec + usage.ru_stime.tv_sec);
+  };
+  const auto before = used();
+  std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  EXPECT_LT(used() - before, 10000);
 }
 
 #endif

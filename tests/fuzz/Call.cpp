@@ -183,7 +183,7 @@ void Call::Run(int expected, const std::function<int()>& call, contract::Bands b
     int status;
     {
       const UseLevel useLevel(level);
-      const UseBudget useBudget(budget);
+      const UseBudget useBudget(budget, Sharing::OnOneThread);  // thousands of calls a second
       status = call();
     }
     for (const Placed& image : images_) Forbid(image, false);

@@ -1,14 +1,7 @@
 // The entry of a libFuzzer program: one family each.
-#include <omp.h>
-
 #include <cstring>
 
 #include "tests/fuzz/Call.h"
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  omp_set_num_threads(1);  // bands run one after another: thousands of calls a second
-  return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   for (const auto& family : qv::test::kFuzzFamilies)

@@ -61,8 +61,14 @@ UseLevel::UseLevel(const Level& level)
 
 UseLevel::~UseLevel() { Set(old_); }
 
-UseBudget::UseBudget(int budget) : old_(ThreadBudget) { ThreadBudget = budget; }
+UseBudget::UseBudget(int budget, Sharing sharing) : old_(ThreadBudget), oldSharing_(BandSharing) {
+  ThreadBudget = budget;
+  BandSharing = sharing;
+}
 
-UseBudget::~UseBudget() { ThreadBudget = old_; }
+UseBudget::~UseBudget() {
+  ThreadBudget = old_;
+  BandSharing = oldSharing_;
+}
 
 }  // namespace qv::test

@@ -4,6 +4,8 @@
 
 #include <vector>
 
+#include "qvAcceleratedLib/Settings.h"
+
 namespace qv::test {
 
 struct Level {
@@ -31,16 +33,17 @@ class UseLevel {
   Level old_;
 };
 
-// Sets ThreadBudget for a scope.
+// Sets ThreadBudget for a scope, and has every call cut and shared accordingly, however short it is.
 class UseBudget {
  public:
-  explicit UseBudget(int budget);
+  explicit UseBudget(int budget, Sharing sharing = Sharing::Always);
   ~UseBudget();
   UseBudget(const UseBudget&) = delete;
   UseBudget& operator=(const UseBudget&) = delete;
 
  private:
-  int old_;
+  const int old_;
+  const Sharing oldSharing_;
 };
 
 }  // namespace qv::test

@@ -1,0 +1,154 @@
+#include "qvAcceleratedLib/Threads.h"
+
+#if defined(_WIN32)
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+#else
+#include <pthread.h>
+#include <signal.h>
+#include <time.h>
+#endif
+
+#if defined(__linux__)
+#include <linux/futex.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include "qvAcceleratedLib/HostCounts.h"
+#endif
+
+namespace qv {
+namespace {
+
+// Of a thread of the team. The deepest kernels keep some ten kilobytes of tables on the stack.
+constexpr size_t kStackBytes = 512 << 10;
+
+}  // namespace
+
+#if defined(_WIN32)
+
+namespace {
+
+// Wake-ups by address, for Windows from Vista on, without a handle: sleepers share a few condition
+// variables, and one that is woken for another looks at its word and sleeps on.
+struct Bed {
+  SRWLOCK lock = SRWLOCK_INIT;
+  CONDITION_VARIABLE wake = CONDITION_VARIABLE_INIT;
+};
+constinit Bed beds[16];
+
+Bed& BedOf(const void* address) { return beds[reinterpret_cast<uintptr_t>(address) / 64 % 16]; }
+
+constinit DWORD markSlot = TLS_OUT_OF_INDEXES;
+
+}  // namespace
+
+void EnterThread() {
+  using SetDescription = HRESULT(WINAPI*)(HANDLE, PCWSTR);  // from Windows 10 on
+  const auto set = reinterpret_cast<SetDescription>(reinterpret_cast<void (*)()>(
+      GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "SetThreadDescription")));
+  if (set) set(GetCurrentThread(), L"qvBandTeam");
+}
+
+bool StartThread(ThreadResult(QV_THREAD_CALL* entry)(void*), void* argument) {
+  const HANDLE thread = CreateThread(nullptr, kStackBytes, entry, argument,
+                                     STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
+  return thread && CloseHandle(thread);
+}
+
+void SleepWhile(const std::atomic<uint32_t>& word, uint32_t value) {
+  Bed& bed = BedOf(&word);
+  AcquireSRWLockExclusive(&bed.lock);
+  if (word.load(std::memory_order_relaxed) == value)
+    SleepConditionVariableSRW(&bed.wake, &bed.lock, INFINITE, 0);
+  ReleaseSRWLockExclusive(&bed.lock);
+}
+
+void WakeSleepers(const std::atomic<uint32_t>* word) {
+  Bed& bed = BedOf(word);
+  AcquireSRWLockExclusive(&bed.lock);  // nobody is between looking at the word and sleeping
+  ReleaseSRWLockExclusive(&bed.lock);
+  WakeAllConditionVariable(&bed.wake);
+}
+
+Ticks Now() {
+  static constinit LARGE_INTEGER frequency = {};
+  if (frequency.QuadPart == 0) QueryPerformanceFrequency(&frequency);
+  LARGE_INTEGER count;
+  QueryPerformanceCounter(&count);
+  const uint64_t seconds = static_cast<uint64_t>(count.QuadPart / frequency.QuadPart);
+  const uint64_t rest = static_cast<uint64_t>(count.QuadPart % frequency.QuadPart);
+  return static_cast<Ticks>(seconds * 15625000 +
+                            rest * 15625000 / static_cast<uint64_t>(frequency.QuadPart));
+}
+
+bool IsMarked() { return markSlot != TLS_OUT_OF_INDEXES && TlsGetValue(markSlot) != nullptr; }
+
+void SetMark(bool marked) {
+  if (markSlot != TLS_OUT_OF_INDEXES) TlsSetValue(markSlot, marked ? &markSlot : nullptr);
+}
+
+void PrepareMarks() { markSlot = TlsAlloc(); }
+
+#else
+
+namespace {
+constinit thread_local bool mark = false;
+}
+
+#if defined(__linux__)
+
+void EnterThread() {
+  prctl(PR_SET_NAME, "qvBandTeam");
+  RunWhereProcessMay();
+}
+
+bool StartThread(ThreadResult (*entry)(void*), void* argument) {
+  pthread_attr_t attributes;
+  if (pthread_attr_init(&attributes) != 0) return false;
+  pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
+  pthread_attr_setstacksize(&attributes, kStackBytes);
+  // A signal for the process is the host's; what an instruction raises arrives where it stands.
+  sigset_t blocked, old;
+  sigfillset(&blocked);
+  for (const int raised : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS})
+    sigdelset(&blocked, raised);
+  pthread_sigmask(SIG_SETMASK, &blocked, &old);
+  pthread_t thread;
+  const bool started = pthread_create(&thread, &attributes, entry, argument) == 0;
+  pthread_sigmask(SIG_SETMASK, &old, nullptr);
+  pthread_attr_destroy(&attributes);
+  return started;
+}
+
+void SleepWhile(const std::atomic<uint32_t>& word, uint32_t value) {
+  syscall(SYS_futex, &word, FUTEX_WAIT_PRIVATE, value, nullptr, nullptr, 0);
+}
+
+void WakeSleepers(const std::atomic<uint32_t>* word) {
+  syscall(SYS_futex, word, FUTEX_WAKE_PRIVATE, 0x7FFFFFFF, nullptr, nullptr, 0);
+}
+
+#else  // no threads, and so nobody who sleeps
+
+void EnterThread() {}
+bool StartThread(ThreadResult (*)(void*), void*) { return false; }
+void SleepWhile(const std::atomic<uint32_t>&, uint32_t) {}
+void WakeSleepers(const std::atomic<uint32_t>*) {}
+
+#endif
+
+Ticks Now() {
+  timespec now;
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return static_cast<Ticks>(now.tv_sec) * 15625000u + static_cast<Ticks>(now.tv_nsec) / 64;
+}
+
+bool IsMarked() { return mark; }
+void SetMark(bool marked) { mark = marked; }
+void PrepareMarks() {}
+
+#endif
+
+}  // namespace qv
