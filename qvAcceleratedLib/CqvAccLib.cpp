@@ -352,7 +352,9 @@ IppStatus CqvAccLib::qvDeinterlace(qvDataType type, const unsigned char* src, in
   if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
   // Three-channel rows are filtered together with their padding.
   const int rowBytes = type == OneChannel ? size.width : srcStep;
-  const Bands strips = PlanBands(rowBytes, ThreadBudget);
+  // Rows that reach into the next one are overwritten there, which strips would do in any order.
+  const bool overlap = dstStep < rowBytes && -static_cast<long long>(dstStep) < rowBytes;
+  const Bands strips = PlanBands(rowBytes, overlap && ThreadBudget > 1 ? 1 : ThreadBudget);
   return RunBands(strips, [&](int i) {
     return Deinterlace_8u(Advance(src, strips.First(i)), srcStep, Advance(dst, strips.First(i)),
                           dstStep, strips.Height(i), size.height, centreWeight, mode);
