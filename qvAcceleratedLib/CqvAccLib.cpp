@@ -276,11 +276,15 @@ IppStatus CqvAccLib::qvRotate(qvDataType type, const unsigned char* src, IppiSiz
 
 namespace {
 
-// The rows of a destination region that are band i. Pointers stay: the warp works in absolute
-// coordinates. A region may reach beyond the last row that an int can number; bands there are empty.
+// The bands of a destination region, as far as an int can number its rows: there are none behind.
+Bands PlanRegionBands(IppiRect roi) {
+  const int rows = roi.y > 0 ? INT32_MAX - roi.y + 1 : INT32_MAX;
+  return PlanBands(roi.height < rows ? roi.height : rows, ThreadBudget);
+}
+
+// The rows that are band i. Pointers stay: the warp works in absolute coordinates.
 IppiRect BandOf(const Bands& bands, int i, IppiRect roi) {
-  const long long y = roi.y + bands.First(i);
-  return {roi.x, y < INT32_MAX ? static_cast<int>(y) : INT32_MAX, roi.width, bands.Height(i)};
+  return {roi.x, static_cast<int>(roi.y + bands.First(i)), roi.width, bands.Height(i)};
 }
 
 }  // namespace
@@ -291,7 +295,7 @@ IppStatus CqvAccLib::qvWarpPerspective(qvDataType type, const unsigned char* src
                                        int interpolation) {
   if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
   const auto kernel = type == OneChannel ? WarpPerspective_8u_C1 : WarpPerspective_8u_C3;
-  const Bands bands = PlanBands(dstRoi.height, ThreadBudget);
+  const Bands bands = PlanRegionBands(dstRoi);
   return RunFloatBands(bands, [&](int i) {
     return kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, BandOf(bands, i, dstRoi), coeffs,
                   interpolation);
@@ -306,7 +310,7 @@ IppStatus CqvAccLib::qvWarpPerspectiveEx(qvDataType, const unsigned char* src, I
                                          int interpolation, const unsigned char* src2,
                                          int src2Step, unsigned char* dst2, int dst2Step,
                                          const double coeffs2[3][3]) {
-  const Bands bands = PlanBands(dstRoi.height, ThreadBudget);
+  const Bands bands = PlanRegionBands(dstRoi);
   return RunFloatBands(bands, [&](int i) {
     const IppiRect band = BandOf(bands, i, dstRoi);
     const IppStatus status = WarpPerspective_8u_C3(src, srcSize, srcStep, srcRoi, dst, dstStep,

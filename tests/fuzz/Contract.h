@@ -56,8 +56,8 @@ constexpr long long kMostSpan = kWide ? 6ll << 30 : 8ll << 20;
 constexpr long long kMostOffset = kWide ? 1ll << 45 : 1ll << 28;
 
 inline IppiRect Addressable(IppiRect roi) {
-  constexpr int kMost = kWide ? 1 << 24 : 1 << 10;
-  return {roi.x % kMost, roi.y % kMost, roi.width, roi.height};
+  constexpr int kMost = 1 << 10;
+  return kWide ? roi : IppiRect{roi.x % kMost, roi.y % kMost, roi.width, roi.height};
 }
 
 // The step, or an exact one if it leads too far; `y` is the first of the rows.
