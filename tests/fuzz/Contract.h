@@ -15,8 +15,9 @@ namespace qv::test::contract {
 // qvGetRotateBound, and the matrices of the warps. Everywhere else a pointer is null now and then.
 inline bool MayBeNull(Input& in, const char* name) { return in.Rarely(name); }
 
-// Destination rows that overlap each other: bands write them in any order, so no result is right.
-// The rows of a source may overlap, lie in one place or run backwards.
+// Destination rows that overlap each other, but for qvDeinterlace, which says what they then hold:
+// bands write them in any order, so no result is right. The rows of a source may overlap, lie in
+// one place or run backwards.
 inline int DisjointStep(int step, std::ptrdiff_t rowBytes, std::ptrdiff_t rows) {
   const long long apart = step < 0 ? -static_cast<long long>(step) : step;
   return rows > 1 && apart < rowBytes ? static_cast<int>(rowBytes) : step;
