@@ -63,7 +63,8 @@ IppStatus RunSpans(const FilterTask& task, const AreaColumns& x, const AxisSpans
 // region, else -1.
 int FirstOfHalves(const AxisArea& area) {
   const double start = area.first * area.inverse - area.origin;
-  const bool fits = area.inverse == 2 && start >= 0 && start + 2.0 * area.count <= area.sourceLength;
+  const double end = start + 2.0 * area.count;
+  const bool fits = area.inverse == 2 && start >= 0 && end <= area.sourceLength;
   return fits && start == static_cast<int>(start) ? static_cast<int>(start) : -1;
 }
 
