@@ -12,7 +12,7 @@ IppStatus CqvAccLib::qvMergeAlphaOver(qvDataType, unsigned char* fg, int fgStep,
                                       unsigned char* dstAlpha, int rowBytes, int width,
                                       int height) {
   // However many empty rows there are.
-  if (width < 0 || (width == 0 && (rowBytes < 1 || !HostProcessorInfo))) return StatusOk;
+  if (width < 1 && (rowBytes < 1 || !HostProcessorInfo)) return StatusOk;
   const Bands bands = PlanBands(height, ThreadBudget);
   return RunBands(bands, [&](int i) {
     const long long first = bands.First(i);

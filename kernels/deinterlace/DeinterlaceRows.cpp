@@ -126,8 +126,8 @@ constexpr RowFunction* RowsOf(int centreWeight) {
                                                  : FilterRows<kRows, false>;
 }
 
-// Four rows at a time only where all their stores can be aligned, and where a row does not reach into
-// the next one: blocks of columns would leave the wrong one of the two on top.
+// Four rows at a time only where all their stores can be aligned, and where a row does not reach
+// into the next one: blocks of columns would leave the wrong one of the two on top.
 constexpr bool InFours(int dstStep, int widthBytes) {
   return dstStep % kVecBytes == 0 && (dstStep >= widthBytes || dstStep <= -widthBytes);
 }

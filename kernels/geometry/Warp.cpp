@@ -84,23 +84,13 @@ bool WarpTiles(const WarpPlan& plan, const GeometryImages& images, const Corners
   return any;
 }
 
-// The pixels of a region that an int can number: it may reach farther, and no pixel is there.
-Corners NumberedCorners(IppiRect roi) {
-  constexpr double kLast = 0x7FFFFFFF;
-  Corners corners = CornersOf(roi);
-  if (corners.x1 > kLast) corners.x1 = kLast;
-  if (corners.y1 > kLast) corners.y1 = kLast;
-  return corners;
-}
-
 // An affine map folds no region, not even a single row or column of pixels: its outline is not
 // checked, only that it is made of numbers.
 IppStatus CheckTransform(const double coeffs[3][3], const double quad[4][2], bool isAffine) {
   if (!IsConditioned(coeffs)) return StatusCoeffErr;
   if (!isAffine) return CheckQuadrangle(quad) < 0 ? StatusCoeffErr : StatusOk;
-  for (int i = 0; i < 2; ++i)
-    if (!(fabs(coeffs[i][2]) <= 1.7e308)) return StatusCoeffErr;
-  return StatusOk;
+  const bool isFinite = coeffs[0][2] - coeffs[0][2] == 0 && coeffs[1][2] - coeffs[1][2] == 0;
+  return isFinite ? StatusOk : StatusCoeffErr;
 }
 
 IppStatus Warp(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi, void* dst,

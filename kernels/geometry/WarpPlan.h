@@ -23,8 +23,8 @@ struct Span {
 // rectangle onto a convex quadrilateral has a forward denominator of one sign at all its corners
 // (the turn at a corner of the image has the sign of the determinant times those of three
 // denominators), hence inside, and W is its inverse up to the determinant. With W made positive,
-// "inside" is five linear inequalities in x and y, so the area is convex and each of its rows is one
-// span.
+// "inside" is five linear inequalities in x and y, so the area is convex and each of its rows is
+// one span.
 class WarpPlan {
  public:
   static constexpr double kTolerance = 1e-6;

@@ -126,7 +126,7 @@ void CheckResize422(Case& c, int interpolation, Scaling scaling) {
   });
 }
 
-// Pixels of four bytes, which no operation resizes: all channels, or three, whose fourth byte stays.
+// Pixels of four bytes, which no operation resizes: all channels, or three and a byte that stays.
 void CheckLinearRowsOfFourBytes(Case& c) {
   const ResizeCase r = PlanCase(c, kAny);
   const IppiSize from = {r.roi.width, r.roi.height}, to = r.dstSize;
