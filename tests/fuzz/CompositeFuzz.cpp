@@ -65,7 +65,7 @@ void FuzzMergeOver(Input& in, Call& call) {
     call.Refused();
   else
     size = contract::Fitting(size, 3);
-  const std::ptrdiff_t rowBytes = 3 * std::ptrdiff_t{size.width};
+  const std::ptrdiff_t rowBytes = size.width < 0 ? -1 : 3 * std::ptrdiff_t{size.width};
   const Part colours = {rowBytes, size.height}, alphas = {size.width, size.height};
   const FuzzImage fg = Needed(call, "fgStep", colours, true);
   const FuzzImage bg = Needed(call, "bgStep", colours, false);
