@@ -71,8 +71,9 @@ check_linux() {
   done
   quietly dpkg-deb --extract "$(file "$runtime")" "$work/runtime"
   local brought
-  brought=$(cd "$work/runtime/usr" && find lib ! -type d | LC_ALL=C sort | paste -sd' ')
-  [ "$brought" = "lib/libqvAcceleratedLib.so.${version%%.*} lib/libqvAcceleratedLib.so.$version" ] ||
+  brought=$(cd "$work/runtime/usr" && find . ! -type d | LC_ALL=C sort | paste -sd' ')
+  local so=./lib/libqvAcceleratedLib.so
+  [ "$brought" = "$so.${version%%.*} $so.$version ./share/doc/$runtime/copyright" ] ||
     fail "$runtime brings $brought"
   configure linux-debian "$consumers/package" -DCMAKE_PREFIX_PATH="$work/debian/usr"
   quietly "$work/linux-debian/consumer"
