@@ -1,11 +1,12 @@
-# `cmake --install` of a tree in which not all is built that it would install says what to build, before
-# it has copied anything. Included ahead of everything that installs: rules run in their order.
+# `cmake --install` of a tree in which not all is built that it would install says what to build,
+# before it has copied anything. Included ahead of everything that installs: rules run in their order.
 function(qv_install_needs target component file)
   install(CODE "
     if(NOT EXISTS \"${file}\")
-      message(FATAL_ERROR \"${target} is to be installed and has not been built. Build everything:\\n\"
+      message(FATAL_ERROR \"${target} is to be installed and is not built. Build everything:\\n\"
         \"  cmake --build ${PROJECT_BINARY_DIR}\\n\"
-        \"or install a component alone: runtime, development, tools (cmake --install DIR --component NAME)\")
+        \"or install a component alone: runtime, development or tools\\n\"
+        \"  cmake --install ${PROJECT_BINARY_DIR} --component NAME\")
     endif()" COMPONENT ${component})
 endfunction()
 

@@ -59,7 +59,8 @@ check_linux() {
   if cmake --install "$work/empty" --prefix "$work/nowhere" >"$work/log" 2>&1; then
     fail 'what is not built is installed'
   fi
-  grep -q 'cmake --build' "$work/log" && [ ! -e "$work/nowhere" ] || fail 'installing says not what to build'
+  grep -q 'cmake --build' "$work/log" || fail 'installing does not say what to build'
+  [ ! -e "$work/nowhere" ] || fail 'a part of what is not built is installed'
 
   local architecture package
   architecture=$(dpkg --print-architecture)
