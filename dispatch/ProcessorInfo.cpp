@@ -218,6 +218,7 @@ IppStatus SelectProcessorVariant(const CpuidLeaves& leaves) {
   VariantIndex = VariantIndexOf(DetectCpuCode(leaves));
   WideLevel = VariantIndex == 4 ? WideLevelOf(leaves) : 0;
   CarrylessLevel = VariantIndex == 4 ? CarrylessLevelOf(leaves) : 0;
+  HasSse = HasCpuid(leaves) && ProcessorInfoOf(leaves).hasSse;
   if (!HasCpuid(leaves) || !IsGenuineIntel(leaves)) return StatusCpuUnknown;
   return StatusOk;
 }

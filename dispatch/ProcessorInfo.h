@@ -92,9 +92,9 @@ int WideLevelOf(const CpuidLeaves& leaves);
 // vectors of wide level 2.
 int CarrylessLevelOf(const CpuidLeaves& leaves);
 
-// Classifies a processor and sets VariantIndex, WideLevel and CarrylessLevel from it. Returns
-// StatusCpuUnknown if the processor has no CPUID or is of another vendor than "GenuineIntel", else
-// StatusOk; the values are set and hold in either case.
+// Classifies a processor and sets VariantIndex, WideLevel, CarrylessLevel and HasSse from it.
+// Returns StatusCpuUnknown if the processor has no CPUID or is of another vendor than
+// "GenuineIntel", else StatusOk; the values are set and hold in either case.
 IppStatus SelectProcessorVariant(const CpuidLeaves& leaves);
 
 // The same for this processor.

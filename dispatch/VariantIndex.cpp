@@ -5,5 +5,6 @@ namespace qv {
 int VariantIndex = 0;
 int WideLevel = 0;
 int CarrylessLevel = 0;
+int HasSse = 0;
 
 }  // namespace qv

@@ -1,4 +1,4 @@
-// Which implementation of the kernels this processor gets. All three values are written once,
+// Which implementation of the kernels this processor gets. All values are written once,
 // while the library is loaded, and only read afterwards; until then kernels run their generic rows.
 #ifndef QV_DISPATCH_VARIANTINDEX_H
 #define QV_DISPATCH_VARIANTINDEX_H
@@ -18,6 +18,10 @@ extern QV_HIDDEN int WideLevel;
 // there as well), 2 VPCLMULQDQ on 64-byte vectors (WideLevel 2 is there as well). Always 0 unless
 // VariantIndex is 4.
 extern QV_HIDDEN int CarrylessLevel;
+
+// Whether there is MXCSR to set: 1 or 0. Slot 1 does not say so, being also that of two classes of
+// processors without SSE.
+extern QV_HIDDEN int HasSse;
 
 }  // namespace qv
 

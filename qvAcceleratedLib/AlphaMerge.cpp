@@ -12,15 +12,14 @@ IppStatus CqvAccLib::qvMergeAlphaOver(qvDataType, unsigned char* fg, int fgStep,
                                       unsigned char* dstAlpha, int rowBytes, int width,
                                       int height) {
   // However many empty rows there are.
-  if (width < 0 || (width == 0 && (rowBytes < 1 || !HostProcessorInfo))) return StatusOk;
+  if (width < 1 && (rowBytes < 1 || !HostProcessorInfo)) return StatusOk;
   const Bands bands = PlanBands(height, ThreadBudget);
   return RunBands(bands, {1ll * width * height, 0}, [&](Band band) {
-    const long long first = band.first;
-    unsigned char* const f = Advance(fg, first * fgStep);
-    const unsigned char* const fa = Advance(fgAlpha, first * fgAlphaStep);
-    const unsigned char* const b = Advance(bg, first * bgStep);
-    const unsigned char* const ba = Advance(bgAlpha, first * bgAlphaStep);
-    unsigned char* const merged = Advance(dstAlpha, first * fgAlphaStep);
+    unsigned char* const f = band.At(fg, fgStep);
+    const unsigned char* const fa = band.At(fgAlpha, fgAlphaStep);
+    const unsigned char* const b = band.At(bg, bgStep);
+    const unsigned char* const ba = band.At(bgAlpha, bgAlphaStep);
+    unsigned char* const merged = band.At(dstAlpha, fgAlphaStep);
     return HostProcessorInfo
                ? MergeAlphaOver_8u(f, fgStep, fa, fgAlphaStep, b, bgStep, ba, bgAlphaStep, merged,
                                    rowBytes, width, band.length)
@@ -37,8 +36,7 @@ IppStatus CqvAccLib::qvMergeAlphaPlus(qvDataType type, unsigned char* srcDst, in
   const auto kernel = type == OneChannel ? MergeAlphaPlus_8u_C1 : MergeAlphaPlus_8u_C3;
   const Bands bands = PlanBands(height, ThreadBudget);
   return RunBands(bands, {1ll * width * height, MethodOf(kernel)}, [&](Band band) {
-    const long long first = band.first;
-    return kernel(Advance(srcDst, first * srcDstStep), srcDstStep, Advance(src, first * srcStep),
-                  srcStep, Advance(alpha, first * alphaStep), alphaStep, width, band.length);
+    return kernel(band.At(srcDst, srcDstStep), srcDstStep, band.At(src, srcStep), srcStep,
+                  band.At(alpha, alphaStep), alphaStep, width, band.length);
   });
 }

@@ -41,8 +41,7 @@ constexpr long long Area(IppiSize size) { return 1ll * size.width * size.height;
 IppStatus RunOnRows(ImageKernel* kernel, const Bands& bands, const unsigned char* src, int srcStep,
                     unsigned char* dst, int dstStep, IppiSize size) {
   return RunBands(bands, {Area(size), MethodOf(kernel)}, [&](Band band) {
-    return kernel(band.At(src, srcStep), srcStep,
-                  band.At(dst, dstStep), dstStep,
+    return kernel(band.At(src, srcStep), srcStep, band.At(dst, dstStep), dstStep,
                   {size.width, band.length});
   });
 }
@@ -59,8 +58,7 @@ IppStatus CqvAccLib::qvCopy(qvDataType type, const unsigned char* src, int srcSt
   // A single row cannot be cut into rows: a long one is cut into pieces of columns.
   const Bands pieces = PlanPieces(size.width, ThreadBudget);
   return RunBands(pieces, {Area(size), MethodOf(kernel)}, [&](Band band) {
-    return kernel(band.At(src, 1), srcStep, band.At(dst, 1), dstStep,
-                  {band.length, 1});
+    return kernel(band.At(src, 1), srcStep, band.At(dst, 1), dstStep, {band.length, 1});
   });
 }
 
@@ -93,16 +91,14 @@ IppStatus CqvAccLib::qvMirror(qvDataType type, const unsigned char* src, int src
     const int pixelBytes = type == OneChannel ? 1 : 3;
     const Bands strips = PlanBands(size.width, ThreadBudget);
     return RunBands(strips, {Area(size), MethodOf(kernel)}, [&](Band band) {
-      return kernel(band.At(src, pixelBytes), srcStep,
-                    band.At(dst, pixelBytes), dstStep, band.length,
-                    size.height, axis);
+      return kernel(band.At(src, pixelBytes), srcStep, band.At(dst, pixelBytes), dstStep,
+                    band.length, size.height, axis);
     });
   }
   const Bands bands = PlanBands(size.height, ThreadBudget);
   return RunBands(bands, {Area(size), MethodOf(kernel)}, [&](Band band) {
-    return kernel(band.At(src, srcStep), srcStep,
-                  band.At(dst, dstStep), dstStep, size.width, band.length,
-                  axis);
+    return kernel(band.At(src, srcStep), srcStep, band.At(dst, dstStep), dstStep, size.width,
+                  band.length, axis);
   });
 }
 
@@ -111,9 +107,8 @@ IppStatus CqvAccLib::qvLUTPalette(qvDataType, const unsigned char* src, int srcS
                                   const unsigned char* palette, int bitSize) {
   const Bands bands = PlanBands(size.height, ThreadBudget);
   return RunBands(bands, {Area(size), 0}, [&](Band band) {
-    return LookupPalette_8u_C1C3(band.At(src, srcStep), srcStep,
-                                 band.At(dst, dstStep), dstStep, size.width,
-                                 band.length, palette, bitSize);
+    return LookupPalette_8u_C1C3(band.At(src, srcStep), srcStep, band.At(dst, dstStep), dstStep,
+                                 size.width, band.length, palette, bitSize);
   });
 }
 
@@ -175,8 +170,8 @@ IppStatus CqvAccLib::qvYCbCr422ToYCrCb420(qvDataType, const unsigned char* src, 
   const Bands bands = PlanEvenBands(size.height, ThreadBudget);
   return RunBands(bands, {Area(size), 0}, [&](Band band) {
     const PlanesFrom planes(dst, dstStep, band.first);
-    return YCbCr422ToYCrCb420_8u_C2P3(band.At(src, srcStep), srcStep,
-                                      planes.array, dstStep, {size.width, band.length});
+    return YCbCr422ToYCrCb420_8u_C2P3(band.At(src, srcStep), srcStep, planes.array, dstStep,
+                                      {size.width, band.length});
   });
 }
 
@@ -185,8 +180,8 @@ IppStatus CqvAccLib::qvYCbCr420ToBGR(qvDataType, unsigned char** const src, int*
   const Bands bands = PlanEvenBands(size.height, ThreadBudget);
   return RunBands(bands, {Area(size), 0}, [&](Band band) {
     const PlanesFrom planes(src, srcStep, band.first);
-    return YCbCr420ToBGR_8u_P3C3(planes.array, srcStep, band.At(dst, dstStep),
-                                 dstStep, {size.width, band.length});
+    return YCbCr420ToBGR_8u_P3C3(planes.array, srcStep, band.At(dst, dstStep), dstStep,
+                                 {size.width, band.length});
   });
 }
 
@@ -276,11 +271,15 @@ IppStatus CqvAccLib::qvRotate(qvDataType type, const unsigned char* src, IppiSiz
 
 namespace {
 
-// The rows of a destination region that a band is. Pointers stay: the warp works in absolute
-// coordinates. A region may reach beyond the last row that an int can number; bands there are empty.
+// The bands of a destination region, as far as an int can number its rows: there are none past that.
+Bands PlanRegionBands(IppiRect roi) {
+  const int rows = roi.y > 0 ? INT32_MAX - roi.y + 1 : INT32_MAX;
+  return PlanBands(roi.height < rows ? roi.height : rows, ThreadBudget);
+}
+
+// The rows that a band is. Pointers stay: the warp works in absolute coordinates.
 IppiRect PartOf(IppiRect roi, Band band) {
-  const long long y = roi.y + band.first;
-  return {roi.x, y < INT32_MAX ? static_cast<int>(y) : INT32_MAX, roi.width, band.length};
+  return {roi.x, static_cast<int>(roi.y + band.first), roi.width, band.length};
 }
 
 }  // namespace
@@ -291,7 +290,7 @@ IppStatus CqvAccLib::qvWarpPerspective(qvDataType type, const unsigned char* src
                                        int interpolation) {
   if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
   const auto kernel = type == OneChannel ? WarpPerspective_8u_C1 : WarpPerspective_8u_C3;
-  const Bands bands = PlanBands(dstRoi.height, ThreadBudget);
+  const Bands bands = PlanRegionBands(dstRoi);
   const Work work = {1ll * dstRoi.width * dstRoi.height, MethodOf(kernel, interpolation)};
   return RunFloatBands(bands, work, [&](Band band) {
     return kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, PartOf(dstRoi, band), coeffs,
@@ -307,7 +306,7 @@ IppStatus CqvAccLib::qvWarpPerspectiveEx(qvDataType, const unsigned char* src, I
                                          int interpolation, const unsigned char* src2,
                                          int src2Step, unsigned char* dst2, int dst2Step,
                                          const double coeffs2[3][3]) {
-  const Bands bands = PlanBands(dstRoi.height, ThreadBudget);
+  const Bands bands = PlanRegionBands(dstRoi);
   const Work work = {1ll * dstRoi.width * dstRoi.height, static_cast<uintptr_t>(interpolation)};
   return RunFloatBands(bands, work, [&](Band band) {
     const IppiRect part = PartOf(dstRoi, band);
@@ -341,10 +340,8 @@ IppStatus CqvAccLib::qvAlphaCompC(qvDataType type, const unsigned char* src1, in
   const auto kernel = type == OneChannel ? AlphaCompC_8u_C1 : AlphaCompC_8u_C3;
   const Bands bands = PlanBands(size.height, ThreadBudget);
   return RunBands(bands, {Area(size), MethodOf(kernel, alphaType)}, [&](Band band) {
-    return kernel(band.At(src1, src1Step), src1Step, alpha1,
-                  band.At(src2, src2Step), src2Step, alpha2,
-                  band.At(dst, dstStep), dstStep, {size.width, band.length},
-                  alphaType);
+    return kernel(band.At(src1, src1Step), src1Step, alpha1, band.At(src2, src2Step), src2Step,
+                  alpha2, band.At(dst, dstStep), dstStep, {size.width, band.length}, alphaType);
   });
 }
 
@@ -354,9 +351,11 @@ IppStatus CqvAccLib::qvDeinterlace(qvDataType type, const unsigned char* src, in
   if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
   // Three-channel rows are filtered together with their padding.
   const int rowBytes = type == OneChannel ? size.width : srcStep;
-  const Bands strips = PlanBands(rowBytes, ThreadBudget);
+  // Rows that reach into the next one are overwritten there, which strips would do in any order.
+  const bool overlap = dstStep < rowBytes && -static_cast<long long>(dstStep) < rowBytes;
+  const Bands strips = PlanBands(rowBytes, overlap && ThreadBudget > 1 ? 1 : ThreadBudget);
   return RunBands(strips, {1ll * rowBytes * size.height, 0}, [&](Band band) {
-    return Deinterlace_8u(band.At(src, 1), srcStep, band.At(dst, 1),
-                          dstStep, band.length, size.height, centreWeight, mode);
+    return Deinterlace_8u(band.At(src, 1), srcStep, band.At(dst, 1), dstStep, band.length,
+                          size.height, centreWeight, mode);
   });
 }

@@ -6,7 +6,8 @@
 //     the next one's. Steps are in bytes; unless an operation says otherwise they are not checked,
 //     may be padded and may be negative. Any alignment will do.
 //   - Exactly the bytes that an operation names are written. Bytes between the end of a row and the
-//     next row are neither read nor written.
+//     next row are neither read nor written. Rows of a destination must not overlap each other
+//     unless an operation says what they then hold.
 //   - Large images are cut into bands that the threads of an OpenMP team work on; the result does
 //     not depend on the number of bands unless an operation says so. A call made from inside a
 //     parallel region stays on the calling thread.
@@ -48,7 +49,7 @@ struct IppiRect {
 enum IppStatus : int {
   StatusEmptyOutputErr = -201,    // a scaled destination extent rounds to nothing
   StatusQuadErr = -58,            // the quadrilateral is degenerate or not convex
-  StatusRectErr = -57,            // a region is too small, or has no pixel inside its image
+  StatusRectErr = -57,            // a region is too small, or (warps) has no pixel inside its image
   StatusCoeffErr = -56,           // the transform cannot be inverted
   StatusChannelErr = -53,         // a channel count other than 1, 3 or 4
   StatusAlphaTypeErr = -50,       // a composition code other than 0 to 11
@@ -58,15 +59,15 @@ enum IppStatus : int {
   StatusStepErr = -14,            // a row step below 1, where steps are checked
   StatusOutOfRangeErr = -11,      // a palette bit size below 1 or above 8
   StatusMemAllocErr = -9,         // work memory could not be obtained
-  StatusNullPtrErr = -8,          // a required pointer is null
+  StatusNullPtrErr = -8,          // a required pointer is null, or a band of qvResize lacks memory
   StatusSizeErr = -6,             // a width or height below 1
   StatusBadArgErr = -5,           // three corners of a quadrilateral lie on one line (internal)
   StatusQuadSignErr = -4,         // the corners of a quadrilateral turn both ways (internal)
   StatusDataTypeErr = -2,         // a data type that the operation does not handle
   StatusOk = 0,                   // success
-  StatusNothingToDoWarning = 1,   // a band of a resize has no pixel to write
+  StatusNothingToDoWarning = 1,   // the last band of a resize has no pixel to write
   StatusCpuUnknown = 20,          // start-up did not recognise the processor (internal)
-  StatusNoOverlapWarning = 29,    // source and destination regions do not meet; nothing written
+  StatusNoOverlapWarning = 29,    // a region is outside its image or misses the destination
   StatusOddSizeWarning = 35       // an odd last column or row was left unwritten
 };
 
@@ -273,9 +274,11 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // Positions are accumulated, in double precision: code 1 starts at 0.5 / F and adds 1 / F, the
   // others start at 0 and add the step.
   //
-  // Code 2 has the arithmetic p0 * (16384 - w) + p1 * w, w = trunc(fraction * 16384 + 1e-07): along
-  // x h = (sum + 128) >> 8, then along y out = (h0 * (16384 - w) + h1 * w + 524288) >> 20. The
-  // others round the exact value to nearest and limit it to 0 .. 255; each byte is within one unit
+  // Code 2 has the arithmetic p0 * (16384 - w) + p1 * w, p0 being the pixel at the whole part of
+  // the position and w = trunc(f * 16384 + 1e-07), f its fraction, in double precision and then
+  // rounded to single precision; on the region's last pixel p1 is that pixel and w = 16384. Along x
+  // h = (sum + 128) >> 8, then along y out = (h0 * (16384 - w) + h1 * w + 524288) >> 20. Codes 4, 8
+  // and 16 round the exact value to nearest and limit it to 0 .. 255; each byte is within one unit
   // of it, and on average within 0.26 (0.25 is a perfect rounding).
   //
   // Bands. With a budget of several threads, and more than 64 rows of both srcSize and dstRoiSize a
@@ -286,7 +289,7 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // and written is what the region becomes there: from trunc(srcRoi.x * xFactor + 0.4999999999) to
   // before trunc((srcRoi.x + W) * xFactor + 0.4999999999), rows likewise, as far as it lies in
   // dstRoiSize. So a region that does not start at 0 is displaced in dst by its origin times the
-  // factor. The number of bands makes no difference; whether there are several does.
+  // factor. The number of bands makes no difference to the bytes; whether there are several does.
   //
   // If dstRoiSize differs from srcSize by at most one pixel each way and srcRoi is the whole image,
   // code 1 is used whatever is asked for. If the source image is narrower or lower than 8 pixels,
@@ -297,9 +300,15 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // null; -6 if srcSize or srcRoi has a width or height below 1 or srcRoi an origin below 0; 29,
   // with nothing written, if srcRoi's origin is outside the image; -6 if dstRoiSize has a width or
   // height below 1; -23 if a factor is not above 0; -22 for any other interpolation; -201 if W *
-  // xFactor or H * yFactor, plus 1e-07, is below 0.5; -9 if work memory cannot be had. In bands -6
-  // for dstRoiSize comes before 29, -23 and -22 too; there is no -201; 1 if the projected region
-  // ends before dst starts, and -8 stands for lacking memory of a band.
+  // xFactor or H * yFactor, plus 1e-07, is below 0.5; -9 if work memory cannot be had. Nothing is
+  // written unless the status is 0.
+  //
+  // In bands -23 comes before 29, there is no -201, and the status is that of the last band, which
+  // has the lowest rows of dstRoiSize:
+  //   1         what the region becomes has no part in that band. All of it may have been written
+  //             by the others, and on another number of bands the same call may return 0.
+  //   -8 or -9  that band lacked memory. A band that does leaves its rows as they were; the others
+  //             write theirs, and if it is not the last one, no status tells.
   static IppStatus qvResize(qvDataType type, const unsigned char* src, IppiSize srcSize,
                             int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                             IppiSize dstRoiSize, double xFactor, double yFactor,
@@ -307,8 +316,8 @@ class QVACCELERATEDLIB_API CqvAccLib {
 
   // Scales a region of a packed 4:2:2 image: pairs of pixels of four bytes, Y0 Cb Y1 Cr. Arguments
   // are those of qvResize, sizes and coordinates in pixels; `type` is ignored. Interpolation is 1
-  // (nearest neighbour), 2 (linear) or 4 (cubic); larger values are done as 4. Runs on the calling
-  // thread.
+  // (nearest neighbour), 2 (linear) or 4 (cubic); every number above 4 is done as 4. Runs on the
+  // calling thread.
   //
   // Luma is resized on its grid of pixels, Cb and Cr each on the grid of pairs, with the positions
   // of qvResize outside bands and each byte within one unit of the exact value.
@@ -325,8 +334,8 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // srcRoi an origin below 0; 29, with nothing written, if srcRoi's origin is outside the image; -6
   // if dstRoiSize has a width or height below 1, if srcSize.width, srcRoi.width or srcRoi.x is odd,
   // or if dstRoiSize.width is below 2; -23 if a factor is not above 0; -22 for an interpolation of
-  // 0, 3 or below; -201 if W * xFactor + 1e-07 is below 1.5 or H * yFactor + 1e-07 below 0.5; -9 if
-  // work memory cannot be had.
+  // 3 or of less than 1; -201 if W * xFactor + 1e-07 is below 1.5 or H * yFactor + 1e-07 below 0.5;
+  // -9 if work memory cannot be had.
   static IppStatus qvResizeYUV422(qvDataType type, const unsigned char* src, IppiSize srcSize,
                                   int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                                   IppiSize dstRoiSize, double xFactor, double yFactor,
@@ -349,21 +358,24 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // d being the distance of the tap. Bit 31 of the interpolation is ignored. Positions are exact
   // to better than 2^-11 pixel, weights have 14 fractional bits, and the rounded and saturated
   // result is within one unit of the exact one. Source and destination must not overlap.
-  // Statuses of warps and of rotations that are not quarter turns, in this order: -2 for a type
-  // other than 2 and 4; -8 if src or dst is null; -6 if a width or height of srcSize, srcRoi or
-  // dstRoi is below 1 or an origin of a region is negative; -14 if a step is below 1; -22 for
-  // another interpolation; -56 if the transform's upper-left 2 x 2 block is singular (relative to
-  // its diagonal, to 1e-12), or carries the corner pixels of srcRoi onto a quadrilateral that is
-  // degenerate (a width or height of 1) or not convex; -57 if srcRoi has no pixel inside the image;
-  // 29 if that quadrilateral misses dstRoi. Nothing is written unless the status is 0.
+  // A region may reach beyond pixel 2147483647 of a row or column; nothing is there.
+  //
+  // Statuses, in this order: -2 for a type other than 2 and 4; -8 if src or dst is null; -6 if a
+  // width or height of srcSize, srcRoi or dstRoi is below 1 or an origin of a region is negative;
+  // -14 if a step is below 1; -22 for another interpolation. Then, of a warp: -56 if the matrix's
+  // upper-left 2 x 2 block is singular (relative to its diagonal, to 1e-12) or if it carries the
+  // corner pixels of srcRoi onto a quadrilateral that is degenerate, as that of a single row or
+  // column is, or not convex; -57 if srcRoi has no pixel inside the image. Of a rotation: -56 if
+  // its angle or a shift is infinite or not a number; 29 if srcRoi has no pixel inside the image.
+  // Of both: 29 if what becomes of srcRoi misses dstRoi. Nothing is written unless the status is 0
+  // (on several bands of a warp: see there).
 
   // Rotates about pixel (0, 0) by `angle` degrees, counter-clockwise as seen on the screen, and
   // shifts by (xShift, yShift) pixels. With a the angle in radians, source (x, y) goes to
   //   x' = cos a * x + sin a * y + xShift,   y' = -sin a * x + cos a * y + yShift
-  // Runs on the calling thread. Quarter turns (90, 180 or 270 degrees plus whole turns) with
-  // whole shifts move pixels without sampling; their statuses are: -2; -8; -6; -14; 29 if srcRoi
-  // starts outside of the image or the turned region misses dstRoi. They do not look at the
-  // interpolation. Other rotations: see above.
+  // Runs on the calling thread. Statuses: see above. Quarter turns (90, 180 or 270 degrees plus
+  // whole turns) with whole shifts, however large, move pixels without sampling: they do not look
+  // at the interpolation, and have neither -22 nor -56.
   static IppStatus qvRotate(qvDataType type, const unsigned char* src, IppiSize srcSize,
                             int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                             IppiRect dstRoi, double angle, double xShift, double yShift,
@@ -373,9 +385,9 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // qvGetPerspectiveTransform gives:
   //   x' = (c00 X + c01 Y + c02) / (c20 X + c21 Y + c22)
   //   y' = (c10 X + c11 Y + c12) / (c20 X + c21 Y + c22)
-  // Statuses: see above. On several bands the status is the last band's, so 29 may mean that only
-  // the last band was missed, and of a region with a negative y only the bands that begin there are
-  // refused.
+  // Statuses: see above. On several bands (dstRoi higher than 64 rows a band) the status is the
+  // last band's: 29 if that one was missed, whatever the others have written, and 0 if it was not.
+  // Of a dstRoi with a negative y only the bands that begin there are refused.
   static IppStatus qvWarpPerspective(qvDataType type, const unsigned char* src, IppiSize srcSize,
                                      int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                                      IppiRect dstRoi, const double coeffs[3][3],
@@ -385,8 +397,7 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // one-channel image of the same size and regions with its own steps and matrix, for instance a
   // mask. `type` is ignored.
   // Returns the status of the last warp made. On one band the second image is warped only if the
-  // first warp returned 0; on several bands (dstRoi higher than 64 rows a thread) it always is, and
-  // its status replaces the first one's.
+  // first warp returned 0; on several bands it always is, and its status replaces the first one's.
   static IppStatus qvWarpPerspectiveEx(qvDataType type, const unsigned char* src, IppiSize srcSize,
                                        int srcStep, IppiRect srcRoi, unsigned char* dst,
                                        int dstStep, IppiRect dstRoi, const double coeffs[3][3],
@@ -461,8 +472,9 @@ class QVACCELERATEDLIB_API CqvAccLib {
   //
   // dstAlpha may be fgAlpha or, at the same step, bgAlpha; otherwise the five planes must not
   // overlap. `type` is ignored.
-  // Returns 0. Nothing is checked: no pointer may be null. A height below 1 or a width below 0 does
-  // nothing.
+  // Returns 0. Nothing is checked: no pointer may be null. A height below 1 does nothing. With a
+  // width below 1 no alpha is merged, but with SSE2 the colours are, on rowBytes bytes a row (none
+  // if that is below 1) and with the alphas as they are.
   static IppStatus qvMergeAlphaOver(qvDataType type, unsigned char* fg, int fgStep,
                                     unsigned char* fgAlpha, int fgAlphaStep, unsigned char* bg,
                                     int bgStep, unsigned char* bgAlpha, int bgAlphaStep,
@@ -493,8 +505,10 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // Modes 4 and 16 begin one row before the pointers: they write row -1 of dst and read rows -2
   // and -1 of src, which must exist.
   // A row is size.width bytes for type 2. For type 4 it is the whole srcStep, whatever size.width
-  // says: bytes between the pixels and the next row are filtered too, also into dst. Source and
-  // destination must not overlap. Large frames are cut into columns, not bands.
+  // says: bytes between the pixels and the next row are filtered too, also into dst. Rows of dst
+  // may overlap, as those of a dstStep shorter than srcStep then do: they are written from row -1
+  // or 0 on, and a byte keeps what the last row that holds it writes. Source and destination must
+  // not overlap. Large frames are cut into columns, not bands, unless rows of dst overlap.
   // Returns -2 for any other type; -8 if src or dst is null; -6 if height is below 3 or a row has
   // fewer than 1 byte.
   static IppStatus qvDeinterlace(qvDataType type, const unsigned char* src, int srcStep,

@@ -2,11 +2,7 @@
 #ifndef QV_FLOATENVIRONMENT_H
 #define QV_FLOATENVIRONMENT_H
 
-#include "dispatch/Hidden.h"
-
-#if defined(__x86_64__)
-#include <xmmintrin.h>
-#endif
+#include "dispatch/FloatControl.h"
 
 namespace qv {
 
@@ -23,28 +19,19 @@ class FloatEnvironment {
 
 #if defined(__x86_64__)
 
-  FloatEnvironment() : control_(_mm_getcsr()) {
-    if ((control_ & ~kFlags) != kDefault) _mm_setcsr(kDefault);
-#if defined(_WIN64)
-    __asm__ volatile("fnstcw %0" : "=m"(x87Control_));
-    if (x87Control_ != kX87Default) __asm__ volatile("fldcw %0" : : "m"(kX87Default));
-#endif
-  }
+  FloatEnvironment() : control_(ResetMxcsr()) {}
   ~FloatEnvironment() {
-    _mm_setcsr(control_);
+    SetMxcsr(control_, ~0u);
 #if defined(_WIN64)
-    if (x87Control_ != kX87Default) __asm__ volatile("fldcw %0" : : "m"(x87Control_));
+    SetX87Control(x87Control_, 0xFFFF);
 #endif
   }
 
  private:
-  static constexpr unsigned kFlags = 0x3F, kDefault = 0x1F80;
-
   unsigned control_;
 #if defined(_WIN64)
   // The runtime library computes sines and cosines in x87 registers there.
-  static constexpr unsigned short kX87Default = 0x037F;
-  unsigned short x87Control_;
+  unsigned x87Control_ = SetX87Control(0x037F, 0xFFFF);
 #endif
 
 #else
@@ -63,7 +50,7 @@ class FloatEnvironment {
 
   // The x87 environment as FNSTENV writes it: control, status and tag word, last instruction.
   unsigned x87_[7];
-  unsigned control_ = 0x1F80;  // of the SSE registers, where there are any
+  unsigned control_ = kMxcsrDefault;  // of the SSE registers, where there are any
 
 #endif
 };

@@ -11,6 +11,8 @@ configure_file(version.rc.in version.rc @ONLY)
 target_sources(qvAcceleratedLib PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/version.rc)
 set_target_properties(qvAcceleratedLib PROPERTIES PREFIX "" QV_EXPORT_LIST ${exports})
 target_link_options(qvAcceleratedLib PRIVATE -static)
+# Half of a release's DLL would be symbols, which nothing on Windows reads.
+target_link_options(qvAcceleratedLib PRIVATE $<$<CONFIG:Release,MinSizeRel>:-s>)
 
 # The import library for Visual C++, from its names alone. Without LLVM's tool there is only MinGW's.
 find_program(QV_LLVM_DLLTOOL NAMES llvm-dlltool llvm-dlltool-14)
@@ -26,5 +28,5 @@ if(QV_LLVM_DLLTOOL)
     DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/visual.def
     VERBATIM)
   add_custom_target(qvVisualImports ALL DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/qvAcceleratedLib.lib)
-  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/qvAcceleratedLib.lib TYPE LIB COMPONENT library)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/qvAcceleratedLib.lib TYPE LIB COMPONENT development)
 endif()

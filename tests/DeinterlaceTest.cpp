@@ -46,7 +46,8 @@ TEST(Deinterlace, IsTheFormulaForAllSumsAndWeightsAtAllLevels) {
 }
 
 // Rows around the image must keep their bytes unless a mode names them; strips must not change
-// anything; the last bytes of a three-channel row are filtered up to the step.
+// anything; the last bytes of a three-channel row are filtered up to the step, and overwritten by
+// the next row if that begins earlier.
 TEST(Deinterlace, WritesTheRowsOfItsMode) {
   const int height = 9, lead = 3, srcStep = 500, rows = height + lead + 2;
   Bytes src(std::size_t{srcStep} * rows);
@@ -59,7 +60,8 @@ TEST(Deinterlace, WritesTheRowsOfItsMode) {
                      {0, 1, true, true},   {2, 1, true, true},    {17, 1, true, true},
                      {0xFFFFFFFFu, 1, true, true}};
   for (const auto& c : cases)
-    for (const auto& [type, dstStep] : {std::pair(2, 510), {4, 510}, {2, 512}, {4, 512}})
+    for (const auto& [type, dstStep] :
+         {std::pair(2, 510), {4, 510}, {2, 512}, {4, 512}, {2, 128}, {4, 448}})
       for (const int height_ : {3, height})
         for (const int budget : {1, 2, 3, 8})
           for (const Level& level : AvailableLevels()) {
@@ -67,7 +69,7 @@ TEST(Deinterlace, WritesTheRowsOfItsMode) {
             const UseLevel use(level);
             const int width = type == 2 ? 333 : 111;
             const int rowBytes = type == 2 ? width : srcStep;
-            Bytes dst(static_cast<std::size_t>(dstStep) * rows, 7), expected = dst;
+            Bytes dst(static_cast<std::size_t>(dstStep) * rows + srcStep, 7), expected = dst;
             for (int y = -1; y < height_; ++y)
               for (int x = 0; x < rowBytes; ++x) {
                 const auto at = [&](int row) { return src[(row + lead) * srcStep + x]; };

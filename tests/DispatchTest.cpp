@@ -6,6 +6,7 @@
 #include <map>
 
 #include "dispatch/DispatchTable.h"
+#include "dispatch/FloatControl.h"
 #include "dispatch/ProcessorInfo.h"
 #include "dispatch/VariantIndex.h"
 
@@ -120,12 +121,13 @@ class Dispatch : public testing::Test {
  protected:
   ~Dispatch() override {
     VariantIndex = variant_;
+    HasSse = hasSse_;
     WideLevel = wide_;
     CarrylessLevel = carryless_;
   }
 
  private:
-  const int variant_ = VariantIndex;
+  const int variant_ = VariantIndex, hasSse_ = HasSse;
   const int wide_ = WideLevel;
   const int carryless_ = CarrylessLevel;
 };
@@ -139,6 +141,7 @@ TEST_F(Dispatch, ClassifiesProcessors) {
     const IppStatus expected = p.intel && leaves.hasCpuid ? StatusOk : StatusCpuUnknown;
     EXPECT_EQ(SelectProcessorVariant(leaves), expected);
     EXPECT_EQ(VariantIndex, p.variant);
+    EXPECT_EQ(HasSse, (p.features & (SSE | NoCpuid)) == SSE);
   }
 }
 
@@ -295,6 +298,28 @@ TEST_F(Dispatch, ReadsThisProcessor) {
   EXPECT_EQ(CarrylessLevelOf(leaves), !__builtin_cpu_supports("pclmul")                ? 0
                                       : avx512 && __builtin_cpu_supports("vpclmulqdq") ? 2
                                                                                        : 1);
+}
+
+TEST(FloatControl, SetsWhatItsMaskNames) {
+  const unsigned control = SetX87Control(0x0C00, 0x0C00);
+  EXPECT_EQ(SetX87Control(0, 0), control | 0x0C00);
+  EXPECT_EQ(SetX87Control(control, 0xFFFF), control | 0x0C00);
+  EXPECT_EQ(SetX87Control(0, 0), control);
+  ReadX87Status(true);
+  volatile long double quotient = 1;
+  quotient = quotient / 3;  // inexact
+  EXPECT_EQ(ReadX87Status(false) & 0x3F, 0x20u);
+  EXPECT_EQ(ReadX87Status(true) & 0x3F, 0x20u);
+  EXPECT_EQ(ReadX87Status(false) & 0x3F, 0u);
+
+  const unsigned csr = SetMxcsr(0x8000, 0x8040);
+  EXPECT_EQ(SetMxcsr(0x6000, 0x6000), (csr & ~0x40u) | 0x8000);
+  EXPECT_EQ(ResetMxcsr(), (csr & ~0x40u) | 0xE000);
+  EXPECT_EQ(SetMxcsr(csr, ~0u), 0x1F80u);
+  EXPECT_EQ(SetMxcsr(0, 0), csr);
+
+  const uint64_t ticks = ReadTimeStamp();
+  EXPECT_GT(ReadTimeStamp(), ticks);
 }
 
 }  // namespace

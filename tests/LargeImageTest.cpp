@@ -84,6 +84,49 @@ TEST(LargeImages, SeventyThousandPixelsASide) {
       }
 }
 
+// Shifted by one, the last pixel of the largest image lands on the last one that an int can number;
+// the destination's region reaches beyond it. Along x, then along y.
+TEST(LargeImages, WarpsReachTheLargestInt) {
+  constexpr int kFirst = INT_MAX - 299;
+  const GuardedMemory from(std::size_t{13} << 30), to(std::size_t{13} << 30);
+  for (const bool along : {true, false})
+    for (const int pixel : {1, 3}) {
+      const int step = along ? INT_MAX : 2 * pixel, rows = along ? 2 : 1;
+      const std::size_t bytes = std::size_t{300} * (along ? pixel : step);
+      const std::ptrdiff_t last = std::ptrdiff_t{kFirst} * (along ? pixel : step);
+      for (int y = 0; y < rows; ++y)
+        Random(7 + y).Fill(from.begin() + last - bytes / 300 + std::ptrdiff_t{y} * step, bytes);
+      const IppiRect source = along ? IppiRect{0, 0, INT_MAX, 2} : IppiRect{0, 0, 2, INT_MAX};
+      const IppiRect target = along ? IppiRect{kFirst, 0, 400, 2} : IppiRect{0, kFirst, 2, 400};
+      const double dx = along, dy = !along, shift[3][3] = {{1, 0, dx}, {0, 1, dy}, {0, 0, 1}};
+      for (const Level& level : AvailableLevels())
+        for (const int budget : {1, 2})
+          for (const int method : {1, 2, 4})
+            for (const bool rotates : {false, true}) {
+              const UseLevel use(level);
+              const UseBudget useBudget(budget);
+              SCOPED_TRACE(testing::Message() << level.name << ", method " << method
+                                              << ", along x " << along << ", rotates " << rotates);
+              Bytes expected(bytes + 600, 77);
+              for (int y = 0; y < rows; ++y)
+                std::memset(to.begin() + last + std::ptrdiff_t{y} * step, 77, expected.size());
+              const auto call = [&](auto operation, auto... transform) {
+                return operation(Type(pixel == 1 ? 2 : 4), from.begin(),
+                                 {source.width, source.height}, step, source, to.begin(), step,
+                                 target, transform..., method);
+              };
+              ASSERT_EQ(rotates ? call(Lib::qvRotate, 0, dx, dy)
+                                : call(Lib::qvWarpPerspective, shift),
+                        StatusOk);
+              for (int y = 0; y < rows; ++y) {
+                const std::ptrdiff_t row = last + std::ptrdiff_t{y} * step;
+                std::memcpy(expected.data(), from.begin() + row - bytes / 300, bytes);
+                ASSERT_EQ(std::memcmp(to.begin() + row, expected.data(), expected.size()), 0);
+              }
+            }
+    }
+}
+
 TEST(LargeImages, ChecksumsOfTheLongestMessage) {
   const GuardedMemory memory(std::size_t{2} << 30);
   unsigned char* const data = memory.begin();

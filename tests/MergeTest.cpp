@@ -168,19 +168,27 @@ TEST(MergeAlphaOver, MergesAllAlphaRowsBeforeTheColours) {
 TEST(MergeAlphaOver, ConvertsRowBytesOfColourWhateverTheWidth) {
   const UsePath path(true);
   const Planes before(8);
-  Planes whole = before;
-  whole.Merge(&Planes::dstAlpha);
-  for (const int rowBytes : {-3, 0, 1, 2, 4, 47, 49, 190, 767}) {
-    Planes expected = whole;
-    for (std::size_t k = 0; k < expected.fg.size(); ++k)
-      if (static_cast<int>(k % 768) >= rowBytes) expected.fg[k] = before.fg[k];
-    for (const Level& level : AvailableLevels()) {
-      const UseLevel use(level);
-      Planes p = before;
-      ASSERT_EQ(p.Merge(&Planes::dstAlpha, rowBytes), StatusOk);
-      ASSERT_TRUE(p == expected) << rowBytes << ' ' << level.name;
+  for (const int width : {256, 100, 0, -5})
+    for (const int rowBytes : {-3, 0, 1, 2, 4, 47, 49, 190, 767}) {
+      Planes expected = before;
+      expected.MergeByFormula(&Planes::dstAlpha, true);
+      for (std::size_t k = 0; k < expected.fg.size(); ++k) {
+        const std::size_t i = k / 3;
+        if (static_cast<int>(i % 256) >= width) {
+          expected.dstAlpha[i] = before.dstAlpha[i];
+          expected.fg[k] = static_cast<unsigned char>(
+              FloatColour(before.fg[k], before.fgAlpha[i], before.bg[k], before.bgAlpha[i],
+                          before.dstAlpha[i]));
+        }
+        if (static_cast<int>(k % 768) >= rowBytes) expected.fg[k] = before.fg[k];
+      }
+      for (const Level& level : AvailableLevels()) {
+        const UseLevel use(level);
+        Planes p = before;
+        ASSERT_EQ(p.Merge(&Planes::dstAlpha, rowBytes, width), StatusOk);
+        ASSERT_TRUE(p == expected) << width << ' ' << rowBytes << ' ' << level.name;
+      }
     }
-  }
 }
 
 // All alphas beside all bytes of a first channel; further channels are other bytes.
@@ -215,7 +223,8 @@ TEST(MergeAlphas, DoNothingForNegativeSizesAndRefuseOtherTypes) {
     AtLevelsAndBudgets([&] {
       const UsePath path(accelerated);
       for (const auto& [width, height] : {std::pair(256, 0), {256, -5}, {-5, 256}})
-        EXPECT_EQ(p.Merge(&Planes::dstAlpha, 768, width, height), StatusOk);
+        EXPECT_EQ(p.Merge(&Planes::dstAlpha, width < 0 && accelerated ? 0 : 768, width, height),
+                  StatusOk);
     });
   const std::function plus = [&p](int type, int width, int height) {
     return Lib::qvMergeAlphaPlus(Type(type), p.fg.data(), 768, p.bg.data(), 768, p.fgAlpha.data(),

@@ -54,19 +54,39 @@ check_linux() {
   quietly "$work/linux-subdirectory/consumer"
   echo 'Linux, add_subdirectory: works'
 
+  # Nothing is installed from a tree in which not all is built; what is missing is named.
+  quietly cmake -S "$root" -B "$work/empty" -G Ninja -DQV_BUILD_TESTS=OFF
+  if cmake --install "$work/empty" --prefix "$work/nowhere" >"$work/log" 2>&1; then
+    fail 'what is not built is installed'
+  fi
+  grep -q 'cmake --build' "$work/log" || fail 'installing does not say what to build'
+  [ ! -e "$work/nowhere" ] || fail 'a part of what is not built is installed'
+
   local architecture package
   architecture=$(dpkg --print-architecture)
-  for package in libqvacceleratedlib-dev qvtool; do
-    quietly dpkg-deb --extract "$folder/${package}_${version}_$architecture.deb" "$work/debian"
+  file() { echo "$folder/$1_${version}_$architecture.deb"; }
+  # A host's package brings the library alone, and nothing that another version would bring too.
+  local runtime=libqvacceleratedlib${version%%.*}
+  for package in "$runtime" libqvacceleratedlib-dev qvtool; do
+    quietly dpkg-deb --extract "$(file "$package")" "$work/debian"
   done
+  quietly dpkg-deb --extract "$(file "$runtime")" "$work/runtime"
+  local brought
+  brought=$(cd "$work/runtime/usr" && find . ! -type d | LC_ALL=C sort | paste -sd' ')
+  local so=./lib/libqvAcceleratedLib.so
+  [ "$brought" = "$so.${version%%.*} $so.$version ./share/doc/$runtime/copyright" ] ||
+    fail "$runtime brings $brought"
   configure linux-debian "$consumers/package" -DCMAKE_PREFIX_PATH="$work/debian/usr"
   quietly "$work/linux-debian/consumer"
   quietly "$work/debian/usr/bin/qvtool" info
-  # The library needs the runtimes of C, C++ and OpenMP, and nothing else.
+  # The library needs the runtimes of C, C++ and OpenMP, and nothing else; the others need the library.
+  depends() { dpkg-deb --field "$(file "$1")" Depends | tr ',' '\n' | sed 's/^ *//'; }
   local needed
-  needed=$(dpkg-deb --field "$folder/libqvacceleratedlib-dev_${version}_$architecture.deb" Depends |
-    tr ',' '\n' | sed 's/^ *//; s/ .*//' | grep -vxE 'libc6|libgomp1|libgcc-s1|libstdc\+\+6') || true
+  needed=$(depends "$runtime" | sed 's/ .*//' | grep -vxE 'libc6|libgomp1|libgcc-s1|libstdc\+\+6') || true
   [ -z "$needed" ] || fail "the library's package depends on $needed"
+  for package in libqvacceleratedlib-dev qvtool; do
+    depends "$package" | grep -qx "$runtime (= $version)" || fail "$package does not need $runtime"
+  done
   echo 'Linux, Debian packages: work'
 }
 
@@ -79,6 +99,11 @@ check_windows() {
     include/qvAcceleratedLib/CqvAccLib.h README.md LICENSE
   "$root/tests/check_dll.sh" "${compiler%-g++*}-objdump" "$prefix/bin/qvAcceleratedLib.dll" \
     "$root/qvAcceleratedLib/exports/windows$bits.def" >/dev/null
+
+  # Installed from the build, the DLL is as bare as in the package.
+  quietly cmake --install "$root/build/windows$bits" --prefix "$work/installed$bits"
+  "${compiler%-g++*}-objdump" -t "$work/installed$bits/bin/qvAcceleratedLib.dll" | grep -q '^no symbols$' ||
+    fail 'the installed DLL has symbols'
 
   configure "windows$bits" "$consumers/package" \
     -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/windows$bits.cmake" \

@@ -142,7 +142,6 @@ IppStatus MergeAlphaOverPlain_8u(Byte* fg, int fgStep, const Byte* fgAlpha, int 
 IppStatus MergeAlphaOver_8u(Byte* fg, int fgStep, const Byte* fgAlpha, int fgAlphaStep,
                             const Byte* bg, int bgStep, const Byte* bgAlpha, int bgAlphaStep,
                             Byte* dstAlpha, int rowBytes, int width, int height) {
-  if (width < 0) return StatusOk;
   const RoundToNearest rounding;
   MergeRows(fg, fgStep, fgAlpha, fgAlphaStep, bg, bgStep, bgAlpha, bgAlphaStep, dstAlpha, rowBytes,
             width, height);

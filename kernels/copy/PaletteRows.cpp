@@ -109,7 +109,7 @@ IppStatus LookupPalette_8u_C1C3(const Byte* src, int srcStep, Byte* dst, int dst
 #if QV_HAS_VECTORS
   using Palette = PreparedPalette<kHasBytePermute>;
   constexpr ptrdiff_t kFewPixels = 512;  // below, preparing 256 entries costs more than it saves
-  if (static_cast<ptrdiff_t>(width) * height >= kFewPixels) {
+  if (static_cast<long long>(width) * height >= kFewPixels) {
     const Palette prepared(palette, mask);
     for (int y = 0; y < height; ++y)
       prepared.Row(RowAt(src, srcStep, y), RowAt(dst, dstStep, y), width);

@@ -8,7 +8,8 @@
 namespace qv {
 
 // Vertical three-tap filter over rows of bytes; the formula and the rows that each mode writes are
-// those of CqvAccLib::qvDeinterlace.
+// those of CqvAccLib::qvDeinterlace. Rows are written from the first to the last one: where
+// those of the destination overlap, a byte keeps what the last row that holds it writes.
 // Checks, in this order: StatusNullPtrErr for a null pointer, StatusSizeErr for a height below 3 or
 // a width below 1.
 IppStatus Deinterlace_8u(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,

@@ -126,8 +126,11 @@ constexpr RowFunction* RowsOf(int centreWeight) {
                                                  : FilterRows<kRows, false>;
 }
 
-// Four rows at a time only where all their stores can be aligned.
-constexpr bool InFours(int dstStep) { return dstStep % kVecBytes == 0; }
+// Four rows at a time only where all their stores can be aligned, and where a row does not reach
+// into the next one: blocks of columns would leave the wrong one of the two on top.
+constexpr bool InFours(int dstStep, int widthBytes) {
+  return dstStep % kVecBytes == 0 && (dstStep >= widthBytes || dstStep <= -widthBytes);
+}
 
 #else
 
@@ -136,7 +139,7 @@ constexpr RowFunction* RowsOf(int) {
   return FilterRowsPlain<kRows>;
 }
 
-constexpr bool InFours(int) { return false; }
+constexpr bool InFours(int, int) { return false; }
 
 #endif
 
@@ -169,8 +172,9 @@ IppStatus Deinterlace_8u(const Byte* src, int srcStep, Byte* dst, int dstStep, i
     memcpy(RowAt(dst, dstStep, y), RowAt(src, srcStep, y), static_cast<size_t>(widthBytes));
   };
   if (plan.copiesFirst) copy(0);
+  const bool inFours = InFours(dstStep, widthBytes);
   for (int y = plan.firstFiltered; y <= height - 2;) {
-    const bool four = InFours(dstStep) && y <= height - 5;
+    const bool four = inFours && y <= height - 5;
     (four ? RowsOf<4>(weight) : RowsOf<1>(weight))(RowAt(src, srcStep, y - 1), srcStep,
                                                    RowAt(dst, dstStep, y), dstStep, widthBytes,
                                                    weight, sideWeight);

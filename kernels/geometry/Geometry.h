@@ -9,9 +9,11 @@
 //   StatusInterpolationErr   an interpolation, bit 31 aside, other than 1, 2, 4
 //   StatusNullPtrErr         a null plane of a planar layout
 //   StatusCoeffErr           an upper-left 2 x 2 block that is singular or nearly so; then a source
-//                            region whose corners come out degenerate or not convex
-//   StatusRectErr            a source region with no pixel inside the source image
-//   StatusNoOverlapWarning   a mapped region that misses the destination region; nothing written
+//                            region whose corners come out degenerate or not convex (perspective),
+//                            or a shift that is infinite or not a number (affine)
+//   StatusRectErr            a source region with no pixel inside the source image (perspective)
+//   StatusNoOverlapWarning   the same (affine); a mapped region that misses the destination region;
+//                            nothing written
 #ifndef QV_KERNELS_GEOMETRY_GEOMETRY_H
 #define QV_KERNELS_GEOMETRY_GEOMETRY_H
 

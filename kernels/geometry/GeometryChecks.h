@@ -51,6 +51,15 @@ inline IppiRect ClipToImage(IppiRect roi, IppiSize size) {
           roi.height < height ? roi.height : height};
 }
 
+// The pixels of a region that an int can number: it may reach farther, and no pixel is there.
+inline Corners NumberedCorners(IppiRect roi) {
+  constexpr double kLast = 0x7FFFFFFF;
+  Corners corners = CornersOf(roi);
+  if (corners.x1 > kLast) corners.x1 = kLast;
+  if (corners.y1 > kLast) corners.y1 = kLast;
+  return corners;
+}
+
 }  // namespace qv
 
 #endif

@@ -63,8 +63,8 @@ IppStatus TurnQuarters(const void* src, IppiSize srcSize, int srcStep, IppiRect 
     box = {dx - sx1, dy - sy1, dx - sx0, dy - sy0};
   else
     box = {dx - sy1, sx0 + dy, dx - sy0, sx1 + dy};
-  const long long x1 = static_cast<long long>(dstRoi.x) + dstRoi.width - 1;
-  const long long y1 = static_cast<long long>(dstRoi.y) + dstRoi.height - 1;
+  const auto x1 = static_cast<long long>(NumberedCorners(dstRoi).x1);
+  const auto y1 = static_cast<long long>(NumberedCorners(dstRoi).y1);
   if (box.x0 < dstRoi.x) box.x0 = dstRoi.x;
   if (box.y0 < dstRoi.y) box.y0 = dstRoi.y;
   if (box.x1 > x1) box.x1 = x1;

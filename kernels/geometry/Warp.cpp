@@ -21,7 +21,8 @@ bool IsConditioned(const double c[3][3]) {
 }
 
 // Whether a convex quadrilateral and a rectangle have no point in common: two convex figures are
-// apart if and only if one of their edges has the other figure wholly on its outer side.
+// apart if and only if one of their edges has the other figure wholly on its outer side. Of a
+// quadrilateral that is but a line, two opposite edges are its two sides.
 bool AreApart(const double quad[4][2], const Corners& rect) {
   double bound[2][2];
   BoundingBoxOfQuad(quad, bound);
@@ -49,8 +50,9 @@ bool WarpTiles(const WarpPlan& plan, const GeometryImages& images, const Corners
   const auto kernel = images.channels == 3 ? WarpRow_8u_C3 : WarpRow_8u_C1;
   bool any = false;
   const Span rows = plan.Rows();
-  // Counted down to the last row, which may be the largest int there is.
-  for (int y0 = rows.first; y0 <= rows.last; y0 += kTileRows) {
+  // The last row and the last column may be the largest int there is: steps are wider.
+  for (long long top = rows.first; top <= rows.last; top += kTileRows) {
+    const int y0 = static_cast<int>(top);
     const int height = rows.last - y0 < kTileRows ? rows.last - y0 + 1 : kTileRows;
     Span spans[kTileRows];
     Span all = {0x7FFFFFFF, -1};
@@ -61,7 +63,8 @@ bool WarpTiles(const WarpPlan& plan, const GeometryImages& images, const Corners
       if (spans[i].last > all.last) all.last = spans[i].last;
       any = true;
     }
-    for (int x0 = all.first & -kTileColumns; x0 <= all.last; x0 += kTileColumns)
+    for (long long left = all.first & -kTileColumns; left <= all.last; left += kTileColumns) {
+      const int x0 = static_cast<int>(left);
       for (int i = 0; i < height; ++i) {
         const int first = spans[i].first < x0 ? x0 : spans[i].first;
         const int last =
@@ -76,15 +79,23 @@ bool WarpTiles(const WarpPlan& plan, const GeometryImages& images, const Corners
                  images.dst[k] + static_cast<ptrdiff_t>(y0 + i) * dstStep);
         }
       }
+    }
   }
   return any;
 }
 
-}  // namespace
+// An affine map folds no region, not even a single row or column of pixels: its outline is not
+// checked, only that it is made of numbers.
+IppStatus CheckTransform(const double coeffs[3][3], const double quad[4][2], bool isAffine) {
+  if (!IsConditioned(coeffs)) return StatusCoeffErr;
+  if (!isAffine) return CheckQuadrangle(quad) < 0 ? StatusCoeffErr : StatusOk;
+  const bool isFinite = coeffs[0][2] - coeffs[0][2] == 0 && coeffs[1][2] - coeffs[1][2] == 0;
+  return isFinite ? StatusOk : StatusCoeffErr;
+}
 
-IppStatus WarpPerspectiveCore(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
-                              void* dst, int dstStep, IppiRect dstRoi, int layout,
-                              const double coeffs[3][3], int interpolation) {
+IppStatus Warp(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi, void* dst,
+               int dstStep, IppiRect dstRoi, int layout, const double coeffs[3][3],
+               int interpolation, bool isAffine) {
   const IppStatus status = CheckRegions(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi);
   if (status != StatusOk) return status;
   const int method = interpolation & 0x7FFFFFFF;
@@ -92,19 +103,27 @@ IppStatus WarpPerspectiveCore(const void* src, IppiSize srcSize, int srcStep, Ip
     return StatusInterpolationErr;
   GeometryImages images;
   if (FindImages(src, dst, layout, images) != StatusOk) return StatusNullPtrErr;
-  if (!IsConditioned(coeffs)) return StatusCoeffErr;
   double quad[4][2];
   ProjectRectCorners(coeffs, CornersOf(srcRoi), quad);
-  if (CheckQuadrangle(quad) < 0) return StatusCoeffErr;
+  if (CheckTransform(coeffs, quad, isAffine) != StatusOk) return StatusCoeffErr;
   const IppiRect part = ClipToImage(srcRoi, srcSize);
-  if (part.width < 1 || part.height < 1) return StatusRectErr;
+  if (part.width < 1 || part.height < 1) return isAffine ? StatusNoOverlapWarning : StatusRectErr;
 
   const WarpSource source = {nullptr, srcStep, part.width, part.height,
                              static_cast<WarpMethod>(method)};
-  const Corners sampled = CornersOf(part), destination = CornersOf(dstRoi);
+  const Corners sampled = CornersOf(part), destination = NumberedCorners(dstRoi);
   const WarpPlan plan(coeffs, sampled, destination, source.method);
   if (WarpTiles(plan, images, sampled, source, srcStep, dstStep)) return StatusOk;
   return AreApart(quad, destination) ? StatusNoOverlapWarning : StatusOk;
+}
+
+}  // namespace
+
+IppStatus WarpPerspectiveCore(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
+                              void* dst, int dstStep, IppiRect dstRoi, int layout,
+                              const double coeffs[3][3], int interpolation) {
+  return Warp(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, layout, coeffs, interpolation,
+              false);
 }
 
 IppStatus WarpAffineCore(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi, void* dst,
@@ -113,8 +132,8 @@ IppStatus WarpAffineCore(const void* src, IppiSize srcSize, int srcStep, IppiRec
   const double projective[3][3] = {{coeffs[0][0], coeffs[0][1], coeffs[0][2]},
                                    {coeffs[1][0], coeffs[1][1], coeffs[1][2]},
                                    {0, 0, 1}};
-  return WarpPerspectiveCore(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, layout,
-                             projective, interpolation);
+  return Warp(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, layout, projective,
+              interpolation, true);
 }
 
 IppStatus WarpPerspective_8u_C1(const unsigned char* src, IppiSize srcSize, int srcStep,

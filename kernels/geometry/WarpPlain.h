@@ -108,10 +108,15 @@ QV_INLINE void SamplePixel(const WarpSource& s, long long px, long long py, Byte
 template <int kChannels>
 QV_INLINE void WarpRowPlain(const WarpSource& s, const WarpSegment* segments, int count, int first,
                             int last, Byte* dst) {
-  for (const WarpSegment* g = segments; g != segments + count; ++g)
-    for (int x = g->first < first ? first : g->first; x - g->first < g->count && x <= last; ++x)
+  for (const WarpSegment* g = segments; g != segments + count; ++g) {
+    // Columns counted from the segment's first: the last one may be the largest int there is.
+    const int end = last - g->first < g->count ? last - g->first : g->count - 1;
+    for (int i = g->first < first ? first - g->first : 0; i <= end; ++i) {
+      const int x = g->first + i;
       SamplePixel<kChannels>(s, PositionAt(*g, 0, x), PositionAt(*g, 1, x),
                              dst + static_cast<ptrdiff_t>(x) * kChannels);
+    }
+  }
 }
 
 }  // namespace qv::QV_LEVEL

@@ -75,10 +75,6 @@ WarpPlan::WarpPlan(const double coeffs[3][3], const Corners& source, const Corne
     const double w = m_[2][2];
     for (int i = 0; i < 9; ++i) m_[i / 3][i % 3] /= w;
   }
-  // No row of an int step holds columns beyond this, and aligned blocks end below INT_MAX.
-  constexpr double kLast = 0x7FFFFFFF - kWarpBlock;
-  destination_.x1 = Clamp(destination_.x1, -1, kLast);
-  destination_.y1 = Clamp(destination_.y1, -1, kLast);
   FindRows(coeffs);
 }
 
@@ -141,8 +137,10 @@ Span WarpPlan::Columns(int y) const {
   const int from = static_cast<int>(Clamp(low - 1, begin, end));
   const int to = static_cast<int>(Clamp(high + 2, begin, end));
   Span span = {from, to};
-  while (span.first <= to && !Contains(row, span.first)) ++span.first;
-  if (span.first > to) return none;
+  while (!Contains(row, span.first)) {
+    if (span.first == to) return none;
+    ++span.first;
+  }
   while (span.first > begin && Contains(row, span.first - 1)) --span.first;
   while (!Contains(row, span.last)) --span.last;
   while (span.last < end && Contains(row, span.last + 1)) ++span.last;
@@ -152,8 +150,8 @@ Span WarpPlan::Columns(int y) const {
 int WarpPlan::Segments(int y, int first, int last, WarpSegment* segments) const {
   const Row row = RowAt(y);
   int count = 0;
-  for (int begin = first & -kWarpBlock; begin <= last; begin += kWarpBlock) {
-    segments[count].first = begin;
+  for (long long begin = first & -kWarpBlock; begin <= last; begin += kWarpBlock) {
+    segments[count].first = static_cast<int>(begin);
     segments[count].count = kWarpBlock;
     count += Fit(row, segments[count]) ? 1 : Halve(row, {first, last}, segments + count);
   }

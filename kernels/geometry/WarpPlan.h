@@ -19,16 +19,18 @@ struct Span {
 // m the inverse of the matrix, lies inside the rectangle of the source's corner pixels, or outside
 // by no more than kTolerance, and W has the sign that it has there.
 //
-// That sign is one and the same: a matrix that carries the rectangle onto a convex quadrilateral
-// has a forward denominator of one sign at all its corners (the turn at a corner of the image has
-// the sign of the determinant times those of three denominators), hence inside, and W is its
-// inverse up to the determinant. With W made positive, "inside" is five linear inequalities in x
-// and y, so the area is convex and each of its rows is one span.
+// That sign is one and the same: an affine matrix has a W of 1, and any other that carries the
+// rectangle onto a convex quadrilateral has a forward denominator of one sign at all its corners
+// (the turn at a corner of the image has the sign of the determinant times those of three
+// denominators), hence inside, and W is its inverse up to the determinant. With W made positive,
+// "inside" is five linear inequalities in x and y, so the area is convex and each of its rows is
+// one span.
 class WarpPlan {
  public:
   static constexpr double kTolerance = 1e-6;
 
-  // Coefficients as qvWarpPerspective takes them; already checked.
+  // Coefficients as qvWarpPerspective takes them; already checked. The destination's corners are
+  // ints.
   WarpPlan(const double coeffs[3][3], const Corners& source, const Corners& destination,
            WarpMethod method);
 

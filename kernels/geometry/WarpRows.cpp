@@ -269,7 +269,8 @@ void WarpRowVectors(const WarpSource& s, const WarpSegment* segments, int count,
     Byte* const out = dst + static_cast<ptrdiff_t>(start + begin) * kChannels;
     if (isShort) {
       for (;; ++g) {
-        for (int i = 0, column = g->first; i < g->count; ++i, ++column) {
+        for (int i = 0; i < g->count; ++i) {
+          const int column = g->first + i;
           x[column - start] = static_cast<int>(PositionAt(*g, 0, column));
           y[column - start] = static_cast<int>(PositionAt(*g, 1, column));
         }

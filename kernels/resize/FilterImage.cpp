@@ -59,9 +59,13 @@ IppStatus RunSpans(const FilterTask& task, const AreaColumns& x, const AxisSpans
              AreaRows422_8u_C2);
 }
 
-// True if every interval is two whole samples inside the region.
-bool HalvesExactly(const AxisArea& area) {
-  return area.inverse == 2 && area.count <= area.sourceLength / 2;
+// The sample that the first interval begins with if all of them are two whole samples inside the
+// region, else -1.
+int FirstOfHalves(const AxisArea& area) {
+  const double start = area.first * area.inverse - area.origin;
+  const double end = start + 2.0 * area.count;
+  const bool fits = area.inverse == 2 && start >= 0 && end <= area.sourceLength;
+  return fits && start == static_cast<int>(start) ? static_cast<int>(start) : -1;
 }
 
 AxisTaps PlanTaps(const AxisPositions& positions, int interpolation) {
@@ -88,9 +92,13 @@ IppStatus FilterImage(const FilterTask& task, int interpolation, const AxisPosit
 IppStatus AverageImage(const FilterTask& task, const AxisArea& x, const AxisArea& chroma,
                        const AxisArea& y) {
   const bool pairs = task.layout == RowLayout::kPairs422;
-  if (!pairs && HalvesExactly(x) && HalvesExactly(y)) {
-    const auto halve = task.layout == RowLayout::kGray ? HalveRows_8u_C1 : HalveRows_8u_C3;
-    return halve(task.src, task.srcStep, task.dst, task.dstStep, {x.count, y.count});
+  const int firstX = FirstOfHalves(x), firstY = FirstOfHalves(y);
+  if (!pairs && firstX >= 0 && firstY >= 0) {
+    const bool gray = task.layout == RowLayout::kGray;
+    return (gray ? HalveRows_8u_C1 : HalveRows_8u_C3)(
+        task.src + static_cast<ptrdiff_t>(firstY) * task.srcStep +
+            static_cast<ptrdiff_t>(firstX) * (gray ? 1 : 3),
+        task.srcStep, task.dst, task.dstStep, {x.count, y.count});
   }
   const AxisArea none = {};
   const AxisArea* const areas[3] = {&x, pairs ? &chroma : &none, &y};

@@ -19,6 +19,9 @@ QV_INLINE Sides SidesOf(const LinearTaps& x, ptrdiff_t j, int stride, int offset
   return {left, left + x.neighbour * stride, x.weight[j]};
 }
 
+// A fourth byte of pixels that is interpolated with the others, but not stored.
+QV_INLINE bool DropsFourth(const LinearTables& t) { return t.channels == 3 && t.pixelStride == 4; }
+
 // Calls each(k, sides) for every value k of a row.
 template <class Each>
 QV_INLINE void ForEachValue(const LinearTables& t, Each each) {
@@ -31,8 +34,8 @@ QV_INLINE void ForEachValue(const LinearTables& t, Each each) {
     }
   } else {
     for (ptrdiff_t j = 0; j < t.width; ++j)
-      for (int c = 0; c < t.channels; ++c)
-        each(j * t.channels + c, SidesOf(t.x, j, t.channels, c));
+      for (int c = 0; c < t.pixelStride; ++c)
+        each(j * t.pixelStride + c, SidesOf(t.x, j, t.pixelStride, c));
   }
 }
 
@@ -108,6 +111,37 @@ static void BlendRows(const Value* upper, const Value* lower, int w, Byte* dst, 
   }
 }
 
+// The blended rows of an image, each stored at once or, if the fourth bytes of its pixels are to
+// stay, by way of a line of its own.
+class Blender {
+ public:
+  Blender(Byte* dst, int dstStep, const LinearTables& t, Byte* line)
+      : dst_(dst), dstStep_(dstStep), t_(t), line_(line) {}
+  QV_INLINE void operator()(const Value* upper, const Value* lower, int i) const {
+    const ptrdiff_t bytes = ptrdiff_t{t_.width} * t_.pixelStride;
+    Byte* const row = RowAt(dst_, dstStep_, i);
+    BlendRows(upper, lower, t_.y.weight[i], DropsFourth(t_) ? line_ : row, bytes);
+    if (DropsFourth(t_)) StoreThirds(row, bytes);
+  }
+
+ private:
+  void StoreThirds(Byte* row, ptrdiff_t bytes) const {
+    if constexpr (kHasMaskedBytes) {
+      for (ptrdiff_t k = 0; k < bytes; k += kVecBytes) {
+        const unsigned long long part = FirstOf64(bytes, k) & 0x7777777777777777;
+        StorePart(row + k, LoadPart(line_ + k, part), part);
+      }
+    } else {
+      for (ptrdiff_t k = 0; k < bytes; k += 4) memcpy(row + k, line_ + k, 3);
+    }
+  }
+
+  Byte* dst_;
+  int dstStep_;
+  const LinearTables& t_;
+  Byte* line_;
+};
+
 // As InterpolateRow, from pairs of bytes (p0, p1) and twice the weight, below 32768:
 //   h = 64 * p0 + (((p1 - p0) * w + 128) >> 8),
 // since 16384 * p0 has no low bits; and the second term is the rounded product of 64 * (p1 - p0)
@@ -141,10 +175,10 @@ static void FillPairs(const LinearTables& t, ptrdiff_t readable, int* offset, Va
 }
 
 // False if shuffles do not serve this resize.
-static bool ShuffledRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
-                         const LinearTables& t, Value* first, Value* second, Byte* work) {
-  const ptrdiff_t bytes = ptrdiff_t{t.width} * t.channels;
-  const ptrdiff_t readable = ptrdiff_t{t.srcWidth} * t.channels;
+static bool ShuffledRows(const Byte* src, int srcStep, const LinearTables& t, const Blender& blend,
+                         Value* first, Value* second, Byte* work) {
+  const ptrdiff_t bytes = ptrdiff_t{t.width} * t.pixelStride;
+  const ptrdiff_t readable = ptrdiff_t{t.srcWidth} * t.pixelStride;
   if (readable > INT32_MAX) return false;
   const ptrdiff_t vectors = (2 * bytes + kVecBytes - 1) / kVecBytes;
   auto* const twiceWeight = reinterpret_cast<Value*>(work);
@@ -168,9 +202,7 @@ static bool ShuffledRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
           }
           InterpolatePairs<kLoads>(g, row, next, twiceWeight, vectors, out);
         },
-        [&](const Value* upper, const Value* lower, int i) {
-          BlendRows(upper, lower, t.y.weight[i], RowAt(dst, dstStep, i), bytes);
-        });
+        blend);
   });
   return true;
 }
@@ -179,7 +211,7 @@ static bool ShuffledRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
 
 static void PlainRows(const Byte* src, int srcStep, Byte* dst, int dstStep, const LinearTables& t,
                       Value* first, Value* second) {
-  const ptrdiff_t bytes = ptrdiff_t{t.width} * t.channels;
+  const ptrdiff_t bytes = ptrdiff_t{t.width} * t.pixelStride;
   WalkRows(
       t, first, second,
       [&](int y, Value* out) { InterpolateRow(RowAt(src, srcStep, y), t, 0, out); },
@@ -187,30 +219,27 @@ static void PlainRows(const Byte* src, int srcStep, Byte* dst, int dstStep, cons
         Byte* const to = RowAt(dst, dstStep, i);
         const unsigned w = t.y.weight[i];
         for (ptrdiff_t k = 0; k < bytes; ++k)
-          to[k] = static_cast<Byte>((lower[k] * w + upper[k] * (kWeightOne - w) + 524288) >> 20);
+          if (!DropsFourth(t) || k % 4 != 3)
+            to[k] = static_cast<Byte>((lower[k] * w + upper[k] * (kWeightOne - w) + 524288) >> 20);
       });
 }
 
 #endif
 
-void LinearRows_8u(const Byte* src, int srcStep, Byte* dst, int dstStep,
-                   const LinearTables* tables, void* work) {
+void ResizeLinearRows_8u(const Byte* src, int srcStep, Byte* dst, int dstStep,
+                         const LinearTables* tables, void* work) {
   const LinearTables& t = *tables;
-  const ptrdiff_t padded = (ptrdiff_t{t.width} * t.channels + 63) / 64 * 64;
+  const ptrdiff_t padded = (ptrdiff_t{t.width} * t.pixelStride + 63) / 64 * 64;
   auto* const first = static_cast<Value*>(work);
   Value* const second = first + padded;
 #if QV_HAS_VECTORS
+  Byte* const line = reinterpret_cast<Byte*>(second + padded);
+  const Blender blend(dst, dstStep, t, line);
   if constexpr (kHasByteShuffle)
-    if (ShuffledRows(src, srcStep, dst, dstStep, t, first, second,
-                     reinterpret_cast<Byte*>(second + padded)))
-      return;
-  const ptrdiff_t bytes = ptrdiff_t{t.width} * t.channels;
+    if (ShuffledRows(src, srcStep, t, blend, first, second, line + padded)) return;
   WalkRows(
       t, first, second,
-      [&](int y, Value* out) { InterpolateRow(RowAt(src, srcStep, y), t, kHalf, out); },
-      [&](const Value* upper, const Value* lower, int i) {
-        BlendRows(upper, lower, t.y.weight[i], RowAt(dst, dstStep, i), bytes);
-      });
+      [&](int y, Value* out) { InterpolateRow(RowAt(src, srcStep, y), t, kHalf, out); }, blend);
 #else
   PlainRows(src, srcStep, dst, dstStep, t, first, second);
 #endif

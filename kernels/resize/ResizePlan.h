@@ -106,8 +106,9 @@ IppStatus RunLinear(const ResizeTask& task, X x, Y y, Chroma chroma) {
   fill(1, y);
   fill(2, chroma);
   const LinearTables tables = {task.width,    task.height, task.xLength, task.channels,
-                               taps[0],       taps[1],     taps[2]};
-  LinearRows_8u(task.src, task.srcStep, task.dst, task.dstStep, &tables, work.At<char>(rows));
+                               task.channels, taps[0],     taps[1],      taps[2]};
+  ResizeLinearRows_8u(task.src, task.srcStep, task.dst, task.dstStep, &tables,
+                      work.At<char>(rows));
   return StatusOk;
 }
 

@@ -12,9 +12,9 @@ void NearestRows_8u(const unsigned char* src, int srcStep, unsigned char* dst, i
   NearestRows_8u_Table(src, srcStep, dst, dstStep, tables, work);
 }
 
-void LinearRows_8u(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
-                   const LinearTables* tables, void* work) {
-  LinearRows_8u_Table(src, srcStep, dst, dstStep, tables, work);
+void ResizeLinearRows_8u(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
+                         const LinearTables* tables, void* work) {
+  ResizeLinearRows_8u_Table(src, srcStep, dst, dstStep, tables, work);
 }
 
 }  // namespace qv

@@ -51,6 +51,11 @@ class Call {
     return Place(name, contract::DisjointStep(step, part.bytes, part.rows), part, true);
   }
 
+  // The same with rows that may overlap.
+  FuzzImage OverlappingDestination(const char* name, int step, Part part) {
+    return Place(name, step, part, true);
+  }
+
   // An image behind a pointer that must not be null.
   FuzzImage Required(int step, Part part, bool writable) {
     if (writable) step = contract::DisjointStep(step, part.bytes, part.rows);

@@ -65,7 +65,7 @@ void FuzzMergeOver(Input& in, Call& call) {
     call.Refused();
   else
     size = contract::Fitting(size, 3);
-  const std::ptrdiff_t rowBytes = 3 * std::ptrdiff_t{size.width};
+  const std::ptrdiff_t rowBytes = size.width < 0 ? -1 : 3 * std::ptrdiff_t{size.width};
   const Part colours = {rowBytes, size.height}, alphas = {size.width, size.height};
   const FuzzImage fg = Needed(call, "fgStep", colours, true);
   const FuzzImage bg = Needed(call, "bgStep", colours, false);
@@ -75,12 +75,14 @@ void FuzzMergeOver(Input& in, Call& call) {
   const FuzzImage dstAlpha = Needed(call, "fgAlphaStep", alphas, true);
   const FuzzImage fgAlpha = alias == 1 ? dstAlpha : call.Required(dstAlpha.step, alphas, false);
   const FuzzImage bgAlpha = alias == 2 ? dstAlpha : Needed(call, "bgAlphaStep", alphas, false);
+  // The colours are those of rowBytes whatever the width is.
+  const int width = in.Rarely("less width", 32) ? in.Between("width", -3, 0) : size.width;
   const unsigned old = HostProcessorInfo;
   HostProcessorInfo = path;
   call.Run(StatusOk, [&] {
     return Lib::qvMergeAlphaOver(Type(type), fg.data, fg.step, fgAlpha.data, fgAlpha.step, bg.data,
                                  bg.step, bgAlpha.data, bgAlpha.step, dstAlpha.data,
-                                 static_cast<int>(rowBytes), size.width, size.height);
+                                 static_cast<int>(rowBytes), width, size.height);
   });
   HostProcessorInfo = old;
 }

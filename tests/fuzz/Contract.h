@@ -15,8 +15,9 @@ namespace qv::test::contract {
 // qvGetRotateBound, and the matrices of the warps. Everywhere else a pointer is null now and then.
 inline bool MayBeNull(Input& in, const char* name) { return in.Rarely(name); }
 
-// Destination rows that overlap each other: bands write them in any order, so no result is right.
-// The rows of a source may overlap, lie in one place or run backwards.
+// Destination rows that overlap each other, but for qvDeinterlace, which says what they then hold:
+// bands write them in any order, so no result is right. The rows of a source may overlap, lie in
+// one place or run backwards.
 inline int DisjointStep(int step, std::ptrdiff_t rowBytes, std::ptrdiff_t rows) {
   const long long apart = step < 0 ? -static_cast<long long>(step) : step;
   return rows > 1 && apart < rowBytes ? static_cast<int>(rowBytes) : step;
@@ -56,8 +57,8 @@ constexpr long long kMostSpan = kWide ? 6ll << 30 : 8ll << 20;
 constexpr long long kMostOffset = kWide ? 1ll << 45 : 1ll << 28;
 
 inline IppiRect Addressable(IppiRect roi) {
-  constexpr int kMost = kWide ? 1 << 24 : 1 << 10;
-  return {roi.x % kMost, roi.y % kMost, roi.width, roi.height};
+  constexpr int kMost = 1 << 10;
+  return kWide ? roi : IppiRect{roi.x % kMost, roi.y % kMost, roi.width, roi.height};
 }
 
 // The step, or an exact one if it leads too far; `y` is the first of the rows.

@@ -33,8 +33,11 @@ void FuzzDeinterlace(Input& in) {
   const std::ptrdiff_t endWritten = std::ptrdiff_t{size.height} - (mode == 1 || mode == 4 ? 1 : 0);
   const FuzzImage src = call.Source(
       "src null", srcStep, {rowBytes, std::ptrdiff_t{size.height} - firstRead, 0, firstRead});
-  const FuzzImage dst = call.Destination("dst null", call.Step("dstStep", rowBytes),
-                                         {rowBytes, endWritten - firstWritten, 0, firstWritten});
+  // Also a step shorter than a row, such as that of an image without the source's padding.
+  int dstStep = call.Step("dstStep", rowBytes);
+  if (in.Rarely("whole vectors, dstStep", 64)) dstStep = in.Note("  dstStep", dstStep & -64);
+  const FuzzImage dst = call.OverlappingDestination(
+      "dst null", dstStep, {rowBytes, endWritten - firstWritten, 0, firstWritten});
   // Only an image that was to be touched moves its rows apart.
   const int step = src.step;
   const bool empty = size.height < 3 || (type == 4 ? step : size.width) < 1;

@@ -1,5 +1,6 @@
 // Rotation, warping, and the two operations that only compute.
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 #include "tests/fuzz/Call.h"
@@ -14,17 +15,19 @@ struct Matrix {
   double c[3][3];
 };
 
-// Regions of images: (0, 0) on, elsewhere, anything.
+// Regions of images: (0, 0) on, elsewhere, up to the largest int and beyond, anything.
 IppiRect DrawRegion(Input& in, const char* xName, const char* yName, const char* widthName,
                     const char* heightName, int most) {
   IppiRect roi = {0, 0, 0, 0};
-  const int origin = in.Pick("origin: 0, near, below 0, far, any", 0, 0, 1, 1, 2, 3, 4);
+  const int origin = in.Pick("origin: 0, near, below 0, far, any, last", 0, 5, 1, 1, 2, 3, 4);
   if (origin == 1) roi.x = in.Between(xName, 0, 300), roi.y = in.Between(yName, 0, 300);
   if (origin == 2) roi.x = in.Between(xName, -2, 2), roi.y = in.Between(yName, -2, 2);
   if (origin == 3) roi.x = in.Between(xName, 0, 1 << 24), roi.y = in.Between(yName, 0, 1 << 24);
   if (origin == 4) roi.x = in.Any(xName), roi.y = in.Any(yName);
   roi.width = in.Length(widthName, most);
   roi.height = in.Length(heightName, most);
+  if (origin == 5) roi.x = in.Between(xName, INT_MAX - 255, INT_MAX);
+  if (origin == 5 && in.Byte() % 2) roi.y = in.Between(yName, INT_MAX - 255, INT_MAX);
   return roi;
 }
 
@@ -218,10 +221,17 @@ void FuzzRotate(Input& in, Call& call) {
   const Placed images = PlaceImages(in, call, a, channels);
   // Quarter turns by whole numbers do not look at the interpolation.
   const int expected = typed.known ? Refusal(a, images, method, false) : StatusDataTypeErr;
+  // A rotation by numbers is refused for nothing else, and warns of a region without a pixel.
+  const bool isNumber = std::isfinite(angle) && std::isfinite(shift[0]) && std::isfinite(shift[1]);
+  const bool isOutside = a.srcRoi.x >= a.srcSize.width || a.srcRoi.y >= a.srcSize.height;
   call.Run(expected, [&] {
-    return Lib::qvRotate(type, images.src.data, a.srcSize, images.src.step, a.srcRoi,
-                         images.dst.data, images.dst.step, a.dstRoi, angle, shift[0], shift[1],
-                         method);
+    const IppStatus status = Lib::qvRotate(type, images.src.data, a.srcSize, images.src.step,
+                                           a.srcRoi, images.dst.data, images.dst.step, a.dstRoi,
+                                           angle, shift[0], shift[1], method);
+    if (expected == Call::kAnyStatus && isNumber && status != StatusNoOverlapWarning &&
+        status != Refusal(a, images, method, true) && (status != StatusOk || isOutside))
+      call.Fail("status of a rotation", "", 0, StatusOk, status);
+    return status;
   });
 }
 

@@ -52,7 +52,7 @@ IppiSize Case::Size(int minWidth, int minHeight) {
   return {std::max(width, minWidth), std::max(height, minHeight)};
 }
 
-Image Case::Place(std::ptrdiff_t rowBytes, int rows, bool downwards, unsigned char** lowest) {
+Image Case::Place(std::ptrdiff_t rowBytes, int rows, Rows lie, unsigned char** lowest) {
   if (used_ == memory_.size()) memory_.push_back(std::make_unique<GuardedMemory>());
   const GuardedMemory& memory = *memory_[used_++];
   std::ptrdiff_t stride = rowBytes;
@@ -60,10 +60,11 @@ Image Case::Place(std::ptrdiff_t rowBytes, int rows, bool downwards, unsigned ch
   std::ptrdiff_t shift = 0;
   if (!bench_) {
     if (random.OneIn(2)) stride += random.Between(1, 70);
+    if (lie == Rows::kMayOverlap && random.OneIn(4)) stride = random.Between(0, int(rowBytes));
     if (random.OneIn(4)) stride = (stride + 63) / 64 * 64;
     flushToEnd = random.OneIn(2);
     if (random.OneIn(4)) shift = random.Between(0, 63);
-    upwards = !downwards && random.OneIn(8);
+    upwards = lie != Rows::kDownwards && random.OneIn(8);
   }
   const std::ptrdiff_t span = stride * (rows - 1) + rowBytes;
   if (static_cast<std::size_t>(span + shift) > memory.capacity()) std::abort();
@@ -89,17 +90,17 @@ void Case::FillSource(unsigned char* p, std::size_t n) {
   }
 }
 
-Image Case::Source(std::ptrdiff_t rowBytes, int rows, bool downwards) {
+Image Case::Source(std::ptrdiff_t rowBytes, int rows, Rows lie) {
   unsigned char* lowest;
-  const Image image = Place(rowBytes, rows, downwards, &lowest);
+  const Image image = Place(rowBytes, rows, lie, &lowest);
   const std::ptrdiff_t stride = image.step < 0 ? -image.step : image.step;
   FillSource(lowest, static_cast<std::size_t>(stride * (rows - 1) + rowBytes));
   return image;
 }
 
-Image Case::Destination(std::ptrdiff_t rowBytes, int rows, bool downwards, int rowsBefore) {
+Image Case::Destination(std::ptrdiff_t rowBytes, int rows, Rows lie, int rowsBefore) {
   Writable w;
-  Image image = Place(rowBytes, rows, downwards, &w.rows);
+  Image image = Place(rowBytes, rows, lie, &w.rows);
   const GuardedMemory& memory = *memory_[used_ - 1];
   w.stride = image.step < 0 ? -static_cast<std::ptrdiff_t>(image.step) : image.step;
   w.rowBytes = rowBytes;
@@ -121,8 +122,8 @@ bool Case::KeepsPadding(const Writable& w) const {
   for (int y = 0; y <= w.rowCount; ++y) {
     const std::ptrdiff_t until = y == w.rowCount ? static_cast<std::ptrdiff_t>(w.size)
                                                  : w.rows + y * w.stride - w.begin;
-    if (std::memcmp(w.begin + clean, w.initial.data() + clean,
-                    static_cast<std::size_t>(until - clean)) != 0)
+    if (until > clean && std::memcmp(w.begin + clean, w.initial.data() + clean,
+                                     static_cast<std::size_t>(until - clean)) != 0)
       return false;
     clean = until + w.rowBytes;
   }
@@ -157,7 +158,7 @@ void Case::Compare(const std::function<int()>& call) {
       const auto at = std::mismatch(w.expected.begin(), w.expected.end(), w.begin).first -
                       w.expected.begin();
       const std::ptrdiff_t offset = w.begin + at - w.rows;
-      const std::ptrdiff_t row = offset < 0 ? -1 : offset / w.stride;
+      const std::ptrdiff_t row = offset < 0 ? -1 : w.stride == 0 ? 0 : offset / w.stride;
       Fail(level.name, "destination " + Number(static_cast<long long>(d)) + ", memory row " +
                            Number(row) + ", byte " + Number(offset - row * w.stride) + " of " +
                            Number(w.rowBytes) + ": " + Number(w.begin[at]) +

@@ -20,6 +20,10 @@ struct Image {
   int step;
 };
 
+// How the rows of an image lie in memory: apart, upwards now and then; apart and downwards only; or
+// also closer together than they are long.
+enum class Rows { kApart, kDownwards, kMayOverlap };
+
 // Time of one level in a benchmark.
 struct Timing {
   std::string level;
@@ -49,11 +53,12 @@ class Case {
   IppiSize Size(int minWidth = 1, int minHeight = 1);
   bool IsBench() const { return bench_; }
 
-  // Readable bytes with random or extreme contents. Rows may lie in any order unless `downwards`.
-  Image Source(std::ptrdiff_t rowBytes, int rows, bool downwards = false);
+  // Readable bytes with random or extreme contents.
+  Image Source(std::ptrdiff_t rowBytes, int rows, Rows lie = Rows::kApart);
   // Writable bytes, restored before each level runs. Bytes outside the rows must survive. If
   // `rowsBefore` is not 0, the pointer is that many rows inside.
-  Image Destination(std::ptrdiff_t rowBytes, int rows, bool downwards = false, int rowsBefore = 0);
+  Image Destination(std::ptrdiff_t rowBytes, int rows, Rows lie = Rows::kApart,
+                    int rowsBefore = 0);
 
   // Runs the call at every level. Compares the returned value and every byte of all destinations
   // with the plain level's.
@@ -75,7 +80,7 @@ class Case {
     std::vector<unsigned char> initial, expected;
   };
 
-  Image Place(std::ptrdiff_t rowBytes, int rows, bool downwards, unsigned char** lowest);
+  Image Place(std::ptrdiff_t rowBytes, int rows, Rows lie, unsigned char** lowest);
   void FillSource(unsigned char* p, std::size_t n);
   bool KeepsPadding(const Writable& w) const;
   void Fail(const std::string& level, const std::string& text);

@@ -15,7 +15,7 @@ void CheckChecksum(Case& c, decltype(Crc32_8u)* kernel) {
                                              : c.random.Between(1, 6000);
   const Image src = c.Source(length, 1);
   // The running value starts as a destination does: from random or extreme bytes.
-  const Image value = c.Destination(4, 1, true);
+  const Image value = c.Destination(4, 1, Rows::kDownwards);
   c.Compare([=] {
     unsigned int running;
     std::memcpy(&running, value.data, 4);

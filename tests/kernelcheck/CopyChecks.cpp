@@ -69,7 +69,7 @@ QV_CHECK(LookupPalette_8u_C1C3) {
 
 QV_CHECK(MulScale_8u_C1I) {
   const IppiSize size = c.Size();
-  const Image image = c.Destination(size.width, size.height, true);
+  const Image image = c.Destination(size.width, size.height, Rows::kDownwards);
   const auto value = static_cast<unsigned char>(c.random.Next());
   c.Compare([=] {
     return MulScale_8u_C1I(image.data, image.step, value, image.data, image.step, size.width,

@@ -10,7 +10,8 @@ QV_CHECK(Deinterlace_8u) {
   const int rowsBefore = mode == 4 || mode == 16;
   Image src = c.Source(size.width, size.height + 2 * rowsBefore);
   src.data += std::ptrdiff_t{2} * rowsBefore * src.step;
-  const Image dst = c.Destination(size.width, size.height + rowsBefore, false, rowsBefore);
+  const Image dst = c.Destination(size.width, size.height + rowsBefore, Rows::kMayOverlap,
+                                  rowsBefore);
   const unsigned weight = static_cast<unsigned>(
       c.IsBench() ? 100 : c.random.OneIn(4) ? c.random.Pick(0, 1, 128, 255, 256, 257, -1)
                                             : c.random.Between(0, 256));

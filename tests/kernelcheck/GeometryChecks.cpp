@@ -20,8 +20,10 @@ void CheckWarp(Case& c, int channels) {
     roi.x = c.random.Between(0, srcSize.width - 1);
     roi.y = c.random.Between(0, srcSize.height - 1);
   }
-  const Image src = c.Source(std::ptrdiff_t{srcSize.width} * channels, srcSize.height, true);
-  const Image dst = c.Destination(std::ptrdiff_t{size.width} * channels, size.height, true);
+  const Image src = c.Source(std::ptrdiff_t{srcSize.width} * channels, srcSize.height,
+                             Rows::kDownwards);
+  const Image dst = c.Destination(std::ptrdiff_t{size.width} * channels, size.height,
+                                  Rows::kDownwards);
   const bool perspective = !c.random.OneIn(3);
   Matrix m = RandomMatrix(c.random, roi, size, perspective, true);
   if (c.IsBench()) {  // a trapezium that fills most of the frame

@@ -1,8 +1,11 @@
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <vector>
 
+#include "kernels/resize/Positions.h"
 #include "kernels/resize/Resize.h"
+#include "kernels/resize/ResizeRows.h"
 #include "tests/kernelcheck/Case.h"
 
 using namespace qv;
@@ -123,6 +126,37 @@ void CheckResize422(Case& c, int interpolation, Scaling scaling) {
   });
 }
 
+// Pixels of four bytes, which no operation resizes: all channels, or three and a byte that stays.
+void CheckLinearRowsOfFourBytes(Case& c) {
+  const ResizeCase r = PlanCase(c, kAny);
+  const IppiSize from = {r.roi.width, r.roi.height}, to = r.dstSize;
+  std::vector<int> x(std::size_t(to.width)), y(std::size_t(to.height));
+  std::vector<unsigned short> xWeight(x.size()), yWeight(y.size());
+  AlignedTaps({from.width, r.xFactor}, to.width, x.data(), xWeight.data());
+  AlignedTaps({from.height, r.yFactor}, to.height, y.data(), yWeight.data());
+  const int channels = c.random.Pick(3, 4);
+  const LinearTables tables = {to.width,
+                               to.height,
+                               from.width,
+                               channels,
+                               4,
+                               {from.width > 1, x.data(), xWeight.data()},
+                               {from.height > 1, y.data(), yWeight.data()},
+                               {}};
+  const Image src = c.Source(std::ptrdiff_t{from.width} * 4, from.height);
+  const Image dst = c.Destination(std::ptrdiff_t{to.width} * 4 - (channels == 3), to.height);
+  const auto bytes = std::size_t(RowsWorkBytes(std::uint64_t(to.width) * 4));
+  std::vector<unsigned char> memory(bytes + 64);
+  unsigned char* const aligned =
+      memory.data() + (64 - reinterpret_cast<std::uintptr_t>(memory.data()) % 64);
+  unsigned char fill = 0;
+  c.Compare([&] {
+    std::fill(memory.begin(), memory.end(), fill += 77);
+    ResizeLinearRows_8u(src.data, src.step, dst.data, dst.step, &tables, aligned);
+    return 0;
+  });
+}
+
 // One or three channels or packed 4:2:2.
 void CheckAnyLayout(Case& c, int interpolation) {
   const int channels = c.IsBench() ? 3 : c.random.Between(1, 3);
@@ -139,7 +173,10 @@ void CheckFilter(Case& c, int channels) {
 }  // namespace
 
 QV_CHECK(NearestRows_8u) { CheckAnyLayout(c, InterpolateNearest); }
-QV_CHECK(LinearRows_8u) { CheckAnyLayout(c, InterpolateLinear); }
+QV_CHECK(ResizeLinearRows_8u) {
+  if (c.IsBench() || !c.random.OneIn(4)) CheckAnyLayout(c, InterpolateLinear);
+  else CheckLinearRowsOfFourBytes(c);
+}
 QV_CHECK(HalveRows_8u_C1) { CheckResize(c, 1, InterpolateArea, kHalf); }
 QV_CHECK(HalveRows_8u_C3) { CheckResize(c, 3, InterpolateArea, kHalf); }
 QV_CHECK(FilterRows_8u_C1) { CheckFilter(c, 1); }

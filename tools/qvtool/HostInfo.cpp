@@ -1,10 +1,14 @@
 #include "HostInfo.h"
 
-#include <algorithm>
+#include <vector>
+
+#if defined(__linux__)
+#include <sched.h>
+#endif
 
 #include "dispatch/ProcessorInfo.h"
 #include "dispatch/VariantIndex.h"
-#include "qvAcceleratedLib/HostCounts.h"
+#include "qvAcceleratedLib/CqvAccLib.h"
 
 namespace qvtool {
 namespace {
@@ -43,6 +47,35 @@ std::string ClassName(int cpuCode) {
   }
 }
 
+// Into how many bands the library cuts an image that is high enough, which is its thread budget. The class
+// does not say; but a resize returns the status of its last band, and that is 1 where the projected
+// region ends above the band. So the height at which the status changes tells where the last band begins.
+int CountBands() {
+  constexpr int kMost = 512, kRows = 65 * kMost;
+  std::vector<unsigned char> source(2 * kRows), destination(kRows);
+  const auto reachesLastBand = [&](int rows) {
+    return CqvAccLib::qvResize(CqvAccLib::OneChannel, source.data(), {1, 2 * kRows}, 1,
+                               {0, 0, 1, 2 * kRows}, destination.data(), 1, {1, kRows}, 1,
+                               (rows + .5) / (2 * kRows), 2) == StatusOk;
+  };
+  int above = 0, within = kRows;
+  while (within - above > 1) {
+    const int middle = (above + within) / 2;
+    (reachesLastBand(middle) ? within : above) = middle;
+  }
+  for (int count = kMost; count > 1; --count)
+    if ((count - 1) * (kRows / count) == within) return count;
+  return 1;
+}
+
+int AffinityProcessors() {
+#if defined(__linux__)
+  cpu_set_t set;
+  if (sched_getaffinity(0, sizeof set, &set) == 0) return CPU_COUNT(&set);
+#endif
+  return 0;
+}
+
 }  // namespace
 
 HostInfo DescribeHost() {
@@ -60,10 +93,8 @@ HostInfo DescribeHost() {
   host.wide = kWides[host.wideLevel];
   host.carrylessLevel = qv::CarrylessLevel;
   host.carryless = kCarryless[host.carrylessLevel];
-  int first = 0;
-  int second = 0;
-  qv::CPUCount(&first, &second);
-  host.threadBudget = std::max(1, first * second);
+  host.threadBudget = CountBands();
+  host.processors = AffinityProcessors();
   constexpr int kBuiltOfVariant[] = {0, 0, 1, 1, 2};
   host.builtLevel = kBuiltOfVariant[host.variantIndex] + host.wideLevel;
   return host;

@@ -1,5 +1,5 @@
-// What the library finds on this host. The library keeps it to itself; the tool asks the processor
-// once more, with the same code.
+// What the library finds on this host. The library keeps the level to itself: the tool asks the processor
+// once more, with the same code. The thread budget is the library's own.
 #ifndef QVTOOL_HOSTINFO_H
 #define QVTOOL_HOSTINFO_H
 
@@ -23,6 +23,7 @@ struct HostInfo {
   int carrylessLevel;
   std::string carryless;
   int threadBudget;
+  int processors;  // in this process's affinity mask; 0 if that is not known
   int builtLevel;  // the level that kernels run at here, an index into kLevelNames
 };
 

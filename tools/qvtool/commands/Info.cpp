@@ -16,7 +16,11 @@ void PrintHost() {
   std::printf("variant          %d (%s)\n", host.variantIndex, host.variant.c_str());
   std::printf("wide level       %d (%s)\n", host.wideLevel, host.wide.c_str());
   std::printf("carry-less level %d (%s)\n", host.carrylessLevel, host.carryless.c_str());
-  std::printf("thread budget    %d\n", host.threadBudget);
+  std::printf("thread budget    %d", host.threadBudget);
+  if (host.processors > 0)
+    std::printf(" (%d in the affinity mask%s)", host.processors,
+                host.threadBudget < host.processors ? "; the CPU quota grants no more" : "");
+  std::printf("\n");
   std::printf(
       "\nRows of each kernel that are written for a level; '-' uses those of the next lower one,\n"
       "[ ] marks what this processor runs.\n\n%-26s",

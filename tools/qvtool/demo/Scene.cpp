@@ -108,6 +108,35 @@ Frame Vignette(int width, int height) {
   return mask;
 }
 
+// ITU-R BT.601 in studio range from a pixel B, G, R.
+unsigned char Y(const unsigned char* p) {
+  return Clamp(16 + (0.114 * p[0] + 0.587 * p[1] + 0.299 * p[2]) * 219 / 255);
+}
+unsigned char Cb(const unsigned char* p) {
+  const double y = 0.114 * p[0] + 0.587 * p[1] + 0.299 * p[2];
+  return Clamp(128 + (p[0] - y) / 1.772 * 224 / 255);
+}
+unsigned char Cr(const unsigned char* p) {
+  const double y = 0.114 * p[0] + 0.587 * p[1] + 0.299 * p[2];
+  return Clamp(128 + (p[2] - y) / 1.402 * 224 / 255);
+}
+
+// Each group has the chroma of its left pixel.
+Frame Packed(const Frame& colour) {
+  Frame packed(Layout::Yuyv, colour.Width() & ~1, colour.Height() & ~1);
+  for (int y = 0; y < packed.Height(); ++y) {
+    const unsigned char* from = colour.PlaneAt(0).Row(y);
+    unsigned char* to = packed.PlaneAt(0).Row(y);
+    for (int x = 0; x < packed.Width(); x += 2, from += 6, to += 4) {
+      to[0] = Y(from);
+      to[1] = Cb(from);
+      to[2] = Y(from + 3);
+      to[3] = Cr(from);
+    }
+  }
+  return packed;
+}
+
 IppiRect Inside(IppiRect region, const Frame& frame) {
   region.width = std::min(region.width, frame.Width());
   region.height = std::min(region.height, frame.Height());
@@ -119,6 +148,7 @@ IppiRect Inside(IppiRect region, const Frame& frame) {
 Scene Complete(Scene scene) {
   scene.woven = Weave(scene.colour, scene.later);
   scene.grey = Luma(scene.colour);
+  if (scene.colour.Width() > 1 && scene.colour.Height() > 1) scene.packed = Packed(scene.colour);
   scene.mask = Vignette(scene.colour.Width(), scene.colour.Height());
   scene.moving = Inside(scene.moving, scene.colour);
   scene.fine = Inside(scene.fine, scene.colour);

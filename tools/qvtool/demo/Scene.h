@@ -14,6 +14,8 @@ struct Scene {
   Frame colour;  // Bgr
   Frame later;   // Bgr, one field later: what moves has moved on
   Frame woven;   // Bgr, an interlaced frame: even rows of `colour`, odd rows of `later`
+  Frame packed;  // Yuyv, `colour` as a camera delivers it, cut to an even size; empty for one row
+                 // or column
   Frame grey;    // Grey, the luma of `colour`
   Frame mask;    // Grey, an alpha plane: opaque in the middle, fading towards the edges
 

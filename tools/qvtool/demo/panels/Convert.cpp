@@ -5,40 +5,6 @@
 namespace qvtool::demo {
 namespace {
 
-unsigned char Round(double value) {
-  return static_cast<unsigned char>(std::clamp(value + 0.5, 0.0, 255.0));
-}
-
-// ITU-R BT.601 in studio range from a pixel B, G, R.
-unsigned char Luma(const unsigned char* p) {
-  return Round(16 + (0.114 * p[0] + 0.587 * p[1] + 0.299 * p[2]) * 219 / 255);
-}
-unsigned char Cb(const unsigned char* p) {
-  const double y = 0.114 * p[0] + 0.587 * p[1] + 0.299 * p[2];
-  return Round(128 + (p[0] - y) / 1.772 * 224 / 255);
-}
-unsigned char Cr(const unsigned char* p) {
-  const double y = 0.114 * p[0] + 0.587 * p[1] + 0.299 * p[2];
-  return Round(128 + (p[2] - y) / 1.402 * 224 / 255);
-}
-
-// The frame as a camera delivers it, cut to an even size: packed 4:2:2, each group with the chroma
-// of its left pixel.
-Frame Packed(const Frame& colour) {
-  Frame packed(Layout::Yuyv, colour.Width() & ~1, colour.Height() & ~1);
-  for (int y = 0; y < packed.Height(); ++y) {
-    const unsigned char* from = colour.PlaneAt(0).Row(y);
-    unsigned char* to = packed.PlaneAt(0).Row(y);
-    for (int x = 0; x < packed.Width(); x += 2, from += 6, to += 4) {
-      to[0] = Luma(from);
-      to[1] = Cb(from);
-      to[2] = Luma(from + 3);
-      to[3] = Cr(from);
-    }
-  }
-  return packed;
-}
-
 // A view of one plane as a grey picture.
 Frame Grey(const Plane& plane) {
   Frame grey(Layout::Grey, plane.columns, plane.rows);
@@ -53,8 +19,8 @@ Frame Bytes(const Plane& plane) {
 }
 
 void Make(const Scene& scene, Gallery& gallery) {
-  if (scene.colour.Width() < 2 || scene.colour.Height() < 2) return;  // nothing to share chroma
-  const Frame packed = Packed(scene.colour);
+  if (scene.packed.Empty()) return;
+  const Frame& packed = scene.packed;
   const IppiSize size = packed.Size();
   const Plane& src = packed.PlaneAt(0);
   const Frame packedBytes = Bytes(src);

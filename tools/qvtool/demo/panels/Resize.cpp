@@ -19,6 +19,35 @@ constexpr Method kMethods[] = {
     {8, "area", "area averaging", "mean of src over [i / F, (i + 1) / F); enlarging: Lanczos"},
     {16, "lanczos", "Lanczos", "six taps, sinc(x) * sinc(x / 3)"}};
 
+// Luma and chroma each on a grid of its own.
+void AddPacked(const Scene& scene, Gallery& gallery) {
+  if (scene.packed.Empty()) return;
+  const Plane& from = scene.packed.PlaneAt(0);
+  const IppiSize whole = scene.packed.Size();
+  const IppiRect all = scene.packed.Bounds();
+  const auto half = [](int length) { return std::max(2, length / 4 * 2); };
+  const IppiSize size = {half(whole.width), half(whole.height)};
+  const double xFactor = static_cast<double>(size.width) / whole.width;
+  const double yFactor = static_cast<double>(size.height) / whole.height;
+  Frame result(Layout::Yuyv, size.width, size.height), shown(Layout::Bgr, size.width, size.height);
+  const Plane& dst = result.PlaneAt(0);
+  const int code = 4;
+  gallery.Add({.name = "resize-packed",
+               .title = "Resize packed 4:2:2: cubic, code 4",
+               .formula = "Y on the grid of pixels, Cb and Cr on the grid of pairs",
+               .calls = {QV_CALL(CqvAccLib::qvResizeYUV422(
+                   CqvAccLib::ThreeChannels, from.data, whole, from.step, all, dst.data, dst.step,
+                   size, xFactor, yFactor, code))},
+               .finish =
+                   [&] {
+                     const Plane& bgr = shown.PlaneAt(0);
+                     CqvAccLib::qvYCbCr422ToBGR(CqvAccLib::ThreeChannels, dst.data, dst.step,
+                                                bgr.data, bgr.step, size);
+                   },
+               .before = {{"The frame, in B, G, R", scene.colour}},
+               .after = {{"Resized, in B, G, R", shown}}});
+}
+
 // The zone plate, in which every spatial frequency and every direction has its place.
 void Make(const Scene& scene, Gallery& gallery) {
   struct Scale {
@@ -62,6 +91,7 @@ void Make(const Scene& scene, Gallery& gallery) {
            .after = {after}});
     }
   }
+  AddPacked(scene, gallery);
 }
 
 const PanelSource source{60, "Resize", Make};

@@ -23,10 +23,7 @@ constexpr Turn kTurns[] = {
 void Make(const Scene& scene, Gallery& gallery) {
   const Plane& src = scene.colour.PlaneAt(0);
   const IppiRect all = scene.colour.Bounds();
-  // Sampling needs two pixels each way.
-  const bool canSample = all.width > 1 && all.height > 1;
   for (const Turn& turn : kTurns) {
-    if (!canSample && turn.angle == 12) continue;
     const double angle = turn.angle;
     const int code = turn.code;
     double bound[2][2];
@@ -42,7 +39,9 @@ void Make(const Scene& scene, Gallery& gallery) {
                  .title = turn.title,
                  .formula = "x' = cos a * x + sin a * y + xShift, "
                             "y' = -sin a * x + cos a * y + yShift",
-                 .calls = {QV_CALL(CqvAccLib::qvRotate(CqvAccLib::ThreeChannels, src.data,
+                 .calls = {QV_CALL(CqvAccLib::qvGetRotateBound(CqvAccLib::ThreeChannels, all, bound,
+                                                               angle, 0, 0)),
+                           QV_CALL(CqvAccLib::qvRotate(CqvAccLib::ThreeChannels, src.data,
                                                        src.Size(), src.step, all, dst.data,
                                                        dst.step, canvas, angle, xShift, yShift,
                                                        code))},

@@ -58,6 +58,25 @@ void Make(const Scene& scene, Gallery& gallery) {
                  .before = {{"The page", page}},
                  .after = {{"Made straight", back}}});
   }
+
+  Frame page(Layout::Bgr, all.width, all.height), edge(Layout::Grey, all.width, all.height);
+  const Plane& slanted = page.PlaneAt(0);
+  const Plane& mask = scene.mask.PlaneAt(0);
+  const Plane& slantedMask = edge.PlaneAt(0);
+  CqvAccLib::qvSet(CqvAccLib::ThreeChannels, background, slanted.data, slanted.step,
+                   slanted.Size());
+  CqvAccLib::qvSet(CqvAccLib::OneChannel, background, slantedMask.data, slantedMask.step,
+                   slantedMask.Size());
+  const int code = 2;
+  gallery.Add({.name = "warp-two",
+               .title = "Warp a frame and its alpha plane: linear, code 2",
+               .formula = "both by the same formula, each through a matrix of its own",
+               .calls = {QV_CALL(CqvAccLib::qvWarpPerspectiveEx(
+                   CqvAccLib::ThreeChannels, src.data, src.Size(), src.step, all, slanted.data,
+                   slanted.step, all, onto, code, mask.data, mask.step, slantedMask.data,
+                   slantedMask.step, onto))},
+               .before = {{"The frame", scene.colour}, {"Its alpha", scene.mask}},
+               .after = {{"The frame at a slant", page}, {"Its alpha", edge}}});
 }
 
 const PanelSource source{80, "Perspective", Make};

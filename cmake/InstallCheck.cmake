@@ -1,0 +1,27 @@
+# `cmake --install` of a tree in which not all is built that it would install says what to build,
+# before it has copied anything. Included ahead of everything that installs: rules run in their order.
+function(qv_install_needs target component file)
+  install(CODE "
+    if(NOT EXISTS \"${file}\")
+      message(FATAL_ERROR \"${target} is to be installed and is not built. Build everything:\\n\"
+        \"  cmake --build ${PROJECT_BINARY_DIR}\\n\"
+        \"or install a component alone: runtime, development or tools\\n\"
+        \"  cmake --install ${PROJECT_BINARY_DIR} --component NAME\")
+    endif()" COMPONENT ${component})
+endfunction()
+
+qv_install_needs(qvAcceleratedLib runtime $<TARGET_FILE:qvAcceleratedLib>)
+qv_install_needs(qvAcceleratedLib development $<TARGET_FILE:qvAcceleratedLib>)
+if(WIN32)
+  find_program(QV_LLVM_DLLTOOL NAMES llvm-dlltool llvm-dlltool-14)
+  if(QV_LLVM_DLLTOOL)
+    qv_install_needs(qvVisualImports development
+      ${PROJECT_BINARY_DIR}/qvAcceleratedLib/qvAcceleratedLib.lib)
+  endif()
+endif()
+if(QV_BUILD_TOOLS)
+  qv_install_needs(qvtool tools $<TARGET_FILE:qvtool>)
+endif()
+if(QV_BUILD_TOOLS OR QV_BUILD_TESTS)
+  qv_install_needs(qvselftest tools $<TARGET_FILE:qvselftest>)
+endif()
