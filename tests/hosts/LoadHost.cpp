@@ -44,7 +44,10 @@ void* LoadAndCall(const char* path) {
 }  // namespace
 
 int main(int, char** argv) {
-  const auto team = [] { return qv::test::ThreadsOfProcess("qvBandTeam"); };
+  const auto team = [] {
+    usleep(200000);  // a thread takes its name when it has begun
+    return qv::test::ThreadsOfProcess("qvBandTeam");
+  };
   const pid_t child = fork();
   if (child == 0) {
     LoadAndCall(argv[1]);
