@@ -100,6 +100,9 @@ Vec MulAddBytes(Vec a, Vec b);
 Vec PermuteBytes(Vec v, Vec index);
 Vec PermuteBytes2(Vec low, Vec index, Vec high);
 Vec PermuteBytesOver(Vec base, unsigned long long mask, Vec v, Vec index);
+// Of 64-byte vectors: 16-byte lanes 0 and 2, or 1 and 3, of `a` and then of `b`.
+Vec JoinEvenLanes(Vec a, Vec b);
+Vec JoinOddLanes(Vec a, Vec b);
 
 // kHasMaskedBytes. Of LoadPart and StorePart: bytes whose mask bit is clear are neither read nor
 // written (and load as 0). Select: `b` in the bytes whose mask bit is set, `a` in the others.
