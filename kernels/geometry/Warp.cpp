@@ -3,6 +3,7 @@
 #include <stddef.h>
 
 #include "kernels/geometry/GeometryChecks.h"
+#include "kernels/geometry/WarpAhead.h"
 #include "kernels/geometry/WarpPlan.h"
 
 namespace qv {
@@ -47,6 +48,8 @@ bool AreApart(const double quad[4][2], const Corners& rect) {
 bool WarpTiles(const WarpPlan& plan, const GeometryImages& images, const Corners& part,
                WarpSource source, int srcStep, int dstStep) {
   const auto kernel = images.channels == 3 ? WarpRow_8u_C3 : WarpRow_8u_C1;
+  const bool pays =
+      WarpAhead::Pays(static_cast<long long>(source.width) * source.height * images.channels);
   bool any = false;
   const Span rows = plan.Rows();
   // Counted down to the last row, which may be the largest int there is.
@@ -61,8 +64,13 @@ bool WarpTiles(const WarpPlan& plan, const GeometryImages& images, const Corners
       if (spans[i].last > all.last) all.last = spans[i].last;
       any = true;
     }
-    for (int x0 = all.first & -kTileColumns; x0 <= all.last; x0 += kTileColumns)
+    for (int x0 = all.first & -kTileColumns; x0 <= all.last; x0 += kTileColumns) {
+      Footprint next;
+      const bool fetches =
+          pays && plan.Find(next, double{kTileColumns} + x0, y0, kTileColumns, height);
+      WarpAhead ahead(fetches ? next : Footprint{}, part, height);
       for (int i = 0; i < height; ++i) {
+        if (fetches) ahead.Fetch(images, srcStep);
         const int first = spans[i].first < x0 ? x0 : spans[i].first;
         const int last =
             spans[i].last - x0 < kTileColumns ? spans[i].last : x0 + kTileColumns - 1;
@@ -76,6 +84,7 @@ bool WarpTiles(const WarpPlan& plan, const GeometryImages& images, const Corners
                  images.dst[k] + static_cast<ptrdiff_t>(y0 + i) * dstStep);
         }
       }
+    }
   }
   return any;
 }
