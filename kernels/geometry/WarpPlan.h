@@ -12,8 +12,8 @@ struct Span {
   int first, last;
 };
 
-// Where a tile of the destination lies in the source, as a parallelogram: those (x + dx, y + dy) with
-// |dy| <= rows and |dx - slope[i] * dy| <= half[i] for both i, the nearest pixels included.
+// Where a tile of the destination lies in the source, as a parallelogram: those (x + dx, y + dy)
+// with |dy| <= rows and |dx - slope[i] * dy| <= half[i] for both i, the nearest pixels included.
 struct Footprint {
   double x, y, rows, slope[2], half[2];
 };
