@@ -72,6 +72,9 @@ QV_INLINE Vec PackSigned32(Vec a, Vec b) { return QV_OP(packs_epi32)(a, b); }
 Vec ReverseBytes(Vec v);
 Vec LowLaneTwice(Vec v);
 Vec HighLaneTwice(Vec v);
+// The vector's low half as the low halves of all 16-byte lanes, its high half as the high ones:
+// InterleaveLow8 and InterleaveHigh8 of two such vectors are those of the whole vectors.
+Vec DealHalves(Vec v);
 
 // Single 16-byte vectors, for three-byte pixels (five in 15 bytes) at every width.
 using Vec16 = __m128i;

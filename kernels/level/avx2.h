@@ -39,6 +39,7 @@ template <int kHalf> QV_INLINE Vec Gather64(const void* base, Vec offset) {
                                 _mm256_extracti128_si256(sorted, kHalf), 1);
 }
 
+QV_INLINE Vec DealHalves(Vec v) { return _mm256_permute4x64_epi64(v, 0xD8); }
 QV_INLINE Vec LowLaneTwice(Vec v) { return _mm256_permute4x64_epi64(v, 0x44); }
 QV_INLINE Vec HighLaneTwice(Vec v) { return _mm256_permute4x64_epi64(v, 0xEE); }
 

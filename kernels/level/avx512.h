@@ -57,6 +57,10 @@ QV_INLINE Vec Select(unsigned long long mask, Vec a, Vec b) {
 }
 QV_INLINE unsigned long long TopBits(Vec v) { return _mm512_movepi8_mask(v); }
 
+QV_INLINE Vec DealHalves(Vec v) {
+  return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 4, 1, 5, 2, 6, 3, 7), v);
+}
+
 QV_INLINE Vec ReverseBytes(Vec v) {
   const Vec index = _mm512_set_epi8(
       0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24,

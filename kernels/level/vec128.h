@@ -18,6 +18,7 @@ constexpr bool kHasGather = false;
 
 template <class Lane> QV_INLINE Vec BuildLanes(Lane lane) { return lane(0); }
 
+QV_INLINE Vec DealHalves(Vec v) { return v; }
 QV_INLINE Vec LowLaneTwice(Vec v) { return v; }
 QV_INLINE Vec HighLaneTwice(Vec v) { return v; }
 
