@@ -206,14 +206,44 @@ QV_INLINE void FinishCubic(const View& view, const Prepared& p, Byte* out) {
   }
 }
 
-// Out of line, to keep the loop around it tight.
-template <int kChannels>
-__attribute__((noinline)) void SamplePlainly(const WarpSource& s, Vec px, Vec py, Byte* out,
-                                             int count) {
-  int x[kLanes32], y[kLanes32];
-  Store(x, px);
-  Store(y, py);
-  for (int i = 0; i < count; ++i) SamplePixel<kChannels>(s, x[i], y[i], out + kChannels * i);
+// Where fetches would pass the end of a row, or taps the edges: the bytes that count are brought
+// together first. Out of line, to keep the loop around it tight.
+template <WarpMethod kMethod, int kChannels, bool kGathers>
+__attribute__((noinline)) void FinishAtEdge(const WarpSource& s, const View& view, Vec px, Vec py,
+                                            const Prepared& p, Byte* out) {
+  if constexpr (kMethod == WarpNearest) {
+    for (int i = 0; i < kLanes32; ++i)
+      memcpy(out + kChannels * i, view.first + p.offset[i], kChannels);
+  } else {
+    constexpr int kRows = kMethod == WarpLinear ? 2 : 4, kApart = kMethod == WarpLinear ? 8 : 16;
+    Byte taps[kRows][kApart * kLanes32] = {};
+    int x[kLanes32], y[kLanes32];
+    Store(x, ShiftRightSigned32<kWarpBits>(Clamp32(px, view.highX)));
+    Store(y, ShiftRightSigned32<kWarpBits>(Clamp32(py, view.highY)));
+    Prepared near = p;
+    for (int i = 0; i < kLanes32; ++i) {
+      near.offset[i] = kApart * i;
+      const bool isBeyond = kMethod == WarpCubic && (x[i] < 1 || x[i] > s.width - 3);
+      for (int r = 0; r < kRows; ++r) {
+        Byte* const to = taps[r] + kApart * i;
+        if constexpr (kMethod == WarpLinear) {
+          memcpy(to, view.first + p.offset[i] + r * view.stepBytes, 2 * kChannels);
+        } else if (isBeyond) {
+          for (int k = 0; k < 4; ++k)
+            memcpy(to + k * kChannels, TapAt<kChannels>(s, x[i] - 1 + k, y[i] - 1 + r), kChannels);
+        } else {
+          memcpy(to, TapAt<kChannels>(s, x[i] - 1, y[i] - 1 + r), 4 * kChannels);
+        }
+      }
+    }
+    View nearby = view;
+    nearby.first = taps[0];
+    nearby.stepBytes = sizeof taps[0];
+    if constexpr (kMethod == WarpLinear)
+      FinishLinear<kChannels, kGathers>(nearby, near, out);
+    else
+      FinishCubic<kChannels, kGathers>(nearby, near, out);
+  }
 }
 
 // Columns begin .. begin + n - 1 of a run, at which `positions` stand. A run of less than a vector
@@ -239,8 +269,8 @@ QV_INLINE void SampleRun(const WarpSource& s, const View& view, int begin, int n
     Byte* const to = n < kLanes32 ? part : out + i * kChannels;
     if (!kInside && !isReady[k]) {
       positions.MoveTo(begin + i);
-      SamplePlainly<kChannels>(s, positions.At(0), positions.At(1), to,
-                               n < kLanes32 ? n : kLanes32);
+      FinishAtEdge<kMethod, kChannels, kGathers>(s, view, positions.At(0), positions.At(1),
+                                                 prepared[k], to);
     } else if constexpr (kMethod == WarpNearest) {
       FinishNearest<kChannels, kGathers>(view, prepared[k], to);
     } else if constexpr (kMethod == WarpLinear) {
