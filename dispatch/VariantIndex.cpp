@@ -5,5 +5,7 @@ namespace qv {
 int VariantIndex = 0;
 int WideLevel = 0;
 int CarrylessLevel = 0;
+ptrdiff_t LastCacheBytes = kUnknownCacheBytes;
+bool QuickGathers = false;
 
 }  // namespace qv
