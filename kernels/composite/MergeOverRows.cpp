@@ -63,7 +63,7 @@ QV_INLINE int NearestInt(float x) {
 // product.
 void AlphaRow(Byte* dstAlpha, const Byte* bgAlpha, ptrdiff_t width) {
   const bool done = CoverInPlace<kVecBytes>(
-      width, BytesToAlign(dstAlpha),
+      width, false, BytesToAlign(dstAlpha),
       [&](ptrdiff_t x) {
         const Vec d = Load(dstAlpha + x), ba = Load(bgAlpha + x);
         const Vec rest = Sub8(Splat8(-1), d);
@@ -72,7 +72,7 @@ void AlphaRow(Byte* dstAlpha, const Byte* bgAlpha, ptrdiff_t width) {
             MulHighUnsigned16(InterleaveHigh8(Zero(), rest), InterleaveHigh8(ba, Zero()));
         return AddSaturated8(d, PackUnsigned16(low, high));
       },
-      [&](ptrdiff_t x, Vec a) { Store(dstAlpha + x, a); });
+      [&](ptrdiff_t x, Vec a, auto store) { store(dstAlpha + x, a); });
   if (!done) AlphaRowPlain(dstAlpha, bgAlpha, width);
 }
 

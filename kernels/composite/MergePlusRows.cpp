@@ -89,7 +89,7 @@ struct Colours {
 template <int kChannels>
 void MixRow(Byte* srcDst, const Byte* src, const Byte* alpha, ptrdiff_t width) {
   const bool done = CoverInPlace<kVecBytes>(
-      width, kChannels == 1 ? BytesToAlign(srcDst) : PixelsToAlign3(srcDst),
+      width, false, kChannels == 1 ? BytesToAlign(srcDst) : PixelsToAlign3(srcDst),
       [&](ptrdiff_t x) {
         const Byte* const s = src + kChannels * x;
         const Byte* const d = srcDst + kChannels * x;
@@ -102,9 +102,9 @@ void MixRow(Byte* srcDst, const Byte* src, const Byte* alpha, ptrdiff_t width) {
         }
         return mixed;
       },
-      [&](ptrdiff_t x, const Colours<kChannels>& mixed) {
+      [&](ptrdiff_t x, const Colours<kChannels>& mixed, auto store) {
         for (int j = 0; j < kChannels; ++j)
-          Store(srcDst + kChannels * x + j * kVecBytes, mixed.v[j]);
+          store(srcDst + kChannels * x + j * kVecBytes, mixed.v[j]);
       });
   if (!done) MixRowPlain<kChannels>(srcDst, src, alpha, width);
 }

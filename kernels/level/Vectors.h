@@ -67,8 +67,9 @@ QV_INLINE Vec InterleaveHigh64(Vec a, Vec b) { return QV_OP(unpackhi_epi64)(a, b
 QV_INLINE Vec PackUnsigned16(Vec a, Vec b) { return QV_OP(packus_epi16)(a, b); }
 QV_INLINE Vec PackSigned32(Vec a, Vec b) { return QV_OP(packs_epi32)(a, b); }
 
-// 16-byte lane i of the result is loaded from the address at(i).
+// 16-byte lane i of the result is loaded from the address at(i), or of the vector stored there.
 template <class At> Vec LoadLanes(At at);
+template <class At> void StoreLanes(Vec v, At at);
 
 // All bytes in reverse order; both 16-byte lanes of a vector as the lowest, or as the highest, of
 // them (of one lane: itself; not defined for four).
@@ -80,6 +81,11 @@ Vec HighLaneTwice(Vec v);
 using Vec16 = __m128i;
 QV_INLINE Vec16 Load16(const void* p) { return _mm_loadu_si128(static_cast<const Vec16*>(p)); }
 QV_INLINE void Store16(void* p, Vec16 v) { _mm_storeu_si128(static_cast<Vec16*>(p), v); }
+QV_INLINE void StreamStore16(void* p, Vec16 v) { _mm_stream_si128(static_cast<Vec16*>(p), v); }
+
+// The lowest lane of a vector, and a vector whose other lanes hold anything.
+Vec16 LowLane(Vec v);
+Vec FromLane(Vec16 v);
 
 // kHasByteShuffle. ShuffleBytes picks within each 16-byte lane; an index byte with its top bit set
 // gives 0. MulAddBytes: the saturated sums of neighbouring products of unsigned bytes of `a` and

@@ -27,6 +27,9 @@ template <class At> QV_INLINE Vec LoadLanes(At at) {
   return _mm512_inserti64x4(_mm512_zextsi256_si512(low), high, 1);
 }
 
+QV_INLINE __m128i LowLane(Vec v) { return _mm512_castsi512_si128(v); }
+QV_INLINE Vec FromLane(__m128i v) { return _mm512_castsi128_si512(v); }
+
 QV_INLINE Vec PermuteBytes(Vec v, Vec index) { return _mm512_permutexvar_epi8(index, v); }
 QV_INLINE Vec PermuteBytes2(Vec low, Vec index, Vec high) {
   return _mm512_permutex2var_epi8(low, index, high);

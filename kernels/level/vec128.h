@@ -19,6 +19,12 @@ template <class At> QV_INLINE Vec LoadLanes(At at) {
   return _mm_loadu_si128(reinterpret_cast<const Vec*>(at(0)));
 }
 
+template <class At> QV_INLINE void StoreLanes(Vec v, At at) {
+  _mm_storeu_si128(reinterpret_cast<Vec*>(at(0)), v);
+}
+
+QV_INLINE Vec LowLane(Vec v) { return v; }
+QV_INLINE Vec FromLane(Vec v) { return v; }
 QV_INLINE Vec LowLaneTwice(Vec v) { return v; }
 QV_INLINE Vec HighLaneTwice(Vec v) { return v; }
 
