@@ -18,6 +18,14 @@ constexpr bool kHasByteShuffle = true;
 constexpr bool kHasBytePermute = true;
 constexpr bool kHasMaskedBytes = true;
 
+// For a vector that several operations take: GCC 12 would load it again for each of them, and a load
+// that crosses a cache line is two.
+QV_INLINE Vec LoadOnce(const void* p) {
+  Vec v = _mm512_loadu_si512(p);
+  asm("" : "+v"(v));
+  return v;
+}
+
 template <class At> QV_INLINE Vec LoadLanes(At at) {
   const auto lane = [=](int i) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at(i)));
