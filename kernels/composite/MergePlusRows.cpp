@@ -61,9 +61,11 @@ QV_INLINE Vec MixBytes(Vec alpha, Vec src, Vec dst) {
   const Vec odd =
       MixLanes(a.odd, Or(And(src, high), one),
                MulHighUnsigned16(And(Xor(a.odd, ones), high), And(dst, high)));
-  const Vec shifted = ShiftRight16<8>(even);
-  if constexpr (kHasMaskedBytes) return Select(0xAAAAAAAAAAAAAAAAu, shifted, odd);
-  return Or(shifted, And(odd, high));
+  if constexpr (kHasBytePermute) {
+    static constexpr ByteTable kUpper = MakeByteTable([](int i) { return i | 1; });
+    return PermuteBytesOver(odd, 0x5555555555555555u, even, Load(kUpper.b));
+  }
+  return Or(ShiftRight16<8>(even), And(odd, high));
 }
 
 #else
