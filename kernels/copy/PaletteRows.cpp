@@ -97,18 +97,25 @@ struct PreparedPalette<true> {
         MakeByteTable([](int j) { return (64 + j) / 3 + (64 + j) % 3 * 64; }),
         MakeByteTable([](int j) { return (128 + j) / 3 + (128 + j) % 3 * 64; })};
     constexpr unsigned long long red[3] = {EveryThird(2), EveryThird(1), EveryThird(0)};
-    for (ptrdiff_t k = 0; k < width; k += 64) {
-      const ptrdiff_t rest = width - k;
-      const Vec index = And(LoadPart(src + k, FirstOf64(rest, 0)), indexMask);
+    const auto lookup = [&](Vec unmasked, auto put) {
+      const Vec index = And(unmasked, indexMask);
       const unsigned long long upper = TopBits(index);
       const Vec b = Lookup(0, index, upper), g = Lookup(1, index, upper),
                 r = Lookup(2, index, upper);
       for (int v = 0; v < 3; ++v) {
         const Vec from = Load(&blueGreen[v]);
-        const Vec bgr = PermuteBytesOver(PermuteBytes2(b, from, g), red[v], r, from);
-        StorePart(dst + 3 * k + 64 * v, bgr, FirstOf64(3 * rest, 64 * v));
+        put(64 * v, PermuteBytesOver(PermuteBytes2(b, from, g), red[v], r, from));
       }
-    }
+    };
+    const bool done = CoverWithBlocks<64>(
+        width,
+        [&](ptrdiff_t k) {
+          lookup(Load(src + k), [&](int i, Vec bgr) { Store(dst + 3 * k + i, bgr); });
+        },
+        PixelsToAlign3(dst));
+    if (!done)
+      lookup(LoadPart(src, FirstOf64(width, 0)),
+             [&](int i, Vec bgr) { StorePart(dst + i, bgr, FirstOf64(3 * width, i)); });
   }
 };
 
