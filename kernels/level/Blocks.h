@@ -41,21 +41,26 @@ QV_INLINE bool CoverWithBlocks(ptrdiff_t count, Block block, ptrdiff_t second = 
   return true;
 }
 
-// The same with block(first, store): blocks hand their vectors to store(p, v), which writes past the
-// caches if `stream`, all but the first and the last block. From the second block on vectors
-// then begin at multiples of kVecBytes, or of the 16 of a Vec16.
-template <int kBlock, class Block>
-QV_INLINE bool CoverWithBlocks(ptrdiff_t count, bool stream, Block block,
-                               ptrdiff_t second = kBlock) {
+// The same with block(first, store): blocks hand their vectors to store(p, v), all but the first and
+// the last to `inner`. If that writes past the caches, vectors begin at multiples of kVecBytes, or
+// of the 16 of a Vec16, from the second block on.
+template <int kBlock, class Store, class Block>
+QV_INLINE bool CoverWithBlocksBy(Store inner, ptrdiff_t count, Block block,
+                                 ptrdiff_t second = kBlock) {
   if (count < kBlock) return false;
   block(0, StoreInCaches());
   ptrdiff_t i = second;
-  if (stream)
-    for (; i <= count - kBlock; i += kBlock) block(i, StorePastCaches());
-  else
-    for (; i <= count - kBlock; i += kBlock) block(i, StoreInCaches());
+  for (; i <= count - kBlock; i += kBlock) block(i, inner);
   if (i < count) block(count - kBlock, StoreInCaches());
   return true;
+}
+
+// Past the caches if `stream`.
+template <int kBlock, class Block>
+QV_INLINE bool CoverWithBlocks(ptrdiff_t count, bool stream, Block block,
+                               ptrdiff_t second = kBlock) {
+  return stream ? CoverWithBlocksBy<kBlock>(StorePastCaches(), count, block, second)
+                : CoverWithBlocksBy<kBlock>(StoreInCaches(), count, block, second);
 }
 
 // The same for a row that is changed in place: p[k] = function(p[k]) for a Vec of bytes at a time.
