@@ -74,8 +74,8 @@ void ComposeImages(const Images& images, const Composition& c, bool) {
 #else
 
 // The factors other than 255, as multipliers of 16-bit lanes. floor(x * c / 255) of a byte x is
-// x * (257 * c + 1) >> 16 for c up to 254: with x * c = 255 k + r, the product is 65535 k + 257 r + x,
-// at least 65536 k as k <= x, and below 65536 (k + 1) as 257 r + x <= 257 * 254 + 255.
+// x * (257 * c + 1) >> 16 for c up to 254: with x * c = 255 k + r, the product is 65535 k + 257 r +
+// x, at least 65536 k as k <= x, and below 65536 (k + 1) as 257 r + x <= 257 * 254 + 255.
 struct Multipliers {
   Vec f[2];
 
@@ -97,7 +97,7 @@ struct Multipliers {
 
 // With kA factors on a and kB on b; kB below 0 does not read b.
 template <int kA, int kB>
-void ComposeImagesBy(const Images& images, const Composition& c, bool stream) {
+void ComposeBy(const Images& images, const Composition& c, bool stream) {
   const Multipliers fa(c.a), fb(c.b);
   const auto compose = [&](Vec x, [[maybe_unused]] auto loadB) {
     if constexpr (kA == 0 && kB < 0) return x;
@@ -127,9 +127,9 @@ void ComposeImagesBy(const Images& images, const Composition& c, bool stream) {
 
 void ComposeImages(const Images& images, const Composition& c, bool stream) {
   static constexpr decltype(&ComposeImages) kBy[3][4] = {
-      {ComposeImagesBy<0, -1>, ComposeImagesBy<0, 0>, ComposeImagesBy<0, 1>, ComposeImagesBy<0, 2>},
-      {ComposeImagesBy<1, -1>, ComposeImagesBy<1, 0>, ComposeImagesBy<1, 1>, ComposeImagesBy<1, 2>},
-      {ComposeImagesBy<2, -1>, ComposeImagesBy<2, 0>, ComposeImagesBy<2, 1>, ComposeImagesBy<2, 2>}};
+      {ComposeBy<0, -1>, ComposeBy<0, 0>, ComposeBy<0, 1>, ComposeBy<0, 2>},
+      {ComposeBy<1, -1>, ComposeBy<1, 0>, ComposeBy<1, 1>, ComposeBy<1, 2>},
+      {ComposeBy<2, -1>, ComposeBy<2, 0>, ComposeBy<2, 1>, ComposeBy<2, 2>}};
   kBy[Multipliers::CountOf(c.a)][c.usesB ? 1 + Multipliers::CountOf(c.b) : 0](images, c, stream);
 }
 

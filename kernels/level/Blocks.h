@@ -41,9 +41,9 @@ QV_INLINE bool CoverWithBlocks(ptrdiff_t count, Block block, ptrdiff_t second = 
   return true;
 }
 
-// The same with block(first, store): blocks hand their vectors to store(p, v), all but the first and
-// the last to `inner`. If that writes past the caches, vectors begin at multiples of kVecBytes, or
-// of the 16 of a Vec16, from the second block on.
+// The same with block(first, store): blocks hand their vectors to store(p, v), all but the first
+// and the last to `inner`. If that writes past the caches, vectors begin at multiples of kVecBytes,
+// or of the 16 of a Vec16, from the second block on.
 template <int kBlock, class Store, class Block>
 QV_INLINE bool CoverWithBlocksBy(Store inner, ptrdiff_t count, Block block,
                                  ptrdiff_t second = kBlock) {

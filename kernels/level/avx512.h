@@ -18,8 +18,8 @@ constexpr bool kHasByteShuffle = true;
 constexpr bool kHasBytePermute = true;
 constexpr bool kHasMaskedBytes = true;
 
-// For a vector that several operations take: GCC 12 would load it again for each of them, and a load
-// that crosses a cache line is two.
+// For a vector that several operations take: GCC 12 would load it again for each of them, and a
+// load that crosses a cache line is two.
 QV_INLINE Vec LoadOnce(const void* p) {
   Vec v = _mm512_loadu_si512(p);
   asm("" : "+v"(v));
