@@ -7,9 +7,9 @@ namespace qv::QV_LEVEL {
 // Covers the elements 0 .. count - 1 with blocks: compute(first) loads the inputs of kBlock
 // elements and returns their result, put(first, result, store) stores it by store(p, v), past the
 // caches if `stream` in all but the first and the last block (see CoverWithBlocks). The second
-// block begins at `second` (1 to kBlock), the last one may overlap its predecessor; the first and the
-// last are computed before anything is stored, so that overlapping blocks see inputs, not results.
-// False, with nothing done, if the row is shorter than a block.
+// block begins at `second` (1 to kBlock), the last one may overlap its predecessor; the first and
+// the last are computed before anything is stored, so that overlapping blocks see inputs, not
+// results. False, with nothing done, if the row is shorter than a block.
 template <int kBlock, class Compute, class Put>
 QV_INLINE bool CoverInPlace(ptrdiff_t count, bool stream, ptrdiff_t second, Compute compute,
                             Put put) {
