@@ -20,7 +20,7 @@ struct PreparedPalette;
 // The palette as one word an entry, repeated to 256 entries so that an index needs no mask.
 template <>
 struct PreparedPalette<false> {
-  uint32_t entry[256];
+  alignas(64) uint32_t entry[256];
 
   PreparedPalette(const Byte* palette, int mask) {
     for (int k = 0; k < mask; ++k) {
