@@ -15,6 +15,13 @@ namespace qv::QV_LEVEL {
 
 constexpr int kBlockPixels = kVecBytes;
 
+// Pixels from dst to the next multiple of a vector, 2 to kBlockPixels of them, if that is an even
+// number, as it is at even addresses; else 0.
+QV_INLINE ptrdiff_t EvenPixelsToAlign3(const Byte* dst) {
+  const ptrdiff_t pixels = PixelsToAlign3(dst);
+  return pixels % 2 == 0 ? pixels : 0;
+}
+
 // The colours of half a block, in signed 16-bit lanes, not yet limited to a byte.
 struct Colours {
   Vec blue, green, red;
@@ -137,9 +144,10 @@ QV_INLINE BlockBytes Interleave(const Colours& first, const Colours& second) {
            Gather<2, 2>(red, Gather<2, 1>(high))}};
 }
 
-QV_INLINE void StoreBGR(Byte* dst, const Colours& first, const Colours& second) {
+template <class Store>
+QV_INLINE void StoreBGR(Byte* dst, const Colours& first, const Colours& second, Store store) {
   const BlockBytes bytes = Interleave(first, second);
-  for (int i = 0; i < 3; ++i) Store(dst + 64 * i, bytes.part[i]);
+  for (int i = 0; i < 3; ++i) store(dst + 64 * i, bytes.part[i]);
 }
 
 #else
@@ -198,20 +206,22 @@ QV_INLINE Vec SplatLane(const LaneIndex& index) {
   return _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(index.at)));
 }
 
-QV_INLINE void StoreParts(Byte* dst, Vec a, Vec b, Vec c) {
-  Store(dst, _mm256_permute2x128_si256(a, b, 0x20));
-  Store(dst + 32, _mm256_blend_epi32(c, a, 0xF0));
-  Store(dst + 64, _mm256_permute2x128_si256(b, c, 0x31));
+template <class Store>
+QV_INLINE void StoreParts(Byte* dst, Vec a, Vec b, Vec c, Store store) {
+  store(dst, _mm256_permute2x128_si256(a, b, 0x20));
+  store(dst + 32, _mm256_blend_epi32(c, a, 0xF0));
+  store(dst + 64, _mm256_permute2x128_si256(b, c, 0x31));
 }
 
 #else
 
 QV_INLINE Vec SplatLane(const LaneIndex& index) { return Load(index.at); }
 
-QV_INLINE void StoreParts(Byte* dst, Vec a, Vec b, Vec c) {
-  Store(dst, a);
-  Store(dst + 16, b);
-  Store(dst + 32, c);
+template <class Store>
+QV_INLINE void StoreParts(Byte* dst, Vec a, Vec b, Vec c, Store store) {
+  store(dst, a);
+  store(dst + 16, b);
+  store(dst + 32, c);
 }
 
 #endif
@@ -222,13 +232,14 @@ QV_INLINE Vec Gather(Vec v) {
   return ShuffleBytes(v, SplatLane(index));
 }
 
-QV_INLINE void StoreBGR(Byte* dst, const Colours& first, const Colours& second) {
+template <class Store>
+QV_INLINE void StoreBGR(Byte* dst, const Colours& first, const Colours& second, Store store) {
   const Vec low = PackUnsigned16(first.blue, first.green);
   const Vec high = PackUnsigned16(second.blue, second.green);
   const Vec red = PackUnsigned16(first.red, second.red);
   StoreParts(dst, Or(Gather<0, 0>(low), Gather<0, 2>(red)),
              Or(Or(Gather<1, 0>(low), Gather<1, 1>(high)), Gather<1, 2>(red)),
-             Or(Gather<2, 1>(high), Gather<2, 2>(red)));
+             Or(Gather<2, 1>(high), Gather<2, 2>(red)), store);
 }
 
 #else  // SSE2
@@ -245,7 +256,9 @@ QV_INLINE void StorePixelPairs(Byte* dst, Vec v) {
   _mm_storel_epi64(reinterpret_cast<Vec*>(dst + 6), _mm_unpackhi_epi64(v, v));
 }
 
-QV_INLINE void StoreBGR(Byte* dst, const Colours& first, const Colours& second) {
+// Pieces of six bytes do not go past the caches.
+template <class Store>
+QV_INLINE void StoreBGR(Byte* dst, const Colours& first, const Colours& second, Store) {
   const Vec blue = PackUnsigned16(first.blue, second.blue);
   const Vec green = PackUnsigned16(first.green, second.green);
   const Vec red = PackUnsigned16(first.red, second.red);

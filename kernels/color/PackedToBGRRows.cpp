@@ -25,7 +25,9 @@ QV_INLINE void StorePixel(int y, int cb, int cr, Byte* dst) {
 
 #if !QV_HAS_VECTORS
 
-QV_INLINE void Row(const Byte* src, Byte* dst, ptrdiff_t width) { RowPlain(src, dst, width); }
+QV_INLINE void Row(const Byte* src, Byte* dst, ptrdiff_t width, bool) {
+  RowPlain(src, dst, width);
+}
 
 #else
 
@@ -35,13 +37,16 @@ QV_INLINE Colours ConvertHalf(Vec groups) {
   return AddLuma(FourTimesEvenBytes(groups), chroma);
 }
 
-QV_INLINE void Row(const Byte* src, Byte* dst, ptrdiff_t width) {
-  const auto block = [=](ptrdiff_t x) {
+QV_INLINE void Row(const Byte* src, Byte* dst, ptrdiff_t width, bool stream) {
+  const auto block = [=](ptrdiff_t x, auto store) {
     Vec first, second;
     LoadPacked(src + 2 * x, first, second);
-    StoreBGR(dst + 3 * x, ConvertHalf(first), ConvertHalf(second));
+    StoreBGR(dst + 3 * x, ConvertHalf(first), ConvertHalf(second), store);
   };
-  if (!CoverWithBlocks<kBlockPixels>(width, block)) RowPlain(src, dst, width);
+  const ptrdiff_t toAlign = EvenPixelsToAlign3(dst);
+  const bool done = CoverWithBlocks<kBlockPixels>(width, stream && toAlign > 0, block,
+                                                  toAlign > 0 ? toAlign : kBlockPixels);
+  if (!done) RowPlain(src, dst, width);
 }
 
 #endif
@@ -53,16 +58,18 @@ IppStatus YCbCr422ToBGR_8u_C2C3(const Byte* src, int srcStep, Byte* dst, int dst
   if (!src || !dst) return StatusNullPtrErr;
   if (size.width < 2 || size.height < 1) return StatusSizeErr;
   const ptrdiff_t even = size.width & ~1;
+  const bool stream = PassesCaches(size.width, size.height, 3);
   for (int y = 0; y < size.height; ++y) {
     const Byte* from = RowAt(src, srcStep, y);
     Byte* to = RowAt(dst, dstStep, y);
-    Row(from, to, even);
+    Row(from, to, even, stream);
     // The last group of an odd row has no Cr: that of the group before it serves.
     if (even != size.width) {
       const Byte* last = from + 2 * even;
       StorePixel(last[0], last[1], last[-1], to + 3 * even);
     }
   }
+  if (stream) StreamFence();
   return StatusOk;
 }
 

@@ -38,6 +38,19 @@ Composition CompositionOf(int type, int alpha1, int alpha2) {
   }
 }
 
+struct Images {
+  const Byte* a;
+  int aStep;
+  const Byte* b;
+  int bStep;
+  Byte* dst;
+  int dstStep;
+  ptrdiff_t rowBytes;
+  int rows;
+};
+
+#if !QV_HAS_VECTORS
+
 // floor(x / 255) for x up to 65025.
 QV_INLINE int Div255(int x) { return (x + 1 + (x >> 8)) >> 8; }
 
@@ -45,74 +58,80 @@ QV_INLINE int Scale(int x, const int (&factors)[2]) {
   return Div255(Div255(x * factors[0]) * factors[1]);
 }
 
-void ComposeRowPlain(const Byte* a, const Byte* b, Byte* dst, ptrdiff_t bytes,
-                     const Composition& c) {
-  if (c.usesB)
-    for (ptrdiff_t k = 0; k < bytes; ++k) dst[k] = ToByte(Scale(a[k], c.a) + Scale(b[k], c.b));
-  else
-    for (ptrdiff_t k = 0; k < bytes; ++k) dst[k] = static_cast<Byte>(Scale(a[k], c.a));
-}
-
-#if QV_HAS_VECTORS
-
-// floor(x * c / 255) of a byte x in a 16-bit lane is x * (257 * c + 1) >> 16 for c up to 254: with
-// x * c = 255 k + r, the product is 65535 k + 257 r + x, at least 65536 k as k <= x, and below
-// 65536 (k + 1) as 257 r + x <= 257 * 254 + 255. The factor 255 changes nothing and is left out.
-struct Factors {
-  Vec f[2];
-  int count;
-
-  explicit Factors(const int (&factors)[2]) : f{Zero(), Zero()}, count(0) {
-    for (const int factor : factors)
-      if (factor != 255) f[count++] = Splat16(257 * factor + 1);
+void ComposeImages(const Images& images, const Composition& c, bool) {
+  for (int y = 0; y < images.rows; ++y) {
+    const Byte* const a = RowAt(images.a, images.aStep, y);
+    const Byte* const b = RowAt(images.b, images.bStep, y);
+    Byte* const dst = RowAt(images.dst, images.dstStep, y);
+    if (c.usesB)
+      for (ptrdiff_t k = 0; k < images.rowBytes; ++k)
+        dst[k] = ToByte(Scale(a[k], c.a) + Scale(b[k], c.b));
+    else
+      for (ptrdiff_t k = 0; k < images.rowBytes; ++k) dst[k] = static_cast<Byte>(Scale(a[k], c.a));
   }
-};
-
-template <int kCount>
-QV_INLINE Vec ScaleWords(Vec x, const Factors& factors) {
-  if constexpr (kCount > 0) x = MulHighUnsigned16(x, factors.f[0]);
-  if constexpr (kCount > 1) x = MulHighUnsigned16(x, factors.f[1]);
-  return x;
-}
-
-// A row with kA factors on a and kB on b; kB below 0 does not read b.
-template <int kA, int kB>
-void ComposeRowBy(const Byte* a, const Byte* b, Byte* dst, ptrdiff_t bytes,
-                  const Composition& c) {
-  const Factors fa(c.a), fb(c.b);
-  const bool done = CoverInPlace<kVecBytes>(
-      bytes, BytesToAlign(dst),
-      [&](ptrdiff_t i) {
-        const Vec x = Load(a + i);
-        if constexpr (kA == 0 && kB < 0) return x;
-        if constexpr (kA == 0 && kB == 0) return AddSaturated8(x, Load(b + i));
-        Vec low = ScaleWords<kA>(InterleaveLow8(x, Zero()), fa);
-        Vec high = ScaleWords<kA>(InterleaveHigh8(x, Zero()), fa);
-        if constexpr (kB >= 0) {
-          const Vec y = Load(b + i);
-          low = Add16(low, ScaleWords<kB>(InterleaveLow8(y, Zero()), fb));
-          high = Add16(high, ScaleWords<kB>(InterleaveHigh8(y, Zero()), fb));
-        }
-        return PackUnsigned16(low, high);
-      },
-      [&](ptrdiff_t i, Vec result) { Store(dst + i, result); });
-  if (!done) ComposeRowPlain(a, b, dst, bytes, c);
-}
-
-using RowFunction = void(const Byte* a, const Byte* b, Byte* dst, ptrdiff_t bytes,
-                         const Composition& c);
-
-RowFunction* RowOf(const Composition& c) {
-  static constexpr RowFunction* kRows[3][4] = {
-      {ComposeRowBy<0, -1>, ComposeRowBy<0, 0>, ComposeRowBy<0, 1>, ComposeRowBy<0, 2>},
-      {ComposeRowBy<1, -1>, ComposeRowBy<1, 0>, ComposeRowBy<1, 1>, ComposeRowBy<1, 2>},
-      {ComposeRowBy<2, -1>, ComposeRowBy<2, 0>, ComposeRowBy<2, 1>, ComposeRowBy<2, 2>}};
-  return kRows[Factors(c.a).count][c.usesB ? 1 + Factors(c.b).count : 0];
 }
 
 #else
 
-constexpr auto RowOf(const Composition&) { return ComposeRowPlain; }
+// The factors other than 255, as multipliers of 16-bit lanes. floor(x * c / 255) of a byte x is
+// x * (257 * c + 1) >> 16 for c up to 254: with x * c = 255 k + r, the product is 65535 k + 257 r +
+// x, at least 65536 k as k <= x, and below 65536 (k + 1) as 257 r + x <= 257 * 254 + 255.
+struct Multipliers {
+  Vec f[2];
+
+  explicit Multipliers(const int (&factors)[2])
+      : f{Splat16(257 * (factors[0] != 255 ? factors[0] : factors[1]) + 1),
+          Splat16(257 * factors[1] + 1)} {}
+
+  static int CountOf(const int (&factors)[2]) {
+    return (factors[0] != 255 ? 1 : 0) + (factors[1] != 255 ? 1 : 0);
+  }
+
+  template <int kCount>
+  QV_INLINE Vec Scale(Vec x) const {
+    if constexpr (kCount > 0) x = MulHighUnsigned16(x, f[0]);
+    if constexpr (kCount > 1) x = MulHighUnsigned16(x, f[1]);
+    return x;
+  }
+};
+
+// With kA factors on a and kB on b; kB below 0 does not read b.
+template <int kA, int kB>
+void ComposeBy(const Images& images, const Composition& c, bool stream) {
+  const Multipliers fa(c.a), fb(c.b);
+  const auto compose = [&](Vec x, [[maybe_unused]] auto loadB) {
+    if constexpr (kA == 0 && kB < 0) return x;
+    if constexpr (kA == 0 && kB == 0) return AddSaturated8(x, loadB());
+    Vec low = fa.Scale<kA>(InterleaveLow8(x, Zero()));
+    Vec high = fa.Scale<kA>(InterleaveHigh8(x, Zero()));
+    if constexpr (kB >= 0) {
+      const Vec y = loadB();
+      low = Add16(low, fb.Scale<kB>(InterleaveLow8(y, Zero())));
+      high = Add16(high, fb.Scale<kB>(InterleaveHigh8(y, Zero())));
+    }
+    return PackUnsigned16(low, high);
+  };
+  const ptrdiff_t bytes = images.rowBytes;
+  for (int y = 0; y < images.rows; ++y) {
+    const Byte* const a = RowAt(images.a, images.aStep, y);
+    const Byte* const b = RowAt(images.b, images.bStep, y);
+    Byte* const dst = RowAt(images.dst, images.dstStep, y);
+    const bool done = CoverInPlace<kVecBytes>(
+        bytes, stream, BytesToAlign(dst),
+        [&](ptrdiff_t i) { return compose(Load(a + i), [&] { return Load(b + i); }); },
+        [&](ptrdiff_t i, Vec result, auto store) { store(dst + i, result); });
+    if (!done)
+      StoreShort(dst, compose(LoadShort(a, bytes), [&] { return LoadShort(b, bytes); }), bytes);
+  }
+}
+
+void ComposeImages(const Images& images, const Composition& c, bool stream) {
+  static constexpr decltype(&ComposeImages) kBy[3][4] = {
+      {ComposeBy<0, -1>, ComposeBy<0, 0>, ComposeBy<0, 1>, ComposeBy<0, 2>},
+      {ComposeBy<1, -1>, ComposeBy<1, 0>, ComposeBy<1, 1>, ComposeBy<1, 2>},
+      {ComposeBy<2, -1>, ComposeBy<2, 0>, ComposeBy<2, 1>, ComposeBy<2, 2>}};
+  kBy[Multipliers::CountOf(c.a)][c.usesB ? 1 + Multipliers::CountOf(c.b) : 0](images, c, stream);
+}
 
 #endif
 
@@ -123,12 +142,12 @@ QV_INLINE IppStatus Compose(const Byte* src1, int src1Step, int alpha1, const By
   if (!src1 || !src2 || !dst) return StatusNullPtrErr;
   if (size.width < 1 || size.height < 1) return StatusSizeErr;
   if (alphaType < AlphaOver || alphaType > AlphaPlusPremul) return StatusAlphaTypeErr;
-  const Composition composition = CompositionOf(alphaType, alpha1, alpha2);
-  const auto composeRow = RowOf(composition);
-  const ptrdiff_t rowBytes = static_cast<ptrdiff_t>(size.width) * kChannels;
-  for (int y = 0; y < size.height; ++y)
-    composeRow(RowAt(src1, src1Step, y), RowAt(src2, src2Step, y), RowAt(dst, dstStep, y),
-               rowBytes, composition);
+  const bool inPlace = dst == src1 || dst == src2;
+  const bool stream = !inPlace && PassesCaches(size.width, size.height, kChannels);
+  ComposeImages({src1, src1Step, src2, src2Step, dst, dstStep,
+                 static_cast<ptrdiff_t>(size.width) * kChannels, size.height},
+                CompositionOf(alphaType, alpha1, alpha2), stream);
+  if (stream) StreamFence();
   return StatusOk;
 }
 

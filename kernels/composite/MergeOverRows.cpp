@@ -63,7 +63,7 @@ QV_INLINE int NearestInt(float x) {
 // product.
 void AlphaRow(Byte* dstAlpha, const Byte* bgAlpha, ptrdiff_t width) {
   const bool done = CoverInPlace<kVecBytes>(
-      width, BytesToAlign(dstAlpha),
+      width, false, BytesToAlign(dstAlpha),
       [&](ptrdiff_t x) {
         const Vec d = Load(dstAlpha + x), ba = Load(bgAlpha + x);
         const Vec rest = Sub8(Splat8(-1), d);
@@ -72,24 +72,8 @@ void AlphaRow(Byte* dstAlpha, const Byte* bgAlpha, ptrdiff_t width) {
             MulHighUnsigned16(InterleaveHigh8(Zero(), rest), InterleaveHigh8(ba, Zero()));
         return AddSaturated8(d, PackUnsigned16(low, high));
       },
-      [&](ptrdiff_t x, Vec a) { Store(dstAlpha + x, a); });
+      [&](ptrdiff_t x, Vec a, auto store) { store(dstAlpha + x, a); });
   if (!done) AlphaRowPlain(dstAlpha, bgAlpha, width);
-}
-
-// A block that would touch bytes behind the row goes through copies.
-__attribute__((noinline)) void ColourRest(Byte* fg, const Byte* fgAlpha, const Byte* bg,
-                                          const Byte* bgAlpha, const Byte* mergedAlpha,
-                                          ptrdiff_t bytes) {
-  Byte f[kOverReads] = {}, b[kOverReads] = {};
-  Byte alphas[3][kOverPixels] = {};
-  const size_t colours = static_cast<size_t>(bytes), pixels = (colours + 2) / 3;
-  memcpy(f, fg, colours);
-  memcpy(b, bg, colours);
-  memcpy(alphas[0], fgAlpha, pixels);
-  memcpy(alphas[1], bgAlpha, pixels);
-  memcpy(alphas[2], mergedAlpha, pixels);
-  OverBlock(f, alphas[0], b, alphas[1], alphas[2]);
-  memcpy(fg, f, colours);
 }
 
 void ColourRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
@@ -99,8 +83,8 @@ void ColourRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlph
     OverBlock(fg + 3 * x, fgAlpha + x, bg + 3 * x, bgAlpha + x, mergedAlpha + x);
   for (; 3 * x < bytes; x += kOverPixels) {
     const ptrdiff_t left = bytes - 3 * x;
-    ColourRest(fg + 3 * x, fgAlpha + x, bg + 3 * x, bgAlpha + x, mergedAlpha + x,
-               left < 3 * kOverPixels ? left : 3 * kOverPixels);
+    OverPart(fg + 3 * x, fgAlpha + x, bg + 3 * x, bgAlpha + x, mergedAlpha + x,
+             left < 3 * kOverPixels ? left : 3 * kOverPixels);
   }
 }
 

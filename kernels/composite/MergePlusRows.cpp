@@ -61,9 +61,11 @@ QV_INLINE Vec MixBytes(Vec alpha, Vec src, Vec dst) {
   const Vec odd =
       MixLanes(a.odd, Or(And(src, high), one),
                MulHighUnsigned16(And(Xor(a.odd, ones), high), And(dst, high)));
-  const Vec shifted = ShiftRight16<8>(even);
-  if constexpr (kHasMaskedBytes) return Select(0xAAAAAAAAAAAAAAAAu, shifted, odd);
-  return Or(shifted, And(odd, high));
+  if constexpr (kHasBytePermute) {
+    static constexpr ByteTable kUpper = MakeByteTable([](int i) { return i | 1; });
+    return PermuteBytesOver(odd, 0x5555555555555555u, even, Load(kUpper.b));
+  }
+  return Or(ShiftRight16<8>(even), And(odd, high));
 }
 
 #else
@@ -89,7 +91,7 @@ struct Colours {
 template <int kChannels>
 void MixRow(Byte* srcDst, const Byte* src, const Byte* alpha, ptrdiff_t width) {
   const bool done = CoverInPlace<kVecBytes>(
-      width, kChannels == 1 ? BytesToAlign(srcDst) : PixelsToAlign3(srcDst),
+      width, false, kChannels == 1 ? BytesToAlign(srcDst) : PixelsToAlign3(srcDst),
       [&](ptrdiff_t x) {
         const Byte* const s = src + kChannels * x;
         const Byte* const d = srcDst + kChannels * x;
@@ -102,9 +104,9 @@ void MixRow(Byte* srcDst, const Byte* src, const Byte* alpha, ptrdiff_t width) {
         }
         return mixed;
       },
-      [&](ptrdiff_t x, const Colours<kChannels>& mixed) {
+      [&](ptrdiff_t x, const Colours<kChannels>& mixed, auto store) {
         for (int j = 0; j < kChannels; ++j)
-          Store(srcDst + kChannels * x + j * kVecBytes, mixed.v[j]);
+          store(srcDst + kChannels * x + j * kVecBytes, mixed.v[j]);
       });
   if (!done) MixRowPlain<kChannels>(srcDst, src, alpha, width);
 }

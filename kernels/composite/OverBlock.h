@@ -2,9 +2,10 @@
 // rows are made of, in three shapes.
 //
 //   OverBlock(fg, fgAlpha, bg, bgAlpha, merged)   kOverPixels pixels, three bytes each, fg in place
+//   OverPart(..., bytes)                          the pixels of the first `bytes` colour bytes
 //
 // Alphas are one byte a pixel. A block may read kOverReads colour bytes and kOverPixels alphas; it
-// stores 3 * kOverPixels bytes.
+// stores 3 * kOverPixels bytes. A part, of up to 3 * kOverPixels bytes, touches nothing behind it.
 #ifndef QV_KERNELS_COMPOSITE_OVERBLOCK_H
 #define QV_KERNELS_COMPOSITE_OVERBLOCK_H
 
@@ -47,19 +48,20 @@ QV_INLINE Floats BytesAbove23(Vec bytes, const ByteTable& index) {
       PermuteBytesOver(Splat32(0x4B000000), 0x1111111111111111u, bytes, Load(index.b)));
 }
 
-QV_INLINE Floats AlphasAbove23(const Byte* alpha) {
-  static constexpr ByteTable kIndex = MakeByteTable([](int i) { return i / 4; });
-  return BytesAbove23(_mm512_castsi128_si512(Load16(alpha)), kIndex);
-}
-
 // x * weight, rounded once, of x + 2^23: the fused operation takes 2^23 * weight, which is exact,
 // off the exact product.
 QV_INLINE Floats WeighAbove23(Floats x, Floats weight) {
   return _mm512_fmadd_ps(x, weight, MulFloat(weight, SplatFloat(-0x1p23f)));
 }
 
-QV_INLINE Floats Over255Above23(Floats x) {
-  return AddOver65535(WeighAbove23(x, SplatFloat(k257Over65536)));
+// (x + plus) / 255 of 16 bytes x. A byte twice in the low end of the significand of 128 is 128 +
+// x * 257 / 65536; the subtraction is exact.
+template <int plus>
+QV_INLINE Floats AlphasOver255(Vec alphas) {
+  static constexpr ByteTable kIndex = MakeByteTable([](int i) { return i / 4; });
+  const Vec above =
+      PermuteBytesOver(Splat32(0x43000000), 0x3333333333333333u, alphas, Load(kIndex.b));
+  return AddOver65535(SubFloat(AsFloats(above), SplatFloat(128.0f - plus * k257Over65536)));
 }
 
 // 1 / divisor in two terms. For every sum from 2^-20 to 256 and each of the 256 divisors, the
@@ -75,8 +77,7 @@ struct Reciprocal {
   Floats Times(Floats sum) const { return _mm512_fmadd_ps(sum, high, MulFloat(sum, low)); }
 };
 
-QV_INLINE void OverBlock(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
-                         const Byte* merged) {
+QV_INLINE Vec MergedColours(Vec f, Vec fgAlpha, Vec b, Vec bgAlpha, Vec merged) {
   static constexpr ByteTable kChannel[3] = {
       MakeByteTable([](int i) { return i / 4 * 3; }),
       MakeByteTable([](int i) { return i / 4 * 3 + 1; }),
@@ -84,11 +85,9 @@ QV_INLINE void OverBlock(Byte* fg, const Byte* fgAlpha, const Byte* bg, const By
   // After packing, every 16-byte lane holds four pixels: four bytes of each channel.
   static constexpr ByteTable kInterleave =
       MakeByteTable([](int i) { return i < 48 ? i / 12 * 16 + i % 3 * 4 + i / 3 % 4 : 0; });
-  const OverWeights w =
-      WeightsOf(Over255Above23(AlphasAbove23(fgAlpha)), Over255Above23(AlphasAbove23(bgAlpha)),
-                Over255(SubFloat(AlphasAbove23(merged), SplatFloat(0x1p23f - 1))));
+  const OverWeights w = WeightsOf(AlphasOver255<0>(fgAlpha), AlphasOver255<0>(bgAlpha),
+                                  AlphasOver255<1>(merged));
   const Reciprocal reciprocal(w.divisor);
-  const Vec f = Load(fg), b = Load(bg);
   Vec result[3];
   for (int c = 0; c < 3; ++c) {
     const Floats sum = AddFloat(WeighAbove23(BytesAbove23(f, kChannel[c]), w.foreground),
@@ -98,10 +97,26 @@ QV_INLINE void OverBlock(Byte* fg, const Byte* fgAlpha, const Byte* bg, const By
   // Saturates twice: to 16 bits, then to bytes.
   const Vec packed = PackUnsigned16(PackSigned32(result[0], result[1]),
                                     PackSigned32(result[2], result[2]));
-  const Vec colours = PermuteBytes(packed, Load(kInterleave.b));
+  return PermuteBytes(packed, Load(kInterleave.b));
+}
+
+QV_INLINE void OverBlock(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
+                         const Byte* merged) {
+  const auto alphas = [](const Byte* p) { return FromLane(Load16(p)); };
+  const Vec colours = MergedColours(LoadOnce(fg), alphas(fgAlpha), LoadOnce(bg), alphas(bgAlpha),
+                                    alphas(merged));
   // Not one masked store: the next block's load would have to wait for it.
   _mm256_storeu_si256(reinterpret_cast<__m256i*>(fg), _mm512_castsi512_si256(colours));
   Store16(fg + 32, _mm512_extracti32x4_epi32(colours, 2));
+}
+
+QV_INLINE void OverPart(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
+                        const Byte* merged, ptrdiff_t bytes) {
+  const unsigned long long colours = FirstOf64(bytes, 0), pixels = FirstOf64((bytes + 2) / 3, 0);
+  StorePart(fg, MergedColours(LoadPart(fg, colours), LoadPart(fgAlpha, pixels),
+                              LoadPart(bg, colours), LoadPart(bgAlpha, pixels),
+                              LoadPart(merged, pixels)),
+            colours);
 }
 
 #elif defined(__AVX2__)
@@ -213,6 +228,26 @@ QV_INLINE void OverBlock(Byte* fg, const Byte* fgAlpha, const Byte* bg, const By
     return pack(MergedQuad<2>(f.f[0], b.f[0], w[2]), MergedQuad<0>(f.f[1], b.f[1], w[3]),
                 MergedQuad<1>(f.f[2], b.f[2], w[3]), MergedQuad<2>(f.f[3], b.f[3], w[3]));
   });
+}
+
+#endif
+
+#if !defined(__AVX512VBMI__)
+
+// Goes through copies.
+__attribute__((noinline)) inline void OverPart(Byte* fg, const Byte* fgAlpha, const Byte* bg,
+                                        const Byte* bgAlpha, const Byte* merged,
+                                        ptrdiff_t bytes) {
+  Byte f[kOverReads] = {}, b[kOverReads] = {};
+  Byte alphas[3][kOverPixels] = {};
+  const size_t colours = static_cast<size_t>(bytes), pixels = (colours + 2) / 3;
+  memcpy(f, fg, colours);
+  memcpy(b, bg, colours);
+  memcpy(alphas[0], fgAlpha, pixels);
+  memcpy(alphas[1], bgAlpha, pixels);
+  memcpy(alphas[2], merged, pixels);
+  OverBlock(f, alphas[0], b, alphas[1], alphas[2]);
+  memcpy(fg, f, colours);
 }
 
 #endif

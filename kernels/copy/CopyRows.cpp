@@ -1,5 +1,6 @@
 // Copies that keep or change the pixel layout.
 #include "kernels/copy/Copy.h"
+#include "kernels/copy/CopyRow.h"
 #include "kernels/level/Level.h"
 
 namespace qv::QV_LEVEL {
@@ -30,14 +31,11 @@ QV_INLINE void DupGrayRowPlain(const Byte* src, Byte* dst, ptrdiff_t width) {
 #if !QV_HAS_VECTORS
 
 void ChannelRow(const Byte* src, Byte* dst, ptrdiff_t width) { ChannelRowPlain(src, dst, width); }
-void DropAlphaRow(const Byte* s, Byte* d, ptrdiff_t width) { DropAlphaRowPlain(s, d, width); }
+void DropAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, bool) {
+  DropAlphaRowPlain(src, dst, width);
+}
 void KeepAlphaRow(const Byte* s, Byte* d, ptrdiff_t width) { KeepAlphaRowPlain(s, d, width); }
 void DupGrayRow(const Byte* src, Byte* dst, ptrdiff_t width) { DupGrayRowPlain(src, dst, width); }
-
-QV_INLINE void CopyRow(const Byte* src, Byte* dst, ptrdiff_t bytes, bool) {
-  memcpy(dst, src, static_cast<size_t>(bytes));
-}
-QV_INLINE void EndCopy(bool) {}
 
 #else
 
@@ -76,7 +74,7 @@ void ChannelRow(const Byte* src, Byte* dst, ptrdiff_t width) {
   }
 }
 
-void DropAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width) {
+void DropAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] bool stream) {
   ptrdiff_t k = 0;
   if constexpr (kHasBytePermute) {
     // Vector k of the result takes its bytes from vectors k and k + 1 of the source.
@@ -85,14 +83,14 @@ void DropAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width) {
         MakeByteTable([](int j) { return (64 + j) / 3 * 4 + (64 + j) % 3 - 64; }),
         MakeByteTable([](int j) { return (128 + j) / 3 * 4 + (128 + j) % 3 - 128; })};
     const Vec index0 = Load(&from[0]), index1 = Load(&from[1]), index2 = Load(&from[2]);
-    const auto block = [&](ptrdiff_t x) {
+    const auto block = [&](ptrdiff_t x, auto store) {
       const Vec v0 = Load(src + 4 * x), v1 = Load(src + 4 * x + 64),
                 v2 = Load(src + 4 * x + 128), v3 = Load(src + 4 * x + 192);
-      Store(dst + 3 * x, PermuteBytes2(v0, index0, v1));
-      Store(dst + 3 * x + 64, PermuteBytes2(v1, index1, v2));
-      Store(dst + 3 * x + 128, PermuteBytes2(v2, index2, v3));
+      store(dst + 3 * x, PermuteBytes2(v0, index0, v1));
+      store(dst + 3 * x + 64, PermuteBytes2(v1, index1, v2));
+      store(dst + 3 * x + 128, PermuteBytes2(v2, index2, v3));
     };
-    if (CoverWithBlocks<64>(width, block, PixelsToAlign3(dst))) return;
+    if (CoverWithBlocks<64>(width, stream, block, PixelsToAlign3(dst))) return;
     for (; k < width; k += 16) {
       const ptrdiff_t rest = width - k;
       const Vec v = LoadPart(src + 4 * k, FirstOf64(4 * rest, 0));
@@ -103,16 +101,16 @@ void DropAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width) {
     const Vec16 low = _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
     const Vec16 high = _mm_setr_epi8(-1, -1, -1, -1, 0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14);
     const bool done = CoverWithBlocks<16>(
-        width,
-        [&](ptrdiff_t x) {
+        width, stream,
+        [&](ptrdiff_t x, auto store) {
           const Vec16 v0 = ShuffleBytes16(Load16(src + 4 * x), low);
           const Vec16 v1 = ShuffleBytes16(Load16(src + 4 * x + 16), high);
           const Vec16 v2 = ShuffleBytes16(Load16(src + 4 * x + 32), low);
           const Vec16 v3 = ShuffleBytes16(Load16(src + 4 * x + 48), high);
           Byte* const to = dst + 3 * x;
-          Store16(to, _mm_or_si128(v0, _mm_slli_si128(v1, 8)));
-          Store16(to + 16, _mm_or_si128(_mm_srli_si128(v1, 8), _mm_slli_si128(v2, 8)));
-          Store16(to + 32, _mm_or_si128(_mm_srli_si128(v2, 8), v3));
+          store.Lane(to, _mm_or_si128(v0, _mm_slli_si128(v1, 8)));
+          store.Lane(to + 16, _mm_or_si128(_mm_srli_si128(v1, 8), _mm_slli_si128(v2, 8)));
+          store.Lane(to + 32, _mm_or_si128(_mm_srli_si128(v2, 8), v3));
         },
         PixelsToAlign3<16>(dst));
     if (!done) DropAlphaRowPlain(src, dst, width);
@@ -171,28 +169,6 @@ void DupGrayRow(const Byte* src, Byte* dst, ptrdiff_t width) {
   DupGrayRowPlain(src, dst, width);
 }
 
-QV_INLINE void CopyRow(const Byte* src, Byte* dst, ptrdiff_t bytes, bool stream) {
-  if (!stream || bytes < 8 * kVecBytes) {
-    memcpy(dst, src, static_cast<size_t>(bytes));
-    return;
-  }
-  Store(dst, Load(src));
-  ptrdiff_t i = kVecBytes - static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(dst) % kVecBytes);
-  for (; i <= bytes - 4 * kVecBytes; i += 4 * kVecBytes) {
-    const Vec v0 = Load(src + i), v1 = Load(src + i + kVecBytes),
-              v2 = Load(src + i + 2 * kVecBytes), v3 = Load(src + i + 3 * kVecBytes);
-    StreamStore(dst + i, v0);
-    StreamStore(dst + i + kVecBytes, v1);
-    StreamStore(dst + i + 2 * kVecBytes, v2);
-    StreamStore(dst + i + 3 * kVecBytes, v3);
-  }
-  memcpy(dst + i, src + i, static_cast<size_t>(bytes - i));
-}
-
-QV_INLINE void EndCopy(bool stream) {
-  if (stream) StreamFence();
-}
-
 #endif
 
 // Rows without gaps between them, in both images, are one long row.
@@ -215,12 +191,12 @@ QV_INLINE IppStatus RunRows(const Byte* src, int srcStep, Byte* dst, int dstStep
 template <int pixelBytes>
 QV_INLINE IppStatus CopyBytes(const Byte* src, int srcStep, Byte* dst, int dstStep,
                               IppiSize size) {
-  const bool stream = PassesCaches(size.width, size.height, 2 * pixelBytes);
+  const bool stream = PassesCaches(size.width, size.height, pixelBytes);
   const IppStatus status = RunRows<pixelBytes, pixelBytes>(
       src, srcStep, dst, dstStep, size, [=](const Byte* from, Byte* to, ptrdiff_t width) {
         CopyRow(from, to, width * pixelBytes, stream);
       });
-  EndCopy(stream);
+  if (stream) StreamFence();
   return status;
 }
 
@@ -241,7 +217,13 @@ IppStatus CopyChannel_8u_C1C3(const Byte* src, int srcStep, Byte* dst, int dstSt
 
 IppStatus CopyDropAlpha_8u_AC4C3(const Byte* src, int srcStep, Byte* dst, int dstStep,
                                  IppiSize size) {
-  return RunRows<4, 3>(src, srcStep, dst, dstStep, size, DropAlphaRow);
+  const bool stream = PassesCaches(size.width, size.height, 3);
+  const IppStatus status = RunRows<4, 3>(
+      src, srcStep, dst, dstStep, size, [=](const Byte* from, Byte* to, ptrdiff_t width) {
+        DropAlphaRow(from, to, width, stream);
+      });
+  if (stream) StreamFence();
+  return status;
 }
 
 IppStatus CopyKeepAlpha_8u_C3AC4(const Byte* src, int srcStep, Byte* dst, int dstStep,

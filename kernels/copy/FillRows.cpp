@@ -6,40 +6,57 @@ namespace qv::QV_LEVEL {
 
 namespace {
 
-// A row of three-byte pixels. Called for one row at a time, with the pixel by value so that a
+// Rows of three-byte pixels. The pixel is taken by value before anything is stored, so that a
 // destination that holds `value` itself does no harm.
 class PixelFill {
  public:
+#if QV_HAS_VECTORS
   explicit PixelFill(const Byte* value) {
-    for (int i = 0; i < kPatternBytes; ++i) pattern_[i] = value[i % 3];
+    const uint64_t pixel = static_cast<uint64_t>(value[0] | value[1] << 8 | value[2] << 16);
+    // Eight pixels in three words.
+    const uint64_t words[3] = {pixel | pixel << 24 | pixel << 48,
+                               pixel >> 16 | pixel << 8 | pixel << 32 | pixel << 56,
+                               pixel >> 8 | pixel << 16 | pixel << 40};
+    for (int i = 0; i < 3 * kVecBytes / 8; ++i) memcpy(pattern_ + 8 * i, words + i % 3, 8);
   }
 
-#if QV_HAS_VECTORS
-  void Row(Byte* dst, ptrdiff_t bytes) const {
+  void Row(Byte* dst, ptrdiff_t width) const {
     const Vec v0 = Load(pattern_), v1 = Load(pattern_ + kVecBytes),
               v2 = Load(pattern_ + 2 * kVecBytes);
-    ptrdiff_t i = 0;
-    for (; i <= bytes - kPatternBytes; i += kPatternBytes) {
-      Store(dst + i, v0);
-      Store(dst + i + kVecBytes, v1);
-      Store(dst + i + 2 * kVecBytes, v2);
+    const bool done = CoverWithBlocks<kVecBytes>(
+        width,
+        [&](ptrdiff_t x) {
+          Store(dst + 3 * x, v0);
+          Store(dst + 3 * x + kVecBytes, v1);
+          Store(dst + 3 * x + 2 * kVecBytes, v2);
+        },
+        PixelsToAlign3(dst));
+    if (done) return;
+    const ptrdiff_t bytes = 3 * width;
+    if (bytes < kVecBytes) {
+      StoreShort(dst, LoadShort(pattern_, bytes), bytes);
+      return;
     }
-    memcpy(dst + i, pattern_, static_cast<size_t>(bytes - i));
+    Store(dst, v0);
+    if (bytes > 2 * kVecBytes) Store(dst + kVecBytes, v1);
+    // Ends where a pixel ends, as the pattern does.
+    Store(dst + bytes - kVecBytes, v2);
   }
 #else
-  void Row(Byte* dst, ptrdiff_t bytes) const {
-    for (ptrdiff_t i = 0; i < bytes; i += 3)
-      for (int c = 0; c < 3; ++c) dst[i + c] = pattern_[c];
+  explicit PixelFill(const Byte* value) : pattern_{value[0], value[1], value[2]} {}
+
+  void Row(Byte* dst, ptrdiff_t width) const {
+    for (ptrdiff_t k = 0; k < width; ++k)
+      for (int c = 0; c < 3; ++c) dst[3 * k + c] = pattern_[c];
   }
 #endif
 
  private:
 #if QV_HAS_VECTORS
-  static constexpr int kPatternBytes = 3 * kVecBytes;
+  Byte pattern_[3 * kVecBytes];
 #else
-  static constexpr int kPatternBytes = 3;
+  Byte pattern_[3];
 #endif
-  Byte pattern_[kPatternBytes];
 };
 
 }  // namespace
@@ -62,8 +79,7 @@ IppStatus SetPixels_8u_C3(const Byte* value, Byte* dst, int dstStep, IppiSize si
       status != StatusOk)
     return status;
   const PixelFill fill(value);
-  for (int y = 0; y < size.height; ++y)
-    fill.Row(RowAt(dst, dstStep, y), ptrdiff_t{3} * size.width);
+  for (int y = 0; y < size.height; ++y) fill.Row(RowAt(dst, dstStep, y), size.width);
   return StatusOk;
 }
 

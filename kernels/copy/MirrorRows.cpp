@@ -1,5 +1,6 @@
 // Mirror images.
 #include "kernels/copy/Copy.h"
+#include "kernels/copy/CopyRow.h"
 #include "kernels/level/Level.h"
 
 namespace qv::QV_LEVEL {
@@ -18,31 +19,30 @@ QV_INLINE void ReverseRowPlain(const Byte* src, Byte* dst, ptrdiff_t width) {
 #if !QV_HAS_VECTORS
 
 template <int kChannels>
-void ReverseRow(const Byte* src, Byte* dst, ptrdiff_t width) {
+void ReverseRow(const Byte* src, Byte* dst, ptrdiff_t width, bool) {
   ReverseRowPlain<kChannels>(src, dst, width);
 }
 
-QV_INLINE void CopyRow(const Byte* src, Byte* dst, ptrdiff_t bytes) {
-  memcpy(dst, src, static_cast<size_t>(bytes));
-}
+constexpr auto CopyShortRow = CopyRow;
 
 #else
 
 // Short rows are copied right here: at 640 bytes a call of memcpy costs a fifth of the time.
-QV_INLINE void CopyRow(const Byte* src, Byte* dst, ptrdiff_t bytes) {
+QV_INLINE void CopyShortRow(const Byte* src, Byte* dst, ptrdiff_t bytes, bool stream) {
   const auto block = [=](ptrdiff_t i) { Store(dst + i, Load(src + i)); };
-  if (bytes > 4096 || !CoverWithBlocks<kVecBytes>(bytes, block, BytesToAlign(dst)))
-    memcpy(dst, src, static_cast<size_t>(bytes));
+  if (stream || bytes > 4096 || !CoverWithBlocks<kVecBytes>(bytes, block, BytesToAlign(dst)))
+    CopyRow(src, dst, bytes, stream);
 }
 
 template <int kChannels>
-void ReverseRow(const Byte* src, Byte* dst, ptrdiff_t width);
+void ReverseRow(const Byte* src, Byte* dst, ptrdiff_t width, bool stream);
 
 template <>
-void ReverseRow<1>(const Byte* src, Byte* dst, ptrdiff_t width) {
+void ReverseRow<1>(const Byte* src, Byte* dst, ptrdiff_t width, bool stream) {
   Byte* const end = dst + width;  // blocks go down from here
   const bool done = CoverWithBlocks<kVecBytes>(
-      width, [&](ptrdiff_t x) { Store(end - kVecBytes - x, ReverseBytes(Load(src + x))); },
+      width, stream,
+      [&](ptrdiff_t x, auto store) { store(end - kVecBytes - x, ReverseBytes(Load(src + x))); },
       kVecBytes + 1 - BytesToAlign(end - 1));
   if (!done) ReverseRowPlain<1>(src, dst, width);
 }
@@ -67,20 +67,21 @@ constexpr unsigned long long MiddleFromLast() {
 }
 
 template <>
-void ReverseRow<3>(const Byte* src, Byte* dst, ptrdiff_t width) {
+void ReverseRow<3>(const Byte* src, Byte* dst, ptrdiff_t width,
+                   [[maybe_unused]] bool stream) {
   Byte* const end = dst + 3 * width;  // blocks go down from here
   if constexpr (kHasBytePermute) {
     const Vec to0 = Load(&kMirror<64, 0, 1>), to1 = Load(&kMirror<64, 1, 0>),
               to2 = Load(&kMirror<64, 2, 0>);
     const bool done = CoverWithBlocks<64>(
-        width,
-        [&](ptrdiff_t x) {
+        width, stream,
+        [&](ptrdiff_t x, auto store) {
           const Vec v0 = Load(src + 3 * x), v1 = Load(src + 3 * x + 64),
                     v2 = Load(src + 3 * x + 128);
           Byte* const to = end - 192 - 3 * x;
-          Store(to, PermuteBytes2(v1, to0, v2));
-          Store(to + 64, PermuteBytesOver(PermuteBytes2(v0, to1, v1), MiddleFromLast(), v2, to1));
-          Store(to + 128, PermuteBytes2(v0, to2, v1));
+          store(to, PermuteBytes2(v1, to0, v2));
+          store(to + 64, PermuteBytesOver(PermuteBytes2(v0, to1, v1), MiddleFromLast(), v2, to1));
+          store(to + 128, PermuteBytes2(v0, to2, v1));
         },
         65 - PixelsToAlign3<64>(end - 3));
     if (!done) ReverseRowPlain<3>(src, dst, width);
@@ -90,16 +91,17 @@ void ReverseRow<3>(const Byte* src, Byte* dst, ptrdiff_t width) {
                 from10 = Load16(&kMirror<16, 1, 0>), from21 = Load16(&kMirror<16, 2, 1>),
                 from20 = Load16(&kMirror<16, 2, 0>);
     const bool done = CoverWithBlocks<16>(
-        width,
-        [&](ptrdiff_t x) {
+        width, stream,
+        [&](ptrdiff_t x, auto store) {
           const Vec16 v0 = Load16(src + 3 * x), v1 = Load16(src + 3 * x + 16),
                       v2 = Load16(src + 3 * x + 32);
           Byte* const to = end - 48 - 3 * x;
-          Store16(to, _mm_or_si128(ShuffleBytes16(v2, from02), ShuffleBytes16(v1, from01)));
-          Store16(to + 16,
-                  _mm_or_si128(_mm_or_si128(ShuffleBytes16(v2, from12), ShuffleBytes16(v1, from11)),
+          store.Lane(to, _mm_or_si128(ShuffleBytes16(v2, from02), ShuffleBytes16(v1, from01)));
+          store.Lane(
+              to + 16,
+              _mm_or_si128(_mm_or_si128(ShuffleBytes16(v2, from12), ShuffleBytes16(v1, from11)),
                                ShuffleBytes16(v0, from10)));
-          Store16(to + 32, _mm_or_si128(ShuffleBytes16(v1, from21), ShuffleBytes16(v0, from20)));
+          store.Lane(to + 32, _mm_or_si128(ShuffleBytes16(v1, from21), ShuffleBytes16(v0, from20)));
         },
         17 - PixelsToAlign3<16>(end - 3));
     if (!done) ReverseRowPlain<3>(src, dst, width);
@@ -121,14 +123,16 @@ QV_INLINE IppStatus Mirror(const Byte* src, int srcStep, Byte* dst, int dstStep,
     return status;
   if (axis != AxisHorizontal && axis != AxisVertical && axis != AxisBoth) return StatusAxisErr;
   const ptrdiff_t rowBytes = static_cast<ptrdiff_t>(width) * kChannels;
+  const bool stream = PassesCaches(width, height, kChannels);
   for (int y = 0; y < height; ++y) {
     const Byte* from = RowAt(src, srcStep, y);
     Byte* to = RowAt(dst, dstStep, axis == AxisVertical ? y : height - 1 - y);
     if (axis == AxisHorizontal)
-      CopyRow(from, to, rowBytes);
+      CopyShortRow(from, to, rowBytes, stream);
     else
-      ReverseRow<kChannels>(from, to, width);
+      ReverseRow<kChannels>(from, to, width, stream);
   }
+  if (stream) StreamFence();
   return StatusOk;
 }
 

@@ -17,28 +17,26 @@ QV_INLINE void LookupRowPlain(const Byte* src, Byte* dst, ptrdiff_t width, const
 template <bool kHasPermute>
 struct PreparedPalette;
 
-QV_INLINE void StoreWord(Byte* p, uint32_t word) { memcpy(p, &word, 4); }
-
 // The palette as one word an entry, repeated to 256 entries so that an index needs no mask.
 template <>
 struct PreparedPalette<false> {
-  uint32_t entry[256];
+  alignas(64) uint32_t entry[256];
 
   PreparedPalette(const Byte* palette, int mask) {
-    for (int k = 0; k <= mask; ++k)
-      entry[k] = palette[3 * k] | palette[3 * k + 1] << 8 | palette[3 * k + 2] << 16;
-    for (int k = mask + 1; k < 256; ++k) entry[k] = entry[k & mask];
+    for (int k = 0; k < mask; ++k) {
+      memcpy(entry + k, palette + 3 * k, 4);
+      entry[k] &= 0xFFFFFF;
+    }
+    entry[mask] = palette[3 * mask] | palette[3 * mask + 1] << 8 | palette[3 * mask + 2] << 16;
+    for (int n = mask + 1; n < 256; n *= 2) memcpy(entry + n, entry, 4 * static_cast<size_t>(n));
   }
 
-  // Four pixels make three words.
+  // Pixels by twos in words of eight bytes, whose last two the next ones overwrite.
   void Row(const Byte* src, Byte* dst, ptrdiff_t width) const {
     ptrdiff_t k = 0;
-    for (; k <= width - 4; k += 4) {
-      const uint32_t p0 = entry[src[k]], p1 = entry[src[k + 1]], p2 = entry[src[k + 2]],
-                     p3 = entry[src[k + 3]];
-      StoreWord(dst + 3 * k, p0 | p1 << 24);
-      StoreWord(dst + 3 * k + 4, p1 >> 8 | p2 << 16);
-      StoreWord(dst + 3 * k + 8, p2 >> 16 | p3 << 8);
+    for (; k <= width - 3; k += 2) {
+      const uint64_t pair = entry[src[k]] | static_cast<uint64_t>(entry[src[k + 1]]) << 24;
+      memcpy(dst + 3 * k, &pair, 8);
     }
     for (; k < width; ++k) {
       const uint32_t p = entry[src[k]];
@@ -54,17 +52,36 @@ constexpr unsigned long long EveryThird(int first) {
   return mask;
 }
 
+// The bytes j for which 3 * j + c, counted from two vectors of three, lies in the third.
+constexpr unsigned long long InThird(int c) {
+  unsigned long long mask = 0;
+  for (int j = 0; j < 64; ++j)
+    if (3 * j + c >= 128) mask |= 1ull << j;
+  return mask;
+}
+
 // The palette as three planes of 256 bytes, four vectors each: a lookup is two permutes of a pair of
 // vectors by the low seven bits of the index and a choice by the eighth.
 template <>
 struct PreparedPalette<true> {
   Vec plane[3][4];
+  Vec indexMask;
 
-  PreparedPalette(const Byte* palette, int mask) {
-    Byte bytes[3][256];
-    for (int c = 0; c < 3; ++c) {
-      for (int k = 0; k < 256; ++k) bytes[c][k] = palette[3 * (k & mask) + c];
-      for (int i = 0; i < 4; ++i) plane[c][i] = Load(bytes[c] + i * kVecBytes);
+  PreparedPalette(const Byte* palette, int mask) : indexMask(Splat8(mask)) {
+    static constexpr ByteTable channel[3] = {MakeByteTable([](int j) { return 3 * j; }),
+                                             MakeByteTable([](int j) { return 3 * j + 1; }),
+                                             MakeByteTable([](int j) { return 3 * j + 2; })};
+    constexpr unsigned long long third[3] = {InThird(0), InThird(1), InThird(2)};
+    const ptrdiff_t bytes = 3 * (mask + 1);
+    for (int i = 0; i < 4; ++i) {
+      const auto part = [=](int v) {
+        return LoadPart(palette + 192 * i + 64 * v, FirstOf64(bytes, 192 * i + 64 * v));
+      };
+      const Vec v0 = part(0), v1 = part(1), v2 = part(2);
+      for (int c = 0; c < 3; ++c) {
+        const Vec from = Load(&channel[c]);
+        plane[c][i] = PermuteBytesOver(PermuteBytes2(v0, from, v1), third[c], v2, from);
+      }
     }
   }
 
@@ -80,18 +97,25 @@ struct PreparedPalette<true> {
         MakeByteTable([](int j) { return (64 + j) / 3 + (64 + j) % 3 * 64; }),
         MakeByteTable([](int j) { return (128 + j) / 3 + (128 + j) % 3 * 64; })};
     constexpr unsigned long long red[3] = {EveryThird(2), EveryThird(1), EveryThird(0)};
-    for (ptrdiff_t k = 0; k < width; k += 64) {
-      const ptrdiff_t rest = width - k;
-      const Vec index = LoadPart(src + k, FirstOf64(rest, 0));
+    const auto lookup = [&](Vec unmasked, auto put) {
+      const Vec index = And(unmasked, indexMask);
       const unsigned long long upper = TopBits(index);
       const Vec b = Lookup(0, index, upper), g = Lookup(1, index, upper),
                 r = Lookup(2, index, upper);
       for (int v = 0; v < 3; ++v) {
         const Vec from = Load(&blueGreen[v]);
-        const Vec bgr = PermuteBytesOver(PermuteBytes2(b, from, g), red[v], r, from);
-        StorePart(dst + 3 * k + 64 * v, bgr, FirstOf64(3 * rest, 64 * v));
+        put(64 * v, PermuteBytesOver(PermuteBytes2(b, from, g), red[v], r, from));
       }
-    }
+    };
+    const bool done = CoverWithBlocks<64>(
+        width,
+        [&](ptrdiff_t k) {
+          lookup(Load(src + k), [&](int i, Vec bgr) { Store(dst + 3 * k + i, bgr); });
+        },
+        PixelsToAlign3(dst));
+    if (!done)
+      lookup(LoadPart(src, FirstOf64(width, 0)),
+             [&](int i, Vec bgr) { StorePart(dst + i, bgr, FirstOf64(3 * width, i)); });
   }
 };
 
@@ -108,8 +132,9 @@ IppStatus LookupPalette_8u_C1C3(const Byte* src, int srcStep, Byte* dst, int dst
   const int mask = (1 << bitSize) - 1;
 #if QV_HAS_VECTORS
   using Palette = PreparedPalette<kHasBytePermute>;
-  constexpr ptrdiff_t kFewPixels = 512;  // below, preparing 256 entries costs more than it saves
-  if (static_cast<long long>(width) * height >= kFewPixels) {
+  // Below, preparing the palette costs more than it saves.
+  constexpr ptrdiff_t kFewPixels = kHasBytePermute ? 16 : 128;
+  if (int64_t{width} * height >= kFewPixels) {
     const Palette prepared(palette, mask);
     for (int y = 0; y < height; ++y)
       prepared.Row(RowAt(src, srcStep, y), RowAt(dst, dstStep, y), width);

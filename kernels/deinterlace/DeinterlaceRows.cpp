@@ -7,7 +7,7 @@ namespace qv::QV_LEVEL {
 namespace {
 
 using RowFunction = void(const Byte* src, int srcStep, Byte* dst, int dstStep, ptrdiff_t bytes,
-                         int centreWeight, int sideWeight);
+                         int centreWeight, int sideWeight, bool stream);
 
 // The weights add up to at most 256, so the sum is at most 65280 and its high byte needs no clamp.
 void FilterRowPlain(const Byte* above, const Byte* centre, const Byte* below, Byte* dst,
@@ -20,7 +20,7 @@ void FilterRowPlain(const Byte* above, const Byte* centre, const Byte* below, By
 // kRows rows from `dst` on; `src` is the row above the first.
 template <int kRows>
 void FilterRowsPlain(const Byte* src, int srcStep, Byte* dst, int dstStep, ptrdiff_t bytes,
-                     int centreWeight, int sideWeight) {
+                     int centreWeight, int sideWeight, bool = false) {
   for (int r = 0; r < kRows; ++r)
     FilterRowPlain(RowAt(src, srcStep, r), RowAt(src, srcStep, r + 1), RowAt(src, srcStep, r + 2),
                    RowAt(dst, dstStep, r), bytes, static_cast<unsigned>(centreWeight),
@@ -76,9 +76,9 @@ QV_INLINE Vec HighBytes(const Lanes& sums) {
 // another 256, which adds the byte itself to the sum's high byte.
 template <int kRows, bool kHeavy>
 void FilterRows(const Byte* src, int srcStep, Byte* dst, int dstStep, ptrdiff_t bytes,
-                int centreWeight, int sideWeight) {
+                int centreWeight, int sideWeight, bool stream) {
   const Weight side(sideWeight), centre(kHeavy ? centreWeight - 256 : centreWeight);
-  const auto filter = [&](ptrdiff_t i) {
+  const auto filter = [&](ptrdiff_t i, auto store) {
     Vec x = Load(RowAt(src, srcStep, 1) + i);
     Lanes above = Weigh(Load(src + i), side), own = Weigh(x, side);
     for (int r = 0; r < kRows; ++r) {
@@ -86,13 +86,13 @@ void FilterRows(const Byte* src, int srcStep, Byte* dst, int dstStep, ptrdiff_t 
       const Lanes below = Weigh(next, side);
       Vec result = HighBytes(above + below + Weigh(x, centre));
       if constexpr (kHeavy) result = Add8(result, x);
-      Store(RowAt(dst, dstStep, r) + i, result);
+      store(RowAt(dst, dstStep, r) + i, result);
       above = own;
       own = below;
       x = next;
     }
   };
-  if (!CoverWithBlocks<kVecBytes>(bytes, filter, BytesToAlign(dst)))
+  if (!CoverWithBlocks<kVecBytes>(bytes, stream, filter, BytesToAlign(dst)))
     FilterRowsPlain<kRows>(src, srcStep, dst, dstStep, bytes, centreWeight, sideWeight);
 }
 
@@ -101,20 +101,20 @@ void FilterRows(const Byte* src, int srcStep, Byte* dst, int dstStep, ptrdiff_t 
 // complements down.
 template <int kRows, bool kCentre>
 void AverageRows(const Byte* src, int srcStep, Byte* dst, int dstStep, ptrdiff_t bytes,
-                 int centreWeight, int sideWeight) {
+                 int centreWeight, int sideWeight, bool stream) {
   const auto complement = [](Vec x) { return Xor(x, Splat8(-1)); };
-  const auto filter = [&](ptrdiff_t i) {
+  const auto filter = [&](ptrdiff_t i, auto store) {
     Vec above = complement(Load(src + i)), own = complement(Load(RowAt(src, srcStep, 1) + i));
     for (int r = 0; r < kRows; ++r) {
       const Vec below = complement(Load(RowAt(src, srcStep, r + 2) + i));
       Vec mean = AverageUp8(above, below);
       if constexpr (kCentre) mean = AverageUp8(mean, own);
-      Store(RowAt(dst, dstStep, r) + i, complement(mean));
+      store(RowAt(dst, dstStep, r) + i, complement(mean));
       above = own;
       own = below;
     }
   };
-  if (!CoverWithBlocks<kVecBytes>(bytes, filter, BytesToAlign(dst)))
+  if (!CoverWithBlocks<kVecBytes>(bytes, stream, filter, BytesToAlign(dst)))
     FilterRowsPlain<kRows>(src, srcStep, dst, dstStep, bytes, centreWeight, sideWeight);
 }
 
@@ -171,16 +171,18 @@ IppStatus Deinterlace_8u(const Byte* src, int srcStep, Byte* dst, int dstStep, i
   const auto copy = [&](int y) {
     memcpy(RowAt(dst, dstStep, y), RowAt(src, srcStep, y), static_cast<size_t>(widthBytes));
   };
+  const bool stream = src != dst && PassesCaches(widthBytes, height, 1);
   if (plan.copiesFirst) copy(0);
   const bool inFours = InFours(dstStep, widthBytes);
   for (int y = plan.firstFiltered; y <= height - 2;) {
     const bool four = inFours && y <= height - 5;
     (four ? RowsOf<4>(weight) : RowsOf<1>(weight))(RowAt(src, srcStep, y - 1), srcStep,
                                                    RowAt(dst, dstStep, y), dstStep, widthBytes,
-                                                   weight, sideWeight);
+                                                   weight, sideWeight, stream);
     y += four ? 4 : 1;
   }
   if (plan.copiesLast) copy(height - 1);
+  if (stream) StreamFence();
   return StatusOk;
 }
 

@@ -205,7 +205,7 @@ template <int kChannels>
 QV_INLINE void Transpose(const Byte* src, int srcStep, Byte* dst, int dstStep, IppiSize size) {
 #if QV_HAS_VECTORS
   if constexpr (kChannels == 1 || kHasByteShuffle) {
-    if (PassesCaches(size.width, size.height, 2 * kChannels) &&
+    if (PassesCaches(size.width, size.height, kChannels) &&
         StreamTiles<kChannels>(src, srcStep, dst, dstStep, size))
       return;
     if (TransposeTiles<kChannels>(src, srcStep, dst, dstStep, size)) return;

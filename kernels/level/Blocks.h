@@ -17,6 +17,16 @@ QV_INLINE ptrdiff_t PixelsToAlign3(const Byte* p) {
   return n - static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(p) * 43 % n);
 }
 
+// The two ways to store a vector.
+struct StoreInCaches {
+  QV_INLINE void operator()(void* p, Vec v) const { Store(p, v); }
+  QV_INLINE void Lane(void* p, Vec16 v) const { Store16(p, v); }
+};
+struct StorePastCaches {
+  QV_INLINE void operator()(void* p, Vec v) const { StreamStore(p, v); }
+  QV_INLINE void Lane(void* p, Vec16 v) const { StreamStore16(p, v); }
+};
+
 // Calls block(first) for blocks of kBlock elements that cover 0 .. count - 1. The second one begins
 // at `second` (1 to kBlock), and the last one may overlap its predecessor. False, with nothing
 // called, if the row is shorter than a block. Only for rows whose blocks may be done twice (the
@@ -29,6 +39,28 @@ QV_INLINE bool CoverWithBlocks(ptrdiff_t count, Block block, ptrdiff_t second = 
   for (; i <= count - kBlock; i += kBlock) block(i);
   if (i < count) block(count - kBlock);
   return true;
+}
+
+// The same with block(first, store): blocks hand their vectors to store(p, v), all but the first
+// and the last to `inner`. If that writes past the caches, vectors begin at multiples of kVecBytes,
+// or of the 16 of a Vec16, from the second block on.
+template <int kBlock, class Store, class Block>
+QV_INLINE bool CoverWithBlocksBy(Store inner, ptrdiff_t count, Block block,
+                                 ptrdiff_t second = kBlock) {
+  if (count < kBlock) return false;
+  block(0, StoreInCaches());
+  ptrdiff_t i = second;
+  for (; i <= count - kBlock; i += kBlock) block(i, inner);
+  if (i < count) block(count - kBlock, StoreInCaches());
+  return true;
+}
+
+// Past the caches if `stream`.
+template <int kBlock, class Block>
+QV_INLINE bool CoverWithBlocks(ptrdiff_t count, bool stream, Block block,
+                               ptrdiff_t second = kBlock) {
+  return stream ? CoverWithBlocksBy<kBlock>(StorePastCaches(), count, block, second)
+                : CoverWithBlocksBy<kBlock>(StoreInCaches(), count, block, second);
 }
 
 // The same for a row that is changed in place: p[k] = function(p[k]) for a Vec of bytes at a time.

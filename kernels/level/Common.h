@@ -26,15 +26,16 @@ QV_INLINE IppStatus CheckImages(const void* a, const void* b, int width, int hei
   return StatusOk;
 }
 
-// Whether a call that touches `pixelBytes` bytes a pixel, of all its images together, had better
-// write its destination past the caches: it would push itself and everything else out of them
-// before it is read again, and an ordinary store fetches the line that it overwrites. Measured:
-// ordinary stores win up to some 20 MiB, both on an AMD Zen with a last cache of 32 MiB and on an
-// Intel Xeon with a far larger one that others share. So the bound is five eighths of the last
-// cache, and at most that.
+// Whether a destination of `pixelBytes` bytes a pixel had better be written past the caches: it
+// would push itself and everything else out of them before it is read again, and an ordinary store
+// fetches the line that it overwrites. Measured: ordinary stores win while the frame still fits in
+// the last level next to its sources, up to some 10 MiB both on an AMD Zen with a last cache of 32
+// MiB and on an Intel Xeon with a far larger one that others share. So the bound is five sixteenths
+// of the last cache, and at most that. A destination without a source to read, or one that is a
+// source, is better off in the caches.
 QV_INLINE bool PassesCaches(int width, int height, int pixelBytes) {
-  constexpr ptrdiff_t kMost = ptrdiff_t{20} << 20;
-  const ptrdiff_t share = LastCacheBytes / 8 * 5;
+  constexpr ptrdiff_t kMost = ptrdiff_t{10} << 20;
+  const ptrdiff_t share = LastCacheBytes / 16 * 5;
   return int64_t{width} * height >= (share < kMost ? share : kMost) / pixelBytes;
 }
 

@@ -33,6 +33,7 @@
 #include "kernels/level/Vectors.h"
 
 #include "kernels/level/Blocks.h"
+#include "kernels/level/ShortRows.h"
 #endif
 
 #endif

@@ -67,6 +67,9 @@ QV_INLINE Vec InterleaveHigh64(Vec a, Vec b) { return QV_OP(unpackhi_epi64)(a, b
 QV_INLINE Vec PackUnsigned16(Vec a, Vec b) { return QV_OP(packus_epi16)(a, b); }
 QV_INLINE Vec PackSigned32(Vec a, Vec b) { return QV_OP(packs_epi32)(a, b); }
 
+// Lane i, of 16 bytes, is stored at the address at(i).
+template <class At> void StoreLanes(Vec v, At at);
+
 // All bytes in reverse order; both 16-byte lanes of a vector as the lowest, or as the highest, of
 // them (of one lane: itself; not defined for four).
 Vec ReverseBytes(Vec v);
@@ -104,6 +107,12 @@ template <class At> QV_INLINE Vec LoadPieces8(At at) {
   return BuildLanes(
       [=](int i) { return _mm_unpacklo_epi64(Load8(at(2 * i)), Load8(at(2 * i + 1))); });
 }
+
+QV_INLINE void StreamStore16(void* p, Vec16 v) { _mm_stream_si128(static_cast<Vec16*>(p), v); }
+
+// The lowest lane of a vector, and a vector whose other lanes hold anything.
+Vec16 LowLane(Vec v);
+Vec FromLane(Vec16 v);
 
 // kHasByteShuffle. ShuffleBytes picks within each 16-byte lane; an index byte with its top bit set
 // gives 0. MulAddBytes: the saturated sums of neighbouring products of unsigned bytes of `a` and

@@ -23,6 +23,14 @@ template <class Lane> QV_INLINE Vec BuildLanes(Lane lane) {
   return _mm256_inserti128_si256(_mm256_castsi128_si256(lane(0)), lane(1), 1);
 }
 
+template <class At> QV_INLINE void StoreLanes(Vec v, At at) {
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(at(0)), _mm256_castsi256_si128(v));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(at(1)), _mm256_extracti128_si256(v, 1));
+}
+
+QV_INLINE __m128i LowLane(Vec v) { return _mm256_castsi256_si128(v); }
+QV_INLINE Vec FromLane(__m128i v) { return _mm256_castsi128_si256(v); }
+
 QV_INLINE Vec ReverseBytes(Vec v) {
   const Vec index = _mm256_broadcastsi128_si256(
       _mm_setr_epi8(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0));

@@ -19,6 +19,14 @@ constexpr bool kHasBytePermute = true;
 constexpr bool kHasMaskedBytes = true;
 constexpr bool kHasGather = true;
 
+// For a vector that several operations take: GCC 12 would load it again for each of them, and a
+// load that crosses a cache line is two.
+QV_INLINE Vec LoadOnce(const void* p) {
+  Vec v = _mm512_loadu_si512(p);
+  asm("" : "+v"(v));
+  return v;
+}
+
 template <class Lane> QV_INLINE Vec BuildLanes(Lane lane) {
   const __m256i low = _mm256_inserti128_si256(_mm256_castsi128_si256(lane(0)), lane(1), 1);
   const __m256i high = _mm256_inserti128_si256(_mm256_castsi128_si256(lane(2)), lane(3), 1);
@@ -33,6 +41,9 @@ template <int kHalf> QV_INLINE Vec Gather64(const void* base, Vec offset) {
   const Vec sorted = _mm512_permutexvar_epi32(order, offset);
   return _mm512_i32gather_epi64(_mm512_extracti64x4_epi64(sorted, kHalf), base, 1);
 }
+
+QV_INLINE __m128i LowLane(Vec v) { return _mm512_castsi512_si128(v); }
+QV_INLINE Vec FromLane(__m128i v) { return _mm512_castsi128_si512(v); }
 
 QV_INLINE Vec PermuteBytes(Vec v, Vec index) { return _mm512_permutexvar_epi8(index, v); }
 QV_INLINE Vec PermuteBytes2(Vec low, Vec index, Vec high) {

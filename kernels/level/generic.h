@@ -4,4 +4,10 @@
 
 #define QV_HAS_VECTORS 0
 
+namespace qv::QV_LEVEL {
+
+QV_INLINE void StreamFence() {}  // nothing is written past the caches
+
+}  // namespace qv::QV_LEVEL
+
 #endif

@@ -18,6 +18,13 @@ constexpr bool kHasGather = false;
 
 template <class Lane> QV_INLINE Vec BuildLanes(Lane lane) { return lane(0); }
 
+template <class At> QV_INLINE void StoreLanes(Vec v, At at) {
+  _mm_storeu_si128(reinterpret_cast<Vec*>(at(0)), v);
+}
+
+QV_INLINE Vec LowLane(Vec v) { return v; }
+QV_INLINE Vec FromLane(Vec v) { return v; }
+
 QV_INLINE Vec DealHalves(Vec v) { return v; }
 QV_INLINE Vec LowLaneTwice(Vec v) { return v; }
 QV_INLINE Vec HighLaneTwice(Vec v) { return v; }
