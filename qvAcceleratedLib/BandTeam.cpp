@@ -319,7 +319,7 @@ IppStatus RunOnTeam(int count, const Work& work, RunPieces* run, const void* pie
 }
 
 void PrepareTeam() {
-  PrepareMarks();
+  PrepareThreads();
 #if !defined(_WIN32)
   // A child has only the thread that called fork, and makes a team of its own. If the system refuses,
   // its calls stay alone: what they offer to threads that are not there they take back.
