@@ -18,7 +18,7 @@ esac
 
 step() { printf '\n== %s\n' "$*"; }
 
-"$root/scripts/setup.sh" libgtest-dev qemu-user
+"$root/scripts/setup.sh" libgtest-dev qemu-user libomp5-14
 [ $all = 0 ] || "$root/scripts/setup.sh" chromium
 
 step 'Release build and tests'
