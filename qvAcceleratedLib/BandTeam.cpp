@@ -11,6 +11,8 @@
 // was lost, and until calls that stay alone have worked it off nobody is offered anything.
 #include "qvAcceleratedLib/BandTeam.h"
 
+#include <initializer_list>
+
 #include "qvAcceleratedLib/HostRegion.h"
 #include "qvAcceleratedLib/Settings.h"
 #include "qvAcceleratedLib/Threads.h"

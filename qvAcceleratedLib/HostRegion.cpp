@@ -1,6 +1,7 @@
 #include "qvAcceleratedLib/HostRegion.h"
 
 #include <atomic>
+#include <initializer_list>
 
 #if defined(_WIN32)
 #define WIN32_LEAN_AND_MEAN

@@ -1,5 +1,7 @@
 #include "qvAcceleratedLib/Threads.h"
 
+#include <initializer_list>
+
 #if defined(_WIN32)
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
