@@ -8,10 +8,13 @@
 //   - Exactly the bytes that an operation names are written. Bytes between the end of a row and the
 //     next row are neither read nor written. Rows of a destination must not overlap each other
 //     unless an operation says what they then hold.
-//   - Large images are cut into bands that the threads of an OpenMP team work on; the result does
-//     not depend on the number of bands unless an operation says so. A call made from inside a
-//     parallel region stays on the calling thread.
-//   - Nothing throws and nothing is kept between calls; operations may run on several threads at once.
+//   - Large images are cut into bands that threads of the library's own work on, as many as the process
+//     may use processors, less the calling one, for the whole process, whoever calls; the result does
+//     not depend on the number of bands unless an operation says so. A call stays on the calling thread
+//     where sharing does not pay, where no other thread is free or can be had, and inside a parallel
+//     region of the host's OpenMP runtime.
+//   - Nothing throws and nothing but those threads is kept between calls; operations may run on several
+//     threads at once, and in a child process after a fork.
 //   - Every operation returns an IppStatus: 0 for success, below 0 for an error, above 0 for a
 //     warning. The statuses of an operation are listed in the order in which they are checked.
 #ifndef QVACCELERATEDLIB_CQVACCLIB_H

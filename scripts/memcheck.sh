@@ -14,7 +14,7 @@ cmake --preset release >/dev/null
 cmake --build --preset release --target operationdigests kernelcheck
 
 tests=build/release/tests
-# libgomp's threads live until the process ends: what they hold is not lost.
+# The team's threads live until the process ends: what they hold is not lost.
 memcheck() {  # PROGRAM ARGUMENT...
   printf '%s %s\n' "${1##*/}" "${*:2}"
   valgrind -q --error-exitcode=9 --leak-check=full --show-leak-kinds=definite \
