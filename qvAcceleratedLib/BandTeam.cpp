@@ -271,8 +271,8 @@ IppStatus RunHere(int count, RunPieces* run, const void* pieces) {
 
 IppStatus RunOnTeam(int count, const Work& work, RunPieces* run, const void* pieces) {
   if (count < 1) return StatusOk;
-  const Ticks start = Now();
-  if (IsMarked() || count > 0x7FFF || BandSharing == Sharing::OnOneThread || IsInHostRegion(start))
+  Ticks start = Now();
+  if (IsMarked() || count > 0x7FFF || BandSharing == Sharing::OnOneThread || IsInHostRegion(&start))
     return RunHere(count, run, pieces);
 
   const uint32_t kind = KindOf(work, run);
