@@ -32,7 +32,8 @@ constexpr uint32_t Avx512Vl = 1u << 31;
 constexpr uint32_t Avx512Vbmi = 1u << 1;
 constexpr uint32_t Vpclmulqdq = 1u << 10;
 
-// Extended leaf 0x80000001 EDX.
+// Extended leaf 0x80000001 ECX and EDX.
+constexpr uint32_t TopologyExtensions = 1u << 22;
 constexpr uint32_t LongMode = 1u << 29;
 
 // XCR0: bits 1 and 2 are the XMM and YMM state, bits 5 to 7 the mask registers, the upper halves of
@@ -84,6 +85,14 @@ CpuidRegisters Cpuid(uint32_t leaf, uint32_t subleaf) {
   return r;
 }
 
+// The caches that a leaf describes: as many sub-leaves as there are, and one of type 0 behind them.
+void ReadCaches(uint32_t leaf, CpuidRegisters (&caches)[kCacheLeaves]) {
+  for (CpuidRegisters& cache : caches) {
+    cache = Cpuid(leaf, static_cast<uint32_t>(&cache - caches));
+    if ((cache.eax & 0x1F) == 0) break;
+  }
+}
+
 // Faults unless the operating system has set OSXSAVE. Written out because the compiler's intrinsic
 // wants a target option that a source built for the oldest processor must not have.
 uint64_t ReadXcr0() {
@@ -127,10 +136,11 @@ CpuidLeaves ReadCpuidLeaves() {
   leaves.leaf0 = Cpuid(0, 0);
   leaves.leaf1 = Cpuid(1, 0);
   leaves.leaf2 = Cpuid(2, 0);
-  leaves.leaf4 = Cpuid(4, 0);
+  ReadCaches(4, leaves.leaf4);
   leaves.leaf7 = Cpuid(7, 0);
   leaves.leaf80000000 = Cpuid(0x80000000u, 0);
   leaves.leaf80000001 = Cpuid(0x80000001u, 0);
+  ReadCaches(0x8000001Du, leaves.leaf8000001D);
   if (Has(leaves.leaf1.ecx, Osxsave)) leaves.xcr0 = ReadXcr0();
   return leaves;
 }
@@ -145,7 +155,7 @@ bool IsGenuineIntel(const CpuidLeaves& leaves) {
 
 int CoresPerPackage(const CpuidLeaves& leaves) {
   if (!leaves.hasCpuid || leaves.leaf0.eax < 4) return 1;
-  return static_cast<int>(leaves.leaf4.eax >> 26) + 1;
+  return static_cast<int>(leaves.leaf4[0].eax >> 26) + 1;
 }
 
 ProcessorInfo ProcessorInfoOf(const CpuidLeaves& leaves) {
@@ -214,11 +224,39 @@ int CarrylessLevelOf(const CpuidLeaves& leaves) {
   return WideLevelOf(leaves) == 2 && Has(leaves.leaf7.ecx, Vpclmulqdq) ? 2 : 1;
 }
 
+ptrdiff_t LastCacheBytesOf(const CpuidLeaves& leaves) {
+  if (!leaves.hasCpuid) return kUnknownCacheBytes;
+  const bool extended = leaves.leaf80000000.eax >= 0x8000001Du &&
+                        Has(leaves.leaf80000001.ecx, TopologyExtensions);
+  if (!extended && leaves.leaf0.eax < 4) return kUnknownCacheBytes;
+  constexpr uint32_t none = 0, instructions = 2;
+  uint32_t lastLevel = 0;
+  uint64_t bytes = 0;
+  for (const CpuidRegisters& cache : extended ? leaves.leaf8000001D : leaves.leaf4) {
+    const uint32_t type = cache.eax & 0x1F, level = (cache.eax >> 5) & 7;
+    if (type == none) break;
+    if (type == instructions || level < lastLevel) continue;
+    lastLevel = level;
+    const uint32_t ways = (cache.ebx >> 22) + 1, partitions = ((cache.ebx >> 12) & 0x3FF) + 1,
+                   lineBytes = (cache.ebx & 0xFFF) + 1;
+    bytes = (uint64_t{cache.ecx} + 1) * ways * partitions * lineBytes;
+  }
+  // What no cache comes near is no size either, and need not fit a pointer's width.
+  return bytes > 0 && bytes <= uint64_t{1} << 30 ? static_cast<ptrdiff_t>(bytes)
+                                                 : kUnknownCacheBytes;
+}
+
+bool QuickGathersOf(const CpuidLeaves& leaves) {
+  return IsGenuineIntel(leaves) && WideLevelOf(leaves) > 0;
+}
+
 IppStatus SelectProcessorVariant(const CpuidLeaves& leaves) {
   VariantIndex = VariantIndexOf(DetectCpuCode(leaves));
   WideLevel = VariantIndex == 4 ? WideLevelOf(leaves) : 0;
   CarrylessLevel = VariantIndex == 4 ? CarrylessLevelOf(leaves) : 0;
   HasSse = HasCpuid(leaves) && ProcessorInfoOf(leaves).hasSse;
+  LastCacheBytes = LastCacheBytesOf(leaves);
+  QuickGathers = WideLevel > 0 && QuickGathersOf(leaves);
   if (!HasCpuid(leaves) || !IsGenuineIntel(leaves)) return StatusCpuUnknown;
   return StatusOk;
 }

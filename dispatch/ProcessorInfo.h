@@ -5,11 +5,15 @@
 #ifndef QV_DISPATCH_PROCESSORINFO_H
 #define QV_DISPATCH_PROCESSORINFO_H
 
+#include <stddef.h>
 #include <stdint.h>
 
 #include "qvAcceleratedLib/CqvAccLib.h"
 
 namespace qv {
+
+// Sub-leaves of the two leaves that describe caches, one a cache.
+constexpr int kCacheLeaves = 8;
 
 struct CpuidRegisters {
   uint32_t eax;
@@ -25,10 +29,11 @@ struct CpuidLeaves {
   CpuidRegisters leaf0;         // highest basic leaf, vendor
   CpuidRegisters leaf1;         // family, model, stepping, features
   CpuidRegisters leaf2;         // cache descriptors
-  CpuidRegisters leaf4;         // sub-leaf 0: cache parameters, cores of a package
+  CpuidRegisters leaf4[kCacheLeaves];  // caches; sub-leaf 0: cores of a package
   CpuidRegisters leaf7;         // sub-leaf 0: AVX2, AVX-512, VPCLMULQDQ
   CpuidRegisters leaf80000000;  // highest extended leaf
-  CpuidRegisters leaf80000001;  // 64-bit mode
+  CpuidRegisters leaf80000001;  // 64-bit mode, whether leaf 0x8000001D describes caches
+  CpuidRegisters leaf8000001D[kCacheLeaves];  // caches
   uint64_t xcr0;                // register state that the operating system saves; 0 without OSXSAVE
 };
 
@@ -59,7 +64,7 @@ bool HasCpuid(const CpuidLeaves& leaves);
 // Whether the vendor string is "GenuineIntel".
 bool IsGenuineIntel(const CpuidLeaves& leaves);
 
-// 1 without CPUID or without leaf 4, else bits 26 to 31 of leaf 4 EAX plus 1.
+// 1 without CPUID or without leaf 4, else bits 26 to 31 of EAX of leaf 4, sub-leaf 0, plus 1.
 int CoresPerPackage(const CpuidLeaves& leaves);
 
 ProcessorInfo ProcessorInfoOf(const CpuidLeaves& leaves);
@@ -92,9 +97,17 @@ int WideLevelOf(const CpuidLeaves& leaves);
 // vectors of wide level 2.
 int CarrylessLevelOf(const CpuidLeaves& leaves);
 
-// Classifies a processor and sets VariantIndex, WideLevel, CarrylessLevel and HasSse from it.
-// Returns StatusCpuUnknown if the processor has no CPUID or is of another vendor than
-// "GenuineIntel", else StatusOk; the values are set and hold in either case.
+// Bytes of the last level of cache that holds data, from leaf 0x8000001D where the topology
+// extensions are there, else from leaf 4; kUnknownCacheBytes if neither tells.
+ptrdiff_t LastCacheBytesOf(const CpuidLeaves& leaves);
+
+// Whether gathers are quick: Intel's are, with AVX2. AMD's are microcoded, in every family that has
+// them (0x15 on), and cost more than the loads that they stand for.
+bool QuickGathersOf(const CpuidLeaves& leaves);
+
+// Classifies a processor and sets the values of VariantIndex.h from it. Returns
+// StatusCpuUnknown if the processor has no CPUID or is of another vendor than "GenuineIntel", else
+// StatusOk; the values are set and hold in either case.
 IppStatus SelectProcessorVariant(const CpuidLeaves& leaves);
 
 // The same for this processor.

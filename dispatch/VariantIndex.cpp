@@ -6,5 +6,7 @@ int VariantIndex = 0;
 int WideLevel = 0;
 int CarrylessLevel = 0;
 int HasSse = 0;
+ptrdiff_t LastCacheBytes = kUnknownCacheBytes;
+bool QuickGathers = false;
 
 }  // namespace qv

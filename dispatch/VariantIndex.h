@@ -1,7 +1,10 @@
-// Which implementation of the kernels this processor gets. All values are written once,
-// while the library is loaded, and only read afterwards; until then kernels run their generic rows.
+// Which implementation of the kernels this processor gets, and what its rows choose by. All values
+// are written once, while the library is loaded, and only read afterwards; until then kernels run
+// their generic rows. Bytes never depend on LastCacheBytes and QuickGathers.
 #ifndef QV_DISPATCH_VARIANTINDEX_H
 #define QV_DISPATCH_VARIANTINDEX_H
+
+#include <stddef.h>
 
 #include "dispatch/Hidden.h"
 
@@ -22,6 +25,13 @@ extern QV_HIDDEN int CarrylessLevel;
 // Whether there is MXCSR to set: 1 or 0. Slot 1 does not say so, being also that of two classes of
 // processors without SSE.
 extern QV_HIDDEN int HasSse;
+
+// Size of the last level of cache, and what is taken for it where the processor does not tell.
+constexpr ptrdiff_t kUnknownCacheBytes = ptrdiff_t{32} << 20;
+extern QV_HIDDEN ptrdiff_t LastCacheBytes;
+
+// Whether a gather beats as many loads of single elements. False on processors without AVX2.
+extern QV_HIDDEN bool QuickGathers;
 
 }  // namespace qv
 

@@ -17,7 +17,7 @@ case "${1-}" in
 esac
 [ $# -ge 1 ] || { sed -n '5,9s/^# \{0,1\}//p' "$0" >&2; exit 2; }
 
-"$root/scripts/setup.sh" clang libclang-rt-14-dev libomp-dev libgtest-dev
+"$root/scripts/setup.sh" clang libclang-rt-14-dev libgtest-dev
 sanitize='-fsanitize=fuzzer-no-link,address,undefined,float-cast-overflow -fno-sanitize-recover=all'
 CC=clang CXX=clang++ cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=None -DQV_BUILD_FUZZERS=ON \
   -DQV_BUILD_TOOLS=OFF -DCMAKE_CXX_FLAGS="-O1 -g -fno-omit-frame-pointer $sanitize" >/dev/null

@@ -49,7 +49,7 @@ CpuidLeaves LeavesOf(const Processor& p) {
   if (p.features & MultiFlag) leaves.leaf1.edx |= 1u << 28;
   if (p.features & SSE3) leaves.leaf1.ecx |= 1u << 0;
   if (p.features & SSSE3) leaves.leaf1.ecx |= 1u << 9;
-  leaves.leaf4.eax = (p.cores - 1) << 26 | 0x03FFFFFFu;
+  leaves.leaf4[0].eax = (p.cores - 1) << 26 | 0x03FFFFFFu;
   leaves.leaf80000000.eax = p.features & NoExtended ? 0x80000000u : 0x80000001u;
   if (p.features & X64) leaves.leaf80000001.edx = 1u << 29;
   return leaves;
@@ -124,12 +124,16 @@ class Dispatch : public testing::Test {
     HasSse = hasSse_;
     WideLevel = wide_;
     CarrylessLevel = carryless_;
+    LastCacheBytes = lastCache_;
+    QuickGathers = gathers_;
   }
 
  private:
   const int variant_ = VariantIndex, hasSse_ = HasSse;
   const int wide_ = WideLevel;
   const int carryless_ = CarrylessLevel;
+  const ptrdiff_t lastCache_ = LastCacheBytes;
+  const bool gathers_ = QuickGathers;
 };
 
 TEST_F(Dispatch, ClassifiesProcessors) {
@@ -259,6 +263,11 @@ TEST_F(Dispatch, ChoosesTheWideLevel) {
     EXPECT_EQ(VariantIndex, 4);
     EXPECT_EQ(WideLevel, c.wide);
     EXPECT_EQ(CarrylessLevel, c.carryless);
+    EXPECT_EQ(QuickGathers, c.wide > 0);
+    memcpy(&leaves.leaf0.ebx, "Auth", 4);
+    SelectProcessorVariant(leaves);
+    EXPECT_EQ(WideLevel, c.wide);
+    EXPECT_FALSE(QuickGathers);
   }
 
   CpuidLeaves leaves = WidestLeaves();
@@ -277,6 +286,55 @@ TEST_F(Dispatch, ChoosesTheWideLevel) {
   EXPECT_EQ(VariantIndex, 0);
   EXPECT_EQ(WideLevel, 0);
   EXPECT_EQ(CarrylessLevel, 0);
+}
+
+// A cache as a sub-leaf describes it.
+CpuidRegisters Cache(unsigned level, unsigned type, unsigned ways, unsigned partitions,
+                     unsigned lineBytes, unsigned sets) {
+  return {0xFFFFFF00u | level << 5 | type,
+          (ways - 1) << 22 | (partitions - 1) << 12 | (lineBytes - 1), sets - 1, 0x5A};
+}
+
+TEST_F(Dispatch, FindsTheLastCache) {
+  enum Told { InLeaf4, InLeaf8000001D, NoTopologyExtensions, NoExtendedLeaf, NoLeaf, NoCpuidAtAll };
+  constexpr ptrdiff_t kibi = 1024, mebi = 1024 * kibi;
+  const CpuidRegisters first = Cache(1, 1, 12, 1, 64, 64), code = Cache(1, 2, 8, 1, 64, 64);
+  const struct {
+    const char* name;
+    Told told;
+    CpuidRegisters caches[5];
+    ptrdiff_t bytes;
+  } cases[] = {
+      {"three levels", InLeaf4, {first, code, Cache(2, 3, 16, 1, 64, 2048),
+                                 Cache(3, 3, 15, 1, 64, 53248)}, 48 * mebi + 768 * kibi},
+      {"two levels", InLeaf4, {first, code, Cache(2, 3, 16, 1, 64, 4096)}, 4 * mebi},
+      {"last one first", InLeaf4, {Cache(3, 3, 16, 1, 64, 8192), first, code}, 8 * mebi},
+      {"partitions, long lines", InLeaf4, {Cache(2, 1, 4, 3, 128, 1000)}, 1500 * kibi},
+      {"code above data", InLeaf4, {first, Cache(2, 2, 8, 1, 64, 1024)}, 48 * kibi},
+      {"extended", InLeaf8000001D, {first, code, Cache(2, 3, 16, 1, 64, 1024),
+                                    Cache(3, 3, 16, 1, 64, 98304)}, 96 * mebi},
+      {"without the extensions", NoTopologyExtensions, {first}, kUnknownCacheBytes},
+      {"without the extended leaf", NoExtendedLeaf, {first}, kUnknownCacheBytes},
+      {"without leaf 4", NoLeaf, {first}, kUnknownCacheBytes},
+      {"without CPUID", NoCpuidAtAll, {first}, kUnknownCacheBytes},
+      {"none", InLeaf4, {}, kUnknownCacheBytes},
+      {"none but code", InLeaf4, {code}, kUnknownCacheBytes},
+      {"beyond reason", InLeaf4, {{0x63, ~0u, ~0u, 0}}, kUnknownCacheBytes},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    CpuidLeaves leaves = {};
+    leaves.hasCpuid = c.told != NoCpuidAtAll;
+    leaves.leaf0.eax = c.told == InLeaf4 || c.told == NoCpuidAtAll ? 4 : 3;
+    leaves.leaf80000000.eax = c.told == NoExtendedLeaf ? 0x8000001C : 0x8000001D;
+    const bool extended = c.told == InLeaf8000001D || c.told == NoExtendedLeaf;
+    leaves.leaf80000001.ecx = extended ? ~0u : ~(1u << 22);
+    const bool inLeaf4 = c.told == InLeaf4 || c.told == NoLeaf || c.told == NoCpuidAtAll;
+    memcpy(inLeaf4 ? leaves.leaf4 : leaves.leaf8000001D, c.caches, sizeof c.caches);
+    EXPECT_EQ(LastCacheBytesOf(leaves), c.bytes);
+    SelectProcessorVariant(leaves);
+    EXPECT_EQ(LastCacheBytes, c.bytes);
+  }
 }
 
 // The compiler's run-time library reads the same processor on its own.
@@ -298,6 +356,8 @@ TEST_F(Dispatch, ReadsThisProcessor) {
   EXPECT_EQ(CarrylessLevelOf(leaves), !__builtin_cpu_supports("pclmul")                ? 0
                                       : avx512 && __builtin_cpu_supports("vpclmulqdq") ? 2
                                                                                        : 1);
+  EXPECT_EQ(QuickGathersOf(leaves),
+            __builtin_cpu_is("intel") && __builtin_cpu_supports("avx2"));
 }
 
 TEST(FloatControl, SetsWhatItsMaskNames) {

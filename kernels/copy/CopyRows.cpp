@@ -215,7 +215,7 @@ QV_INLINE IppStatus RunRows(const Byte* src, int srcStep, Byte* dst, int dstStep
 template <int pixelBytes>
 QV_INLINE IppStatus CopyBytes(const Byte* src, int srcStep, Byte* dst, int dstStep,
                               IppiSize size) {
-  const bool stream = static_cast<long long>(size.width) * size.height >= kStreamBytes / pixelBytes;
+  const bool stream = PassesCaches(size.width, size.height, 2 * pixelBytes);
   const IppStatus status = RunRows<pixelBytes, pixelBytes>(
       src, srcStep, dst, dstStep, size, [=](const Byte* from, Byte* to, ptrdiff_t width) {
         CopyRow(from, to, width * pixelBytes, stream);

@@ -3,6 +3,7 @@
 #include <stddef.h>
 
 #include "kernels/geometry/GeometryChecks.h"
+#include "kernels/geometry/WarpAhead.h"
 #include "kernels/geometry/WarpPlan.h"
 
 namespace qv {
@@ -48,6 +49,8 @@ bool AreApart(const double quad[4][2], const Corners& rect) {
 bool WarpTiles(const WarpPlan& plan, const GeometryImages& images, const Corners& part,
                WarpSource source, int srcStep, int dstStep) {
   const auto kernel = images.channels == 3 ? WarpRow_8u_C3 : WarpRow_8u_C1;
+  const bool pays =
+      WarpAhead::Pays(static_cast<long long>(source.width) * source.height * images.channels);
   bool any = false;
   const Span rows = plan.Rows();
   // The last row and the last column may be the largest int there is: steps are wider.
@@ -65,7 +68,12 @@ bool WarpTiles(const WarpPlan& plan, const GeometryImages& images, const Corners
     }
     for (long long left = all.first & -kTileColumns; left <= all.last; left += kTileColumns) {
       const int x0 = static_cast<int>(left);
+      Footprint next;
+      const bool fetches =
+          pays && plan.Find(next, double{kTileColumns} + x0, y0, kTileColumns, height);
+      WarpAhead ahead(fetches ? next : Footprint{}, part, height);
       for (int i = 0; i < height; ++i) {
+        if (fetches) ahead.Fetch(images, srcStep);
         const int first = spans[i].first < x0 ? x0 : spans[i].first;
         const int last =
             spans[i].last - x0 < kTileColumns ? spans[i].last : x0 + kTileColumns - 1;

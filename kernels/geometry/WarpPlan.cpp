@@ -147,6 +147,32 @@ Span WarpPlan::Columns(int y) const {
   return span;
 }
 
+// With (a, c) and (b, d) the source's steps from column to column and from row to row, the tile is
+// (a u + b v, c u + d v), |u| <= columns / 2 and |v| <= rows / 2. Where it is at dy = c u + d v,
+//   dx = b / d dy + (a d - b c) / d u = a / c dy - (a d - b c) / c v.
+bool WarpPlan::Find(Footprint& f, double x, int y, int columns, int rows) const {
+  const double u = columns / 2, v = rows / 2, cx = x + u, cy = y + v;
+  const double w = m_[2][0] * cx + m_[2][1] * cy + m_[2][2];
+  if (!(w > 0)) return false;
+  const double r = 1 / w;
+  f.x = (m_[0][0] * cx + m_[0][1] * cy + m_[0][2]) * r;
+  f.y = (m_[1][0] * cx + m_[1][1] * cy + m_[1][2]) * r;
+  const double a = (m_[0][0] - f.x * m_[2][0]) * r, b = (m_[0][1] - f.x * m_[2][1]) * r;
+  const double c = (m_[1][0] - f.y * m_[2][0]) * r, d = (m_[1][1] - f.y * m_[2][1]) * r;
+  const double area = fabs(a * d - b * c);
+  f.rows = fabs(c) * u + fabs(d) * v + 1;
+  const double along[2] = {b, a}, down[2] = {d, c}, half[2] = {u, v};
+  for (int i = 0; i < 2; ++i) {
+    // Sides that are almost parallel to the source's rows do not bound them.
+    const bool bounds = fabs(down[i]) > 0x1p-10;
+    f.slope[i] = bounds ? along[i] / down[i] : 0;
+    f.half[i] = bounds ? area * half[i] / fabs(down[i]) + fabs(f.slope[i]) + 1 : 0x1p20;
+  }
+  // Numbers that the walk over the parallelogram can hold with bits to spare.
+  return area <= 4 && f.rows <= 0x1p12 && fabs(f.x) <= 0x1p30 && fabs(f.y) <= 0x1p30 &&
+         fabs(f.slope[0]) + fabs(f.slope[1]) <= 0x1p12;
+}
+
 int WarpPlan::Segments(int y, int first, int last, WarpSegment* segments) const {
   const Row row = RowAt(y);
   int count = 0;

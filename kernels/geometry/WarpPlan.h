@@ -12,6 +12,12 @@ struct Span {
   int first, last;
 };
 
+// Where a tile of the destination lies in the source, as a parallelogram: those (x + dx, y + dy)
+// with |dy| <= rows and |dx - slope[i] * dy| <= half[i] for both i, the nearest pixels included.
+struct Footprint {
+  double x, y, rows, slope[2], half[2];
+};
+
 // The warp of the region `source` of an image (clipped to it) into the region `destination`.
 //
 // The area written: a destination pixel (x, y) belongs to it if its position in the source,
@@ -37,6 +43,9 @@ class WarpPlan {
   // Rows outside of this have an empty span.
   Span Rows() const { return rows_; }
   Span Columns(int y) const;
+
+  // False for a tile whose source pixels are more than asking for them ahead is worth.
+  bool Find(Footprint& footprint, double x, int y, int columns, int rows) const;
 
   // Segments that cover columns first .. last of row y, which lie inside its span, and at most
   // last - first + 2 * kWarpBlock columns in all. Returns how many; there is one per column at

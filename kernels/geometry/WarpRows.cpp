@@ -94,7 +94,7 @@ QV_INLINE Vec OffsetOf(const View& view, Vec x, Vec y) {
 // long, and with the fetches in between a processor could not look ahead over more than one of
 // them.
 struct Prepared {
-  Vec offset, x, y;
+  alignas(kVecBytes) int offset[kLanes32], x[kLanes32], y[kLanes32];
 };
 
 // Weights (2^14 - f, f) of a pair of pixels, as 16-bit halves.
@@ -110,20 +110,20 @@ QV_INLINE bool Prepare(const View& view, Vec px, Vec py, Prepared& out) {
   if constexpr (kMethod == WarpLinear) {
     // On the last pixel the pair is the one before it, with all the weight on its second half.
     if constexpr (!kInside) ix = Min32(ix, view.lastX), iy = Min32(iy, view.lastY);
-    out.x = PairWeights(Sub32(px, ShiftLeft32<kWarpBits>(ix)));
-    out.y = PairWeights(Sub32(py, ShiftLeft32<kWarpBits>(iy)));
+    Store(out.x, PairWeights(Sub32(px, ShiftLeft32<kWarpBits>(ix))));
+    Store(out.y, PairWeights(Sub32(py, ShiftLeft32<kWarpBits>(iy))));
   }
   // Its sign tells: the fetch ends behind its row, or there is no tap before or behind.
   Vec bad = Zero();
   if constexpr (kMethod == WarpCubic) {
     const Vec one = Splat32(1), mask = Splat32((kCubicPhases - 1) * 8);  // entries are 8 bytes
-    out.x = And(ShiftRight32<kWarpBits - kCubicBits - 3>(px), mask);
-    out.y = And(ShiftRight32<kWarpBits - kCubicBits - 3>(py), mask);
+    Store(out.x, And(ShiftRight32<kWarpBits - kCubicBits - 3>(px), mask));
+    Store(out.y, And(ShiftRight32<kWarpBits - kCubicBits - 3>(py), mask));
     bad = Or(Sub32(Sub32(view.lastX, one), ix), Sub32(Sub32(view.lastY, one), iy));
     ix = Sub32(ix, one), iy = Sub32(iy, one);
     bad = Or(bad, Or(ix, iy));
   }
-  out.offset = OffsetOf<kChannels>(view, ix, iy);
+  Store(out.offset, OffsetOf<kChannels>(view, ix, iy));
   if constexpr (kInside) return true;
   constexpr int kFetched =
       kMethod == WarpNearest || kChannels == 1 ? 4 : kMethod == WarpLinear ? 8 : 16;
@@ -132,30 +132,32 @@ QV_INLINE bool Prepare(const View& view, Vec px, Vec py, Prepared& out) {
   return !AnyNegative32(bad);
 }
 
-template <int kChannels>
+template <int kChannels, bool kGathers>
 QV_INLINE void FinishNearest(const View& view, const Prepared& p, Byte* out) {
-  const Vec pixels = Gather32(view.first, p.offset);
+  const Vec pixels = Fetch32<kGathers>(view.first, p.offset);
   if constexpr (kChannels == 1)
     StoreLowBytes(out, pixels);
   else
     StoreTriples(out, pixels);
 }
 
-template <int kChannels>
+template <int kChannels, bool kGathers>
 QV_INLINE void FinishLinear(const View& view, const Prepared& p, Byte* out) {
   const Byte* const below = view.first + view.stepBytes;
+  const Vec wx = Load(p.x), wy = Load(p.y);
   // Of 16-bit pairs of neighbours in both rows, 2^21 times the value.
   const auto mix = [=](Vec upper, Vec lower) {
-    const Vec u = ShiftRight32<7>(MulAddPairs16(upper, p.x));
-    const Vec l = ShiftLeft32<9>(MulAddPairs16(lower, p.x));
-    return Add32(MulAddPairs16(Or(u, And(l, Splat32(-0x10000))), p.y), Splat32(kLinearRound));
+    const Vec u = ShiftRight32<7>(MulAddPairs16(upper, wx));
+    const Vec l = ShiftLeft32<9>(MulAddPairs16(lower, wx));
+    return Add32(MulAddPairs16(Or(u, And(l, Splat32(-0x10000))), wy), Splat32(kLinearRound));
   };
   if constexpr (kChannels == 1) {
-    StoreLowBytes(out, ShiftRight32<21>(mix(SpreadPair<0, 1>(Gather32(view.first, p.offset)),
-                                            SpreadPair<0, 1>(Gather32(below, p.offset)))));
+    const Vec upper = Fetch32<kGathers>(view.first, p.offset);
+    const Vec lower = Fetch32<kGathers>(below, p.offset);
+    StoreLowBytes(out, ShiftRight32<21>(mix(SpreadPair<0, 1>(upper), SpreadPair<0, 1>(lower))));
   } else {
-    const PixelPairs upper = GatherPairs(view.first, p.offset);
-    const PixelPairs lower = GatherPairs(below, p.offset);
+    const PixelPairs upper = FetchPairs<kGathers>(view.first, p.offset);
+    const PixelPairs lower = FetchPairs<kGathers>(below, p.offset);
     const Vec b = ShiftRight32<21>(mix(upper.b, lower.b));
     const Vec g = And(ShiftRight32<13>(mix(upper.g, lower.g)), Splat32(0xFF00));
     const Vec r = And(ShiftRight32<5>(mix(upper.r, lower.r)), Splat32(0xFF0000));
@@ -171,29 +173,27 @@ QV_INLINE Vec SumRows(const Vec row[4], Vec even, Vec odd) {
   return ShiftRightSigned32<20>(Add32(sum, Splat32(kCubicRound)));
 }
 
-template <int kChannels>
+template <int kChannels, bool kGathers>
 QV_INLINE void FinishCubic(const View& view, const Prepared& p, Byte* out) {
   const Byte* const table = reinterpret_cast<const Byte*>(kCubicTable.tap);
-  const Vec x01 = Gather64<0>(table, p.x), x23 = Gather64<1>(table, p.x);
-  const Vec y01 = Gather64<0>(table, p.y), y23 = Gather64<1>(table, p.y);
+  const Vec x01 = Fetch64<kGathers, 0>(table, p.x), x23 = Fetch64<kGathers, 1>(table, p.x);
+  const Vec y01 = Fetch64<kGathers, 0>(table, p.y), y23 = Fetch64<kGathers, 1>(table, p.y);
   const Vec evenX = EvenLanes32(x01, x23), oddX = OddLanes32(x01, x23);
   const Vec evenY = EvenLanes32(y01, y23), oddY = OddLanes32(y01, y23);
   if constexpr (kChannels == 1) {
     Vec row[4];
     for (int i = 0; i < 4; ++i) {
-      const Vec taps = Gather32(view.first + i * view.stepBytes, p.offset);
+      const Vec taps = Fetch32<kGathers>(view.first + i * view.stepBytes, p.offset);
       const Vec bytes = Splat32(0x00FF00FF);
       row[i] = ShiftRightSigned32<8>(Add32(MulAddPairs16(And(taps, bytes), evenX),
                                            MulAddPairs16(ShiftRight16<8>(taps), oddX)));
     }
     StoreAsBytes(out, SumRows(row, evenY, oddY));
   } else {
-    int at[kLanes32];
-    Store(at, p.offset);
     const auto pixels = [&]<int kPart>() {
       Vec row[4];
       for (int i = 0; i < 4; ++i) {
-        const Vec taps = Gather128<kPart>(view.first + i * view.stepBytes, at);
+        const Vec taps = Fetch128<kPart>(view.first + i * view.stepBytes, p.offset);
         row[i] = ShiftRightSigned32<8>(
             Add32(MulAddPairs16(SpreadTaps<0>(taps), SplatInLanes32<kPart>(evenX)),
                   MulAddPairs16(SpreadTaps<1>(taps), SplatInLanes32<kPart>(oddX))));
@@ -206,19 +206,49 @@ QV_INLINE void FinishCubic(const View& view, const Prepared& p, Byte* out) {
   }
 }
 
-// Out of line, to keep the loop around it tight.
-template <int kChannels>
-__attribute__((noinline)) void SamplePlainly(const WarpSource& s, Vec px, Vec py, Byte* out,
-                                             int count) {
-  int x[kLanes32], y[kLanes32];
-  Store(x, px);
-  Store(y, py);
-  for (int i = 0; i < count; ++i) SamplePixel<kChannels>(s, x[i], y[i], out + kChannels * i);
+// Where fetches would pass the end of a row, or taps the edges: the bytes that count are brought
+// together first. Out of line, to keep the loop around it tight.
+template <WarpMethod kMethod, int kChannels, bool kGathers>
+__attribute__((noinline)) void FinishAtEdge(const WarpSource& s, const View& view, Vec px, Vec py,
+                                            const Prepared& p, Byte* out) {
+  if constexpr (kMethod == WarpNearest) {
+    for (int i = 0; i < kLanes32; ++i)
+      memcpy(out + kChannels * i, view.first + p.offset[i], kChannels);
+  } else {
+    constexpr int kRows = kMethod == WarpLinear ? 2 : 4, kApart = kMethod == WarpLinear ? 8 : 16;
+    Byte taps[kRows][kApart * kLanes32] = {};
+    int x[kLanes32], y[kLanes32];
+    Store(x, ShiftRightSigned32<kWarpBits>(Clamp32(px, view.highX)));
+    Store(y, ShiftRightSigned32<kWarpBits>(Clamp32(py, view.highY)));
+    Prepared near = p;
+    for (int i = 0; i < kLanes32; ++i) {
+      near.offset[i] = kApart * i;
+      const bool isBeyond = kMethod == WarpCubic && (x[i] < 1 || x[i] > s.width - 3);
+      for (int r = 0; r < kRows; ++r) {
+        Byte* const to = taps[r] + kApart * i;
+        if constexpr (kMethod == WarpLinear) {
+          memcpy(to, view.first + p.offset[i] + r * view.stepBytes, 2 * kChannels);
+        } else if (isBeyond) {
+          for (int k = 0; k < 4; ++k)
+            memcpy(to + k * kChannels, TapAt<kChannels>(s, x[i] - 1 + k, y[i] - 1 + r), kChannels);
+        } else {
+          memcpy(to, TapAt<kChannels>(s, x[i] - 1, y[i] - 1 + r), 4 * kChannels);
+        }
+      }
+    }
+    View nearby = view;
+    nearby.first = taps[0];
+    nearby.stepBytes = sizeof taps[0];
+    if constexpr (kMethod == WarpLinear)
+      FinishLinear<kChannels, kGathers>(nearby, near, out);
+    else
+      FinishCubic<kChannels, kGathers>(nearby, near, out);
+  }
 }
 
 // Columns begin .. begin + n - 1 of a run, at which `positions` stand. A run of less than a vector
 // is sampled aside, and the last vector of any other one overlaps the one before it.
-template <WarpMethod kMethod, int kChannels, bool kInside, class Positions>
+template <WarpMethod kMethod, int kChannels, bool kGathers, bool kInside, class Positions>
 QV_INLINE void SampleRun(const WarpSource& s, const View& view, int begin, int n, Byte* out,
                          Positions positions) {
   constexpr int kMost = kWarpBlock / kLanes32;
@@ -239,20 +269,20 @@ QV_INLINE void SampleRun(const WarpSource& s, const View& view, int begin, int n
     Byte* const to = n < kLanes32 ? part : out + i * kChannels;
     if (!kInside && !isReady[k]) {
       positions.MoveTo(begin + i);
-      SamplePlainly<kChannels>(s, positions.At(0), positions.At(1), to,
-                               n < kLanes32 ? n : kLanes32);
+      FinishAtEdge<kMethod, kChannels, kGathers>(s, view, positions.At(0), positions.At(1),
+                                                 prepared[k], to);
     } else if constexpr (kMethod == WarpNearest) {
-      FinishNearest<kChannels>(view, prepared[k], to);
+      FinishNearest<kChannels, kGathers>(view, prepared[k], to);
     } else if constexpr (kMethod == WarpLinear) {
-      FinishLinear<kChannels>(view, prepared[k], to);
+      FinishLinear<kChannels, kGathers>(view, prepared[k], to);
     } else {
-      FinishCubic<kChannels>(view, prepared[k], to);
+      FinishCubic<kChannels, kGathers>(view, prepared[k], to);
     }
   }
   if (n < kLanes32) memcpy(out, part, static_cast<size_t>(n) * kChannels);
 }
 
-template <WarpMethod kMethod, int kChannels>
+template <WarpMethod kMethod, int kChannels, bool kGathers>
 void WarpRowVectors(const WarpSource& s, const WarpSegment* segments, int count, int first,
                     int last, Byte* dst) {
   const View view = MakeView(s);
@@ -267,6 +297,9 @@ void WarpRowVectors(const WarpSource& s, const WarpSegment* segments, int count,
     // A run of less than a vector may look past the segment's columns.
     const bool isInside = n >= kLanes32 && g->isInside;
     Byte* const out = dst + static_cast<ptrdiff_t>(start + begin) * kChannels;
+    const auto run = [&]<bool kInside>(auto positions) __attribute__((always_inline)) {
+      SampleRun<kMethod, kChannels, kGathers, kInside>(s, view, begin, n, out, positions);
+    };
     if (isShort) {
       for (;; ++g) {
         for (int i = 0; i < g->count; ++i) {
@@ -276,18 +309,29 @@ void WarpRowVectors(const WarpSource& s, const WarpSegment* segments, int count,
         }
         if (g + 1 == end || (g[1].first & -length) != start) break;
       }
-      SampleRun<kMethod, kChannels, false>(s, view, begin, n, out, Listed{x, y, begin});
+      run.template operator()<false>(Listed{x, y, begin});
     } else if (IsLine(*g)) {
       if (isInside)
-        SampleRun<kMethod, kChannels, true>(s, view, begin, n, out, Curve<true>(*g, begin));
+        run.template operator()<true>(Curve<true>(*g, begin));
       else
-        SampleRun<kMethod, kChannels, false>(s, view, begin, n, out, Curve<true>(*g, begin));
+        run.template operator()<false>(Curve<true>(*g, begin));
     } else if (isInside) {
-      SampleRun<kMethod, kChannels, true>(s, view, begin, n, out, Curve<false>(*g, begin));
+      run.template operator()<true>(Curve<false>(*g, begin));
     } else {
-      SampleRun<kMethod, kChannels, false>(s, view, begin, n, out, Curve<false>(*g, begin));
+      run.template operator()<false>(Curve<false>(*g, begin));
     }
   }
+}
+
+template <int kChannels, bool kGathers>
+QV_INLINE void WarpRowBy(const WarpSource& s, const WarpSegment* segments, int count, int first,
+                         int last, Byte* dst) {
+  if (s.method == WarpNearest)
+    WarpRowVectors<WarpNearest, kChannels, kGathers>(s, segments, count, first, last, dst);
+  else if (s.method == WarpLinear)
+    WarpRowVectors<WarpLinear, kChannels, kGathers>(s, segments, count, first, last, dst);
+  else
+    WarpRowVectors<WarpCubic, kChannels, kGathers>(s, segments, count, first, last, dst);
 }
 
 #endif
@@ -297,12 +341,10 @@ QV_INLINE void WarpRow(const WarpSource& s, const WarpSegment* segments, int cou
                        int last, Byte* dst) {
 #if QV_HAS_VECTORS
   if (FitsLanes(s, kChannels) && s.width >= 2 && s.height >= 2) {
-    if (s.method == WarpNearest)
-      WarpRowVectors<WarpNearest, kChannels>(s, segments, count, first, last, dst);
-    else if (s.method == WarpLinear)
-      WarpRowVectors<WarpLinear, kChannels>(s, segments, count, first, last, dst);
+    if (kHasGather && QuickGathers)
+      WarpRowBy<kChannels, kHasGather>(s, segments, count, first, last, dst);
     else
-      WarpRowVectors<WarpCubic, kChannels>(s, segments, count, first, last, dst);
+      WarpRowBy<kChannels, false>(s, segments, count, first, last, dst);
     return;
   }
 #endif

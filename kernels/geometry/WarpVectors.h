@@ -43,14 +43,6 @@ template <int lane> QV_INLINE Vec SplatInLanes32(Vec v) {
 
 #if defined(__AVX512F__)
 
-QV_INLINE Vec Gather32(const void* base, Vec offset) {
-  return _mm512_i32gather_epi32(offset, base, 1);
-}
-template <int kHalf> QV_INLINE Vec Gather64(const Byte* base, Vec offset) {
-  const Vec order = _mm512_setr_epi32(0, 1, 4, 5, 8, 9, 12, 13, 2, 3, 6, 7, 10, 11, 14, 15);
-  const Vec sorted = _mm512_permutexvar_epi32(order, offset);
-  return _mm512_i32gather_epi64(_mm512_extracti64x4_epi64(sorted, kHalf), base, 1);
-}
 QV_INLINE void StoreLowBytes(Byte* p, Vec v) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm512_cvtepi32_epi8(v));
 }
@@ -61,15 +53,6 @@ QV_INLINE void StoreAsBytes(Byte* p, Vec v) {
 
 #elif defined(__AVX2__)
 
-QV_INLINE Vec Gather32(const void* base, Vec offset) {
-  return _mm256_i32gather_epi32(static_cast<const int*>(base), offset, 1);
-}
-template <int kHalf> QV_INLINE Vec Gather64(const Byte* base, Vec offset) {
-  const Vec sorted =
-      _mm256_permutevar8x32_epi32(offset, _mm256_setr_epi32(0, 1, 4, 5, 2, 3, 6, 7));
-  return _mm256_i32gather_epi64(reinterpret_cast<const long long*>(base),
-                                _mm256_extracti128_si256(sorted, kHalf), 1);
-}
 QV_INLINE void StoreLowBytes(Byte* p, Vec v) {
   const __m256i low = _mm256_shuffle_epi8(
       v, _mm256_broadcastsi128_si256(
@@ -86,27 +69,6 @@ QV_INLINE void StoreAsBytes(Byte* p, Vec v) {
 
 #else
 
-template <int i> QV_INLINE int Lane32(Vec v) {
-  return _mm_cvtsi128_si32(_mm_shuffle_epi32(v, i * 0x55));
-}
-QV_INLINE Vec LoadDword(const void* p) {
-  int bits;
-  memcpy(&bits, p, 4);
-  return _mm_cvtsi32_si128(bits);
-}
-QV_INLINE Vec LoadQword(const void* p) {
-  return _mm_loadl_epi64(static_cast<const Vec*>(p));
-}
-QV_INLINE Vec Gather32(const void* base, Vec offset) {
-  const Byte* const p = static_cast<const Byte*>(base);
-  return _mm_unpacklo_epi64(
-      _mm_unpacklo_epi32(LoadDword(p + Lane32<0>(offset)), LoadDword(p + Lane32<1>(offset))),
-      _mm_unpacklo_epi32(LoadDword(p + Lane32<2>(offset)), LoadDword(p + Lane32<3>(offset))));
-}
-template <int kHalf> QV_INLINE Vec Gather64(const Byte* base, Vec offset) {
-  return _mm_unpacklo_epi64(LoadQword(base + Lane32<2 * kHalf>(offset)),
-                            LoadQword(base + Lane32<2 * kHalf + 1>(offset)));
-}
 QV_INLINE void StoreAsBytes(Byte* p, Vec v) {
   v = _mm_packs_epi32(v, v);
   const int bits = _mm_cvtsi128_si32(_mm_packus_epi16(v, v));
@@ -118,12 +80,22 @@ QV_INLINE void StoreLowBytes(Byte* p, Vec v) {
 
 #endif
 
-// Gather32: 4 bytes for each lane, from base + offset. Gather64<h>: 8 bytes for lanes 2 h and 2 h +
-// 1 of each 16-byte lane of `offset`, so that EvenLanes32 and OddLanes32 of both halves are the
-// first and the last 4 bytes of each lane. Gather128<k>: 16 bytes for lane k of each. StoreAsBytes
-// saturates 32-bit lanes, StoreLowBytes cuts them off; both store kLanes32 bytes.
-template <int kPart> QV_INLINE Vec Gather128(const Byte* base, const int* offset) {
-  return LoadLanes([=](int i) { return base + offset[4 * i + kPart]; });
+// StoreAsBytes saturates 32-bit lanes, StoreLowBytes cuts them off; both store kLanes32 bytes.
+
+// Fetches from base + offset, by gathers or by as many loads, whichever this processor does faster.
+// `at` are byte offsets in memory, one a 32-bit lane. Fetch32: 4 bytes for each lane. Fetch64<h>: 8
+// bytes for lanes 2 h and 2 h + 1 of each four, so that EvenLanes32 and OddLanes32 of both halves
+// are the first and the last 4 bytes of each lane. Fetch128<k>: 16 bytes for lane k of each four.
+template <bool kGathers> QV_INLINE Vec Fetch32(const Byte* base, const int* at) {
+  if constexpr (kGathers) return Gather32(base, Load(at));
+  return LoadPieces4([=](int i) { return base + at[i]; });
+}
+template <bool kGathers, int kHalf> QV_INLINE Vec Fetch64(const Byte* base, const int* at) {
+  if constexpr (kGathers) return Gather64<kHalf>(base, Load(at));
+  return LoadPieces8([=](int i) { return base + at[i / 2 * 4 + 2 * kHalf + i % 2]; });
+}
+template <int kPart> QV_INLINE Vec Fetch128(const Byte* base, const int* at) {
+  return LoadLanes([=](int i) { return base + at[4 * i + kPart]; });
 }
 
 // Bytes kFirst and kSecond of each 32-bit lane, as 16-bit halves.
@@ -144,8 +116,8 @@ template <int kFirst, int kSecond> QV_INLINE Vec SpreadPair(Vec v) {
 struct PixelPairs {
   Vec b, g, r;
 };
-QV_INLINE PixelPairs GatherPairs(const Byte* base, Vec offset) {
-  const Vec low = Gather64<0>(base, offset), high = Gather64<1>(base, offset);
+template <bool kGathers> QV_INLINE PixelPairs FetchPairs(const Byte* base, const int* at) {
+  const Vec low = Fetch64<kGathers, 0>(base, at), high = Fetch64<kGathers, 1>(base, at);
   const Vec bgrb = EvenLanes32(low, high), gr = OddLanes32(low, high);
   const Vec grgr = Or(And(ShiftRight32<8>(bgrb), Splat32(0xFFFF)), ShiftLeft32<16>(gr));
   return {SpreadPair<0, 3>(bgrb), And(grgr, Splat32(0x00FF00FF)), ShiftRight16<8>(grgr)};

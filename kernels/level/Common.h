@@ -6,6 +6,7 @@
 #include <stdint.h>
 #include <string.h>
 
+#include "dispatch/VariantIndex.h"
 #include "qvAcceleratedLib/CqvAccLib.h"
 
 #define QV_INLINE inline __attribute__((always_inline))
@@ -25,10 +26,17 @@ QV_INLINE IppStatus CheckImages(const void* a, const void* b, int width, int hei
   return StatusOk;
 }
 
-// A destination of at least this many bytes would push everything else out of the caches before it is
-// read again: it is written past them. Measured: ordinary stores win while the frame still fits
-// in the last level next to its source.
-constexpr ptrdiff_t kStreamBytes = ptrdiff_t{10} << 20;
+// Whether a call that touches `pixelBytes` bytes a pixel, of all its images together, had better
+// write its destination past the caches: it would push itself and everything else out of them
+// before it is read again, and an ordinary store fetches the line that it overwrites. Measured:
+// ordinary stores win up to some 20 MiB, both on an AMD Zen with a last cache of 32 MiB and on an
+// Intel Xeon with a far larger one that others share. So the bound is five eighths of the last
+// cache, and at most that.
+QV_INLINE bool PassesCaches(int width, int height, int pixelBytes) {
+  constexpr ptrdiff_t kMost = ptrdiff_t{20} << 20;
+  const ptrdiff_t share = LastCacheBytes / 8 * 5;
+  return int64_t{width} * height >= (share < kMost ? share : kMost) / pixelBytes;
+}
 
 // Clamps to a byte.
 QV_INLINE Byte ToByte(int x) { return static_cast<Byte>(x < 0 ? 0 : x > 255 ? 255 : x); }

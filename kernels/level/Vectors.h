@@ -67,19 +67,43 @@ QV_INLINE Vec InterleaveHigh64(Vec a, Vec b) { return QV_OP(unpackhi_epi64)(a, b
 QV_INLINE Vec PackUnsigned16(Vec a, Vec b) { return QV_OP(packus_epi16)(a, b); }
 QV_INLINE Vec PackSigned32(Vec a, Vec b) { return QV_OP(packs_epi32)(a, b); }
 
-// 16-byte lane i of the result is loaded from the address at(i).
-template <class At> Vec LoadLanes(At at);
-
 // All bytes in reverse order; both 16-byte lanes of a vector as the lowest, or as the highest, of
 // them (of one lane: itself; not defined for four).
 Vec ReverseBytes(Vec v);
 Vec LowLaneTwice(Vec v);
 Vec HighLaneTwice(Vec v);
+// The vector's low half as the low halves of all 16-byte lanes, its high half as the high ones:
+// InterleaveLow8 and InterleaveHigh8 of two such vectors are those of the whole vectors.
+Vec DealHalves(Vec v);
 
 // Single 16-byte vectors, for three-byte pixels (five in 15 bytes) at every width.
 using Vec16 = __m128i;
 QV_INLINE Vec16 Load16(const void* p) { return _mm_loadu_si128(static_cast<const Vec16*>(p)); }
 QV_INLINE void Store16(void* p, Vec16 v) { _mm_storeu_si128(static_cast<Vec16*>(p), v); }
+QV_INLINE Vec16 Load4(const void* p) {
+  int bits;
+  memcpy(&bits, p, sizeof bits);
+  return _mm_cvtsi32_si128(bits);
+}
+QV_INLINE Vec16 Load8(const void* p) { return _mm_loadl_epi64(static_cast<const Vec16*>(p)); }
+
+// BuildLanes (by level): 16-byte lane i of the result is lane(i). LoadLanes: is loaded from the
+// address at(i).
+template <class At> QV_INLINE Vec LoadLanes(At at) {
+  return BuildLanes([=](int i) { return Load16(at(i)); });
+}
+// The same from pieces of 4 bytes, from at(0), at(1), ..., or of 8.
+template <class At> QV_INLINE Vec LoadPieces4(At at) {
+  return BuildLanes([=](int i) {
+    const Vec16 low = _mm_unpacklo_epi32(Load4(at(4 * i)), Load4(at(4 * i + 1)));
+    return _mm_unpacklo_epi64(
+        low, _mm_unpacklo_epi32(Load4(at(4 * i + 2)), Load4(at(4 * i + 3))));
+  });
+}
+template <class At> QV_INLINE Vec LoadPieces8(At at) {
+  return BuildLanes(
+      [=](int i) { return _mm_unpacklo_epi64(Load8(at(2 * i)), Load8(at(2 * i + 1))); });
+}
 
 // kHasByteShuffle. ShuffleBytes picks within each 16-byte lane; an index byte with its top bit set
 // gives 0. MulAddBytes: the saturated sums of neighbouring products of unsigned bytes of `a` and
@@ -100,6 +124,14 @@ Vec MulAddBytes(Vec a, Vec b);
 Vec PermuteBytes(Vec v, Vec index);
 Vec PermuteBytes2(Vec low, Vec index, Vec high);
 Vec PermuteBytesOver(Vec base, unsigned long long mask, Vec v, Vec index);
+// Of 64-byte vectors: 16-byte lanes 0 and 2, or 1 and 3, of `a` and then of `b`.
+Vec JoinEvenLanes(Vec a, Vec b);
+Vec JoinOddLanes(Vec a, Vec b);
+
+// kHasGather. Gather32: 4 bytes for each 32-bit lane, from base + offset. Gather64<h>: 8 bytes for
+// lanes 2 h and 2 h + 1 of each 16-byte lane of `offset`.
+Vec Gather32(const void* base, Vec offset);
+template <int kHalf> Vec Gather64(const void* base, Vec offset);
 
 // kHasMaskedBytes. Of LoadPart and StorePart: bytes whose mask bit is clear are neither read nor
 // written (and load as 0). Select: `b` in the bytes whose mask bit is set, `a` in the others.

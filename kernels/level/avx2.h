@@ -17,11 +17,9 @@ constexpr int kVecBytes = 32;
 constexpr bool kHasByteShuffle = true;
 constexpr bool kHasBytePermute = false;
 constexpr bool kHasMaskedBytes = false;
+constexpr bool kHasGather = true;
 
-template <class At> QV_INLINE Vec LoadLanes(At at) {
-  const auto lane = [=](int i) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at(i)));
-  };
+template <class Lane> QV_INLINE Vec BuildLanes(Lane lane) {
   return _mm256_inserti128_si256(_mm256_castsi128_si256(lane(0)), lane(1), 1);
 }
 
@@ -31,6 +29,17 @@ QV_INLINE Vec ReverseBytes(Vec v) {
   return _mm256_permute4x64_epi64(_mm256_shuffle_epi8(v, index), _MM_SHUFFLE(1, 0, 3, 2));
 }
 
+QV_INLINE Vec Gather32(const void* base, Vec offset) {
+  return _mm256_i32gather_epi32(static_cast<const int*>(base), offset, 1);
+}
+template <int kHalf> QV_INLINE Vec Gather64(const void* base, Vec offset) {
+  const Vec sorted =
+      _mm256_permutevar8x32_epi32(offset, _mm256_setr_epi32(0, 1, 4, 5, 2, 3, 6, 7));
+  return _mm256_i32gather_epi64(static_cast<const long long*>(base),
+                                _mm256_extracti128_si256(sorted, kHalf), 1);
+}
+
+QV_INLINE Vec DealHalves(Vec v) { return _mm256_permute4x64_epi64(v, 0xD8); }
 QV_INLINE Vec LowLaneTwice(Vec v) { return _mm256_permute4x64_epi64(v, 0x44); }
 QV_INLINE Vec HighLaneTwice(Vec v) { return _mm256_permute4x64_epi64(v, 0xEE); }
 

@@ -17,14 +17,21 @@ constexpr int kVecBytes = 64;
 constexpr bool kHasByteShuffle = true;
 constexpr bool kHasBytePermute = true;
 constexpr bool kHasMaskedBytes = true;
+constexpr bool kHasGather = true;
 
-template <class At> QV_INLINE Vec LoadLanes(At at) {
-  const auto lane = [=](int i) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at(i)));
-  };
+template <class Lane> QV_INLINE Vec BuildLanes(Lane lane) {
   const __m256i low = _mm256_inserti128_si256(_mm256_castsi128_si256(lane(0)), lane(1), 1);
   const __m256i high = _mm256_inserti128_si256(_mm256_castsi128_si256(lane(2)), lane(3), 1);
   return _mm512_inserti64x4(_mm512_zextsi256_si512(low), high, 1);
+}
+
+QV_INLINE Vec Gather32(const void* base, Vec offset) {
+  return _mm512_i32gather_epi32(offset, base, 1);
+}
+template <int kHalf> QV_INLINE Vec Gather64(const void* base, Vec offset) {
+  const Vec order = _mm512_setr_epi32(0, 1, 4, 5, 8, 9, 12, 13, 2, 3, 6, 7, 10, 11, 14, 15);
+  const Vec sorted = _mm512_permutexvar_epi32(order, offset);
+  return _mm512_i32gather_epi64(_mm512_extracti64x4_epi64(sorted, kHalf), base, 1);
 }
 
 QV_INLINE Vec PermuteBytes(Vec v, Vec index) { return _mm512_permutexvar_epi8(index, v); }
@@ -34,6 +41,9 @@ QV_INLINE Vec PermuteBytes2(Vec low, Vec index, Vec high) {
 QV_INLINE Vec PermuteBytesOver(Vec base, unsigned long long mask, Vec v, Vec index) {
   return _mm512_mask_permutexvar_epi8(base, mask, index, v);
 }
+
+QV_INLINE Vec JoinEvenLanes(Vec a, Vec b) { return _mm512_shuffle_i32x4(a, b, 0x88); }
+QV_INLINE Vec JoinOddLanes(Vec a, Vec b) { return _mm512_shuffle_i32x4(a, b, 0xDD); }
 
 QV_INLINE Vec LoadPart(const void* p, unsigned long long mask) {
   return _mm512_maskz_loadu_epi8(mask, p);
@@ -46,6 +56,10 @@ QV_INLINE Vec Select(unsigned long long mask, Vec a, Vec b) {
   return _mm512_mask_blend_epi8(mask, a, b);
 }
 QV_INLINE unsigned long long TopBits(Vec v) { return _mm512_movepi8_mask(v); }
+
+QV_INLINE Vec DealHalves(Vec v) {
+  return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 4, 1, 5, 2, 6, 3, 7), v);
+}
 
 QV_INLINE Vec ReverseBytes(Vec v) {
   const Vec index = _mm512_set_epi8(

@@ -14,11 +14,11 @@ constexpr int kVecBytes = 16;
 
 constexpr bool kHasBytePermute = false;
 constexpr bool kHasMaskedBytes = false;
+constexpr bool kHasGather = false;
 
-template <class At> QV_INLINE Vec LoadLanes(At at) {
-  return _mm_loadu_si128(reinterpret_cast<const Vec*>(at(0)));
-}
+template <class Lane> QV_INLINE Vec BuildLanes(Lane lane) { return lane(0); }
 
+QV_INLINE Vec DealHalves(Vec v) { return v; }
 QV_INLINE Vec LowLaneTwice(Vec v) { return v; }
 QV_INLINE Vec HighLaneTwice(Vec v) { return v; }
 

@@ -26,6 +26,12 @@ struct ByteGather {
   const Byte* index;  // for each vector one index vector a load, or only one with a permute
 };
 
+// From vector `first` on.
+QV_INLINE ByteGather PartOf(const ByteGather& g, ptrdiff_t first) {
+  return {g.loads, g.padded, g.at + first * kLanes,
+          g.index + first * kVecBytes * (kHasBytePermute ? 1 : g.loads)};
+}
+
 // A vector whose lanes are loaded from row + at[0] + ahead, row + at[1] + ahead, ...
 QV_INLINE Vec LoadLanes(const Byte* row, const int* at, int ahead) {
   return LoadLanes([=](int i) { return row + at[i] + ahead; });

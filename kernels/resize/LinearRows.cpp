@@ -118,10 +118,15 @@ class Blender {
   Blender(Byte* dst, int dstStep, const LinearTables& t, Byte* line)
       : dst_(dst), dstStep_(dstStep), t_(t), line_(line) {}
   QV_INLINE void operator()(const Value* upper, const Value* lower, int i) const {
-    const ptrdiff_t bytes = ptrdiff_t{t_.width} * t_.pixelStride;
-    Byte* const row = RowAt(dst_, dstStep_, i);
-    BlendRows(upper, lower, t_.y.weight[i], DropsFourth(t_) ? line_ : row, bytes);
-    if (DropsFourth(t_)) StoreThirds(row, bytes);
+    Part(upper, lower, i, 0, ptrdiff_t{t_.width} * t_.pixelStride);
+  }
+  // Values `first` to end - 1, where `first` is a multiple of 4.
+  QV_INLINE void Part(const Value* upper, const Value* lower, int i, ptrdiff_t first,
+                      ptrdiff_t end) const {
+    Byte* const to = RowAt(dst_, dstStep_, i) + first;
+    BlendRows(upper + first, lower + first, t_.y.weight[i], DropsFourth(t_) ? line_ : to,
+              end - first);
+    if (DropsFourth(t_)) StoreThirds(to, end - first);
   }
 
  private:
@@ -146,7 +151,13 @@ class Blender {
 //   h = 64 * p0 + (((p1 - p0) * w + 128) >> 8),
 // since 16384 * p0 has no low bits; and the second term is the rounded product of 64 * (p1 - p0)
 // and 2 * w.
-// Meanwhile the same bytes of row `next` are fetched.
+QV_INLINE Vec InterpolateVector(Vec pairs, const Value* twiceWeight) {
+  const Vec difference = MulAddBytes(pairs, Splat16(64 * 256 + (256 - 64)));
+  const Vec left = Add16(MulAddBytes(pairs, Splat16(64)), Splat16(kHalf));
+  return Add16(left, MulRounded15(difference, Load(twiceWeight)));
+}
+
+// A row of values; meanwhile the same bytes of row `next` are fetched.
 template <int kLoads>
 QV_INLINE void InterpolatePairs(const ByteGather& g, const Byte* row, const Byte* next,
                                 const Value* twiceWeight, ptrdiff_t vectors, Value* out) {
@@ -154,9 +165,17 @@ QV_INLINE void InterpolatePairs(const ByteGather& g, const Byte* row, const Byte
     const ptrdiff_t k = v * (kVecBytes / 2);
     const Vec pairs = GatherBytes<kLoads>(g, row, v);
     FetchAhead<kLoads>(g, next, v);
-    const Vec difference = MulAddBytes(pairs, Splat16(64 * 256 + (256 - 64)));
-    const Vec left = Add16(MulAddBytes(pairs, Splat16(64)), Splat16(kHalf));
-    Store(out + k, Add16(left, MulRounded15(difference, Load(twiceWeight + k))));
+    Store(out + k, InterpolateVector(pairs, twiceWeight + k));
+  }
+}
+
+// The same where the pairs are the row's bytes as they are.
+static void InterpolateBytes(const Byte* row, const Byte* next, const Value* twiceWeight,
+                             ptrdiff_t vectors, Value* out) {
+  for (ptrdiff_t v = 0; v < vectors; ++v) {
+    const ptrdiff_t k = v * (kVecBytes / 2);
+    __builtin_prefetch(next + 2 * k);
+    Store(out + k, InterpolateVector(Load(row + 2 * k), twiceWeight + k));
   }
 }
 
@@ -174,6 +193,14 @@ static void FillPairs(const LinearTables& t, ptrdiff_t readable, int* offset, Va
   });
 }
 
+// Columns are done in as many strips as keep both rows of values and the tables in the first cache
+// level: for each vector of pairs three vectors of values and weights, and its indices.
+static ptrdiff_t LinearStrips(ptrdiff_t vectors, int loads) {
+  constexpr ptrdiff_t kStripBytes = ptrdiff_t{32} << 10;
+  const ptrdiff_t bytes = vectors * kVecBytes * (3 + (kHasBytePermute ? 1 : loads));
+  return (bytes + kStripBytes - 1) / kStripBytes;
+}
+
 // False if shuffles do not serve this resize.
 static bool ShuffledRows(const Byte* src, int srcStep, const LinearTables& t, const Blender& blend,
                          Value* first, Value* second, Byte* work) {
@@ -188,21 +215,38 @@ static bool ShuffledRows(const Byte* src, int srcStep, const LinearTables& t, co
   FillPairs(t, readable, offset, twiceWeight);
   ByteGather g;
   if (!PlanGather(offset, 2 * bytes, false, readable, at, index, &g)) return false;
+  // Reduced to a half, most of a row of one byte a pixel needs no picking.
+  ptrdiff_t plain = 0;
+  while (plain < 2 * bytes && offset[plain] == plain) ++plain;
+  plain = g.padded ? 0 : plain / kVecBytes;
+  const ptrdiff_t strips = LinearStrips(vectors, g.loads);
   const int lastRow = t.y.first[t.height - 1] + t.y.neighbour;
   Byte copy[kPaddedRow] = {};
   WithLoads(g.loads, [&]<int kLoads>() {
-    WalkRows(
-        t, first, second,
-        [&](int y, Value* out) {
-          const Byte* row = RowAt(src, srcStep, y);
-          const Byte* const next = RowAt(src, srcStep, y < lastRow ? y + 1 : y);
-          if (g.padded) {
-            CopyShortRow(row, readable, copy);
-            row = copy;
-          }
-          InterpolatePairs<kLoads>(g, row, next, twiceWeight, vectors, out);
-        },
-        blend);
+    for (ptrdiff_t n = 0; n < strips; ++n) {
+      const ptrdiff_t from = vectors * n / strips, to = vectors * (n + 1) / strips;
+      const ptrdiff_t k = from * (kVecBytes / 2), end = to * (kVecBytes / 2);
+      const ptrdiff_t bare = plain <= from ? 0 : plain < to ? plain - from : to - from;
+      const ByteGather part = PartOf(g, from + bare);
+      const ptrdiff_t picked = k + bare * (kVecBytes / 2);
+      WalkRows(
+          t, first, second,
+          [&](int y, Value* out) {
+            const Byte* row = RowAt(src, srcStep, y);
+            const Byte* const next = RowAt(src, srcStep, y < lastRow ? y + 1 : y);
+            if (g.padded) {
+              CopyShortRow(row, readable, copy);
+              row = copy;
+            }
+            if (bare > 0)
+              InterpolateBytes(row + 2 * k, next + 2 * k, twiceWeight + k, bare, out + k);
+            InterpolatePairs<kLoads>(part, row, next, twiceWeight + picked, to - from - bare,
+                                     out + picked);
+          },
+          [&](const Value* upper, const Value* lower, int i) {
+            blend.Part(upper, lower, i, k, end < bytes ? end : bytes);
+          });
+    }
   });
   return true;
 }

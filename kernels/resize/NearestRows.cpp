@@ -73,6 +73,54 @@ QV_INLINE void GatherRow(const ByteGather& g, const Byte* row, const Byte* next,
     Store(dst + bytes - kVecBytes, last);
 }
 
+// All odd or all even columns of one byte: packed. False if the columns are others.
+static bool HalvedRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
+                       const NearestTables& t) {
+  const ptrdiff_t width = t.width;
+  const int odd = t.x[0] & 1;
+  const ptrdiff_t left = t.x[0] - odd;
+  if (width < kVecBytes || t.srcWidth < left + 2 * width) return false;
+  for (ptrdiff_t j = 0; j < width; ++j)
+    if (t.x[j] != t.x[0] + 2 * j) return false;
+  const auto half = [=](const Byte* p) {
+    return odd ? ShiftRight16<8>(Load(p)) : And(Load(p), Splat16(255));
+  };
+  FillRows(src, srcStep, dst, dstStep, t, [=](const Byte* row, const Byte* next, Byte* to) {
+    CoverWithBlocks<kVecBytes>(width, [=](ptrdiff_t j) {
+      const ptrdiff_t k = left + 2 * j;
+      for (int l = 0; l < 2 * kVecBytes; l += 64) __builtin_prefetch(next + k + l);
+      Store(to + j, PackBytesInOrder(half(row + k), half(row + k + kVecBytes)));
+    });
+  });
+  return true;
+}
+
+// Each column of one byte twice: unpacked, and stored twice where rows are the same as well. False
+// if the columns are others.
+static bool DoubledRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
+                        const NearestTables& t) {
+  const ptrdiff_t width = t.width;
+  if (width < 2 * kVecBytes) return false;
+  for (ptrdiff_t j = 0; j < width; ++j)
+    if (t.x[j] != j / 2) return false;
+  for (int i = 0; i < t.height; ++i) {
+    const Byte* const row = RowAt(src, srcStep, t.y[i]);
+    Byte* const first = RowAt(dst, dstStep, i);
+    if (i + 1 < t.height && t.y[i + 1] == t.y[i]) ++i;
+    Byte* const last = RowAt(dst, dstStep, i);
+    CoverWithBlocks<kVecBytes>(width / 2, [=](ptrdiff_t j) {
+      const Vec v = DealHalves(Load(row + j));
+      const Vec low = InterleaveLow8(v, v), high = InterleaveHigh8(v, v);
+      Store(first + 2 * j, low);
+      Store(first + 2 * j + kVecBytes, high);
+      Store(last + 2 * j, low);
+      Store(last + 2 * j + kVecBytes, high);
+    });
+    first[width - 1] = last[width - 1] = row[(width - 1) / 2];
+  }
+  return true;
+}
+
 // False if shuffles do not serve this resize.
 static bool ShuffledRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
                          const NearestTables& t, void* work) {
@@ -107,6 +155,9 @@ static bool ShuffledRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
 void NearestRows_8u(const Byte* src, int srcStep, Byte* dst, int dstStep,
                     const NearestTables* tables, [[maybe_unused]] void* work) {
 #if QV_HAS_VECTORS
+  if (tables->channels == 1 && (HalvedRows(src, srcStep, dst, dstStep, *tables) ||
+                                DoubledRows(src, srcStep, dst, dstStep, *tables)))
+    return;
   if constexpr (kHasByteShuffle)
     if (ShuffledRows(src, srcStep, dst, dstStep, *tables, work)) return;
 #endif

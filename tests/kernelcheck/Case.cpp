@@ -5,6 +5,9 @@
 #include <cstring>
 #include <tuple>
 
+#include "dispatch/ProcessorInfo.h"
+#include "dispatch/VariantIndex.h"
+
 namespace qv::test {
 
 namespace {
@@ -31,11 +34,14 @@ void Case::Begin(std::uint64_t seed) {
   failedLevel.clear();
   timings.clear();
   bench_ = false;
+  LastCacheBytes = random.OneIn(2) ? 0 : kUnknownCacheBytes;
+  QuickGathers = random.OneIn(2);
 }
 
 void Case::BeginBench(IppiSize size, double seconds) {
   Begin(1);
   bench_ = true;
+  SelectProcessorVariant();
   benchSize_ = size;
   benchSeconds_ = seconds;
 }

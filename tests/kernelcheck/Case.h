@@ -44,9 +44,10 @@ class Case {
  public:
   Case(std::vector<std::unique_ptr<GuardedMemory>>& memory, const std::vector<Level>& levels);
 
-  // Begins a new random case; the seed decides everything that follows.
+  // Begins a new random case; the seed decides everything that follows, what the rows choose by
+  // included: a cache that every or no frame passes, gathers quick or slow.
   void Begin(std::uint64_t seed);
-  // Begins a case of a fixed size whose call is timed as well as compared.
+  // Begins a case of a fixed size whose call is timed as well as compared, on this machine.
   void BeginBench(IppiSize size, double seconds);
 
   // Mostly the shapes that break vectors: widths up to a few vectors, few rows; now and then more.

@@ -163,4 +163,5 @@ def main(patterns):
     return 2 if bad else 1 if survivors else 0
 
 
-sys.exit(main(sys.argv[1:]))
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
