@@ -45,8 +45,8 @@ if(QV_WERROR AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
   list(APPEND QV_BASELINE_FLAGS -Wa,-march=${QV_PINNED_BASELINE})
 endif()
 
-# 32-bit Windows promises a stack aligned to 4 bytes, to hosts' calls as to new threads. GCC's attribute
-# for that does not reach the bodies of parallel regions, so it is an option for everything.
+# 32-bit Windows promises a stack aligned to 4 bytes, to hosts' calls as to new threads and to the DLL's
+# entry point.
 if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 4)
   add_compile_options(-mincoming-stack-boundary=2)
 endif()

@@ -11,6 +11,8 @@
 // was lost, and until calls that stay alone have worked it off nobody is offered anything.
 #include "qvAcceleratedLib/BandTeam.h"
 
+#include <initializer_list>
+
 #include "qvAcceleratedLib/HostRegion.h"
 #include "qvAcceleratedLib/Settings.h"
 #include "qvAcceleratedLib/Threads.h"
@@ -269,8 +271,8 @@ IppStatus RunHere(int count, RunPieces* run, const void* pieces) {
 
 IppStatus RunOnTeam(int count, const Work& work, RunPieces* run, const void* pieces) {
   if (count < 1) return StatusOk;
-  const Ticks start = Now();
-  if (IsMarked() || count > 0x7FFF || BandSharing == Sharing::OnOneThread || IsInHostRegion(start))
+  Ticks start = Now();
+  if (IsMarked() || count > 0x7FFF || BandSharing == Sharing::OnOneThread || IsInHostRegion(&start))
     return RunHere(count, run, pieces);
 
   const uint32_t kind = KindOf(work, run);
@@ -319,7 +321,7 @@ IppStatus RunOnTeam(int count, const Work& work, RunPieces* run, const void* pie
 }
 
 void PrepareTeam() {
-  PrepareMarks();
+  PrepareThreads();
 #if !defined(_WIN32)
   // A child has only the thread that called fork, and makes a team of its own. If the system refuses,
   // its calls stay alone: what they offer to threads that are not there they take back.

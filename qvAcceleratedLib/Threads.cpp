@@ -1,5 +1,7 @@
 #include "qvAcceleratedLib/Threads.h"
 
+#include <initializer_list>
+
 #if defined(_WIN32)
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
@@ -36,25 +38,31 @@ struct Bed {
   SRWLOCK lock = SRWLOCK_INIT;
   CONDITION_VARIABLE wake = CONDITION_VARIABLE_INIT;
 };
-constinit Bed beds[16];
+constexpr int kBeds = 64;
+constinit Bed beds[kBeds];
 
-Bed& BedOf(const void* address) { return beds[reinterpret_cast<uintptr_t>(address) / 64 % 16]; }
+Bed& BedOf(const void* address) { return beds[reinterpret_cast<uintptr_t>(address) / 64 % kBeds]; }
 
 constinit DWORD markSlot = TLS_OUT_OF_INDEXES;
+constinit uint64_t countsPerSecond = 1;  // of the clock; never changes while the system runs
 
 }  // namespace
 
 void EnterThread() {
   using SetDescription = HRESULT(WINAPI*)(HANDLE, PCWSTR);  // from Windows 10 on
-  const auto set = reinterpret_cast<SetDescription>(reinterpret_cast<void (*)()>(
-      GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "SetThreadDescription")));
+  const HMODULE module = GetModuleHandleW(L"kernelbase.dll");  // the first versions have it there alone
+  if (!module) return;
+  const auto set = reinterpret_cast<SetDescription>(
+      reinterpret_cast<void (*)()>(GetProcAddress(module, "SetThreadDescription")));
   if (set) set(GetCurrentThread(), L"qvBandTeam");
 }
 
 bool StartThread(ThreadResult(QV_THREAD_CALL* entry)(void*), void* argument) {
   const HANDLE thread = CreateThread(nullptr, kStackBytes, entry, argument,
                                      STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
-  return thread && CloseHandle(thread);
+  if (!thread) return false;
+  CloseHandle(thread);
+  return true;
 }
 
 void SleepWhile(const std::atomic<uint32_t>& word, uint32_t value) {
@@ -73,14 +81,11 @@ void WakeSleepers(const std::atomic<uint32_t>* word) {
 }
 
 Ticks Now() {
-  static constinit LARGE_INTEGER frequency = {};
-  if (frequency.QuadPart == 0) QueryPerformanceFrequency(&frequency);
-  LARGE_INTEGER count;
-  QueryPerformanceCounter(&count);
-  const uint64_t seconds = static_cast<uint64_t>(count.QuadPart / frequency.QuadPart);
-  const uint64_t rest = static_cast<uint64_t>(count.QuadPart % frequency.QuadPart);
-  return static_cast<Ticks>(seconds * 15625000 +
-                            rest * 15625000 / static_cast<uint64_t>(frequency.QuadPart));
+  LARGE_INTEGER now;
+  QueryPerformanceCounter(&now);
+  const auto counts = static_cast<uint64_t>(now.QuadPart);
+  return static_cast<Ticks>(counts / countsPerSecond * kTicksPerSecond +
+                            counts % countsPerSecond * kTicksPerSecond / countsPerSecond);
 }
 
 bool IsMarked() { return markSlot != TLS_OUT_OF_INDEXES && TlsGetValue(markSlot) != nullptr; }
@@ -89,7 +94,12 @@ void SetMark(bool marked) {
   if (markSlot != TLS_OUT_OF_INDEXES) TlsSetValue(markSlot, marked ? &markSlot : nullptr);
 }
 
-void PrepareMarks() { markSlot = TlsAlloc(); }
+void PrepareThreads() {
+  markSlot = TlsAlloc();
+  LARGE_INTEGER frequency;
+  if (QueryPerformanceFrequency(&frequency))
+    countsPerSecond = static_cast<uint64_t>(frequency.QuadPart);
+}
 
 #else
 
@@ -142,12 +152,12 @@ void WakeSleepers(const std::atomic<uint32_t>*) {}
 Ticks Now() {
   timespec now;
   clock_gettime(CLOCK_MONOTONIC, &now);
-  return static_cast<Ticks>(now.tv_sec) * 15625000u + static_cast<Ticks>(now.tv_nsec) / 64;
+  return static_cast<Ticks>(now.tv_sec) * kTicksPerSecond + static_cast<Ticks>(now.tv_nsec) / 64;
 }
 
 bool IsMarked() { return mark; }
 void SetMark(bool marked) { mark = marked; }
-void PrepareMarks() {}
+void PrepareThreads() {}
 
 #endif
 

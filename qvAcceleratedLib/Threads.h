@@ -43,6 +43,7 @@ QV_HIDDEN void WakeSleepers(const std::atomic<uint32_t>* word);
 // A clock in ticks of 64 ns, which wraps in less than five minutes: only differences say something. In
 // 32 bits because 64-bit atomics pass through floating-point registers on processors without SSE.
 using Ticks = uint32_t;
+constexpr Ticks kTicksPerSecond = 1000000000 / 64;
 constexpr Ticks TicksOfMicroseconds(unsigned us) { return us * 1000 / 64; }
 QV_HIDDEN Ticks Now();
 
@@ -58,7 +59,9 @@ inline void Pause() {
 // threads; without a slot the mark stays false.
 QV_HIDDEN bool IsMarked();
 QV_HIDDEN void SetMark(bool marked);
-QV_HIDDEN void PrepareMarks();
+
+// Once, before anything else of this.
+QV_HIDDEN void PrepareThreads();
 
 }  // namespace qv
 

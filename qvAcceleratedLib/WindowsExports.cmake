@@ -10,7 +10,10 @@ enable_language(RC)  # what the system shows of a file's version
 configure_file(version.rc.in version.rc @ONLY)
 target_sources(qvAcceleratedLib PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/version.rc)
 set_target_properties(qvAcceleratedLib PROPERTIES PREFIX "" QV_EXPORT_LIST ${exports})
-target_link_options(qvAcceleratedLib PRIVATE -static)
+# Its own start-up code, which resolves no addresses in other DLLs' data: none may be asked for.
+target_sources(qvAcceleratedLib PRIVATE DllEntry.cpp)
+target_link_libraries(qvAcceleratedLib PRIVATE qvBaselineFlags)
+target_link_options(qvAcceleratedLib PRIVATE -static -nostartfiles -Wl,--disable-auto-import)
 # Half of a release's DLL would be symbols, which nothing on Windows reads.
 target_link_options(qvAcceleratedLib PRIVATE $<$<CONFIG:Release,MinSizeRel>:-s>)
 

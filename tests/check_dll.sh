@@ -1,6 +1,6 @@
 #!/bin/bash
 # A DLL exports each operation under the names of both C++ ABIs, as listed, and nothing else; it imports
-# from the system and its C runtime only.
+# from the system and its C runtime only; it has no thread-local storage of the compiler's.
 #
 #   check_dll.sh OBJDUMP DLL EXPORTS.def
 set -eu
@@ -10,4 +10,6 @@ listed=$(tr -d '\r' <"$3" | sed -n 's/^  "\([^"]*\)".*/\1/p' | LC_ALL=C sort)
 diff <(echo "$listed") <(echo "$exported") || { echo 'the export table (>) is not the list (<)'; exit 1; }
 imported=$(sed -n 's/^.*DLL Name: //p' <<<"$dump" | tr '[:upper:]' '[:lower:]' | LC_ALL=C sort | paste -sd' ')
 [ "$imported" = 'kernel32.dll msvcrt.dll' ] || { echo "imports from: $imported"; exit 1; }
+grep -qx 'Entry 9 0* 0* Thread Storage Directory .*' <<<"$dump" ||
+  { echo 'there is a directory of thread-local storage'; exit 1; }
 echo "$(grep -c . <<<"$exported") exports"

@@ -1,5 +1,5 @@
-# 32-bit Windows, by the MinGW-w64 compiler whose threads are those of POSIX, as its OpenMP runtime
-# wants (Debian: g++-mingw-w64-i686-posix).
+# 32-bit Windows, by the MinGW-w64 compiler whose C++ library has std::thread, which the tests use
+# (Debian: g++-mingw-w64-i686-posix). The library needs none of that.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 set(CMAKE_CXX_COMPILER i686-w64-mingw32-g++-posix)

@@ -1,5 +1,5 @@
-# 64-bit Windows, by the MinGW-w64 compiler whose threads are those of POSIX, as its OpenMP runtime
-# wants (Debian: g++-mingw-w64-x86-64-posix).
+# 64-bit Windows, by the MinGW-w64 compiler whose C++ library has std::thread, which the tests use
+# (Debian: g++-mingw-w64-x86-64-posix). The library needs none of that.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)

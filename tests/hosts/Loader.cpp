@@ -5,6 +5,7 @@
 //   loader DLL stack      calls from threads whose stacks are aligned to 4 bytes (32-bit) or are an
 //                         odd multiple of 16 bytes (64-bit)
 //   loader DLL unpinned   loads it where GetModuleHandleEx fails
+//   loader DLL threads    calls from 100 threads one after another, which leave nothing behind
 #include <windows.h>
 
 #include <cstdio>
@@ -13,18 +14,20 @@
 #include <vector>
 
 #include "qvAcceleratedLib/CqvAccLib.h"
+#include "tests/support/ThreadCount.h"
 
 namespace {
 
 using Mirror = IppStatus(int type, const unsigned char* src, int srcStep, unsigned char* dst,
                          int dstStep, IppiSize size, IppiAxis axis);
 
-constexpr int kWidth = 257, kHeight = 301;  // several bands
-
+// Of several bands.
 struct Images {
+  int width, height;
   std::vector<unsigned char> source, mirrored;
 
-  Images() : source(kWidth * kHeight), mirrored(source.size()) {
+  explicit Images(int w = 257, int h = 301)
+      : width(w), height(h), source(static_cast<std::size_t>(w * h)), mirrored(source.size()) {
     for (std::size_t i = 0; i < source.size(); ++i) source[i] = static_cast<unsigned char>(i * 7 + i / 251);
   }
 };
@@ -51,19 +54,23 @@ Mirror* Find(HMODULE library) {
 }
 
 bool IsMirrored(const Images& images) {
-  for (int y = 0; y < kHeight; ++y)
-    for (int x = 0; x < kWidth; ++x)
-      if (images.mirrored[static_cast<std::size_t>(y * kWidth + x)] !=
-          images.source[static_cast<std::size_t>(y * kWidth + kWidth - 1 - x)])
+  const int width = images.width;
+  for (int y = 0; y < images.height; ++y)
+    for (int x = 0; x < width; ++x)
+      if (images.mirrored[static_cast<std::size_t>(y * width + x)] !=
+          images.source[static_cast<std::size_t>(y * width + width - 1 - x)])
         return false;
   return true;
 }
 
+IppStatus Call(Mirror* mirror, Images* images) {
+  return mirror(2, images->source.data(), images->width, images->mirrored.data(), images->width,
+                {images->width, images->height}, AxisVertical);
+}
+
 void Run(Mirror* mirror) {
   Images images;
-  const IppStatus status = mirror(2, images.source.data(), kWidth, images.mirrored.data(), kWidth,
-                                  {kWidth, kHeight}, AxisVertical);
-  Require(status == StatusOk && IsMirrored(images), "qvMirror");
+  Require(Call(mirror, &images) == StatusOk && IsMirrored(images), "qvMirror");
 }
 
 void Reload(const char* path) {
@@ -83,8 +90,7 @@ Images* odd_images;
 IppStatus odd_status;
 
 extern "C" void CallFromOddStack() {
-  odd_status = odd_mirror(2, odd_images->source.data(), kWidth, odd_images->mirrored.data(), kWidth,
-                          {kWidth, kHeight}, AxisVertical);
+  odd_status = Call(odd_mirror, odd_images);
 }
 
 #if defined(__i386__)
@@ -163,6 +169,56 @@ void LoadUnpinned(const char* path) {
   Run(Find(Load(path)));
 }
 
+// ---- Threads that come and go -----------------------------------------------------------------
+
+struct Caller {
+  Mirror* mirror;
+  Images images{4096, 1024};  // worth a team
+};
+
+DWORD WINAPI CallOnThread(void* argument) {
+  Caller& caller = *static_cast<Caller*>(argument);
+  for (int i = 0; i < 4; ++i)
+    if (Call(caller.mirror, &caller.images) != StatusOk) return 1;
+  return 0;
+}
+
+void RunOnThreads(Caller* caller, int count) {
+  for (int i = 0; i < count; ++i) {
+    const HANDLE thread = CreateThread(nullptr, 0, CallOnThread, caller, 0, nullptr);
+    WaitForSingleObject(thread, INFINITE);
+    DWORD code = 1;
+    Require(GetExitCodeThread(thread, &code) && code == 0, "a call on a thread");
+    CloseHandle(thread);
+  }
+}
+
+DWORD Handles() {
+  DWORD count = 0;
+  Require(GetProcessHandleCount(GetCurrentProcess(), &count), "GetProcessHandleCount");
+  return count;
+}
+
+void CallFromManyThreads(const char* path) {
+  DWORD_PTR cpus = 0, system = 0;
+  Require(GetProcessAffinityMask(GetCurrentProcess(), &cpus, &system), "GetProcessAffinityMask");
+  const int before = qv::test::ThreadsOfProcess();
+  const HMODULE library = Load(path);
+  // It fails for a DLL with thread-local storage.
+  Require(DisableThreadLibraryCalls(library), "notifications of threads cannot be switched off");
+  Require(qv::test::ThreadsOfProcess() == before, "loading starts a thread");
+  Caller caller{Find(library)};
+  RunOnThreads(&caller, 5);
+  const DWORD handles = Handles();
+  RunOnThreads(&caller, 100);
+  Require(IsMirrored(caller.images), "qvMirror on threads");
+  Require(Handles() <= handles, "threads leave handles behind");
+  const int team = qv::test::ThreadsOfProcess() - before, budget = __builtin_popcountll(cpus);
+  std::printf("a team of %d threads on %d processors\n", team, budget);
+  Require(team <= budget - 1, "threads leave threads behind");
+  Require(budget == 1 || team >= 1, "there is no team");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -171,6 +227,7 @@ int main(int argc, char** argv) {
   if (!std::strcmp(argv[2], "reload")) Reload(argv[1]);
   else if (!std::strcmp(argv[2], "stack")) CallFromOddStacks(argv[1]);
   else if (!std::strcmp(argv[2], "unpinned")) LoadUnpinned(argv[1]);
+  else if (!std::strcmp(argv[2], "threads")) CallFromManyThreads(argv[1]);
   else return 2;
   std::printf("done\n");
   ExitProcess(0);

@@ -1,6 +1,7 @@
 #include "tests/support/Levels.h"
 
 #include "dispatch/VariantIndex.h"
+#include "qvAcceleratedLib/BandTeam.h"
 #include "qvAcceleratedLib/FloatEnvironment.h"
 #include "qvAcceleratedLib/Settings.h"
 #include "qvAcceleratedLib/Startup.h"
@@ -17,7 +18,8 @@ void Set(const Level& level) {
 
 Level Machine() {
 #if defined(_WIN32)
-  LibraryStartup();  // on Windows the loader of the DLL would have called it
+  LibraryStartup();  // on Windows the loader of the DLL would have called them
+  PrepareTeam();
 #endif
   return {"machine", VariantIndex, WideLevel, CarrylessLevel};
 }
