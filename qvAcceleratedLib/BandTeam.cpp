@@ -53,7 +53,7 @@ constexpr int kForecasts = 128;
 // A call, on its thread's stack.
 struct Call {
   RunPieces* run;
-  const void* call;
+  const void* pieces;
   int count;
 
   // Bands begun: by the calling thread from the front (low half), by helpers from the back (high half).
@@ -68,7 +68,7 @@ struct Call {
   IppStatus status = StatusOk;
 
   void Run(int i) {
-    const IppStatus result = run(call, i, 1);
+    const IppStatus result = run(pieces, i, 1);
     if (i == count - 1) status = result;  // read when all have left
   }
 
@@ -153,7 +153,7 @@ class Helpers {
  public:
   explicit Helpers(Call* call) : call_(call), offer_(reinterpret_cast<uintptr_t>(call)) {}
 
-  bool any() const { return any_; }
+  bool any() const { return lastOffered_ >= 0; }
 
   // Offers the call to `wanted` idle threads: those that are awake, then as many as it may wake or start.
   void Enlist(int wanted, int mayWake, Ticks now) {
@@ -172,10 +172,7 @@ class Helpers {
   // Takes the offers back that nobody came for, and waits until all others have left.
   void Dismiss() {
     uint32_t came = 0;
-    for (int i = 0; i < kMostThreads; ++i) {
-      if (i % 32 == 0 && offered_[i / 32] == 0) i += 31;
-      else if (IsNoted(i)) came += !TakeBack(i);
-    }
+    for (int i = 0; i <= lastOffered_; ++i) came += IsNoted(i) && !TakeBack(i);
     const auto here = [&] {
       return (call_->left.load(memory_order_acquire) & ~Call::kCallerSleeps) != came;
     };
@@ -214,7 +211,7 @@ class Helpers {
   bool IsNoted(int i) const { return offered_[i / 32] >> i % 32 & 1; }
   void Note(int i) {
     offered_[i / 32] |= 1u << i % 32;
-    any_ = true;
+    if (i > lastOffered_) lastOffered_ = i;
   }
 
   // Starts threads for the call, while the budget has room for them.
@@ -244,14 +241,15 @@ class Helpers {
 
   Call* call_;
   uintptr_t offer_;
-  bool any_ = false;
+  int lastOffered_ = -1;
   uint32_t offered_[(kMostThreads + 31) / 32] = {};  // a bit a thread
 };
 
-// What a call of an unknown kind takes at least: a fill has some 2000 pixels a tick.
-Ticks LeastTime(long long pixels) {
+// What a call of an unknown kind may take: an eighth of a nanosecond a pixel, more than copies do and less
+// than filters.
+Ticks LikelyTime(long long pixels) {
   constexpr long long most = 1 << 30;
-  return static_cast<Ticks>((pixels < 0 ? 0 : pixels < most ? pixels : most) / 2048);
+  return static_cast<Ticks>((pixels < 0 ? 0 : pixels < most ? pixels : most) / 512);
 }
 
 uint32_t KindOf(const Work& work, RunPieces* run) {
@@ -278,7 +276,7 @@ IppStatus RunOnTeam(int count, const Work& work, RunPieces* run, const void* pie
   const uint32_t kind = KindOf(work, run);
   Forecast& forecast = team.forecasts[kind / 2 % kForecasts];
   const bool known = forecast.Knows(kind);
-  const Ticks alone = known ? forecast.ticks.load(memory_order_relaxed) : LeastTime(work.pixels);
+  const Ticks alone = known ? forecast.ticks.load(memory_order_relaxed) : LikelyTime(work.pixels);
   const Ticks streak = start - team.lastEnd.load(memory_order_relaxed) <= kSpin
                            ? team.streak.load(memory_order_relaxed)
                            : 0;
@@ -310,8 +308,10 @@ IppStatus RunOnTeam(int count, const Work& work, RunPieces* run, const void* pie
     helpers.Dismiss();
     end = Now();
     const auto lost = static_cast<int32_t>(end - start - (known ? alone : measured));
-    if (lost > 0) team.debt.fetch_add(kDebtFactor * (lost < kMostLost ? lost : kMostLost),
-                                      memory_order_relaxed);
+    if (lost > 0) {
+      const int32_t counted = lost < kMostLost ? lost : kMostLost;
+      team.debt.fetch_add(kDebtFactor * counted, memory_order_relaxed);
+    }
   } else if (inDebt) {
     team.debt.fetch_sub(static_cast<int32_t>(end - start), memory_order_relaxed);
   }

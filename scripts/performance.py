@@ -202,6 +202,7 @@ def main():
         "- *goal here*: the goal of bench/goals.csv times how much slower that copy is here than where the "
         "goals were set; a bold figure says by how much the fastest repetition misses it, *fastest* that the "
         "median does.",
+        "- The same on another maker's processor: [Intel Xeon](performance-intel.md), measured earlier.",
         "- How close the bytes of resizing and warping are to exact ones: [accuracy.md](accuracy.md).", "",
         "![Speed beside the best peer](performance.svg)", "",
         *table(results, busy, goals), ""]

@@ -153,9 +153,14 @@ IppStatus YCbCrInterleavedTo420_8u_P2P3(const Byte* srcY, int srcYStep, const By
     for (int y = 0; y < height; ++y)
       memcpy(RowAt(dst[0], dstStep[0], y), RowAt(srcY, srcYStep, y), static_cast<size_t>(width));
   }
-  for (int k = 0; k < height / 2; ++k)
+  // Rows without gaps are one long row.
+  const bool gapless =
+      srcCbCrStep == width && dstStep[1] == width / 2 && dstStep[2] == width / 2;
+  const ptrdiff_t rows = gapless ? 1 : height / 2;
+  const ptrdiff_t pairs = gapless ? ptrdiff_t{width} / 2 * (height / 2) : width / 2;
+  for (ptrdiff_t k = 0; k < rows; ++k)
     SplitPairs(RowAt(srcCbCr, srcCbCrStep, k), RowAt(dst[1], dstStep[1], k),
-               RowAt(dst[2], dstStep[2], k), width / 2);
+               RowAt(dst[2], dstStep[2], k), pairs);
   return StatusOk;
 }
 
