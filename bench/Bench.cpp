@@ -91,9 +91,9 @@ void Suite::Peer(const std::string& job, IppiSize size, const std::string& name,
   Add(job, size, name, 1, false, 0, std::move(work), label);
 }
 
-// The name of a benchmark is "job|contender|size|threads"; scripts/performance.py takes it apart. 0 threads
-// are as many as the library takes by itself; on one it stays when it is called as here, from inside a
-// parallel region of the host's.
+// The name of a benchmark is "job|contender|size|threads"; scripts/performance.py takes it apart. 0
+// threads are as many as the library takes by itself; on one it stays when it is called as here,
+// from inside a parallel region of the host's.
 void Suite::Add(const std::string& job, IppiSize size, const std::string& contender, int threads,
                 bool plain, double movedBytes, std::function<void()> work,
                 const std::string& label) {

@@ -48,9 +48,9 @@ class Suite {
  public:
   Buffers Frame(IppiSize size);
 
-  // Registers our own work as the library ships, and on one thread, on which the plain level runs as well.
-  // `movedBytes` are the bytes read and written per pixel of `size`, for the memory limit. `label`
-  // names the size in the table if it is not `size` itself ("640x360 to 1280x720").
+  // Registers our own work as the library ships, and on one thread, on which the plain level runs
+  // as well. `movedBytes` are the bytes read and written per pixel of `size`, for the memory limit.
+  // `label` names the size in the table if it is not `size` itself ("640x360 to 1280x720").
   void Ours(const std::string& job, IppiSize size, double movedBytes, std::function<void()> work,
             const std::string& label = {});
   void Peer(const std::string& job, IppiSize size, const std::string& name,

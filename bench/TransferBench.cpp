@@ -23,7 +23,8 @@ static const bench::Family transfer([](bench::Suite& s) {
            [=] { Lib::qvCopy(Lib::FourToThreeChannels, b.src, 4 * w, b.dst, 3 * w, size); });
     s.Ours("3 to 4, fourth kept", size, 11,
            [=] { Lib::qvCopy(Lib::ThreeToFourChannels, b.src, 3 * w, b.dst, 4 * w, size); });
-    s.Ours("grey to 3", size, 4, [=] { Lib::qvDup(Lib::OneChannel, b.src, w, b.dst, 3 * w, size); });
+    s.Ours("grey to 3", size, 4,
+           [=] { Lib::qvDup(Lib::OneChannel, b.src, w, b.dst, 3 * w, size); });
 
     s.Ours("fill 1 byte", size, 1, [=] { Lib::qvSet(Lib::OneChannel, b.src, b.dst, w, size); });
     s.Peer("fill 1 byte", size, "memset", [=] { std::memset(b.dst, b.src[0], pixels); });

@@ -11,8 +11,9 @@
 
 namespace qv {
 
-// A pointer moved by whole rows or bytes; a null pointer stays null, for the kernel to find. Sizes and
-// steps are not checked yet, so the distance may lead anywhere: addresses wrap, pointers must not.
+// A pointer moved by whole rows or bytes; a null pointer stays null, for the kernel to find. Sizes
+// and steps are not checked yet, so the distance may lead anywhere: addresses wrap, pointers must
+// not.
 template <class Pointer>
 Pointer Advance(Pointer p, long long bytes) {
   if (!p) return p;
@@ -31,15 +32,15 @@ struct Band {
   }
 };
 
-// An extent cut into bands of equal size, the last of which takes the remainder. A count of 1 is the
-// uncut extent; a count below 1 has no band.
+// An extent cut into bands of equal size, the last of which takes the remainder. A count of 1 is
+// the uncut extent; a count below 1 has no band.
 struct Bands {
   int count;
   int rows;    // of every band but the last
   int extent;  // of all bands together
 
-  // Bands i to i + n - 1, in 64 bits on every platform: callers multiply with a step before anything is
-  // checked.
+  // Bands i to i + n - 1, in 64 bits on every platform: callers multiply with a step before
+  // anything is checked.
   constexpr Band Of(int i, int n = 1) const {
     const long long first = static_cast<long long>(i) * rows;
     return {first, i + n == count ? static_cast<int>(extent - first) : n * rows};
@@ -63,8 +64,8 @@ constexpr Bands PlanEvenBands(int extent, int budget) {
   return bands;
 }
 
-// A single long row cut into pieces of columns: the whole budget, or no cut at all if a piece would be
-// shorter than MinColumnsPerPiece.
+// A single long row cut into pieces of columns: the whole budget, or no cut at all if a piece would
+// be shorter than MinColumnsPerPiece.
 constexpr int MinColumnsPerPiece = 4096;
 
 constexpr Bands PlanPieces(int columns, int budget) {
@@ -72,9 +73,9 @@ constexpr Bands PlanPieces(int columns, int budget) {
   return piece < MinColumnsPerPiece ? Bands{1, columns, columns} : Bands{budget, piece, columns};
 }
 
-// Calls body(band) for every band and returns the status of the last one (StatusOk if there is none).
-// Several bands run on the team of threads; where no other thread has time for them, the calling thread
-// does them as a single band. So the last band must have the status that all have.
+// Calls body(band) for every band and returns the status of the last one (StatusOk if there is
+// none). Several bands run on the team of threads; where no other thread has time for them, the
+// calling thread does them as a single band. So the last band must have the status that all have.
 template <class Body>
 IppStatus RunBands(const Bands& bands, const Work& work, const Body& body) {
   if (bands.count == 1) return body(bands.Of(0));
@@ -87,8 +88,8 @@ IppStatus RunBands(const Bands& bands, const Work& work, const Body& body) {
       &run);
 }
 
-// The same for a body that computes with floating-point numbers, and whose bands may have statuses of
-// their own: they stay apart whoever does them.
+// The same for a body that computes with floating-point numbers, and whose bands may have statuses
+// of their own: they stay apart whoever does them.
 template <class Body>
 IppStatus RunFloatBands(const Bands& bands, const Work& work, const Body& body) {
   const auto run = [&](int first, int n) {

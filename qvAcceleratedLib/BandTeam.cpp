@@ -1,14 +1,15 @@
 // How a call finds its helpers.
 //
-// Each thread of the team has a mailbox. A call puts its address into the mailboxes of idle threads and
-// begins its own bands at once; whoever comes runs bands from the back while any are left. When nobody
-// has to begin a band any more, the call takes its address out of the mailboxes whose owners have not come,
-// and waits for the others alone, who are running bands. So no call waits for a thread that another one
-// holds, nor for one whose processor is busy elsewhere before it has begun.
+// Each thread of the team has a mailbox. A call puts its address into the mailboxes of idle threads
+// and begins its own bands at once; whoever comes runs bands from the back while any are left. When
+// nobody has to begin a band any more, the call takes its address out of the mailboxes whose owners
+// have not come, and waits for the others alone, who are running bands. So no call waits for a
+// thread that another one holds, nor for one whose processor is busy elsewhere before it has begun.
 //
-// What a call cannot take back is a band that has been begun by a thread which then loses its processor.
-// So a call that took longer than it would have taken alone puts the team into debt, several times what
-// was lost, and until calls that stay alone have worked it off nobody is offered anything.
+// What a call cannot take back is a band that has been begun by a thread which then loses its
+// processor. So a call that took longer than it would have taken alone puts the team into debt,
+// several times what was lost, and until calls that stay alone have worked it off nobody is offered
+// anything.
 #include "qvAcceleratedLib/BandTeam.h"
 
 #include <initializer_list>
@@ -31,8 +32,8 @@ using std::memory_order_release;
 // How long an idle thread looks for the next call before it sleeps, and a call for its last helper.
 constexpr Ticks kSpin = TicksOfMicroseconds(40);
 
-// Waking a sleeping thread is worth it for this much work, of this call and of those that came just before
-// it without a pause: the woken thread begins late and slowly, with cold caches.
+// Waking a sleeping thread is worth it for this much work, of this call and of those that came just
+// before it without a pause: the woken thread begins late and slowly, with cold caches.
 constexpr Ticks kWorthWaking = TicksOfMicroseconds(300);
 
 // Calls that take less than this stay alone: a message to another processor and back takes as long.
@@ -56,8 +57,9 @@ struct Call {
   const void* pieces;
   int count;
 
-  // Bands begun: by the calling thread from the front (low half), by helpers from the back (high half).
-  // The same bands come to the same processors call by call, and with them what its caches hold.
+  // Bands begun: by the calling thread from the front (low half), by helpers from the back (high
+  // half). The same bands come to the same processors call by call, and with them what its caches
+  // hold.
   static constexpr uint32_t kFront = 1, kBack = 0x10000;
   std::atomic<uint32_t> begun{0};
 
@@ -155,7 +157,8 @@ class Helpers {
 
   bool any() const { return lastOffered_ >= 0; }
 
-  // Offers the call to `wanted` idle threads: those that are awake, then as many as it may wake or start.
+  // Offers the call to `wanted` idle threads: those that are awake, then as many as it may wake or
+  // start.
   void Enlist(int wanted, int mayWake, Ticks now) {
     const int size = team.size.load(memory_order_acquire);
     for (int i = 0; i < size && wanted > 0; ++i) wanted -= Offer(i, kAwake);
@@ -245,8 +248,8 @@ class Helpers {
   uint32_t offered_[(kMostThreads + 31) / 32] = {};  // a bit a thread
 };
 
-// What a call of an unknown kind may take: an eighth of a nanosecond a pixel, more than copies do and less
-// than filters.
+// What a call of an unknown kind may take: an eighth of a nanosecond a pixel, more than copies do
+// and less than filters.
 Ticks LikelyTime(long long pixels) {
   constexpr long long most = 1 << 30;
   return static_cast<Ticks>((pixels < 0 ? 0 : pixels < most ? pixels : most) / 512);
@@ -323,8 +326,8 @@ IppStatus RunOnTeam(int count, const Work& work, RunPieces* run, const void* pie
 void PrepareTeam() {
   PrepareThreads();
 #if !defined(_WIN32)
-  // A child has only the thread that called fork, and makes a team of its own. If the system refuses,
-  // its calls stay alone: what they offer to threads that are not there they take back.
+  // A child has only the thread that called fork, and makes a team of its own. If the system
+  // refuses, its calls stay alone: what they offer to threads that are not there they take back.
   pthread_atfork(nullptr, nullptr, [] {
     for (Member& member : team.members) member.mailbox.store(kNoThread, memory_order_relaxed);
     team.size = 0;

@@ -9,8 +9,9 @@
 
 namespace qv {
 
-// What tells one kind of call from another, so that the team can know how long such a call takes: the
-// pixels that it writes, and whatever else changes its speed a lot (the layout, the method of a resize).
+// What tells one kind of call from another, so that the team can know how long such a call takes:
+// the pixels that it writes, and whatever else changes its speed a lot (the layout, the method of a
+// resize).
 struct Work {
   long long pixels;
   uintptr_t method;
@@ -25,9 +26,9 @@ uintptr_t MethodOf(Result (*kernel)(Args...), int code = 0) {
 // Does pieces `first` to first + n - 1 of a call.
 using RunPieces = IppStatus(const void* call, int first, int n);
 
-// Has the pieces 0 to count - 1 done, each once, by the calling thread and by threads of the team that have
-// nothing else to do: one by one, or all at once on the calling thread. Returns the status of the last
-// piece (StatusOk for a count of 0).
+// Has the pieces 0 to count - 1 done, each once, by the calling thread and by threads of the team
+// that have nothing else to do: one by one, or all at once on the calling thread. Returns the
+// status of the last piece (StatusOk for a count of 0).
 QV_HIDDEN IppStatus RunOnTeam(int count, const Work& work, RunPieces* run, const void* call);
 
 // Once, while the library is loaded.

@@ -110,7 +110,8 @@ bool IsParent(const Path& root, Span group) {
 
 // Finds where the hierarchy is mounted, in the text of /proc/self/mountinfo, whose lines are "ID
 // PARENT DEVICE ROOT MOUNTPOINT OPTIONS [TAG...] - TYPE SOURCE SUPEROPTIONS": the group ROOT is
-// what is seen at MOUNTPOINT. Writes the directory of `group`, and how much of it is the mount point.
+// what is seen at MOUNTPOINT. Writes the directory of `group`, and how much of it is the mount
+// point.
 //
 // Of several mounts the first one that shows the group counts. If none does, as in a container that
 // knows the group by a name from outside, the first mount point stands for it.

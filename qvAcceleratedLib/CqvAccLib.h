@@ -8,13 +8,13 @@
 //   - Exactly the bytes that an operation names are written. Bytes between the end of a row and the
 //     next row are neither read nor written. Rows of a destination must not overlap each other
 //     unless an operation says what they then hold.
-//   - Large images are cut into bands that threads of the library's own work on, as many as the process
-//     may use processors, less the calling one, for the whole process, whoever calls; the result does
-//     not depend on the number of bands unless an operation says so. A call stays on the calling thread
-//     where sharing does not pay, where no other thread is free or can be had, and inside a parallel
-//     region of the host's OpenMP runtime.
-//   - Nothing throws and nothing but those threads is kept between calls; operations may run on several
-//     threads at once, and in a child process after a fork.
+//   - Large images are cut into bands that threads of the library's own work on, as many as the
+//     process may use processors, less the calling one, for the whole process, whoever calls; the
+//     result does not depend on the number of bands unless an operation says so. A call stays on
+//     the calling thread where sharing does not pay, where no other thread is free or can be had,
+//     and inside a parallel region of the host's OpenMP runtime.
+//   - Nothing throws and nothing but those threads is kept between calls; operations may run on
+//     several threads at once, and in a child process after a fork.
 //   - Every operation returns an IppStatus: 0 for success, below 0 for an error, above 0 for a
 //     warning. The statuses of an operation are listed in the order in which they are checked.
 #ifndef QVACCELERATEDLIB_CQVACCLIB_H
@@ -432,20 +432,19 @@ class QVACCELERATEDLIB_API CqvAccLib {
 
   // ---- Compositing and deinterlacing ------------------------------------------------------------
 
-  // Composes two images, each under one alpha for the whole image (Porter and Duff 1984). A and B are
-  // the bytes of src1 and src2 at the same place, a1 and a2 their alphas, x / 255 is truncated:
-  // with x * y = floor(xy / 255),
-  //   0 over   A * a1 + B * a2 * (255 - a1)                6 premultiplied  A + B * (255 - a1)
-  //   1 in     A * a1 * a2                                 7                A * a2
-  //   2 out    A * a1 * (255 - a2)                         8                A * (255 - a2)
-  //   3 atop   A * a1 * a2 + B * a2 * (255 - a1)           9                A * a2 + B * (255 - a1)
-  //   4 xor    A * a1 * (255 - a2) + B * a2 * (255 - a1)  10  A * (255 - a2) + B * (255 - a1)
-  //   5 plus   A * a1 + B * a2                            11                A + B
-  // Products are worked out from left to right, each truncated before the next. Sums saturate at
-  // 255. Codes 1, 2, 7 and 8 do not read src2. One byte a pixel for type 2, three for type 4, all
-  // alike. dst may be src1 or src2 at the same step; otherwise the images must not overlap.
-  // Returns -2 for any other type; -8 if src1, src2 or dst is null (src2 also where it is not
-  // read); -6 if width or height is below 1; -50 for an alphaType other than 0 to 11.
+  // Composes two images, each under one alpha for the whole image (Porter and Duff 1984). A and B
+  // are the bytes of src1 and src2 at the same place, a1 and a2 their alphas, x / 255 is truncated:
+  // with x * y = floor(xy / 255), 0 over   A * a1 + B * a2 * (255 - a1)                6
+  // premultiplied  A + B * (255 - a1) 1 in     A * a1 * a2                                 7
+  // A * a2 2 out    A * a1 * (255 - a2)                         8                A * (255 - a2) 3
+  // atop   A * a1 * a2 + B * a2 * (255 - a1)           9                A * a2 + B * (255 - a1) 4
+  // xor    A * a1 * (255 - a2) + B * a2 * (255 - a1)  10  A * (255 - a2) + B * (255 - a1) 5 plus
+  // A * a1 + B * a2                            11                A + B Products are worked out from
+  // left to right, each truncated before the next. Sums saturate at 255. Codes 1, 2, 7 and 8 do not
+  // read src2. One byte a pixel for type 2, three for type 4, all alike. dst may be src1 or src2 at
+  // the same step; otherwise the images must not overlap. Returns -2 for any other type; -8 if
+  // src1, src2 or dst is null (src2 also where it is not read); -6 if width or height is below 1;
+  // -50 for an alphaType other than 0 to 11.
   static IppStatus qvAlphaCompC(qvDataType type, const unsigned char* src1, int src1Step,
                                 unsigned char alpha1, const unsigned char* src2, int src2Step,
                                 unsigned char alpha2, unsigned char* dst, int dstStep,
@@ -456,8 +455,8 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // have one byte a pixel, 0 transparent to 255 opaque; dstAlpha's rows lie fgAlphaStep apart.
   //
   // Fill dstAlpha with a copy of fgAlpha before the call. The library has two paths: one for
-  // processors without SSE2 reads the foreground alpha from fgAlpha alone, the other merges dstAlpha
-  // in place; with the copy both mean the same. They round differently.
+  // processors without SSE2 reads the foreground alpha from fgAlpha alone, the other merges
+  // dstAlpha in place; with the copy both mean the same. They round differently.
   //
   // With F and B a foreground and a background byte, fa and ba the alphas of their pixel:
   //   without SSE2, in integers, all quotients truncated
@@ -484,13 +483,11 @@ class QVACCELERATEDLIB_API CqvAccLib {
                                     unsigned char* dstAlpha, int rowBytes, int width, int height);
 
   // Mixes src into srcDst under an alpha plane of one byte a pixel. With S and D the bytes of src
-  // and srcDst and a the alpha of their pixel,
-  //   D = min(255, floor(a * S / 255) + floor(((255 - a) * D + 1) / 256))
-  // on width bytes a row for type 2 and 3 * width for type 4. The shares are divided by different
-  // numbers: where a is 0, a D of 255 becomes 254. src may be srcDst at the same step; otherwise the
-  // images must not overlap.
-  // Returns -2 for any other type. Nothing else is checked: no pointer may be null. A width or height
-  // below 1 does nothing.
+  // and srcDst and a the alpha of their pixel, D = min(255, floor(a * S / 255) + floor(((255 - a) *
+  // D + 1) / 256)) on width bytes a row for type 2 and 3 * width for type 4. The shares are divided
+  // by different numbers: where a is 0, a D of 255 becomes 254. src may be srcDst at the same step;
+  // otherwise the images must not overlap. Returns -2 for any other type. Nothing else is checked:
+  // no pointer may be null. A width or height below 1 does nothing.
   static IppStatus qvMergeAlphaPlus(qvDataType type, unsigned char* srcDst, int srcDstStep,
                                     unsigned char* src, int srcStep, unsigned char* alpha,
                                     int alphaStep, int width, int height);

@@ -1,6 +1,6 @@
-// What the DLL has in place of the compiler's start-up code and of its allocating functions. Both bring
-// thread-local storage with them, and a DLL that has any is notified of each thread that the host makes
-// or ends, whether it wants to know or not.
+// What the DLL has in place of the compiler's start-up code and of its allocating functions. Both
+// bring thread-local storage with them, and a DLL that has any is notified of each thread that the
+// host makes or ends, whether it wants to know or not.
 #include <stddef.h>
 #include <stdlib.h>
 
@@ -30,8 +30,8 @@ extern "C" BOOL WINAPI DllMainCRTStartup(HINSTANCE module, DWORD reason, LPVOID)
   for (; constructors > 0; --constructors) __CTOR_LIST__[constructors]();
   qv::LibraryStartup();
   qv::PrepareTeam();
-  // Threads of the team sleep between calls, and would lose their code together with this library: so
-  // the library stays. If that fails, a host that never unloads the library misses nothing.
+  // Threads of the team sleep between calls, and would lose their code together with this library:
+  // so the library stays. If that fails, a host that never unloads the library misses nothing.
   HMODULE pinned;
   GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
                      reinterpret_cast<LPCWSTR>(&DllMainCRTStartup), &pinned);

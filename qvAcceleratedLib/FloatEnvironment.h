@@ -6,8 +6,9 @@
 
 namespace qv {
 
-// While it lives, arithmetic of the calling thread rounds to nearest, keeps denormal numbers and traps
-// on nothing, whatever the host had set; then the host's state is put back, its flags included.
+// While it lives, arithmetic of the calling thread rounds to nearest, keeps denormal numbers and
+// traps on nothing, whatever the host had set; then the host's state is put back, its flags
+// included.
 //
 // Every thread of a team has a state of its own: whatever computes with floating-point numbers in
 // a parallel region takes an object of its own there. The compiler knows nothing of this, so the

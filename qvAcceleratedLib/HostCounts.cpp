@@ -39,8 +39,8 @@ void CPUCount(int* first, int* second) {
 
 namespace {
 
-// The system refuses a mask smaller than its own largest number of CPUs, which is 8192 at most as of
-// today.
+// The system refuses a mask smaller than its own largest number of CPUs, which is 8192 at most as
+// of today.
 struct CpuMask {
   static constexpr int kWords = 65536 / (8 * sizeof(unsigned long));
   unsigned long words[kWords];

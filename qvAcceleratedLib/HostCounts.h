@@ -1,5 +1,5 @@
-// How many CPUs this process may use: the affinity masks of its threads, what its OpenMP runtime found
-// before it bound them, and the CPU quota of its container.
+// How many CPUs this process may use: the affinity masks of its threads, what its OpenMP runtime
+// found before it bound them, and the CPU quota of its container.
 #ifndef QV_HOSTCOUNTS_H
 #define QV_HOSTCOUNTS_H
 
@@ -7,11 +7,11 @@
 
 namespace qv {
 
-// Writes two counts whose product is the number of CPUs that the process can keep busy: the smaller of
-// those that it may run on and its CPU quota, and 1. Writes nothing if the host tells nothing.
+// Writes two counts whose product is the number of CPUs that the process can keep busy: the smaller
+// of those that it may run on and its CPU quota, and 1. Writes nothing if the host tells nothing.
 //
-// A process may run on the CPUs of all its threads together, whatever thread loads the library; a host
-// that pins its only thread looks like one that was started on one CPU.
+// A process may run on the CPUs of all its threads together, whatever thread loads the library; a
+// host that pins its only thread looks like one that was started on one CPU.
 QV_HIDDEN void CPUCount(int* first, int* second);
 
 #if defined(__linux__)

@@ -19,8 +19,8 @@ using AskRuntime = int (*)();
 
 #if defined(_WIN32)
 
-// One round through the names, as each may be looked for in folders, too (Wine does). Those that know of
-// inactive regions come first.
+// One round through the names, as each may be looked for in folders, too (Wine does). Those that
+// know of inactive regions come first.
 AskRuntime FindInRuntime(const char* function, const char* otherwise) {
   for (const wchar_t* name : {L"libomp140.x86_64.dll", L"libomp140.i386.dll", L"libgomp-1.dll",
                               L"libomp.dll", L"libiomp5md.dll", L"vcomp140.dll", L"vcomp140d.dll",
@@ -69,7 +69,8 @@ bool IsInHostRegion(Ticks* now) {
   AskRuntime level = levelOf.load(memory_order_relaxed);
   if (!level) {
     if (asked.load(memory_order_relaxed)) {
-      if (*now - askedAt.load(memory_order_relaxed) < pause.load(memory_order_relaxed)) return false;
+      const Ticks since = *now - askedAt.load(memory_order_relaxed);
+      if (since < pause.load(memory_order_relaxed)) return false;
       askedAt.store(*now, memory_order_relaxed);  // one thread is enough
     }
     level = FindInRuntime("omp_get_level", "omp_in_parallel");

@@ -14,7 +14,8 @@ extern QV_HIDDEN int ThreadBudget;
 // selects the accelerated one. Initially 0.
 extern QV_HIDDEN unsigned HostProcessorInfo;
 
-// How the bands of a call are shared. Only tests set it, to see every cut whatever the machine does meanwhile.
+// How the bands of a call are shared. Only tests set it, to see every cut whatever the machine does
+// meanwhile.
 enum class Sharing {
   Measured,    // with threads for which it is worth it; without any, as one piece
   Always,      // with as many threads as there are bands, one band each at a time

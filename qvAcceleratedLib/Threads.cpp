@@ -50,7 +50,8 @@ constinit uint64_t countsPerSecond = 1;  // of the clock; never changes while th
 
 void EnterThread() {
   using SetDescription = HRESULT(WINAPI*)(HANDLE, PCWSTR);  // from Windows 10 on
-  const HMODULE module = GetModuleHandleW(L"kernelbase.dll");  // the first versions have it there alone
+  // Its first versions have it there alone.
+  const HMODULE module = GetModuleHandleW(L"kernelbase.dll");
   if (!module) return;
   const auto set = reinterpret_cast<SetDescription>(
       reinterpret_cast<void (*)()>(GetProcAddress(module, "SetThreadDescription")));

@@ -1,9 +1,9 @@
 // What the vector rows of the colour conversions need beyond the vocabulary: sums in 16.16 fixed
 // point made into bytes, and bytes into pixels B, G, R.
 //
-// A row is worked on in blocks of kVecBytes pixels, as two halves of kVecBytes / 2, whose 16-bit lanes
-// are the pixels in order; but with AVX2 eights of pixels go to the two halves in turns, so that
-// packing within 16-byte lanes puts them in order.
+// A row is worked on in blocks of kVecBytes pixels, as two halves of kVecBytes / 2, whose 16-bit
+// lanes are the pixels in order; but with AVX2 eights of pixels go to the two halves in turns, so
+// that packing within 16-byte lanes puts them in order.
 #ifndef QV_KERNELS_COLOR_COLORVECTORS_H
 #define QV_KERNELS_COLOR_COLORVECTORS_H
 
@@ -63,7 +63,8 @@ QV_INLINE Vec FourTimesEvenBytes(Vec v) {
 
 #if defined(__AVX512VBMI__)
 
-// The high halves of 32-bit lanes: those of `even` in even 16-bit lanes, those of `odd` in odd ones.
+// The high halves of 32-bit lanes: those of `even` in even 16-bit lanes, those of `odd` in odd
+// ones.
 QV_INLINE Vec HighHalves(Vec even, Vec odd) {
   const Vec down = _mm512_broadcast_i32x4(
       _mm_setr_epi8(2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15));

@@ -60,8 +60,8 @@ constexpr unsigned long long InThird(int c) {
   return mask;
 }
 
-// The palette as three planes of 256 bytes, four vectors each: a lookup is two permutes of a pair of
-// vectors by the low seven bits of the index and a choice by the eighth.
+// The palette as three planes of 256 bytes, four vectors each: a lookup is two permutes of a pair
+// of vectors by the low seven bits of the index and a choice by the eighth.
 template <>
 struct PreparedPalette<true> {
   Vec plane[3][4];

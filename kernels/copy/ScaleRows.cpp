@@ -17,9 +17,9 @@ QV_INLINE void ScaleRowPlain(const Byte* src, Byte* dst, ptrdiff_t width, unsign
 
 #if QV_HAS_VECTORS
 
-// The same quotient by one multiplication in 16-bit lanes: x * (257 * value + 1) >> 16, for values up
-// to 254. With x * value = 255 k + r, the product is 65535 k + 257 r + x. It is at least 65536 k, as
-// k <= x, and below 65536 (k + 1), as 257 r + x <= 257 * 254 + 255.
+// The same quotient by one multiplication in 16-bit lanes: x * (257 * value + 1) >> 16, for values
+// up to 254. With x * value = 255 k + r, the product is 65535 k + 257 r + x. It is at least 65536
+// k, as k <= x, and below 65536 (k + 1), as 257 r + x <= 257 * 254 + 255.
 void ScaleRow(const Byte* src, Byte* dst, ptrdiff_t width, unsigned value) {
   if (value == 255) {  // every byte stays
     memmove(dst, src, static_cast<size_t>(width));

@@ -52,13 +52,13 @@ bool WarpTiles(const WarpPlan& plan, const GeometryImages& images, const Corners
   const bool pays =
       WarpAhead::Pays(static_cast<long long>(source.width) * source.height * images.channels);
   bool any = false;
-  const Span rows = plan.Rows();
+  const PixelRange rows = plan.Rows();
   // The last row and the last column may be the largest int there is: steps are wider.
   for (long long top = rows.first; top <= rows.last; top += kTileRows) {
     const int y0 = static_cast<int>(top);
     const int height = rows.last - y0 < kTileRows ? rows.last - y0 + 1 : kTileRows;
-    Span spans[kTileRows];
-    Span all = {0x7FFFFFFF, -1};
+    PixelRange spans[kTileRows];
+    PixelRange all = {0x7FFFFFFF, -1};
     for (int i = 0; i < height; ++i) {
       spans[i] = plan.Columns(y0 + i);
       if (spans[i].last < spans[i].first) continue;

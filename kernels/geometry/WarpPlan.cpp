@@ -110,8 +110,8 @@ bool WarpPlan::Contains(const Row& row, int x) const {
          py <= high_[1] * w;
 }
 
-Span WarpPlan::Columns(int y) const {
-  const Span none = {0, -1};
+PixelRange WarpPlan::Columns(int y) const {
+  const PixelRange none = {0, -1};
   const Row row = RowAt(y);
   // Each inequality as a x + b >= 0.
   const double a[5] = {m_[2][0], m_[0][0] - low_[0] * m_[2][0], high_[0] * m_[2][0] - m_[0][0],
@@ -136,7 +136,7 @@ Span WarpPlan::Columns(int y) const {
   const int begin = static_cast<int>(destination_.x0), end = static_cast<int>(destination_.x1);
   const int from = static_cast<int>(Clamp(low - 1, begin, end));
   const int to = static_cast<int>(Clamp(high + 2, begin, end));
-  Span span = {from, to};
+  PixelRange span = {from, to};
   while (!Contains(row, span.first)) {
     if (span.first == to) return none;
     ++span.first;
@@ -186,7 +186,7 @@ int WarpPlan::Segments(int y, int first, int last, WarpSegment* segments) const 
 
 // Those of the halves of a segment that no cubic fits, as far as columns of them are wanted; a
 // single column always fits.
-int WarpPlan::Halve(const Row& row, Span wanted, WarpSegment* segments) const {
+int WarpPlan::Halve(const Row& row, PixelRange wanted, WarpSegment* segments) const {
   const int begin = segments[0].first, half = segments[0].count / 2;
   int count = 0;
   for (int i = 0; i < 2; ++i) {

@@ -8,7 +8,7 @@
 namespace qv {
 
 // Inclusive; empty if last < first.
-struct Span {
+struct PixelRange {
   int first, last;
 };
 
@@ -41,8 +41,8 @@ class WarpPlan {
            WarpMethod method);
 
   // Rows outside of this have an empty span.
-  Span Rows() const { return rows_; }
-  Span Columns(int y) const;
+  PixelRange Rows() const { return rows_; }
+  PixelRange Columns(int y) const;
 
   // False for a tile whose source pixels are more than asking for them ahead is worth.
   bool Find(Footprint& footprint, double x, int y, int columns, int rows) const;
@@ -59,7 +59,7 @@ class WarpPlan {
   Row RowAt(int y) const;
   bool Contains(const Row& row, int x) const;
   void FindRows(const double coeffs[3][3]);
-  int Halve(const Row& row, Span wanted, WarpSegment* segments) const;
+  int Halve(const Row& row, PixelRange wanted, WarpSegment* segments) const;
   bool Fit(const Row& row, WarpSegment& segment) const;
   template <bool kAffine>
   bool Fit(const Row& row, WarpSegment& segment) const;
@@ -73,7 +73,7 @@ class WarpPlan {
   Corners destination_;
   double bias_;
   bool regular_, affine_;
-  Span rows_;
+  PixelRange rows_;
 };
 
 }  // namespace qv

@@ -11,6 +11,8 @@
 #ifndef QV_KERNELS_GEOMETRY_WARPSOURCE_H
 #define QV_KERNELS_GEOMETRY_WARPSOURCE_H
 
+#include "dispatch/Hidden.h"
+
 namespace qv {
 
 constexpr int kWarpBits = 14;
@@ -46,7 +48,7 @@ constexpr int kCubicPhases = 1 << kCubicBits;
 struct CubicTable {
   alignas(8) short tap[kCubicPhases][4];
 };
-extern const CubicTable kCubicTable;
+extern QV_HIDDEN const CubicTable kCubicTable;
 
 }  // namespace qv
 

@@ -1,5 +1,5 @@
-// What warping needs of a level beyond the common vocabulary: arithmetic on 32-bit lanes and fetches
-// from scattered addresses.
+// What warping needs of a level beyond the common vocabulary: arithmetic on 32-bit lanes and
+// fetches from scattered addresses.
 #ifndef QV_KERNELS_GEOMETRY_WARPVECTORS_H
 #define QV_KERNELS_GEOMETRY_WARPVECTORS_H
 

@@ -1,5 +1,5 @@
-// How vector rows walk a row: full blocks, then one last block that overlaps the one before, so that
-// nothing past the row's end is touched and no scalar tail runs on rows of at least one block.
+// How vector rows walk a row: full blocks, then one last block that overlaps the one before, so
+// that nothing past the row's end is touched and no scalar tail runs on rows of at least one block.
 #ifndef QV_KERNELS_LEVEL_BLOCKS_H
 #define QV_KERNELS_LEVEL_BLOCKS_H
 

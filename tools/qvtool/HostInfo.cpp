@@ -47,9 +47,10 @@ std::string ClassName(int cpuCode) {
   }
 }
 
-// Into how many bands the library cuts an image that is high enough, which is its thread budget. The class
-// does not say; but a resize returns the status of its last band, and that is 1 where the projected
-// region ends above the band. So the height at which the status changes tells where the last band begins.
+// Into how many bands the library cuts an image that is high enough, which is its thread budget.
+// The class does not say; but a resize returns the status of its last band, and that is 1 where the
+// projected region ends above the band. So the height at which the status changes tells where the
+// last band begins.
 int CountBands() {
   constexpr int kMost = 512, kRows = 65 * kMost;
   std::vector<unsigned char> source(2 * kRows), destination(kRows);

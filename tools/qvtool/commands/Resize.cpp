@@ -35,7 +35,8 @@ double ParseFactor(const std::string& text) {
 
 int Scaled(int length, double factor) {
   const double scaled = length * factor + 1e-07;
-  if (scaled > 1e9) throw UsageError("--factor: the result would be more than 1000000000 pixels long");
+  if (scaled > 1e9)
+    throw UsageError("--factor: the result would be more than 1000000000 pixels long");
   return scaled < 1 ? 1 : static_cast<int>(scaled);
 }
 
