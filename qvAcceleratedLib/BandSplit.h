@@ -73,9 +73,9 @@ constexpr Bands PlanPieces(int columns, int budget) {
   return piece < MinColumnsPerPiece ? Bands{1, columns, columns} : Bands{budget, piece, columns};
 }
 
-// Calls body(band) for every band and returns the status of the last one (StatusOk if there is
-// none). Several bands run on the team of threads; where no other thread has time for them, the
-// calling thread does them as a single band. So the last band must have the status that all have.
+// Calls body(band) for every band and returns the status of the last one (StatusOk if there is none).
+// Several bands run on the team of threads; where no other thread has time for them, the calling
+// thread does all in one piece, whose status must be that of the last band.
 template <class Body>
 IppStatus RunBands(const Bands& bands, const Work& work, const Body& body) {
   if (bands.count == 1) return body(bands.Of(0));

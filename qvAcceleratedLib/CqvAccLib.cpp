@@ -235,13 +235,19 @@ IppStatus CqvAccLib::qvResize(qvDataType type, const unsigned char* src, IppiSiz
                   interpolation);
   }
   const auto kernel = channels == 1 ? ResizeBand_8u_C1 : ResizeBand_8u_C3;
-  return RunFloatBands(bands, {Area(dstRoiSize), MethodOf(kernel, interpolation)}, [&](Band band) {
+  const Band last = bands.Of(bands.count - 1);
+  return RunBands(bands, {Area(dstRoiSize), MethodOf(kernel, interpolation)}, [&](Band band) {
+    const FloatEnvironment environment;
     const IppiRect part = {0, static_cast<int>(band.first), dstRoiSize.width, band.length};
     auto* const buffer = new (std::nothrow) unsigned char[static_cast<size_t>(bufferBytes)];
     const IppStatus status = kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, part, xFactor,
                                     yFactor, 0, 0, interpolation, buffer);
     delete[] buffer;
-    return status;
+    // All bands in one piece return what the last of them would.
+    if (status != StatusOk || band.length != dstRoiSize.height) return status;
+    return HasResizeRows(srcSize, srcRoi, static_cast<int>(last.first), last.length, yFactor)
+               ? StatusOk
+               : StatusNothingToDoWarning;
   });
 }
 

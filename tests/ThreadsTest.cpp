@@ -100,6 +100,16 @@ TEST(Threads, AsMeasuredGiveTheSameBytes) {
   }
   const UseBudget budget(4, Sharing::Measured);
   for (int i = 0; i < 3; ++i) EXPECT_EQ(Differences(expected), 0);
+
+  // The last of two bands lies below the projected region, also where both are done in one piece.
+  const std::vector<unsigned char> source(200 * 400);
+  std::vector<unsigned char> scaled(100 * 402);
+  for (const Sharing sharing : {Sharing::Measured, Sharing::Always}) {
+    const UseBudget two(2, sharing);
+    EXPECT_EQ(CqvAccLib::qvResize(CqvAccLib::OneChannel, source.data(), {200, 400}, 200,
+                                  {0, 0, 200, 400}, scaled.data(), 100, {100, 402}, .5, .5, 2),
+              StatusNothingToDoWarning);
+  }
 }
 
 // Bands that wait for each other find a thread each; a band that calls again stays on its thread.

@@ -62,6 +62,10 @@ IppStatus ResizeBand_8u_C3(const unsigned char* src, IppiSize srcSize, int srcSt
                            double xFactor, double yFactor, double xShift, double yShift,
                            int interpolation, unsigned char* buffer);
 
+// Whether a band without shifts, of a call whose other arguments are good, reaches the projected
+// region with its rows: StatusNothingToDoWarning of the band kernels if not.
+bool HasResizeRows(IppiSize srcSize, IppiRect srcRoi, int firstRow, int rows, double yFactor);
+
 // Bytes of the buffer of a band kernel, for codes 1, 2, 4 and 16.
 // Statuses, in this order: StatusNullPtrErr; StatusSizeErr for a width or height below 1;
 // StatusChannelErr for a channel count other than 1, 3 or 4; StatusInterpolationErr; StatusSizeErr

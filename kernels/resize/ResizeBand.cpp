@@ -11,6 +11,10 @@ AxisArea AreaOf(const BandAxis& axis, const Span& span) {
           axis.shift / axis.factor + axis.start};
 }
 
+BandAxis RowAxis(IppiSize srcSize, IppiRect srcRoi, double yFactor, double yShift) {
+  return {srcRoi.y, ClippedLength(srcRoi.y, srcRoi.height, srcSize.height), yFactor, yShift};
+}
+
 IppStatus RunBand(const ResizeTask& task, const BandAxis& x, const BandAxis& y, Span columns,
                   Span rows, int interpolation) {
   switch (interpolation) {
@@ -46,8 +50,7 @@ IppStatus ResizeBand(const unsigned char* src, IppiSize srcSize, int srcStep, Ip
 
   const BandAxis x = {srcRoi.x, ClippedLength(srcRoi.x, srcRoi.width, srcSize.width), xFactor,
                       xShift};
-  const BandAxis y = {srcRoi.y, ClippedLength(srcRoi.y, srcRoi.height, srcSize.height), yFactor,
-                      yShift};
+  const BandAxis y = RowAxis(srcSize, srcRoi, yFactor, yShift);
   Span columns, rows;
   if (!ProjectRegion(x, dstRect.x, dstRect.width, &columns) ||
       !ProjectRegion(y, dstRect.y, dstRect.height, &rows))
@@ -74,6 +77,11 @@ IppStatus ResizeBand(const unsigned char* src, IppiSize srcSize, int srcStep, Ip
 }
 
 }  // namespace
+
+bool HasResizeRows(IppiSize srcSize, IppiRect srcRoi, int firstRow, int rows, double yFactor) {
+  Span span;
+  return ProjectRegion(RowAxis(srcSize, srcRoi, yFactor, 0), firstRow, rows, &span);
+}
 
 IppStatus ResizeBandBufferSize(IppiSize dstSize, int channels, int interpolation, int* bytes) {
   if (!bytes) return StatusNullPtrErr;
