@@ -13,4 +13,7 @@ grep -q 'CqvAccLib::operator=' <<<"$defined" || { echo 'the copy assignment is n
 needed=$(readelf -d "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' |
   grep -vE '^(libc|libm|libpthread|libstdc\+\+|libgcc_s|ld-linux.*)\.so')
 [ -z "$needed" ] || { printf 'unexpected libraries: %s\n' "$needed"; exit 1; }
+# Its threads are its own, whatever runtime is at hand.
+openmp=$(nm -D --undefined-only "$library" | grep -E ' (GOMP_|omp_|__kmpc_)')
+[ -z "$openmp" ] || { printf 'symbols of OpenMP: %s\n' "$openmp"; exit 1; }
 echo "$(grep -c . <<<"$defined") exports"
