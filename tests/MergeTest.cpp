@@ -216,27 +216,5 @@ TEST(MergeAlphaPlus, IsTheFormulaForAllAlphasAtAllLevels) {
     }
 }
 
-TEST(MergeAlphas, DoNothingForNegativeSizesAndRefuseOtherTypes) {
-  Planes p(9);
-  const Planes before = p;
-  for (const bool accelerated : {false, true})
-    AtLevelsAndBudgets([&] {
-      const UsePath path(accelerated);
-      for (const auto& [width, height] : {std::pair(256, 0), {256, -5}, {-5, 256}})
-        EXPECT_EQ(p.Merge(&Planes::dstAlpha, width < 0 && accelerated ? 0 : 768, width, height),
-                  StatusOk);
-    });
-  const std::function plus = [&p](int type, int width, int height) {
-    return Lib::qvMergeAlphaPlus(Type(type), p.fg.data(), 768, p.bg.data(), 768, p.fgAlpha.data(),
-                                 256, width, height);
-  };
-  ExpectStatuses(plus, {{StatusDataTypeErr, {3, 10, 200}},
-                        {StatusDataTypeErr, {13, -1, -200}},
-                        {StatusOk, {2, -1, 200}},
-                        {StatusOk, {4, 10, 0}},
-                        {StatusOk, {4, 10, -200}}});
-  EXPECT_TRUE(p == before);
-}
-
 }  // namespace
 }  // namespace qv::test

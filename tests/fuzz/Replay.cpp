@@ -1,4 +1,4 @@
-// Runs the inputs of a corpus file: one a line in hexadecimal, text behind # is a remark.
+// Runs the inputs of corpus files (see Corpus.h).
 //
 //   fuzzreplay FAMILY FILE...              runs every line
 //   fuzzreplay --describe FAMILY FILE...   and says before each call what it is
@@ -13,52 +13,12 @@
 #include <vector>
 
 #include "tests/fuzz/Call.h"
+#include "tests/fuzz/Corpus.h"
 
 namespace {
 
+using qv::test::ForEachInput;
 using Bytes = std::vector<std::uint8_t>;
-
-// The bytes of a line; false if it is not a line of a corpus.
-bool Parse(std::string line, Bytes& bytes) {
-  bytes.clear();
-  line.resize(std::min(line.size(), line.find('#')));
-  while (!line.empty() && (line.back() == ' ' || line.back() == '\r')) line.pop_back();
-  if (line.size() % 2 != 0) return false;
-  for (std::size_t i = 0; i < line.size(); i += 2) {
-    unsigned value = 0;
-    for (const char c : {line[i], line[i + 1]}) {
-      const char* const digits = "0123456789abcdef";
-      const char* const digit = std::strchr(digits, c);
-      if (!digit || !c) return false;
-      value = value * 16 + static_cast<unsigned>(digit - digits);
-    }
-    bytes.push_back(static_cast<std::uint8_t>(value));
-  }
-  return true;
-}
-
-// Calls visit(bytes, line number) for every input of a file; -1 if the file is no corpus.
-template <class Visit>
-int ForEachInput(const char* file, const Visit& visit) {
-  std::ifstream in(file);
-  if (!in) {
-    std::fprintf(stderr, "fuzzreplay: cannot read %s\n", file);
-    return -1;
-  }
-  int count = 0, number = 0;
-  Bytes bytes;
-  for (std::string line; std::getline(in, line);) {
-    ++number;
-    if (!Parse(line, bytes)) {
-      std::fprintf(stderr, "%s:%d: not an input\n", file, number);
-      return -1;
-    }
-    if (bytes.empty()) continue;
-    visit(bytes, number);
-    ++count;
-  }
-  return count;
-}
 
 int Run(const qv::test::FuzzFamily& family, bool describe, int files, char** file) {
   int all = 0;
