@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "tests/support/Bytes.h"
-#include "tests/support/Statuses.h"
+#include "tests/support/Levels.h"
 
 namespace qv::test {
 namespace {

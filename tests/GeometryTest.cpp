@@ -4,8 +4,8 @@
 #include <cmath>
 #include <limits>
 
+#include "tests/support/Bytes.h"
 #include "tests/support/RandomMatrix.h"
-#include "tests/support/Statuses.h"
 
 namespace qv::test {
 namespace {

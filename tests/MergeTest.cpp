@@ -8,7 +8,7 @@
 
 #include "qvAcceleratedLib/Settings.h"
 #include "tests/support/Bytes.h"
-#include "tests/support/Statuses.h"
+#include "tests/support/Levels.h"
 
 namespace qv::test {
 namespace {

@@ -4,16 +4,28 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <numeric>
 #include <vector>
 
 #include "tests/support/Bytes.h"
-#include "tests/support/Statuses.h"
+#include "tests/support/Levels.h"
 
 namespace qv::test {
 namespace {
 
 using Lib = CqvAccLib;
+
+// Runs a test body at every level on one band, and on several.
+void AtLevelsAndBudgets(const std::function<void()>& body) {
+  for (const Level& level : AvailableLevels())
+    for (const int budget : {1, 2, 7}) {
+      const UseLevel useLevel(level);
+      const UseBudget useBudget(budget);
+      SCOPED_TRACE(testing::Message() << level.name << ", budget " << budget);
+      body();
+    }
+}
 
 // Whatever the type: only some are cut into pieces, and not with steps that differ.
 TEST(Copy, OfALongRowIsThatOfItsPixels) {
