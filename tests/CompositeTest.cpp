@@ -35,7 +35,7 @@ unsigned Composed(int code, unsigned a, unsigned a1, unsigned b, unsigned a2) {
   }
 }
 
-// Every A beside every B, with alphas that spread; the scaling of A alone (code 7) by all there are.
+// Every A beside every B, with alphas that spread; A alone (code 7) is scaled by all there are.
 TEST(AlphaCompC, IsTheFormulaForAllBytesAtAllLevels) {
   constexpr int kCount = 65536;
   Bytes a(kCount), b(kCount), expected(kCount), got(kCount);

@@ -1,5 +1,6 @@
 // qvResize and qvResizeYUV422 through the public interface: shortcuts, extents, bands and
-// conventions. Statuses are the corpus'. What the kernels write byte for byte is ResizeAccuracyTest's.
+// conventions. Statuses are the corpus'; what the kernels write byte for byte is
+// ResizeAccuracyTest's.
 #include <gtest/gtest.h>
 
 #include <algorithm>

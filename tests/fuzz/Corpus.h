@@ -31,8 +31,8 @@ inline bool ParseInput(std::string line, std::vector<std::uint8_t>& bytes) {
   return true;
 }
 
-// Calls visit(bytes, line number) for every input of a file; how many they are, or -1 if the file is
-// no corpus.
+// Calls visit(bytes, line number) for every input of a file; how many they are, or -1 if the file
+// is no corpus.
 template <class Visit>
 int ForEachInput(const char* file, const Visit& visit) {
   std::ifstream in(file);

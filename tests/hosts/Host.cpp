@@ -1,7 +1,7 @@
 // A host program: calls every operation once, as its compiler does, and prints what came back, in a
 // form that is the same on every platform; what else operations do is the self-test's. It uses no
-// library but the one under test, so that a compiler without a C library can build it; on Windows it
-// brings its own entry point.
+// library but the one under test, so that a compiler without a C library can build it; on Windows
+// it brings its own entry point.
 #include <qvAcceleratedLib/CqvAccLib.h>
 
 namespace {
