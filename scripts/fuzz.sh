@@ -35,19 +35,36 @@ shift
 families=("$@")
 [ $# -gt 0 ] || families=(checksum color composite copy deinterlace geometry resize)
 
+# A corpus has an input a line in hexadecimal, libFuzzer wants files.
+unpack() {  # DIRECTORY CORPUS
+  local number=0 bytes rest
+  while read -r bytes rest; do
+    number=$((number + 1))
+    case $bytes in '' | '#'*) continue ;; esac
+    printf "$(sed 's/../\\x&/g' <<<"$bytes")" >"$1/0-$number"
+  done <"$2"
+}
+pack() {  # FILE...
+  local file
+  for file in "$@"; do
+    od -An -v -tx1 "$file" | tr -d ' \n'
+    echo
+  done
+}
+
 # One family: prints a line of figures, or the call that is at fault.
 fuzz() {
   family=$1
   found=$build/found/$family log=$build/$family.log faults=$build/faults/$family
   rm -rf "$faults"
   mkdir -p "$found" "$faults"
-  "$programs/fuzzreplay" --unpack "$found" "$corpus/$family.txt"
+  unpack "$found" "$corpus/$family.txt"
   if ! "$programs/fuzz_$family" -max_len=192 -max_total_time="$seconds" -timeout=20 \
       -rss_limit_mb=4000 -print_final_stats=1 -artifact_prefix="$faults/" "$found" >"$log" 2>&1; then
     grep -E 'ERROR: [AL]|FAULT|runtime error|SUMMARY' "$log" | head -n 4
     for fault in "$faults"/*; do
       echo "$family: reproduce with"
-      echo "  scripts/fuzz.sh --reproduce $family $("$programs/fuzzreplay" --pack "$fault")"
+      echo "  scripts/fuzz.sh --reproduce $family $(pack "$fault")"
     done
     return 1
   fi
@@ -55,7 +72,7 @@ fuzz() {
   reached=$(grep -oE 'cov: [0-9]+' "$log" | tail -n 1)
   printf '%-12s %8d inputs in %d s, %s edges, no fault\n' "$family" "$calls" "$seconds" "${reached#cov: }"
 }
-export -f fuzz
+export -f fuzz pack unpack
 export build corpus programs seconds
 status=0
 printf '%s\n' "${families[@]}" | xargs -P "$(nproc)" -I {} bash -euo pipefail -c 'fuzz {}' || status=1
@@ -69,7 +86,7 @@ for family in "${families[@]}"; do
   "$programs/fuzz_$family" -max_len=192 -use_counters=0 -set_cover_merge=1 "$small" \
     "$build/found/$family" >"$build/$family.merge.log" 2>&1
   file=$corpus/$family.txt
-  { grep '#' "$file" || true; "$programs/fuzzreplay" --pack "$small"/* | sort -u; } >"$file.new"
+  { grep '#' "$file" || true; pack "$small"/* | sort -u; } >"$file.new"
   mv "$file.new" "$file"
   echo "$file: $(grep -c . "$file") inputs, $(stat -c %s "$file") bytes"
 done

@@ -1,5 +1,5 @@
 // qvYCbCr422ToBGR, qvYCbCr420ToBGR, qvYCbCr420 and qvYCbCr422ToYCrCb420 through the public
-// interface: the formulas for every input at every level, odd sizes, statuses and their order.
+// interface: the formulas for every input at every level, odd sizes.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -8,7 +8,7 @@
 
 #include "tests/support/Bytes.h"
 #include "tests/support/Guarded.h"
-#include "tests/support/Statuses.h"
+#include "tests/support/Levels.h"
 
 namespace qv::test {
 namespace {
@@ -16,18 +16,18 @@ namespace {
 using Lib = CqvAccLib;
 using Pixel = std::array<unsigned char, 3>;
 
-unsigned char FromSum(int sum) {
+constexpr unsigned char FromSum(int sum) {
   const int floored = sum >= 0 ? sum / 65536 : -((65535 - sum) / 65536);
   return static_cast<unsigned char>(std::clamp(floored, 0, 255));
 }
 
-Pixel FromPacked(int y, int cb, int cr) {
+constexpr Pixel FromPacked(int y, int cb, int cr) {
   return {FromSum(76284 * y + 132186 * cb - 18140365),
           FromSum(76284 * y - 53281 * cr - 25690 * cb + 8887730),
           FromSum(76284 * y + 104595 * cr - 14608761)};
 }
 
-Pixel FromPlanes(int y, int cb, int cr) {
+constexpr Pixel FromPlanes(int y, int cb, int cr) {
   const int u = cb - 128, v = cr - 128;
   return {FromSum(76284 * y + 132186 * u - 1187776),
           FromSum(76284 * y - 1220544 - 25690 * u - 53281 * v + 32768),
@@ -36,19 +36,11 @@ Pixel FromPlanes(int y, int cb, int cr) {
 
 Pixel At(const Bytes& image, std::size_t at) { return {image[at], image[at + 1], image[at + 2]}; }
 
-TEST(YCbCrToBGR, BlackAndWhite) {
-  const struct {
-    int y;
-    Pixel packed, planar;
-  } cases[] = {{0, {0, 0, 0}, {0, 0, 0}},
-               {16, {0, 0, 0}, {0, 0, 0}},
-               {235, {254, 254, 254}, {255, 255, 255}},
-               {255, {255, 255, 255}, {255, 255, 255}}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(FromPacked(c.y, 128, 128), c.packed);
-    EXPECT_EQ(FromPlanes(c.y, 128, 128), c.planar);
-  }
-}
+// Black and white.
+static_assert(FromPacked(16, 128, 128) == Pixel{0, 0, 0});
+static_assert(FromPacked(235, 128, 128) == Pixel{254, 254, 254});
+static_assert(FromPlanes(16, 128, 128) == Pixel{0, 0, 0});
+static_assert(FromPlanes(235, 128, 128) == Pixel{255, 255, 255});
 
 // One image per Cr, a row per Cb, a column per Y: all 2^24 inputs, each at an even and at an odd
 // pixel. 512 columns are whole vectors; the odd sizes are kernelcheck's.
@@ -170,58 +162,6 @@ TEST(YCbCrToPlanes, SplitsWhatItIsGiven) {
       EXPECT_EQ(cb, (Bytes{2, 0}));
       EXPECT_EQ(cr, (Bytes{4, 0}));
     }
-}
-
-TEST_F(Refusals, OfConversions) {
-  int steps[3] = {9, 9, 9}, *const noSteps = nullptr;
-  Byte *whole[3] = {p, p, p}, **const noPlanes = nullptr;
-  Byte *holes[3][3] = {{null, p, p}, {p, null, p}, {p, p, null}};
-  const int big = 140;  // rows enough for two bands
-
-  const std::function packed = [](Byte* src, Byte* dst, IppiSize size) {
-    return Lib::qvYCbCr422ToBGR(kAnyType, src, 9, dst, 9, size);
-  };
-  ExpectStatuses(packed, {{StatusNullPtrErr, {null, p, {0, big}}},
-                          {StatusNullPtrErr, {p, null, {1, 0}}},
-                          {StatusSizeErr, {p, p, {1, big}}},
-                          {StatusSizeErr, {p, p, {9, 0}}}});
-
-  // The planes of a source are looked at after the size, those of a destination before.
-  const std::function planar = [](Byte** src, int* steps, Byte* dst, IppiSize size) {
-    return Lib::qvYCbCr420ToBGR(kAnyType, src, steps, dst, 9, size);
-  };
-  ExpectStatuses(planar, {{StatusNullPtrErr, {noPlanes, steps, p, {0, big}}},
-                          {StatusNullPtrErr, {whole, noSteps, p, {0, big}}},
-                          {StatusNullPtrErr, {whole, steps, null, {0, 0}}},
-                          {StatusSizeErr, {holes[0], steps, p, {0, big}}},
-                          {StatusSizeErr, {holes[2], steps, p, {2, 0}}},
-                          {StatusNullPtrErr, {holes[0], steps, p, {9, big}}},
-                          {StatusNullPtrErr, {holes[1], steps, p, {9, 2}}},
-                          {StatusNullPtrErr, {holes[2], steps, p, {9, big}}}});
-
-  const std::function toPlanes = [](Byte* src, Byte** dst, int* steps, IppiSize size) {
-    return Lib::qvYCbCr422ToYCrCb420(kAnyType, src, 9, dst, steps, size);
-  };
-  const std::function split = [](Byte* luma, Byte* chroma, Byte** dst, int* steps, IppiSize size) {
-    return Lib::qvYCbCr420(kAnyType, luma, 9, chroma, 9, dst, steps, size);
-  };
-  ExpectStatuses(toPlanes, {{StatusNullPtrErr, {null, whole, steps, {0, big}}},
-                            {StatusNullPtrErr, {p, noPlanes, steps, {1, 1}}},
-                            {StatusNullPtrErr, {p, whole, noSteps, {1, 1}}},
-                            {StatusNullPtrErr, {p, holes[0], steps, {0, big}}},
-                            {StatusNullPtrErr, {p, holes[1], steps, {0, 2}}},
-                            {StatusNullPtrErr, {p, holes[2], steps, {0, big}}},
-                            {StatusSizeErr, {p, whole, steps, {1, big}}},
-                            {StatusSizeErr, {p, whole, steps, {big, 1}}}});
-  ExpectStatuses(split, {{StatusNullPtrErr, {null, p, whole, steps, {1, big}}},
-                         {StatusNullPtrErr, {p, null, whole, steps, {1, 1}}},
-                         {StatusNullPtrErr, {p, p, noPlanes, steps, {1, big}}},
-                         {StatusNullPtrErr, {p, p, whole, noSteps, {1, big}}},
-                         {StatusNullPtrErr, {p, p, holes[0], steps, {0, big}}},
-                         {StatusNullPtrErr, {p, p, holes[1], steps, {0, 2}}},
-                         {StatusNullPtrErr, {p, p, holes[2], steps, {0, big}}},
-                         {StatusSizeErr, {p, p, whole, steps, {1, big}}},
-                         {StatusSizeErr, {p, p, whole, steps, {big, 1}}}});
 }
 
 }  // namespace

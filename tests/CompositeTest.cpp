@@ -1,12 +1,11 @@
-// qvAlphaCompC: the twelve formulas for all bytes at all levels, what is not read, statuses.
+// qvAlphaCompC: the twelve formulas for all bytes at all levels.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <vector>
 
 #include "tests/support/Bytes.h"
-#include "tests/support/Guarded.h"
-#include "tests/support/Statuses.h"
+#include "tests/support/Levels.h"
 
 namespace qv::test {
 namespace {
@@ -36,7 +35,7 @@ unsigned Composed(int code, unsigned a, unsigned a1, unsigned b, unsigned a2) {
   }
 }
 
-// Every A beside every B, with every alpha of the first one and others that spread.
+// Every A beside every B, with alphas that spread; A alone (code 7) is scaled by all there are.
 TEST(AlphaCompC, IsTheFormulaForAllBytesAtAllLevels) {
   constexpr int kCount = 65536;
   Bytes a(kCount), b(kCount), expected(kCount), got(kCount);
@@ -44,9 +43,9 @@ TEST(AlphaCompC, IsTheFormulaForAllBytesAtAllLevels) {
     a[i] = static_cast<unsigned char>(i);
     b[i] = static_cast<unsigned char>(i >> 8);
   }
-  std::vector<std::pair<int, int>> alphas = {{255, 255}, {0, 0}, {0, 255}, {255, 0}, {128, 255}};
-  for (int i = 0; i < 256; i += 5) alphas.push_back({i, (i * 7 + 3) % 256});
-  for (int code = 0; code < 12; ++code)
+  for (int code = 0; code < 12; ++code) {
+    std::vector<std::pair<int, int>> alphas = {{255, 255}, {0, 0}, {0, 255}, {255, 0}, {128, 255}};
+    for (int i = 0; i < 256; i += code == 7 ? 1 : 5) alphas.push_back({i, (i * 7 + 3) % 256});
     for (const auto& [a1, a2] : alphas) {
       for (int i = 0; i < kCount; ++i)
         expected[i] = static_cast<unsigned char>(Composed(code, a[i], a1, b[i], a2));
@@ -60,53 +59,7 @@ TEST(AlphaCompC, IsTheFormulaForAllBytesAtAllLevels) {
             << "code " << code << ", alphas " << a1 << ' ' << a2 << ", " << level.name;
       }
     }
-}
-
-// The scaling of a byte by every alpha: all products there are.
-TEST(AlphaCompC, ScalesByEveryAlpha) {
-  Bytes a(256), got(256);
-  for (int i = 0; i < 256; ++i) a[i] = static_cast<unsigned char>(i);
-  for (const Level& level : AvailableLevels()) {
-    const UseLevel use(level);
-    for (int alpha = 0; alpha < 256; ++alpha) {
-      Lib::qvAlphaCompC(Type(2), a.data(), 256, 0, a.data(), 256, static_cast<unsigned char>(alpha),
-                        got.data(), 256, {256, 1}, Code(7));
-      for (int i = 0; i < 256; ++i) ASSERT_EQ(got[i], i * alpha / 255) << alpha << level.name;
-    }
   }
-}
-
-// In and out, weighted or premultiplied, never look at the second image.
-TEST(AlphaCompC, LeavesTheSecondImageAloneWhereItHasNoPart) {
-  const GuardedMemory unreadable(1);
-  const Bytes a(1000, 200);
-  for (const Level& level : AvailableLevels()) {
-    const UseLevel use(level);
-    for (const int code : {1, 2, 7, 8})
-      for (const int width : {1, 15, 64, 100, 1000}) {
-        Bytes got(1000, 1);
-        ASSERT_EQ(Lib::qvAlphaCompC(Type(2), a.data(), 1000, 100, unreadable.end(), 1000, 50,
-                                    got.data(), 1000, {width, 1}, Code(code)),
-                  StatusOk);
-        EXPECT_EQ(got[0], Composed(code, 200, 100, 0, 50));
-      }
-  }
-}
-
-TEST_F(Refusals, OfCompositions) {
-  const std::function compose = [](int type, Byte* a, Byte* b, Byte* dst, IppiSize size, int code) {
-    return Lib::qvAlphaCompC(Type(type), a, 1, 9, b, 1, 9, dst, 1, size, Code(code));
-  };
-  ExpectStatuses(compose, {{StatusDataTypeErr, {3, null, null, null, {0, 0}, 12}},
-                           {StatusDataTypeErr, {3, p, p, p, {1, 140}, 0}},
-                           {StatusNullPtrErr, {2, null, p, p, {0, 0}, 12}},
-                           {StatusNullPtrErr, {4, p, null, p, {0, 140}, 1}},
-                           {StatusNullPtrErr, {4, p, p, null, {0, 140}, 12}},
-                           {StatusSizeErr, {2, p, p, p, {0, 140}, 12}},
-                           {StatusSizeErr, {2, p, p, p, {1, 0}, -1}},
-                           {StatusSizeErr, {2, p, p, p, {1, -140}, 0}},
-                           {StatusAlphaTypeErr, {2, p, p, p, {1, 140}, 12}},
-                           {StatusAlphaTypeErr, {4, p, p, p, {1, 1}, -1}}});
 }
 
 }  // namespace

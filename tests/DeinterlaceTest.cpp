@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "tests/support/Bytes.h"
-#include "tests/support/Statuses.h"
+#include "tests/support/Levels.h"
 
 namespace qv::test {
 namespace {
@@ -87,21 +87,6 @@ TEST(Deinterlace, WritesTheRowsOfItsMode) {
                 << "mode " << c.mode << ", type " << type << ", height " << height_ << ", budget "
                 << budget << ", " << level.name;
           }
-}
-
-TEST_F(Refusals, OfDeinterlacing) {
-  const std::function filter = [](int type, Byte* src, Byte* dst, int srcStep, IppiSize size) {
-    return Lib::qvDeinterlace(Type(type), src, srcStep, dst, 9, size, 100, 16);
-  };
-  ExpectStatuses(filter, {{StatusDataTypeErr, {9, null, null, 0, {0, 0}}},
-                          {StatusNullPtrErr, {2, null, p, 9, {0, 2}}},
-                          {StatusNullPtrErr, {2, p, null, 9, {200, 2}}},
-                          {StatusNullPtrErr, {4, p, null, 300, {9, 9}}},
-                          {StatusSizeErr, {2, p, p, 9, {9, 2}}},
-                          {StatusSizeErr, {2, p, p, 200, {200, 2}}},
-                          {StatusSizeErr, {2, p, p, 9, {0, 3}}},
-                          {StatusSizeErr, {4, p, p, 0, {9, 3}}},
-                          {StatusSizeErr, {4, p + 1000, p + 1000, -9, {9, 3}}}});
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 
 #include "qvAcceleratedLib/Settings.h"
 #include "tests/support/Bytes.h"
-#include "tests/support/Statuses.h"
+#include "tests/support/Levels.h"
 
 namespace qv::test {
 namespace {
@@ -26,9 +26,9 @@ class UsePath {
 };
 
 // The formulas, a pixel at a time.
-unsigned PlainAlpha(unsigned fa, unsigned ba) { return fa + (((255 - fa) * ba) >> 8); }
+constexpr unsigned PlainAlpha(unsigned fa, unsigned ba) { return fa + (((255 - fa) * ba) >> 8); }
 
-unsigned PlainColour(unsigned f, unsigned fa, unsigned b, unsigned ba) {
+constexpr unsigned PlainColour(unsigned f, unsigned fa, unsigned b, unsigned ba) {
   return (f * fa + ((b * (255 - fa) * ba) >> 8)) / (PlainAlpha(fa, ba) + 1);
 }
 
@@ -48,19 +48,14 @@ unsigned FloatColour(unsigned f, unsigned fa, unsigned b, unsigned ba, unsigned 
   return n > 255 ? 255 : n;
 }
 
-unsigned Mixed(unsigned a, unsigned s, unsigned d) {
+constexpr unsigned Mixed(unsigned a, unsigned s, unsigned d) {
   const unsigned p = a * s, q = (255 - a) * d;
   return std::min(255u, ((p + 1 + (p >> 8)) >> 8) + ((q + 1) >> 8));
 }
 
-TEST(MergeAlphas, FormulasHaveKnownValues) {
-  EXPECT_EQ(PlainColour(255, 255, 0, 0), 254u);
-  EXPECT_EQ(PlainColour(10, 0, 200, 0), 0u);
-  EXPECT_EQ(PlainAlpha(0, 255), 254u);
-  EXPECT_EQ(FloatColour(255, 255, 0, 0, 255), 254u);
-  EXPECT_EQ(Mixed(255, 255, 0), 255u);
-  EXPECT_EQ(Mixed(0, 0, 255), 254u);
-}
+static_assert(PlainColour(255, 255, 0, 0) == 254 && PlainColour(10, 0, 200, 0) == 0);
+static_assert(PlainAlpha(0, 255) == 254);
+static_assert(Mixed(255, 255, 0) == 255 && Mixed(0, 0, 255) == 254);
 
 // Every pair of a foreground and a background alpha as 65536 pixels of 256 rows, with colours: for
 // the first seeds those that make ties and extremes likely.
@@ -214,28 +209,6 @@ TEST(MergeAlphaPlus, IsTheFormulaForAllAlphasAtAllLevels) {
         ASSERT_TRUE(image == expected) << channels << ' ' << d << ' ' << level.name;
       }
     }
-}
-
-TEST(MergeAlphas, DoNothingForNegativeSizesAndRefuseOtherTypes) {
-  Planes p(9);
-  const Planes before = p;
-  for (const bool accelerated : {false, true})
-    AtLevelsAndBudgets([&] {
-      const UsePath path(accelerated);
-      for (const auto& [width, height] : {std::pair(256, 0), {256, -5}, {-5, 256}})
-        EXPECT_EQ(p.Merge(&Planes::dstAlpha, width < 0 && accelerated ? 0 : 768, width, height),
-                  StatusOk);
-    });
-  const std::function plus = [&p](int type, int width, int height) {
-    return Lib::qvMergeAlphaPlus(Type(type), p.fg.data(), 768, p.bg.data(), 768, p.fgAlpha.data(),
-                                 256, width, height);
-  };
-  ExpectStatuses(plus, {{StatusDataTypeErr, {3, 10, 200}},
-                        {StatusDataTypeErr, {13, -1, -200}},
-                        {StatusOk, {2, -1, 200}},
-                        {StatusOk, {4, 10, 0}},
-                        {StatusOk, {4, 10, -200}}});
-  EXPECT_TRUE(p == before);
 }
 
 }  // namespace

@@ -1,15 +1,15 @@
-// qvResize and qvResizeYUV422 through the public interface: statuses, extents, bands and
-// conventions. What the kernels write byte for byte is ResizeAccuracyTest's.
+// qvResize and qvResizeYUV422 through the public interface: shortcuts, extents, bands and
+// conventions. Statuses are the corpus'; what the kernels write byte for byte is
+// ResizeAccuracyTest's.
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 #include <limits>
 #include <vector>
 
 #include "kernels/resize/Resize.h"
 #include "tests/support/Bytes.h"
-#include "tests/support/Statuses.h"
+#include "tests/support/Levels.h"
 
 namespace qv::test {
 namespace {
@@ -126,37 +126,6 @@ TEST(Resize, IsCutOnlyIfSourceAndDestinationHaveTheRows) {
   }
 }
 
-TEST(Resize, BandsWriteWhatOneBandWrites) {
-  Random random(35);
-  const Bytes src = Noise(300 * 520 * 3);
-  for (int run = 0; run < 10; ++run)
-    for (const int code : {1, 2, 4, 16}) {
-      SCOPED_TRACE(testing::Message() << "code " << code << ", run " << run);
-      Call call = {{300, 520}, {0, 0, 300, 520},        {},   random.Between(0.3, 2.0),
-                   random.Between(0.9, 2.0), code, random.Pick(2, 4)};
-      if (random.OneIn(3)) call.yFactor = call.xFactor = 1.5;
-      if (random.OneIn(2)) call.roi = {random.Between(0, 99), random.Between(0, 60), 170, 400};
-      call.dstSize = {int(300 * call.xFactor), int(520 * call.yFactor)};
-      const int pixel = call.type == 4 ? 3 : 1, dstStep = call.dstSize.width * pixel;
-      int bytes = 0;
-      ASSERT_EQ(ResizeBandBufferSize(call.dstSize, pixel, code, &bytes), StatusOk);
-      Bytes buffer(static_cast<std::size_t>(bytes));
-      Bytes one(std::size_t(dstStep) * call.dstSize.height, 77), dst;
-      const auto kernel = pixel == 1 ? ResizeBand_8u_C1 : ResizeBand_8u_C3;
-      ASSERT_EQ(kernel(src.data(), call.srcSize, 300 * pixel, call.roi, one.data(), dstStep,
-                       {0, 0, call.dstSize.width, call.dstSize.height}, call.xFactor,
-                       call.yFactor, 0, 0, code, buffer.data()),
-                StatusOk);
-      for (const int budget : {2, 3, 7}) {
-        // The last band lies below what some regions become.
-        const IppStatus status = call.Run(src, &dst, budget);
-        ASSERT_TRUE(status == StatusOk ||
-                    (status == StatusNothingToDoWarning && call.roi.height < 520));
-        ASSERT_TRUE(dst == one) << budget;
-      }
-    }
-}
-
 TEST(Resize, SaysHowLargeABandBufferIs) {
   const int big = std::numeric_limits<int>::max();
   struct {
@@ -184,78 +153,45 @@ TEST(Resize, SaysHowLargeABandBufferIs) {
   EXPECT_EQ(ResizeBandBufferSize({0, 0}, 2, 8, nullptr), StatusNullPtrErr);
 }
 
-TEST_F(Refusals, OfResizes) {
-  const IppiSize size = {20, 20}, none = {0, 0}, to = {9, 9};
-  const IppiRect all = {0, 0, 20, 20};
-  const int big = std::numeric_limits<int>::max();
-  const std::function resize = [](int type, Byte* src, Byte* dst, IppiSize srcSize, IppiRect roi,
-                                  IppiSize dstSize, double x, double y, int code) {
-    return Lib::qvResize(Type(type), src, srcSize, 60, roi, dst, 60, dstSize, x, y, code);
-  };
-  ExpectStatuses(resize, {
-      {StatusDataTypeErr, {3, null, p, none, all, none, 0, 0, 3}},
-      {StatusNullPtrErr, {2, null, p, none, all, none, 0, 0, 3}},
-      {StatusNullPtrErr, {4, p, null, none, all, none, 0, 0, 3}},
-      {StatusSizeErr, {2, p, p, {0, 20}, all, none, 0, 0, 3}},
-      {StatusSizeErr, {2, p, p, {20, 0}, all, none, 0, 0, 3}},
-      {StatusSizeErr, {2, p, p, size, {-1, 99, 9, 9}, none, 0, 0, 3}},
-      {StatusSizeErr, {2, p, p, size, {99, -1, 9, 9}, none, 0, 0, 3}},
-      {StatusSizeErr, {2, p, p, size, {99, 0, 0, 9}, none, 0, 0, 3}},
-      {StatusSizeErr, {2, p, p, size, {0, 99, 9, 0}, none, 0, 0, 3}},
-      {StatusNoOverlapWarning, {2, p, p, size, {20, 0, 9, 9}, none, 0, 0, 3}},
-      {StatusNoOverlapWarning, {4, p, p, size, {0, 20, 9, 9}, none, 0, 0, 3}},
-      {StatusSizeErr, {2, p, p, size, all, {0, 9}, 0, 0, 3}},
-      {StatusSizeErr, {2, p, p, size, all, {9, 0}, 0, 0, 3}},
-      {StatusResizeFactorErr, {2, p, p, size, all, to, 0, 1, 3}},
-      {StatusResizeFactorErr, {2, p, p, size, all, to, 1, -1, 3}},
-      {StatusResizeFactorErr, {2, p, p, size, all, to, kNan, 1, 8}},
-      {StatusResizeFactorErr, {2, p, p, size, all, to, 1, kNan, 1}},
-      {StatusResizeFactorErr, {2, p, p, size, all, to, 0.5, -kInfinity, 8}},
-      {StatusInterpolationErr, {2, p, p, size, all, to, 0.01, 1, 3}},
-      {StatusInterpolationErr, {2, p, p, size, all, to, 0.01, 1, 0}},
-      {StatusEmptyOutputErr, {2, p, p, size, all, to, 0.02, 1, 2}},
-      {StatusEmptyOutputErr, {4, p, p, size, all, to, 1, 0.0249, 8}},
-      {StatusEmptyOutputErr, {4, p, p, size, all, to, 1e-300, 1e300, 1}},
-      {StatusEmptyOutputErr, {4, p, p, size, all, to, 5e-324, 1, 16}},
-  });
-  // A band of an image large enough to be cut has an order of its own.
-  const auto banded = [&](Byte* src, IppiRect roi, double x, double y, int code) {
-    const UseBudget use(2);
-    return Lib::qvResize(Type(2), src, {150, 150}, 150, roi, p, 140, {140, 140}, x, y, code);
-  };
-  EXPECT_EQ(banded(null, {-1, 0, 0, 0}, 0, 0, 2), StatusNullPtrErr);
-  EXPECT_EQ(banded(p, {-1, 0, 9, 9}, 0, 0, 2), StatusSizeErr);
-  EXPECT_EQ(banded(p, {150, 0, 9, 9}, 0, 1, 2), StatusResizeFactorErr);
-  EXPECT_EQ(banded(p, {150, 0, 9, 9}, 1, 1, 2), StatusNoOverlapWarning);
-  EXPECT_EQ(banded(p, {100, 0, 9, 9}, 2, 2, 2), StatusNothingToDoWarning);
-  EXPECT_EQ(banded(p, {0, 0, 150, 150}, 0.9, 0.9, 3), StatusInterpolationErr);
-  // Before tables that no memory has are asked for.
-  EXPECT_EQ(Resize_8u_C1(p, size, 20, all, p, 1, {big, 1}, 1e300, 1, 8), StatusInterpolationErr);
-}
-
-TEST_F(Refusals, OfBandsOfResizes) {
+// What the public operations never pass on, or only in some bands.
+TEST(Resize, KernelsRefuseInOrder) {
   const IppiSize size = {20, 20};
   const IppiRect all = {0, 0, 9, 9}, outside = {30, 0, 9, 9};
-  const std::function band = [this](IppiSize srcSize, IppiRect roi, IppiRect rect, double factor,
-                                 double shift, int code) {
-    return ResizeBand_8u_C1(p, srcSize, 20, roi, p + 1000, 20, rect, factor, factor, shift, shift,
-                            code, p + 2000);
+  const struct {
+    IppStatus expected;
+    IppiSize srcSize;
+    IppiRect roi, rect;
+    double factor, shift;
+    int code;
+  } cases[] = {
+      {StatusSizeErr, {0, 9}, outside, all, 0, 0, 3},
+      {StatusSizeErr, size, outside, {-1, 0, 9, 9}, 0, 0, 3},
+      {StatusSizeErr, size, outside, {0, 0, 9, 0}, 0, 0, 3},
+      {StatusResizeFactorErr, size, outside, all, kNan, 0, 3},
+      {StatusInterpolationErr, size, outside, all, 1, 0, 3},
+      {StatusNoOverlapWarning, size, outside, all, 2, 0, 8},
+      {StatusNothingToDoWarning, size, {9, 0, 9, 9}, all, 2, 0, 8},
+      {StatusNothingToDoWarning, size, all, all, 2, -1e300, 1},
+      {StatusNothingToDoWarning, size, all, all, 2, kInfinity, 1},
+      {StatusResizeFactorErr, size, all, all, 2, 0, 8},
+      {StatusOk, size, {9, 9, 9, 9}, all, 1, 0, 2},  // ends where it starts
   };
-  ExpectStatuses(band, {
-      {StatusSizeErr, {{0, 9}, outside, all, 0, 0, 3}},
-      {StatusSizeErr, {size, outside, {-1, 0, 9, 9}, 0, 0, 3}},
-      {StatusSizeErr, {size, outside, {0, 0, 9, 0}, 0, 0, 3}},
-      {StatusResizeFactorErr, {size, outside, all, kNan, 0, 3}},
-      {StatusInterpolationErr, {size, outside, all, 1, 0, 3}},
-      {StatusNoOverlapWarning, {size, outside, all, 2, 0, 8}},
-      {StatusNothingToDoWarning, {size, {9, 0, 9, 9}, all, 2, 0, 8}},
-      {StatusNothingToDoWarning, {size, all, all, 2, -1e300, 1}},
-      {StatusNothingToDoWarning, {size, all, all, 2, kInfinity, 1}},
-      {StatusResizeFactorErr, {size, all, all, 2, 0, 8}},
-      {StatusOk, {size, {9, 9, 9, 9}, all, 1, 0, 2}},  // ends where it starts
-  });
+  Bytes image(4000, 5);
+  const Bytes kept = image;
+  unsigned char* const p = image.data();
+  for (const auto& c : cases)
+    EXPECT_EQ(ResizeBand_8u_C1(p, c.srcSize, 20, c.roi, p + 1000, 20, c.rect, c.factor, c.factor,
+                               c.shift, c.shift, c.code, p + 2000),
+              c.expected)
+        << &c - cases;
   EXPECT_EQ(ResizeBand_8u_C1(p, {0, 9}, 20, {}, p, 20, {}, 1, 1, 0, 0, 2, nullptr),
             StatusNullPtrErr);
+  // Before tables that no memory has are asked for.
+  EXPECT_EQ(Resize_8u_C1(p, size, 20, all, p, 1, {std::numeric_limits<int>::max(), 1}, 1e300, 1, 8),
+            StatusInterpolationErr);
+  EXPECT_EQ(ResizeYUV422_8u_C2(p, {20, 9}, 60, {0, 0, 10, 9}, p, 60, {8, 8}, 2, 1, 8),
+            StatusResizeFactorErr);
+  EXPECT_EQ(image, kept);
 }
 
 TEST(Resize, AveragesMoreRowsThanSumsOf32BitsHold) {
@@ -274,33 +210,6 @@ TEST(Resize, AveragesMoreRowsThanSumsOf32BitsHold) {
 }
 
 // ---- Packed 4:2:2 -------------------------------------------------------------------------------
-
-TEST_F(Refusals, OfPackedResizes) {
-  const IppiSize none = {0, 0}, to = {8, 8};
-  const IppiRect roi = {0, 0, 10, 9};
-  const std::function resize = [this](unsigned char* src, IppiSize srcSize, IppiRect roi,
-                                   IppiSize dstSize, double x, double y, int code) {
-    return Lib::qvResizeYUV422(kAnyType, src, srcSize, 60, roi, p, 60, dstSize, x, y, code);
-  };
-  ExpectStatuses(resize, {
-      {StatusNullPtrErr, {nullptr, none, {}, none, 0, 0, 0}},
-      {StatusSizeErr, {p, {0, 9}, {99, 0, 9, 9}, none, 0, 0, 0}},
-      {StatusNoOverlapWarning, {p, {21, 9}, {99, 0, 9, 9}, none, 0, 0, 0}},
-      {StatusNoOverlapWarning, {p, {20, 9}, {20, 0, 9, 9}, none, 0, 0, 0}},
-      {StatusSizeErr, {p, {20, 9}, roi, {2, 0}, 0, 0, 0}},
-      {StatusSizeErr, {p, {21, 9}, roi, to, 0, 0, 0}},
-      {StatusSizeErr, {p, {20, 9}, {0, 0, 9, 9}, to, 0, 0, 0}},
-      {StatusSizeErr, {p, {20, 9}, {1, 0, 10, 9}, to, 0, 0, 0}},
-      {StatusSizeErr, {p, {20, 9}, roi, {1, 8}, 0, 0, 0}},
-      {StatusResizeFactorErr, {p, {20, 9}, roi, to, kNan, 1, 0}},
-      {StatusResizeFactorErr, {p, {20, 9}, roi, to, 1, 0, 0}},
-      {StatusInterpolationErr, {p, {20, 9}, roi, to, 0.01, 1, 3}},
-      {StatusInterpolationErr, {p, {20, 9}, roi, to, 0.01, 1, -1}},
-      {StatusEmptyOutputErr, {p, {20, 9}, roi, to, 0.14, 1, 2}},
-      {StatusEmptyOutputErr, {p, {20, 9}, roi, to, 1, 0.05, 16}},
-  });
-  EXPECT_EQ(ResizeYUV422_8u_C2(p, {20, 9}, 60, roi, p, 60, to, 2, 1, 8), StatusResizeFactorErr);
-}
 
 TEST(ResizeYUV422, AddressesTheRegionByFourBytesAPixel) {
   const Bytes src = Noise(400 * 60);

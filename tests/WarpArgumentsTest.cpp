@@ -15,99 +15,62 @@ namespace {
 
 using Lib = CqvAccLib;
 
-// Warps and rotations check alike; a quarter turn, which interpolates nothing, looks at less.
+// Past pointers, sizes and steps, whose statuses are the corpus'. Warps and rotations check alike,
+// but a quarter turn, which interpolates nothing, looks at less, and no rotation at the outline: a
+// region without a pixel inside its image is an error of a warp and a warning of a rotation.
 TEST(Warp, ChecksInOrderAndSoDoesRotate) {
   Bytes image(20 * 20), out(20 * 20);
-  struct Arguments {
-    int type;
-    const unsigned char* src;
-    IppiSize size;
-    int srcStep;
-    IppiRect from;
-    unsigned char* dst;
-    int dstStep;
-    IppiRect to;
-    int method;
+  const IppiSize size = {20, 20};
+  const IppiRect all = {0, 0, 20, 20}, far = {90, 0, 20, 20};
+  const auto warp = [&](const Matrix& m, IppiRect from, IppiRect to, int method) {
+    return Lib::qvWarpPerspective(Type(2), image.data(), size, 20, from, out.data(), 20, to, m.c,
+                                  method);
   };
-  const Arguments good = {2,  image.data(), {20, 20},       20, {0, 0, 20, 20}, out.data(),
-                          20, {0, 0, 20, 20}, 2};
-  // Each change breaks one check; broken together, the earlier one in this list must be reported.
-  // A region without a pixel inside its image is an error of a warp and a warning of a rotation.
+  const auto rotate = [&](double angle, double dx, double dy, IppiRect from, IppiRect to,
+                          int method) {
+    return Lib::qvRotate(Type(2), image.data(), size, 20, from, out.data(), 20, to, angle, dx, dy,
+                         method);
+  };
+  constexpr auto kMethod = StatusInterpolationErr;
+  constexpr auto kMiss = StatusNoOverlapWarning;
   const struct {
-    int expected, quarter;
-    void (*breakIt)(Arguments&);
+    IppiRect from, to;
+    int method;
+    IppStatus warp, rotate, quarter;
   } cases[] = {
-      {StatusDataTypeErr, StatusDataTypeErr, [](Arguments& a) { a.type = 9; }},
-      {StatusNullPtrErr, StatusNullPtrErr, [](Arguments& a) { a.src = nullptr; }},
-      {StatusNullPtrErr, StatusNullPtrErr, [](Arguments& a) { a.dst = nullptr; }},
-      {StatusSizeErr, StatusSizeErr, [](Arguments& a) { a.size.width = 0; }},
-      {StatusSizeErr, StatusSizeErr, [](Arguments& a) { a.size.height = -1; }},
-      {StatusSizeErr, StatusSizeErr, [](Arguments& a) { a.from.x = -1; }},
-      {StatusSizeErr, StatusSizeErr, [](Arguments& a) { a.from.y = -1; }},
-      {StatusSizeErr, StatusSizeErr, [](Arguments& a) { a.from.width = 0; }},
-      {StatusSizeErr, StatusSizeErr, [](Arguments& a) { a.from.height = 0; }},
-      {StatusSizeErr, StatusSizeErr, [](Arguments& a) { a.to.x = -1; }},
-      {StatusSizeErr, StatusSizeErr, [](Arguments& a) { a.to.y = -1; }},
-      {StatusSizeErr, StatusSizeErr, [](Arguments& a) { a.to.width = 0; }},
-      {StatusSizeErr, StatusSizeErr, [](Arguments& a) { a.to.height = 0; }},
-      {StatusStepErr, StatusStepErr, [](Arguments& a) { a.srcStep = 0; }},
-      {StatusStepErr, StatusStepErr, [](Arguments& a) { a.dstStep = -20; }},
-      {StatusInterpolationErr, StatusOk, [](Arguments& a) { a.method = 3; }},
-      {StatusInterpolationErr, StatusOk, [](Arguments& a) { a.method = 8; }},
-      {StatusInterpolationErr, StatusOk, [](Arguments& a) { a.method = 0; }},
-      {StatusCoeffErr, StatusOk, [](Arguments& a) { a.from.width = 1; }},
-      {StatusCoeffErr, StatusOk, [](Arguments& a) { a.from.height = 1; }},
-      {StatusRectErr, StatusNoOverlapWarning, [](Arguments& a) { a.from.x = 20; }},
-      {StatusRectErr, StatusNoOverlapWarning, [](Arguments& a) { a.from.y = 20; }},
-      {StatusNoOverlapWarning, StatusNoOverlapWarning, [](Arguments& a) { a.to.x = 90; }},
+      {{20, 0, 1, 20}, far, 3, kMethod, kMethod, kMiss},
+      {{0, 20, 20, 1}, far, 8, kMethod, kMethod, kMiss},
+      {all, all, 0, kMethod, kMethod, StatusOk},
+      {{20, 0, 1, 20}, far, 2, StatusCoeffErr, kMiss, kMiss},
+      {{0, 20, 20, 1}, far, 2, StatusCoeffErr, kMiss, kMiss},
+      {{0, 0, 1, 20}, all, 2, StatusCoeffErr, StatusOk, StatusOk},
+      {{0, 0, 20, 1}, all, 2, StatusCoeffErr, StatusOk, StatusOk},
+      {{20, 0, 20, 20}, far, 2, StatusRectErr, kMiss, kMiss},
+      {{0, 20, 20, 20}, all, 2, StatusRectErr, kMiss, kMiss},
+      {all, far, 2, kMiss, kMiss, kMiss},
   };
-  const auto warp = [](const Arguments& a, const Matrix& m = kIdentity) {
-    return Lib::qvWarpPerspective(Type(a.type), a.src, a.size, a.srcStep, a.from, a.dst, a.dstStep,
-                                  a.to, m.c, a.method);
-  };
-  const auto rotate = [](const Arguments& a, double angle) {
-    return Lib::qvRotate(Type(a.type), a.src, a.size, a.srcStep, a.from, a.dst, a.dstStep, a.to,
-                         angle, 0, 19, a.method);
-  };
-  for (const auto& c : cases)
-    for (const auto* later = &c; later != std::end(cases); ++later) {
-      SCOPED_TRACE(testing::Message() << &c - cases << " and " << later - cases);
-      Arguments a = good;
-      later->breakIt(a);
-      c.breakIt(a);
-      EXPECT_EQ(warp(a), c.expected);
-      EXPECT_EQ(rotate(a, 90), c.quarter != StatusOk ? c.quarter : later->quarter);
-      // Any other angle looks at the interpolation as well, and no rotation at the outline.
-      const auto general = [](int warp, int quarter) {
-        return warp == StatusInterpolationErr ? warp : quarter;
-      };
-      const int status = general(c.expected, c.quarter);
-      const int next = general(later->expected, later->quarter);
-      EXPECT_EQ(rotate(a, 89), status != StatusOk ? status : next);
-      EXPECT_EQ(out, Bytes(out.size()));
-    }
-  const auto shifted = [&](double dx, double dy) {
-    return warp(good, {{{1, 0, dx}, {0, 1, dy}, {0, 0, 1}}});
-  };
-  EXPECT_EQ(shifted(19.5, 0), StatusNoOverlapWarning);
-  EXPECT_EQ(shifted(0, -19.5), StatusNoOverlapWarning);
-  EXPECT_EQ(shifted(19, 0), StatusOk);  // reaching up to the edge is no miss
-  EXPECT_EQ(warp(good, {{{1, 1, 0}, {1, 1, 0}, {0, 0, 1}}}), StatusCoeffErr);
-  // It makes a sound quadrilateral, but its upper left four have no inverse.
-  EXPECT_EQ(warp(good, {{{1, 0, 0}, {0, 0, 5}, {0, 0.1, 1}}}), StatusCoeffErr);
-  EXPECT_EQ(rotate(good, std::nan("")), StatusCoeffErr);
-  EXPECT_EQ(rotate(good, HUGE_VAL), StatusCoeffErr);
-  EXPECT_EQ(Lib::qvRotate(Type(2), image.data(), {20, 20}, 20, {0, 0, 20, 20}, out.data(), 20,
-                          {0, 0, 20, 20}, 0, std::nan(""), 0, 1),
-            StatusCoeffErr);
-  EXPECT_EQ(Lib::qvRotate(Type(2), image.data(), {20, 20}, 20, {0, 0, 20, 20}, out.data(), 20,
-                          {0, 0, 20, 20}, 180, 1e300, -HUGE_VAL, 1),
-            StatusNoOverlapWarning);
-  for (const unsigned method : {1u, 2u, 4u, 0x80000001u, 0x80000004u}) {
-    Arguments a = good;
-    a.method = static_cast<int>(method);
-    EXPECT_EQ(warp(a), StatusOk) << method;
+  for (const auto& c : cases) {
+    SCOPED_TRACE(&c - cases);
+    EXPECT_EQ(warp(kIdentity, c.from, c.to, c.method), c.warp);
+    EXPECT_EQ(rotate(89, 0, 19, c.from, c.to, c.method), c.rotate);
+    EXPECT_EQ(rotate(90, 0, 19, c.from, c.to, c.method), c.quarter);
   }
+  const auto shifted = [&](double dx, double dy) {
+    return warp({{{1, 0, dx}, {0, 1, dy}, {0, 0, 1}}}, all, all, 2);
+  };
+  EXPECT_EQ(shifted(19.5, 0), kMiss);
+  EXPECT_EQ(shifted(0, -19.5), kMiss);
+  EXPECT_EQ(shifted(19, 0), StatusOk);  // reaching up to the edge is no miss
+  EXPECT_EQ(warp({{{1, 1, 0}, {1, 1, 0}, {0, 0, 1}}}, all, all, 2), StatusCoeffErr);
+  // It makes a sound quadrilateral, but its upper left four have no inverse.
+  EXPECT_EQ(warp({{{1, 0, 0}, {0, 0, 5}, {0, 0.1, 1}}}, all, all, 2), StatusCoeffErr);
+  EXPECT_EQ(rotate(std::nan(""), 0, 19, all, all, 2), StatusCoeffErr);
+  EXPECT_EQ(rotate(HUGE_VAL, 0, 19, all, all, 2), StatusCoeffErr);
+  EXPECT_EQ(rotate(0, std::nan(""), 0, all, all, 1), StatusCoeffErr);
+  EXPECT_EQ(rotate(180, 1e300, -HUGE_VAL, all, all, 1), kMiss);
+  EXPECT_EQ(out, Bytes(out.size()));
+  for (const unsigned method : {1u, 2u, 4u, 0x80000001u, 0x80000004u})
+    EXPECT_EQ(warp(kIdentity, all, all, static_cast<int>(method)), StatusOk) << method;
 }
 
 // Planes are checked by the cores, behind the interpolation and before the matrix.

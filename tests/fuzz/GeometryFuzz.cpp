@@ -4,16 +4,13 @@
 #include <cstring>
 
 #include "tests/fuzz/Call.h"
+#include "tests/support/RandomMatrix.h"
 
 namespace qv::test {
 
 namespace {
 
 using Lib = CqvAccLib;
-
-struct Matrix {
-  double c[3][3];
-};
 
 // Regions of images: (0, 0) on, elsewhere, up to the largest int and beyond, anything.
 IppiRect DrawRegion(Input& in, const char* xName, const char* yName, const char* widthName,
@@ -33,7 +30,7 @@ IppiRect DrawRegion(Input& in, const char* xName, const char* yName, const char*
 
 // Mostly what carries one region onto a quadrilateral near the other one.
 Matrix DrawMatrix(Input& in, IppiRect from, IppiRect to) {
-  Matrix m = {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
+  Matrix m = kIdentity;
   switch (in.Pick("matrix: quadrilateral, affine, shift, any", 0, 0, 1, 2, 3)) {
     case 0: {
       double quad[4][2];

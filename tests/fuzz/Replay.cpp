@@ -1,64 +1,18 @@
-// Runs the inputs of a corpus file: one a line in hexadecimal, text behind # is a remark.
+// Runs the inputs of corpus files (see Corpus.h).
 //
 //   fuzzreplay FAMILY FILE...              runs every line
 //   fuzzreplay --describe FAMILY FILE...   and says before each call what it is
-//   fuzzreplay --unpack DIRECTORY FILE...  writes each line as a file, as libFuzzer wants them
-//   fuzzreplay --pack FILE...              prints such files as lines, for a corpus
 #include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <iterator>
-#include <string>
-#include <string_view>
 #include <vector>
 
 #include "tests/fuzz/Call.h"
+#include "tests/fuzz/Corpus.h"
 
 namespace {
 
+using qv::test::ForEachInput;
 using Bytes = std::vector<std::uint8_t>;
-
-// The bytes of a line; false if it is not a line of a corpus.
-bool Parse(std::string line, Bytes& bytes) {
-  bytes.clear();
-  line.resize(std::min(line.size(), line.find('#')));
-  while (!line.empty() && (line.back() == ' ' || line.back() == '\r')) line.pop_back();
-  if (line.size() % 2 != 0) return false;
-  for (std::size_t i = 0; i < line.size(); i += 2) {
-    unsigned value = 0;
-    for (const char c : {line[i], line[i + 1]}) {
-      const char* const digits = "0123456789abcdef";
-      const char* const digit = std::strchr(digits, c);
-      if (!digit || !c) return false;
-      value = value * 16 + static_cast<unsigned>(digit - digits);
-    }
-    bytes.push_back(static_cast<std::uint8_t>(value));
-  }
-  return true;
-}
-
-// Calls visit(bytes, line number) for every input of a file; -1 if the file is no corpus.
-template <class Visit>
-int ForEachInput(const char* file, const Visit& visit) {
-  std::ifstream in(file);
-  if (!in) {
-    std::fprintf(stderr, "fuzzreplay: cannot read %s\n", file);
-    return -1;
-  }
-  int count = 0, number = 0;
-  Bytes bytes;
-  for (std::string line; std::getline(in, line);) {
-    ++number;
-    if (!Parse(line, bytes)) {
-      std::fprintf(stderr, "%s:%d: not an input\n", file, number);
-      return -1;
-    }
-    if (bytes.empty()) continue;
-    visit(bytes, number);
-    ++count;
-  }
-  return count;
-}
 
 int Run(const qv::test::FuzzFamily& family, bool describe, int files, char** file) {
   int all = 0;
@@ -78,43 +32,14 @@ int Run(const qv::test::FuzzFamily& family, bool describe, int files, char** fil
   return 0;
 }
 
-int Unpack(const char* directory, int files, char** file) {
-  for (int i = 0; i < files; ++i) {
-    const int count = ForEachInput(file[i], [&](const Bytes& bytes, int number) {
-      const std::string name =
-          std::string(directory) + "/" + std::to_string(i) + "-" + std::to_string(number);
-      std::ofstream(name, std::ios::binary)
-          .write(reinterpret_cast<const char*>(bytes.data()),
-                 static_cast<std::streamsize>(bytes.size()));
-    });
-    if (count < 0) return 1;
-  }
-  return 0;
-}
-
-int Pack(int files, char** file) {
-  for (int i = 0; i < files; ++i) {
-    std::ifstream in(file[i], std::ios::binary);
-    const std::string bytes((std::istreambuf_iterator<char>(in)), {});
-    for (const char c : bytes) std::printf("%02x", static_cast<unsigned char>(c));
-    std::printf("\n");
-  }
-  return 0;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
-  const std::string_view first = argc > 1 ? argv[1] : "";
-  if (first == "--unpack" && argc > 3) return Unpack(argv[2], argc - 3, argv + 3);
-  if (first == "--pack") return Pack(argc - 2, argv + 2);
-  const bool describe = first == "--describe";
+  const bool describe = argc > 1 && std::strcmp(argv[1], "--describe") == 0;
   const int at = describe ? 2 : 1;
   for (const auto& family : qv::test::kFuzzFamilies)
     if (argc > at + 1 && std::strcmp(family.name, argv[at]) == 0)
       return Run(family, describe, argc - at - 1, argv + at + 1);
-  std::fprintf(stderr,
-               "usage: fuzzreplay [--describe] FAMILY FILE... | --unpack DIRECTORY FILE... | "
-               "--pack FILE...\n");
+  std::fprintf(stderr, "usage: fuzzreplay [--describe] FAMILY FILE...\n");
   return 2;
 }

@@ -18,7 +18,12 @@ inline Bytes Noise(std::size_t n) {
 }
 
 // Any number, known as a type or not.
-inline CqvAccLib::qvDataType Type(int value) { return static_cast<CqvAccLib::qvDataType>(value); }
+constexpr CqvAccLib::qvDataType Type(int value) {
+  return static_cast<CqvAccLib::qvDataType>(value);
+}
+
+// For operations that do not look at their type.
+constexpr auto kAnyType = Type(12345);
 
 }  // namespace qv::test
 

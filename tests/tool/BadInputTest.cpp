@@ -37,6 +37,7 @@ TEST_P(BadInput, EndsWithOneClearLine) {
   flipped.replace(jpeg.size() - 300, 2, "\xff\xda");
   place.Write("flipped.jpg", flipped);
   place.Write("empty", "");
+  place.Write("sums.txt", "00000000  empty\nnot a line\n");
   place.Write("palette.txt", "#010203\nred\n");
   place.Write("long.txt", "#010203\n#010203\n#010203\n");
   place.Write("old.png", "what was here before");
@@ -54,7 +55,7 @@ TEST_P(BadInput, EndsWithOneClearLine) {
   EXPECT_EQ(place.Read("old.png"), "what was here before");
 }
 
-const std::string kMono = "YUV4MPEG2 W2 H1 Cmono\n";
+const std::string kMono = "YUV4MPEG2 W2 H1 Cmono\n", kFrame = "twelve bytes";
 
 const Bad kBad[] = {
     // Wrong command lines.
@@ -154,6 +155,20 @@ const Bad kBad[] = {
     {"deinterlaceMode", "deinterlace whole.png x.png --mode 2", 2, {"--mode", "'2'", "0|1|4|16"}},
     {"deinterlaceLow", "deinterlace - x.y4m", 1, {"2 rows", "3 at least"},
      "YUV4MPEG2 W2 H2\nFRAME\nabcdef"},
+    {"convertBgr", "convert - x.raw --layout bgr --size 2x2", 1, {"bgr frames given"}, kFrame},
+    {"convertI422", "convert - x.raw --layout i422 --size 2x2", 1, {"i422 frames given"}, kFrame},
+    {"convertI420", "convert - x.raw --layout i420 --size 2x2 --to yv12", 1,
+     {"made from yuyv and nv12"}, kFrame},
+    {"convertYv12", "convert - x.raw --layout yv12 --size 2x2 --to i420", 1,
+     {"made from yuyv and nv12"}, kFrame},
+    {"convertNarrow", "convert - x.raw --layout yuyv --size 1x2", 1, {"1 pixel wide"}, kFrame},
+    {"convertLow", "convert - x.raw --layout nv12 --size 2x1", 1, {"2x1"}, kFrame},
+    {"convertLowPacked", "convert - x.raw --layout yuyv --size 2x1 --to i420", 1, {"2x1"}, kFrame},
+    {"convertToGrey", "convert - x.raw --layout yuyv --size 2x2 --to grey", 2, {"--to"}, kFrame},
+    {"checksumNoFile", "checksum nothing", 1, {"nothing: cannot open"}},
+    {"checksumFolder", "checksum folder", 1, {"is a directory"}},
+    {"checksumAlgorithm", "checksum --algorithm md5 empty", 2, {"crc32|adler32"}},
+    {"checksumList", "checksum --check sums.txt", 1, {"sums.txt: line 2:"}},
     {"demoBadInput", "demo page --input cut.png", 1, {"cut.png"}},
     // Outputs that cannot be written.
     {"noFolder", "copy whole.png nowhere/x.png", 1, {"nowhere/x.png", "No such file"}},

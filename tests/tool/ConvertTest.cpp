@@ -1,4 +1,4 @@
-// qvtool convert: layouts, odd sizes, clips to pictures, what it refuses.
+// qvtool convert: layouts, odd sizes, clips to pictures.
 #include <gtest/gtest.h>
 
 #include "Program.h"
@@ -79,32 +79,6 @@ TEST(Convert, MakesAClipIntoPicturesAndPackedFramesIntoAClip) {
   EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
   EXPECT_TRUE(outcome.out.ends_with("FRAME\n" + planes + "FRAME\n" + planes));
   EXPECT_TRUE(outcome.out.starts_with("YUV4MPEG2 W6 H4 F30:1"));
-}
-
-TEST(Convert, RefusesWhatItCannotConvert) {
-  const struct {
-    const char* arguments;
-    std::size_t bytes;
-    int exitCode;
-    const char* message;
-  } cases[] = {
-      {"--layout bgr --size 2x2", 12, 1, "bgr frames given"},
-      {"--layout i422 --size 2x2", 8, 1, "i422 frames given"},
-      {"--layout i420 --size 2x2 --to yv12", 6, 1, "made from yuyv and nv12"},
-      {"--layout yv12 --size 2x2 --to i420", 6, 1, "made from yuyv and nv12"},
-      {"--layout yuyv --size 1x2", 8, 1, "1 pixel wide"},
-      {"--layout nv12 --size 2x1", 4, 1, "2x1"},
-      {"--layout yuyv --size 2x1 --to i420", 4, 1, "2x1"},
-      {"--layout yuyv --size 2x2 --to grey", 8, 2, "--to"},
-  };
-  for (const auto& c : cases) {
-    Workplace place;
-    const Outcome outcome =
-        place.Run("convert - out.raw " + std::string(c.arguments), Noise(c.bytes, 1));
-    EXPECT_EQ(outcome.exitCode, c.exitCode) << c.arguments;
-    EXPECT_NE(outcome.err.find(c.message), std::string::npos) << outcome.err;
-    EXPECT_TRUE(place.Files().empty());
-  }
 }
 
 }  // namespace
