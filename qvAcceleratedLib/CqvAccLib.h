@@ -241,7 +241,7 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // which is ITU-R BT.601 in 16.16 fixed point, rounded down, with offsets 13, 14 and 57 below the
   // exact ones of Y - 16, Cb - 128 and Cr - 128, so that whole numbers come out one lower. The last
   // pixel of an odd width has the first two bytes of a group alone: it takes its Cr from the group
-  // before, and nothing behind its Cb is read.
+  // before, and nothing past its Cb is read.
   // Returns -8 if src or dst is null; -6 if width is below 2 or height below 1.
   static IppStatus qvYCbCr422ToBGR(qvDataType type, const unsigned char* src, int srcStep,
                                    unsigned char* dst, int dstStep, IppiSize size);

@@ -8,7 +8,7 @@
 namespace qv {
 
 // Exceptions are masked by FNSTENV already. FLDENV puts the host's flags back as well: those that
-// were raised meanwhile would else trap in a host that lets its exceptions through.
+// were raised meanwhile would otherwise trap in a host that lets its exceptions through.
 void FloatEnvironment::Enter() {
   constexpr unsigned kX87Default = 0x027F;  // 53 bits, to the nearest, all exceptions masked
   __asm__ volatile("fnstenv %0" : "=m"(x87_));
