@@ -44,12 +44,12 @@ constexpr Ticks kBeforeRetry = TicksOfMicroseconds(1000000);
 
 // A loss is worked off this many times; what a stopped process seems to have lost does not count.
 constexpr int kDebtFactor = 8;
-constexpr int32_t kMostLost = TicksOfMicroseconds(5000);
+constexpr Ticks kMostLost = TicksOfMicroseconds(5000);
 
 // Threads at most, whatever the budget.
 constexpr int kMostThreads = 255;
 
-constexpr int kForecasts = 128;
+constexpr int kForecasts = 1024;
 
 // A call, on its thread's stack.
 struct Call {
@@ -93,22 +93,19 @@ struct alignas(64) Member {
   std::atomic<uint32_t> wakes{0};  // how often it was woken; it sleeps on this word
 };
 
-// How long calls of a kind take on one thread: the kinds that were met last.
+// How long calls of a kind take on one thread, for the kinds that were met last: in ticks for 2^20
+// pixels, 0 for a kind that was met, but only with helpers.
 struct Forecast {
   std::atomic<uint32_t> kind{0};
-  std::atomic<Ticks> ticks{0};
+  std::atomic<uint32_t> rate{0};
 
   bool Knows(uint32_t asked) const { return kind.load(memory_order_relaxed) == asked; }
-  // A moving average that a single delay does not move far.
-  void Learn(uint32_t met, Ticks measured) {
-    if (Knows(met)) {
-      const Ticks known = ticks.load(memory_order_relaxed);
-      if (measured > 2 * known + 16) measured = 2 * known + 16;
-      measured = known + static_cast<Ticks>(static_cast<int32_t>(measured - known) / 4);
-    }
+  void Set(uint32_t met, uint64_t newRate) {
     kind.store(met, memory_order_relaxed);
-    ticks.store(measured, memory_order_relaxed);
+    rate.store(newRate < kMostRate ? static_cast<uint32_t>(newRate) : kMostRate,
+               memory_order_relaxed);
   }
+  static constexpr uint32_t kMostRate = 1u << 30;
 };
 
 constinit struct {
@@ -248,19 +245,49 @@ class Helpers {
   uint32_t offered_[(kMostThreads + 31) / 32] = {};  // a bit a thread
 };
 
-// What a call of an unknown kind may take: an eighth of a nanosecond a pixel, more than copies do
-// and less than filters.
-Ticks LikelyTime(long long pixels) {
-  constexpr long long most = 1 << 30;
-  return static_cast<Ticks>((pixels < 0 ? 0 : pixels < most ? pixels : most) / 512);
-}
+// A call as the forecasts see it. Calls of the same work on numbers of pixels that have as many
+// binary digits are of one kind.
+class Met {
+ public:
+  Met(const Work& work, RunPieces* run)
+      : pixels_(work.pixels < 1 ? 1 : static_cast<uint64_t>(work.pixels)) {
+    uint64_t hash = reinterpret_cast<uintptr_t>(run);
+    for (const uint64_t part : {uint64_t{work.method}, uint64_t(__builtin_clzll(pixels_))})
+      hash = (hash ^ part) * 0x9E3779B97F4A7C15u;
+    kind_ = static_cast<uint32_t>(hash >> 32) | 1;  // 0 is no kind
+    forecast_ = &team.forecasts[kind_ / 2 % kForecasts];
+    known_ = forecast_->Knows(kind_);
+    rate_ = known_ ? forecast_->rate.load(memory_order_relaxed) : 0;
+  }
 
-uint32_t KindOf(const Work& work, RunPieces* run) {
-  uint64_t hash = reinterpret_cast<uintptr_t>(run);
-  for (const uint64_t part : {static_cast<uint64_t>(work.pixels), uint64_t{work.method}})
-    hash = (hash ^ part) * 0x9E3779B97F4A7C15u;
-  return static_cast<uint32_t>(hash >> 32) | 1;  // 0 is no kind
-}
+  bool HasForecast() const { return rate_ > 0; }
+
+  // What it will take alone. A kind that was never met may take an eighth of a nanosecond a pixel,
+  // more than copies do and less than filters; one that was met without being timed alone is timed
+  // now.
+  uint64_t Alone() const {
+    return known_ ? rate_ * pixels_ >> 20 : pixels_ / 512;
+  }
+
+  // A moving average, which a single delay does not move far. What a band took on the calling
+  // thread while others were at work may say too much of a call alone, so that it only lowers the
+  // forecast.
+  void Learn(Ticks measured, bool alone) {
+    const uint64_t rate = (uint64_t{measured} << 20) / pixels_ + 1;
+    if (rate_ == 0)
+      forecast_->Set(kind_, alone ? rate : 0);
+    else if (rate < rate_)
+      forecast_->Set(kind_, rate_ - (rate_ - rate) / 4);
+    else if (alone)
+      forecast_->Set(kind_, rate_ + ((rate < 2 * rate_ ? rate : 2 * rate_) - rate_) / 4 + 1);
+  }
+
+ private:
+  uint64_t pixels_, rate_;
+  uint32_t kind_;
+  bool known_;
+  Forecast* forecast_;
+};
 
 IppStatus RunHere(int count, RunPieces* run, const void* pieces) {
   if (BandSharing == Sharing::Measured) return run(pieces, 0, count);
@@ -276,10 +303,8 @@ IppStatus RunOnTeam(int count, const Work& work, RunPieces* run, const void* pie
   if (IsMarked() || count > 0x7FFF || BandSharing == Sharing::OnOneThread || IsInHostRegion(&start))
     return RunHere(count, run, pieces);
 
-  const uint32_t kind = KindOf(work, run);
-  Forecast& forecast = team.forecasts[kind / 2 % kForecasts];
-  const bool known = forecast.Knows(kind);
-  const Ticks alone = known ? forecast.ticks.load(memory_order_relaxed) : LikelyTime(work.pixels);
+  Met met(work, run);
+  const uint64_t alone = met.Alone();
   const Ticks streak = start - team.lastEnd.load(memory_order_relaxed) <= kSpin
                            ? team.streak.load(memory_order_relaxed)
                            : 0;
@@ -290,7 +315,7 @@ IppStatus RunOnTeam(int count, const Work& work, RunPieces* run, const void* pie
   if (BandSharing == Sharing::Always) {
     helpers.Enlist(count - 1, count - 1, start);
   } else if (!inDebt && alone >= kWorthSharing) {
-    const Ticks wakes = (streak + alone) / kWorthWaking;
+    const uint64_t wakes = (streak + alone) / kWorthWaking;
     helpers.Enlist(count - 1, wakes < kMostThreads ? static_cast<int>(wakes) : kMostThreads, start);
   }
   const Ticks begin = helpers.any() ? Now() : start;
@@ -302,18 +327,18 @@ IppStatus RunOnTeam(int count, const Work& work, RunPieces* run, const void* pie
     call.status = RunHere(count, run, pieces);
   SetMark(false);
   Ticks end = Now();
-  const Ticks measured =
-      own > 0 ? static_cast<Ticks>(uint64_t{end - begin} * static_cast<unsigned>(count) /
-                                   static_cast<unsigned>(own))
-              : alone;
-  forecast.Learn(kind, measured);
+  if (own > 0)
+    met.Learn(static_cast<Ticks>(uint64_t{end - begin} * static_cast<unsigned>(count) /
+                                 static_cast<unsigned>(own)),
+              !helpers.any());
   if (helpers.any()) {
     helpers.Dismiss();
     end = Now();
-    const auto lost = static_cast<int32_t>(end - start - (known ? alone : measured));
-    if (lost > 0) {
-      const int32_t counted = lost < kMostLost ? lost : kMostLost;
-      team.debt.fetch_add(kDebtFactor * counted, memory_order_relaxed);
+    const Ticks took = end - start;
+    if (met.HasForecast() && took > alone) {
+      const uint64_t lost = took - alone;
+      team.debt.fetch_add(kDebtFactor * static_cast<int32_t>(lost < kMostLost ? lost : kMostLost),
+                          memory_order_relaxed);
     }
   } else if (inDebt) {
     team.debt.fetch_sub(static_cast<int32_t>(end - start), memory_order_relaxed);
