@@ -12,7 +12,6 @@
 
 #include "qvAcceleratedLib/CpuQuota.h"
 #include "qvAcceleratedLib/HostRegion.h"
-#include "qvAcceleratedLib/Settings.h"
 #endif
 
 namespace qv {
@@ -66,6 +65,8 @@ int CpusOfThreads(CpuMask* all) {
   return all->Count();
 }
 
+constinit bool boundByRuntime = false;
+
 }  // namespace
 
 void CPUCount(int* first, int* second) {
@@ -75,7 +76,8 @@ void CPUCount(int* first, int* second) {
   // An OpenMP runtime binds the first thread while it is loaded, if its settings say so.
   if (cpus < sysconf(_SC_NPROCESSORS_ONLN)) {
     const int found = HostRuntimeProcessors();
-    if (found > cpus) cpus = found;
+    boundByRuntime = found > cpus;
+    if (boundByRuntime) cpus = found;
   }
   *first = SmallerLimit(cpus, QuotaCpus(ReadFile));
   *second = 1;
@@ -83,8 +85,8 @@ void CPUCount(int* first, int* second) {
 
 void RunWhereProcessMay() {
   CpuMask mask;
-  if (CpusOfThreads(&mask) < ThreadBudget)  // bound by a runtime: wherever the system lets it
-    memset(mask.words, 0xFF, sizeof mask.words);
+  if (CpusOfThreads(&mask) == 0) return;
+  if (boundByRuntime) memset(mask.words, 0xFF, sizeof mask.words);  // wherever the system lets it
   sched_setaffinity(0, sizeof mask.words, reinterpret_cast<const cpu_set_t*>(mask.words));
 }
 
