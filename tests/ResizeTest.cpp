@@ -191,6 +191,8 @@ TEST(Resize, KernelsRefuseInOrder) {
             StatusInterpolationErr);
   EXPECT_EQ(ResizeYUV422_8u_C2(p, {20, 9}, 60, {0, 0, 10, 9}, p, 60, {8, 8}, 2, 1, 8),
             StatusResizeFactorErr);
+  EXPECT_EQ(ResizeYUV422_8u_C2(p, {20, 9}, 60, {0, 0, 9, 9}, p, 60, {8, 8}, 0, 1, 1),
+            StatusSizeErr);  // half a pair
   EXPECT_EQ(image, kept);
 }
 
