@@ -73,37 +73,35 @@ constexpr Bands PlanPieces(int columns, int budget) {
   return piece < MinColumnsPerPiece ? Bands{1, columns, columns} : Bands{budget, piece, columns};
 }
 
-// Calls body(band) for every band and returns the status of the last one (StatusOk if there is none).
-// Several bands run on the team of threads; where no other thread has time for them, the calling
-// thread does all in one piece, whose status must be that of the last band.
-template <class Body>
-IppStatus RunBands(const Bands& bands, const Work& work, const Body& body) {
-  if (bands.count == 1) return body(bands.Of(0));
-  const auto run = [&](int first, int n) { return body(bands.Of(first, n)); };
+// Has run(first, n) done for all bands, by the team if there are several.
+template <class Run>
+IppStatus ShareBands(const Bands& bands, const Work& work, const Run& run) {
+  if (bands.count == 1) return run(0, 1);
   return RunOnTeam(
       bands.count, work,
       [](const void* self, int first, int n) -> IppStatus {
-        return (*static_cast<const decltype(run)*>(self))(first, n);
+        return (*static_cast<const Run*>(self))(first, n);
       },
       &run);
+}
+
+// Calls body(band) for every band and returns the status of the last one (StatusOk if there is
+// none). Several bands run on the team of threads; where no other thread has time for them, the
+// calling thread does all in one piece, whose status must be that of the last band.
+template <class Body>
+IppStatus RunBands(const Bands& bands, const Work& work, const Body& body) {
+  return ShareBands(bands, work, [&](int first, int n) { return body(bands.Of(first, n)); });
 }
 
 // The same for a body that computes with floating-point numbers, and whose bands may have statuses
 // of their own: they stay apart whoever does them.
 template <class Body>
 IppStatus RunFloatBands(const Bands& bands, const Work& work, const Body& body) {
-  const auto run = [&](int first, int n) {
+  return ShareBands(bands, work, [&](int first, int n) {
     const FloatEnvironment environment;
     for (; n > 1; ++first, --n) body(bands.Of(first));
     return body(bands.Of(first));
-  };
-  if (bands.count == 1) return run(0, 1);
-  return RunOnTeam(
-      bands.count, work,
-      [](const void* self, int first, int n) -> IppStatus {
-        return (*static_cast<const decltype(run)*>(self))(first, n);
-      },
-      &run);
+  });
 }
 
 }  // namespace qv
