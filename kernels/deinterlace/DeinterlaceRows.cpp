@@ -27,6 +27,11 @@ void FilterRowsPlain(const Byte* src, int srcStep, Byte* dst, int dstStep, ptrdi
                    static_cast<unsigned>(sideWeight));
 }
 
+// Whether no row of the destination reaches into another one.
+constexpr bool AreApart(int dstStep, int widthBytes) {
+  return dstStep >= widthBytes || dstStep <= -widthBytes;
+}
+
 #if QV_HAS_VECTORS
 
 // What the bytes at even and at odd places contribute to the sums of their pixels, in 16-bit lanes.
@@ -129,7 +134,7 @@ constexpr RowFunction* RowsOf(int centreWeight) {
 // Four rows at a time only where all their stores can be aligned, and where a row does not reach
 // into the next one: blocks of columns would leave the wrong one of the two on top.
 constexpr bool InFours(int dstStep, int widthBytes) {
-  return dstStep % kVecBytes == 0 && (dstStep >= widthBytes || dstStep <= -widthBytes);
+  return dstStep % kVecBytes == 0 && AreApart(dstStep, widthBytes);
 }
 
 #else
@@ -171,7 +176,9 @@ IppStatus Deinterlace_8u(const Byte* src, int srcStep, Byte* dst, int dstStep, i
   const auto copy = [&](int y) {
     memcpy(RowAt(dst, dstStep, y), RowAt(src, srcStep, y), static_cast<size_t>(widthBytes));
   };
-  const bool stream = src != dst && PassesCaches(widthBytes, height, 1);
+  // What goes past the caches may arrive in any order, and rows that overlap have one.
+  const bool stream =
+      src != dst && AreApart(dstStep, widthBytes) && PassesCaches(widthBytes, height, 1);
   if (plan.copiesFirst) copy(0);
   const bool inFours = InFours(dstStep, widthBytes);
   for (int y = plan.firstFiltered; y <= height - 2;) {
