@@ -15,7 +15,7 @@ import subprocess
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-HEADER = ROOT / "qvAcceleratedLib" / "CqvAccLib.h"
+HEADER = ROOT / "include" / "qvAcceleratedLib" / "CqvAccLib.h"
 FOLDER = ROOT / "qvAcceleratedLib" / "exports"
 CLASS = "CqvAccLib"
 ARCHITECTURES = {"windows32": "i686", "windows64": "x86_64"}

@@ -11,7 +11,7 @@ work=$root/build/consumers
 rm -rf "$work"
 mkdir -p "$work"
 "$root/scripts/setup.sh" pkg-config unzip
-version=$(sed -n 's/^#define QVACCELERATEDLIB_VERSION "\(.*\)"/\1/p' "$root/qvAcceleratedLib/CqvAccLib.h")
+version=$(sed -n 's/^#define QVACCELERATEDLIB_VERSION "\(.*\)"/\1/p' "$root/include/qvAcceleratedLib/CqvAccLib.h")
 consumers=$root/tests/consumers
 
 fail() { echo "FAILED: $*" >&2; exit 1; }
