@@ -1,6 +1,7 @@
 // Luma as grey and grey as luma.
 #include "kernels/level/Level.h"
 #include "kernels/yuv/Yuv.h"
+#include "kernels/yuv/YuvVectors.h"
 
 namespace qv::QV_LEVEL {
 
@@ -13,13 +14,37 @@ void RowPlain(const Byte* src, int apart, Byte* dst, ptrdiff_t width, LumaMap ma
   }
 }
 
-#if 1  // TEMP
+#if !QV_HAS_VECTORS
 
 QV_INLINE void Row(const Byte* src, int apart, Byte* dst, ptrdiff_t width, LumaMap map) {
   RowPlain(src, apart, dst, width, map);
 }
 
 #else
+
+QV_INLINE Vec Map(Vec bytes, LumaMap map) {
+  const auto half = [=](Vec v) {
+    const Vec product = MulHighUnsigned16(v, Splat16(map.factor));
+    return ShiftRightSigned16<6>(Add16(product, Splat16(map.offset)));
+  };
+  // In place within 128-bit lanes.
+  return PackUnsigned16(half(InterleaveLow8(Zero(), bytes)), half(InterleaveHigh8(Zero(), bytes)));
+}
+
+// Of samples that are not side by side the last is left to the plain row: nothing is read behind it.
+QV_INLINE void Row(const Byte* src, int apart, Byte* dst, ptrdiff_t width, LumaMap map) {
+  const ptrdiff_t covered = apart == 1 ? width : width - 1;
+  const bool done =
+      apart == 1 ? CoverWithBlocks<kVecBytes>(covered, [=](ptrdiff_t x) {
+        Store(dst + x, Map(Load(src + x), map));
+      })
+                 : CoverWithBlocks<kVecBytes>(covered, [=](ptrdiff_t x) {
+        Store(dst + x, Map(EvenBytes(Load(src + 2 * x), Load(src + 2 * x + kVecBytes)), map));
+      });
+  const ptrdiff_t left = done ? covered : 0;
+  RowPlain(src + left * apart, apart, dst + left, width - left, map);
+}
+
 #endif
 
 }  // namespace

@@ -1,6 +1,8 @@
 // Pixels of one, three or four bytes to luma and chroma of any layout.
 #include "kernels/level/Level.h"
 #include "kernels/yuv/Yuv.h"
+#include "kernels/yuv/YuvVectors.h"
+#include "kernels/yuv/PixelLoads.h"
 
 namespace qv::QV_LEVEL {
 
@@ -81,7 +83,7 @@ void LumaPlain(const RowPair& rows, const RgbToYuvTerms& t, ptrdiff_t from, ptrd
       rows.luma[row][x * rows.lumaApart] = LumaAt(rows, row, x, t);
 }
 
-#if 1  // TEMP
+#if !QV_HAS_VECTORS
 
 QV_INLINE void ConvertPair(const RowPair& rows, const RgbToYuvTerms& t, ChromaSiting siting) {
   LumaPlain(rows, t, 0, rows.width);
@@ -89,6 +91,171 @@ QV_INLINE void ConvertPair(const RowPair& rows, const RgbToYuvTerms& t, ChromaSi
 }
 
 #else
+
+// ---- Vector rows --------------------------------------------------------------------------------
+
+// A byte of a block's even pixels and of its odd ones, times 256.
+struct EvenOdd {
+  Vec even, odd;
+};
+
+// The three bytes of a block of pixels.
+struct BlockPixels {
+  EvenOdd at[3];
+};
+
+template <int kChannels>
+QV_INLINE BlockPixels LoadPixels256(const Byte* src) {
+  const ByteVectors bytes = LoadPixels<kChannels>(src);
+  BlockPixels block;
+  for (int c = 0; c < 3; ++c)
+    block.at[c] = {ShiftLeft16<8>(bytes.at[c]), HighBytes(bytes.at[c])};
+  return block;
+}
+
+// Bytes of even and of odd places from the high bytes of 16-bit lanes.
+QV_INLINE Vec JoinHighBytes(Vec even, Vec odd) {
+  return Or(ShiftRight16<8>(even), HighBytes(odd));
+}
+
+QV_INLINE Vec LumaOf(Vec a, Vec b, Vec c, const RgbToYuvTerms& t) {
+  return Add16(Add16(MulHighUnsigned16(a, Splat16(t.luma[0])),
+                     MulHighUnsigned16(b, Splat16(t.luma[1]))),
+               Add16(MulHighUnsigned16(c, Splat16(t.luma[2])), Splat16(t.lumaOffset)));
+}
+
+QV_INLINE Vec LumaOf(const BlockPixels& block, const RgbToYuvTerms& t) {
+  const EvenOdd(&at)[3] = block.at;
+  return JoinHighBytes(LumaOf(at[0].even, at[1].even, at[2].even, t),
+                       LumaOf(at[0].odd, at[1].odd, at[2].odd, t));
+}
+
+// The two chroma samples in the high bytes of 16-bit lanes, of bytes or means times 256.
+QV_INLINE ChromaPair ChromaOf(Vec a, Vec b, Vec c, const RgbToYuvTerms& t) {
+  const auto product = [](Vec v, int factor) { return MulHighUnsigned16(v, Splat16(factor)); };
+  const auto chroma = [=, &t](Vec own, Vec other, const uint16_t(&less)[2]) {
+    return Sub16(Add16(product(own, t.half), Splat16(t.chromaOffset)),
+                 Add16(product(b, less[0]), product(other, less[1])));
+  };
+  return {chroma(a, c, t.less[0]), chroma(c, a, t.less[1])};
+}
+
+// Means of multiples of 32 or more are exact: none is odd before the last.
+struct Means {
+  Vec at[3];
+};
+
+// Over two columns, or three with `left` the pixels before the even ones.
+QV_INLINE Means MeansOf(const BlockPixels& block) {
+  Means means;
+  for (int c = 0; c < 3; ++c) means.at[c] = AverageUp16(block.at[c].even, block.at[c].odd);
+  return means;
+}
+
+template <int kChannels>
+QV_INLINE Means SitedMeansOf(const BlockPixels& block, const Byte* src) {
+  const ByteVectors before = LoadPixels<kChannels>(src - kChannels);
+  Means means;
+  for (int c = 0; c < 3; ++c)
+    means.at[c] = AverageUp16(block.at[c].even,
+                              AverageUp16(ShiftLeft16<8>(before.at[c]), block.at[c].odd));
+  return means;
+}
+
+// Where a block's chroma goes, from the first sample of a row on.
+struct ChromaTarget {
+  Byte* at[2];
+  Byte* first;  // in memory
+  int apart;
+  bool swapped;
+};
+
+QV_INLINE void StoreChroma(const ChromaTarget& to, ptrdiff_t i, const ChromaPair& chroma) {
+  if (to.apart == 1) {
+    StoreHighBytes(to.at[0] + i, chroma.p);
+    StoreHighBytes(to.at[1] + i, chroma.q);
+  } else {
+    Store(to.first + 2 * i, JoinPairs(chroma.p, chroma.q, to.swapped));
+  }
+}
+
+// Pixels `from` to `to` - 1, an even number from an even one; false if there are fewer than a block
+// has. `kRows` rows that share their chroma.
+template <int kChannels, int kRows, bool kSited>
+bool HalfWidthRows(const RowPair& rows, const RgbToYuvTerms& t, ptrdiff_t from, ptrdiff_t to) {
+  const bool swapped = rows.chroma[1] < rows.chroma[0];
+  Byte* const first = swapped ? rows.chroma[1] : rows.chroma[0];
+  const ChromaTarget target = {{rows.chroma[0], rows.chroma[1]}, first, rows.apart, swapped};
+  const bool lumaFirst = rows.luma[0] < first;
+  return CoverWithBlocks<kVecBytes>(to - from, [=, &rows](ptrdiff_t at) {
+    const ptrdiff_t x = from + at;
+    Vec luma[kRows];
+    Means means[kRows];
+    for (int row = 0; row < kRows; ++row) {
+      const Byte* const src = rows.pixels[row] + kChannels * x;
+      const BlockPixels block = LoadPixels256<kChannels>(src);
+      luma[row] = LumaOf(block, t);
+      means[row] = kSited ? SitedMeansOf<kChannels>(block, src) : MeansOf(block);
+    }
+    if (kRows == 2)
+      for (int c = 0; c < 3; ++c)
+        means[0].at[c] = AverageUp16(means[0].at[c], means[kRows - 1].at[c]);
+    const ChromaPair chroma = ChromaOf(means[0].at[0], means[0].at[1], means[0].at[2], t);
+    if (rows.lumaApart == 2) {
+      const Vec pairs = JoinPairs(chroma.p, chroma.q, swapped);
+      StoreInTurns8((lumaFirst ? rows.luma[0] : first) + 2 * x, lumaFirst ? luma[0] : pairs,
+                    lumaFirst ? pairs : luma[0]);
+      return;
+    }
+    for (int row = 0; row < kRows; ++row) Store(rows.luma[row] + x, luma[row]);
+    StoreChroma(target, x / 2, chroma);
+  });
+}
+
+template <int kChannels>
+bool FullWidthRow(const RowPair& rows, const RgbToYuvTerms& t) {
+  return CoverWithBlocks<kVecBytes>(rows.width, [=, &rows](ptrdiff_t x) {
+    const BlockPixels block = LoadPixels256<kChannels>(rows.pixels[0] + kChannels * x);
+    const EvenOdd(&at)[3] = block.at;
+    Store(rows.luma[0] + x, LumaOf(block, t));
+    const ChromaPair even = ChromaOf(at[0].even, at[1].even, at[2].even, t);
+    const ChromaPair odd = ChromaOf(at[0].odd, at[1].odd, at[2].odd, t);
+    Store(rows.chroma[0] + x, JoinHighBytes(even.p, odd.p));
+    Store(rows.chroma[1] + x, JoinHighBytes(even.q, odd.q));
+  });
+}
+
+// The plain rows do what blocks leave: an odd last pixel, and a first pair that has no pixel before
+// it.
+template <int kChannels>
+void ConvertPairOf(const RowPair& rows, const RgbToYuvTerms& t, ChromaSiting siting) {
+  if (!rows.halfWidth) {
+    if (FullWidthRow<kChannels>(rows, t)) return;
+    LumaPlain(rows, t, 0, rows.width);
+    ChromaPlain(rows, t, siting, 0, rows.width);
+    return;
+  }
+  const ptrdiff_t even = rows.width & ~ptrdiff_t{1};
+  const bool sited = siting == ChromaSiting::Left, two = rows.pixels[0] != rows.pixels[1];
+  const auto convert = sited ? two ? HalfWidthRows<kChannels, 2, true> : HalfWidthRows<kChannels, 1, true>
+                       : two ? HalfWidthRows<kChannels, 2, false>
+                             : HalfWidthRows<kChannels, 1, false>;
+  const ptrdiff_t from = sited ? 2 : 0;
+  const bool done = convert(rows, t, from, even);
+  const ptrdiff_t head = done ? from : 0, tail = done ? even : 0;
+  LumaPlain(rows, t, 0, head);
+  ChromaPlain(rows, t, siting, 0, head / 2);
+  LumaPlain(rows, t, tail, rows.width);
+  ChromaPlain(rows, t, siting, tail / 2, (rows.width + 1) / 2);
+}
+
+QV_INLINE void ConvertPair(const RowPair& rows, const RgbToYuvTerms& t, ChromaSiting siting) {
+  const auto convert = rows.channels == 1   ? ConvertPairOf<1>
+                       : rows.channels == 3 ? ConvertPairOf<3>
+                                            : ConvertPairOf<4>;
+  convert(rows, t, siting);
+}
+
 #endif
 
 }  // namespace

@@ -91,7 +91,7 @@ QV_CHECK(RgbToYuv_8u) {
 QV_CHECK(MapLuma_8u) {
   const IppiSize size = c.Size();
   const int apart = c.random.Between(1, 2);
-  const Image src = c.Source(std::ptrdiff_t{size.width} * apart, size.height);
+  const Image src = c.Source(std::ptrdiff_t{size.width - 1} * apart + 1, size.height);
   const Image dst = c.Destination(size.width, size.height);
   const int range = c.random.Between(0, 1);
   const LumaMap map = c.random.OneIn(2) ? kLumaToGrey[range] : kGreyToLuma[range];
