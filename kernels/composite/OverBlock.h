@@ -102,12 +102,12 @@ QV_INLINE Vec MergedColours(Vec f, Vec fgAlpha, Vec b, Vec bgAlpha, Vec merged) 
 
 QV_INLINE void OverBlock(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
                          const Byte* merged) {
-  const auto alphas = [](const Byte* p) { return FromLane(Load16(p)); };
+  const auto alphas = [](const Byte* p) { return FromLane(Load128(p)); };
   const Vec colours = MergedColours(LoadOnce(fg), alphas(fgAlpha), LoadOnce(bg), alphas(bgAlpha),
                                     alphas(merged));
   // Not one masked store: the next block's load would have to wait for it.
   _mm256_storeu_si256(reinterpret_cast<__m256i*>(fg), _mm512_castsi512_si256(colours));
-  Store16(fg + 32, _mm512_extracti32x4_epi32(colours, 2));
+  Store128(fg + 32, _mm512_extracti32x4_epi32(colours, 2));
 }
 
 QV_INLINE void OverPart(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
@@ -164,9 +164,9 @@ QV_INLINE void OverBlock(Byte* fg, const Byte* fgAlpha, const Byte* bg, const By
   const Vec packed = PackUnsigned16(PackSigned32(result[0], result[1]),
                                     PackSigned32(result[2], result[2]));
   const Vec colours = ShuffleBytes(packed, Load(kInterleave.b));
-  const Vec16 low = _mm256_castsi256_si128(colours), high = _mm256_extracti128_si256(colours, 1);
+  const Vec128 low = _mm256_castsi256_si128(colours), high = _mm256_extracti128_si256(colours, 1);
   _mm_storel_epi64(reinterpret_cast<__m128i*>(fg), low);
-  Store16(fg + 8, _mm_or_si128(_mm_srli_si128(low, 8), high));
+  Store128(fg + 8, _mm_or_si128(_mm_srli_si128(low, 8), high));
 }
 
 #else

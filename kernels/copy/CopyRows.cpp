@@ -49,22 +49,14 @@ constexpr ByteTable kPixelOfByte = MakeByteTable([](int j) {
   return kHasBytePermute ? pixel : pixel % 16;
 });
 
-// 1 at the first byte of each pixel that lies in the k-th vector of three-byte pixels.
-constexpr unsigned long long FirstBytes(int k) {
-  unsigned long long mask = 0;
-  for (int j = 0; j < 64; ++j)
-    if ((64 * k + j) % 3 == 0) mask |= 1ull << j;
-  return mask;
-}
-
 void ChannelRow(const Byte* src, Byte* dst, ptrdiff_t width) {
   if constexpr (kHasMaskedBytes) {
     const Vec index0 = Load(&kPixelOfByte<0>), index1 = Load(&kPixelOfByte<1>),
               index2 = Load(&kPixelOfByte<2>);
     const auto put = [&](Byte* to, Vec grey, ptrdiff_t pixels) {
-      StorePart(to, PermuteBytes(grey, index0), FirstBytes(0) & FirstOf64(3 * pixels, 0));
-      StorePart(to + 64, PermuteBytes(grey, index1), FirstBytes(1) & FirstOf64(3 * pixels, 64));
-      StorePart(to + 128, PermuteBytes(grey, index2), FirstBytes(2) & FirstOf64(3 * pixels, 128));
+      StorePart(to, PermuteBytes(grey, index0), EveryThird(0) & FirstOf64(3 * pixels, 0));
+      StorePart(to + 64, PermuteBytes(grey, index1), EveryThird(2) & FirstOf64(3 * pixels, 64));
+      StorePart(to + 128, PermuteBytes(grey, index2), EveryThird(1) & FirstOf64(3 * pixels, 128));
     };
     const bool done = CoverWithBlocks<64>(
         width, [&](ptrdiff_t k) { put(dst + 3 * k, Load(src + k), 64); }, PixelsToAlign3(dst));
@@ -98,15 +90,15 @@ void DropAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] 
     }
   } else if constexpr (kHasByteShuffle) {
     // Four vectors of 12 bytes each, at one end or the other, make three of 16.
-    const Vec16 low = _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
-    const Vec16 high = _mm_setr_epi8(-1, -1, -1, -1, 0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14);
+    const Vec128 low = _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
+    const Vec128 high = _mm_setr_epi8(-1, -1, -1, -1, 0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14);
     const bool done = CoverWithBlocks<16>(
         width, stream,
         [&](ptrdiff_t x, auto store) {
-          const Vec16 v0 = ShuffleBytes16(Load16(src + 4 * x), low);
-          const Vec16 v1 = ShuffleBytes16(Load16(src + 4 * x + 16), high);
-          const Vec16 v2 = ShuffleBytes16(Load16(src + 4 * x + 32), low);
-          const Vec16 v3 = ShuffleBytes16(Load16(src + 4 * x + 48), high);
+          const Vec128 v0 = ShuffleBytes(Load128(src + 4 * x), low);
+          const Vec128 v1 = ShuffleBytes(Load128(src + 4 * x + 16), high);
+          const Vec128 v2 = ShuffleBytes(Load128(src + 4 * x + 32), low);
+          const Vec128 v3 = ShuffleBytes(Load128(src + 4 * x + 48), high);
           Byte* const to = dst + 3 * x;
           store.Lane(to, _mm_or_si128(v0, _mm_slli_si128(v1, 8)));
           store.Lane(to + 16, _mm_or_si128(_mm_srli_si128(v1, 8), _mm_slli_si128(v2, 8)));

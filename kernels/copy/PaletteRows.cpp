@@ -45,13 +45,6 @@ struct PreparedPalette<false> {
   }
 };
 
-// The bytes first, first + 3, ... of a vector.
-constexpr unsigned long long EveryThird(int first) {
-  unsigned long long mask = 0;
-  for (int j = first; j < 64; j += 3) mask |= 1ull << j;
-  return mask;
-}
-
 // The bytes j for which 3 * j + c, counted from two vectors of three, lies in the third.
 constexpr unsigned long long InThird(int c) {
   unsigned long long mask = 0;
@@ -86,8 +79,8 @@ struct PreparedPalette<true> {
   }
 
   QV_INLINE Vec Lookup(int c, Vec index, unsigned long long upper) const {
-    return Select(upper, PermuteBytes2(plane[c][0], index, plane[c][1]),
-                  PermuteBytes2(plane[c][2], index, plane[c][3]));
+    return Select(upper, PermuteBytes2(plane[c][2], index, plane[c][3]),
+                  PermuteBytes2(plane[c][0], index, plane[c][1]));
   }
 
   void Row(const Byte* src, Byte* dst, ptrdiff_t width) const {

@@ -72,7 +72,7 @@ QV_INLINE Lanes Weigh(Vec bytes, const Weight& w) {
 
 QV_INLINE Vec HighBytes(const Lanes& sums) {
   const Vec even = ShiftRight16<8>(sums.even);
-  if constexpr (kHasMaskedBytes) return Select(0xAAAAAAAAAAAAAAAAu, even, sums.odd);
+  if constexpr (kHasMaskedBytes) return Select(0xAAAAAAAAAAAAAAAAu, sums.odd, even);
   return Or(even, And(sums.odd, Splat16(0xFF00)));
 }
 

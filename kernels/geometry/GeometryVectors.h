@@ -8,9 +8,9 @@
 
 namespace qv::QV_LEVEL {
 
-constexpr int kLanes16 = kVecBytes / 16;
+constexpr int kLanes128 = kVecBytes / 16;
 
-// 16 bytes of each of kLanes16 rows, `apart` bytes from row to row.
+// 16 bytes of each of kLanes128 rows, `apart` bytes from row to row.
 QV_INLINE Vec LoadLanes(const Byte* p, ptrdiff_t apart) {
   return LoadLanes([=](int i) { return p + i * apart; });
 }

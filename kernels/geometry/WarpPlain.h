@@ -11,7 +11,7 @@ namespace qv::QV_LEVEL {
 
 // A float with the excess digits cut off that x87 arithmetic keeps. Sums and products of floats
 // that are rounded twice, to at least 50 bits and then to 24, are rounded correctly.
-QV_INLINE float AsFloat(float v) {
+QV_INLINE float RoundToFloat(float v) {
 #if FLT_EVAL_METHOD == 0
   return v;
 #else
@@ -22,10 +22,10 @@ QV_INLINE float AsFloat(float v) {
 
 QV_INLINE long long PositionAt(const WarpSegment& s, int axis, int column) {
   const float t = static_cast<float>(column - s.first - s.count / 2);
-  float p = AsFloat(s.coeff[axis][3] * t);
+  float p = RoundToFloat(s.coeff[axis][3] * t);
   for (int i = 2; i >= 0; --i) {
-    p = AsFloat(p + s.coeff[axis][i]);
-    if (i > 0) p = AsFloat(p * t);
+    p = RoundToFloat(p + s.coeff[axis][i]);
+    if (i > 0) p = RoundToFloat(p * t);
   }
   return s.base[axis] + static_cast<int>(p);
 }

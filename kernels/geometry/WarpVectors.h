@@ -15,11 +15,8 @@ QV_INLINE Vec Min32(Vec a, Vec b) { return QV_OP(min_epi32)(a, b); }
 QV_INLINE Vec Max32(Vec a, Vec b) { return QV_OP(max_epi32)(a, b); }
 QV_INLINE Vec MulLow32(Vec a, Vec b) { return QV_OP(mullo_epi32)(a, b); }
 #else
-QV_INLINE Vec Choose(Vec mask, Vec a, Vec b) {
-  return _mm_or_si128(_mm_and_si128(mask, a), _mm_andnot_si128(mask, b));
-}
-QV_INLINE Vec Min32(Vec a, Vec b) { return Choose(_mm_cmpgt_epi32(a, b), b, a); }
-QV_INLINE Vec Max32(Vec a, Vec b) { return Choose(_mm_cmpgt_epi32(a, b), a, b); }
+QV_INLINE Vec Min32(Vec a, Vec b) { return Select(_mm_cmpgt_epi32(a, b), b, a); }
+QV_INLINE Vec Max32(Vec a, Vec b) { return Select(_mm_cmpgt_epi32(a, b), a, b); }
 QV_INLINE Vec MulLow32(Vec a, Vec b) {
   const Vec even = _mm_mul_epu32(a, b);
   const Vec odd = _mm_mul_epu32(_mm_srli_epi64(a, 32), _mm_srli_epi64(b, 32));
@@ -88,11 +85,11 @@ QV_INLINE void StoreLowBytes(Byte* p, Vec v) {
 // are the first and the last 4 bytes of each lane. Fetch128<k>: 16 bytes for lane k of each four.
 template <bool kGathers> QV_INLINE Vec Fetch32(const Byte* base, const int* at) {
   if constexpr (kGathers) return Gather32(base, Load(at));
-  return LoadPieces4([=](int i) { return base + at[i]; });
+  return LoadPieces32([=](int i) { return base + at[i]; });
 }
 template <bool kGathers, int kHalf> QV_INLINE Vec Fetch64(const Byte* base, const int* at) {
   if constexpr (kGathers) return Gather64<kHalf>(base, Load(at));
-  return LoadPieces8([=](int i) { return base + at[i / 2 * 4 + 2 * kHalf + i % 2]; });
+  return LoadPieces64([=](int i) { return base + at[i / 2 * 4 + 2 * kHalf + i % 2]; });
 }
 template <int kPart> QV_INLINE Vec Fetch128(const Byte* base, const int* at) {
   return LoadLanes([=](int i) { return base + at[4 * i + kPart]; });

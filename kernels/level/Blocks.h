@@ -20,30 +20,21 @@ QV_INLINE ptrdiff_t PixelsToAlign3(const Byte* p) {
 // The two ways to store a vector.
 struct StoreInCaches {
   QV_INLINE void operator()(void* p, Vec v) const { Store(p, v); }
-  QV_INLINE void Lane(void* p, Vec16 v) const { Store16(p, v); }
+  QV_INLINE void Lane(void* p, Vec128 v) const { Store128(p, v); }
 };
 struct StorePastCaches {
   QV_INLINE void operator()(void* p, Vec v) const { StreamStore(p, v); }
-  QV_INLINE void Lane(void* p, Vec16 v) const { StreamStore16(p, v); }
+  QV_INLINE void Lane(void* p, Vec128 v) const { StreamStore128(p, v); }
 };
 
-// Calls block(first) for blocks of kBlock elements that cover 0 .. count - 1. The second one begins
-// at `second` (1 to kBlock), and the last one may overlap its predecessor. False, with nothing
-// called, if the row is shorter than a block. Only for rows whose blocks may be done twice (the
-// source is not the destination).
-template <int kBlock, class Block>
-QV_INLINE bool CoverWithBlocks(ptrdiff_t count, Block block, ptrdiff_t second = kBlock) {
-  if (count < kBlock) return false;
-  block(0);
-  ptrdiff_t i = second;
-  for (; i <= count - kBlock; i += kBlock) block(i);
-  if (i < count) block(count - kBlock);
-  return true;
-}
-
-// The same with block(first, store): blocks hand their vectors to store(p, v), all but the first
-// and the last to `inner`. If that writes past the caches, vectors begin at multiples of kVecBytes,
-// or of the 16 of a Vec16, from the second block on.
+// Calls block(first, store) for blocks of kBlock elements that cover 0 .. count - 1. The second one
+// begins at `second` (1 to kBlock), and the last one may overlap its predecessor. False, with
+// nothing called, if the row is shorter than a block. Only for rows whose blocks may be done twice
+// (the source is not the destination).
+//
+// Blocks hand their vectors to store(p, v), all but the first and the last to `inner`. If that
+// writes past the caches, vectors begin at multiples of kVecBytes, or of the 16 of a Vec128, from
+// the second block on.
 template <int kBlock, class Store, class Block>
 QV_INLINE bool CoverWithBlocksBy(Store inner, ptrdiff_t count, Block block,
                                  ptrdiff_t second = kBlock) {
@@ -53,6 +44,13 @@ QV_INLINE bool CoverWithBlocksBy(Store inner, ptrdiff_t count, Block block,
   for (; i <= count - kBlock; i += kBlock) block(i, inner);
   if (i < count) block(count - kBlock, StoreInCaches());
   return true;
+}
+
+// The same with block(first), which stores by itself.
+template <int kBlock, class Block>
+QV_INLINE bool CoverWithBlocks(ptrdiff_t count, Block block, ptrdiff_t second = kBlock) {
+  const auto plain = [&](ptrdiff_t first, StoreInCaches) QV_INLINE_LAMBDA { block(first); };
+  return CoverWithBlocksBy<kBlock>(StoreInCaches(), count, plain, second);
 }
 
 // Past the caches if `stream`.
@@ -74,24 +72,6 @@ QV_INLINE bool ApplyInPlace(const Byte* src, Byte* dst, ptrdiff_t count, Functio
   Store(dst, function(first));
   Store(dst + count - kVecBytes, function(last));
   return true;
-}
-
-// The first `count` bytes of 64 that start at byte `first`; 0 to 64 of them.
-QV_INLINE unsigned long long FirstOf64(ptrdiff_t count, ptrdiff_t first) {
-  const ptrdiff_t n = count - first;
-  return n >= 64 ? ~0ull : n <= 0 ? 0 : (1ull << n) - 1;
-}
-
-// A table of bytes that a vector of indices is loaded from, computed by the compiler.
-struct ByteTable {
-  Byte b[kVecBytes];
-};
-
-template <class Function>
-constexpr ByteTable MakeByteTable(Function function) {
-  ByteTable table{};
-  for (int i = 0; i < kVecBytes; ++i) table.b[i] = static_cast<Byte>(function(i));
-  return table;
 }
 
 }  // namespace qv::QV_LEVEL

@@ -5,6 +5,7 @@
 #include <immintrin.h>
 
 #define QV_HAS_VECTORS 1
+#define QV_VEC_BITS 256
 #define QV_OP(name) _mm256_##name
 #define QV_BITS_OP(name) _mm256_##name##si256
 
@@ -12,7 +13,7 @@ namespace qv::QV_LEVEL {
 
 using Vec = __m256i;
 using Floats = __m256;
-constexpr int kVecBytes = 32;
+constexpr int kVecBytes = QV_VEC_BITS / 8;
 
 constexpr bool kHasByteShuffle = true;
 constexpr bool kHasBytePermute = false;

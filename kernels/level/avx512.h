@@ -5,6 +5,7 @@
 #include <immintrin.h>
 
 #define QV_HAS_VECTORS 1
+#define QV_VEC_BITS 512
 #define QV_OP(name) _mm512_##name
 #define QV_BITS_OP(name) _mm512_##name##si512
 
@@ -12,7 +13,7 @@ namespace qv::QV_LEVEL {
 
 using Vec = __m512i;
 using Floats = __m512;
-constexpr int kVecBytes = 64;
+constexpr int kVecBytes = QV_VEC_BITS / 8;
 
 constexpr bool kHasByteShuffle = true;
 constexpr bool kHasBytePermute = true;
@@ -64,7 +65,7 @@ QV_INLINE void StorePart(void* p, Vec v, unsigned long long mask) {
 }
 
 QV_INLINE Vec Select(unsigned long long mask, Vec a, Vec b) {
-  return _mm512_mask_blend_epi8(mask, a, b);
+  return _mm512_mask_blend_epi8(mask, b, a);
 }
 QV_INLINE unsigned long long TopBits(Vec v) { return _mm512_movepi8_mask(v); }
 

@@ -3,6 +3,7 @@
 #define QV_KERNELS_LEVEL_VEC128_H
 
 #define QV_HAS_VECTORS 1
+#define QV_VEC_BITS 128
 #define QV_OP(name) _mm_##name
 #define QV_BITS_OP(name) _mm_##name##si128
 
@@ -10,7 +11,7 @@ namespace qv::QV_LEVEL {
 
 using Vec = __m128i;
 using Floats = __m128;
-constexpr int kVecBytes = 16;
+constexpr int kVecBytes = QV_VEC_BITS / 8;
 
 constexpr bool kHasBytePermute = false;
 constexpr bool kHasMaskedBytes = false;

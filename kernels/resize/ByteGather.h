@@ -47,8 +47,8 @@ QV_INLINE Vec GatherBytes(const ByteGather& g, const Byte* row, ptrdiff_t v) {
     if constexpr (kLoads == 1) return PermuteBytes(Load(p), index);
     const Vec low = PermuteBytes2(Load(p), index, Load(p + kVecBytes));
     if constexpr (kLoads <= 2) return low;
-    return Select(TopBits(index), low,
-                  PermuteBytes2(Load(p + 2 * kVecBytes), index, Load(p + 3 * kVecBytes)));
+    return Select(TopBits(index),
+                  PermuteBytes2(Load(p + 2 * kVecBytes), index, Load(p + 3 * kVecBytes)), low);
   } else {
     const Byte* const index = g.index + v * kLoads * kVecBytes;
     Vec all = ShuffleBytes(LoadLanes(row, at, 0), Load(index));

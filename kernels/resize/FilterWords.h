@@ -14,21 +14,21 @@ namespace {
 QV_INLINE void WidenSamples(const Byte* from, int stride, short* words, ptrdiff_t count) {
   ptrdiff_t i = 0;
   if (stride == 1) {
-    const Vec16 zero = _mm_setzero_si128();
+    const Vec128 zero = _mm_setzero_si128();
     for (; i + 16 <= count; i += 16) {
-      const Vec16 v = Load16(from + i);
-      Store16(words + i, _mm_unpacklo_epi8(v, zero));
-      Store16(words + i + 8, _mm_unpackhi_epi8(v, zero));
+      const Vec128 v = Load128(from + i);
+      Store128(words + i, _mm_unpacklo_epi8(v, zero));
+      Store128(words + i + 8, _mm_unpackhi_epi8(v, zero));
     }
   } else if (stride == 2) {
     // Loads end a sample further, where the row may end: one sample more is left for the last loop.
     for (; i + 9 <= count; i += 8)
-      Store16(words + i, _mm_and_si128(Load16(from + 2 * i), _mm_set1_epi16(255)));
+      Store128(words + i, _mm_and_si128(Load128(from + 2 * i), _mm_set1_epi16(255)));
   } else if (stride == 4) {
-    const Vec16 mask = _mm_set1_epi32(255);
+    const Vec128 mask = _mm_set1_epi32(255);
     for (; i + 9 <= count; i += 8)
-      Store16(words + i, _mm_packs_epi32(_mm_and_si128(Load16(from + 4 * i), mask),
-                                         _mm_and_si128(Load16(from + 4 * i + 16), mask)));
+      Store128(words + i, _mm_packs_epi32(_mm_and_si128(Load128(from + 4 * i), mask),
+                                         _mm_and_si128(Load128(from + 4 * i + 16), mask)));
   }
   for (; i < count; ++i) words[i] = from[i * stride];
 }
@@ -68,7 +68,7 @@ void FilterWords(const short* line, const PaddedTaps& taps, short* out) {
   for (ptrdiff_t i = 0; i < taps.count; i += 8) {
     const __m128i low = FourSums<kTaps>(line, taps.first + i, taps.weights + i * kTaps);
     const __m128i high = FourSums<kTaps>(line, taps.first + i + 4, taps.weights + (i + 4) * kTaps);
-    Store16(out + i, _mm_packs_epi32(_mm_srai_epi32(low, 8), _mm_srai_epi32(high, 8)));
+    Store128(out + i, _mm_packs_epi32(_mm_srai_epi32(low, 8), _mm_srai_epi32(high, 8)));
   }
 }
 
@@ -90,14 +90,14 @@ QV_INLINE void PlaceComponents(const short* line, ptrdiff_t count, short* out) {
   if constexpr (!kHasBytePermute && kLayout == RowLayout::kTriples) {
     // Four words a pixel, the last of which the next pixel overwrites: one has to come behind.
     for (; i + 8 < count; i += 8) {
-      const Vec16 b = Load16(line + i), g = Load16(line + count + i),
-                  r = Load16(line + 2 * count + i);
-      const auto store = [&](ptrdiff_t pixel, Vec16 bg, Vec16 rr) {
-        const Vec16 two[2] = {_mm_unpacklo_epi32(bg, rr), _mm_unpackhi_epi32(bg, rr)};
+      const Vec128 b = Load128(line + i), g = Load128(line + count + i),
+                  r = Load128(line + 2 * count + i);
+      const auto store = [&](ptrdiff_t pixel, Vec128 bg, Vec128 rr) {
+        const Vec128 two[2] = {_mm_unpacklo_epi32(bg, rr), _mm_unpackhi_epi32(bg, rr)};
         for (int k = 0; k < 2; ++k) {
           short* const to = out + 3 * (pixel + 2 * k);
-          _mm_storel_epi64(reinterpret_cast<Vec16*>(to), two[k]);
-          _mm_storel_epi64(reinterpret_cast<Vec16*>(to + 3), _mm_unpackhi_epi64(two[k], two[k]));
+          _mm_storel_epi64(reinterpret_cast<Vec128*>(to), two[k]);
+          _mm_storel_epi64(reinterpret_cast<Vec128*>(to + 3), _mm_unpackhi_epi64(two[k], two[k]));
         }
       };
       store(i, _mm_unpacklo_epi16(b, g), _mm_unpacklo_epi16(r, r));
@@ -107,12 +107,12 @@ QV_INLINE void PlaceComponents(const short* line, ptrdiff_t count, short* out) {
   if constexpr (!kHasBytePermute && kLayout == RowLayout::kPairs422) {
     const short* const cb = line + 2 * count;
     for (; i + 8 <= count; i += 8) {
-      const Vec16 b = Load16(cb + i), r = Load16(cb + count + i);
-      const Vec16 y[2] = {Load16(line + 2 * i), Load16(line + 2 * i + 8)};
-      const Vec16 chroma[2] = {_mm_unpacklo_epi16(b, r), _mm_unpackhi_epi16(b, r)};
+      const Vec128 b = Load128(cb + i), r = Load128(cb + count + i);
+      const Vec128 y[2] = {Load128(line + 2 * i), Load128(line + 2 * i + 8)};
+      const Vec128 chroma[2] = {_mm_unpacklo_epi16(b, r), _mm_unpackhi_epi16(b, r)};
       for (int k = 0; k < 2; ++k) {
-        Store16(out + 4 * i + 16 * k, _mm_unpacklo_epi16(y[k], chroma[k]));
-        Store16(out + 4 * i + 16 * k + 8, _mm_unpackhi_epi16(y[k], chroma[k]));
+        Store128(out + 4 * i + 16 * k, _mm_unpacklo_epi16(y[k], chroma[k]));
+        Store128(out + 4 * i + 16 * k + 8, _mm_unpackhi_epi16(y[k], chroma[k]));
       }
     }
   }

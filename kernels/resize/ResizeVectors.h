@@ -27,7 +27,6 @@ QV_INLINE Vec MulRounded15(Vec a, Vec b) { return QV_OP(mulhrs_epi16)(a, b); }
 
 // Sums of neighbouring bytes as words.
 QV_INLINE Vec AddBytePairs(Vec v) { return MulAddBytes(v, Splat8(1)); }
-QV_INLINE Vec16 MulAddBytes16(Vec16 a, Vec16 b) { return _mm_maddubs_epi16(a, b); }
 
 #else
 
@@ -37,7 +36,6 @@ QV_INLINE Vec MulRounded15(Vec a, Vec b) {
   return Add16(ShiftLeft16<1>(MulHighSigned16(a, b)), ShiftRight16<1>(Add16(low, Splat16(1))));
 }
 QV_INLINE Vec AddBytePairs(Vec v) { return Add16(And(v, Splat16(255)), ShiftRight16<8>(v)); }
-Vec16 MulAddBytes16(Vec16 a, Vec16 b);
 
 #endif
 
