@@ -9,8 +9,6 @@
 
 namespace qv::QV_LEVEL {
 
-constexpr int kLanes32 = kVecBytes / 4;
-
 QV_INLINE Floats LoadFloats(const float* p) { return QV_OP(loadu_ps)(p); }
 QV_INLINE Floats SplatFloat(float x) { return QV_OP(set1_ps)(x); }
 QV_INLINE Floats AddFloat(Floats a, Floats b) { return QV_OP(add_ps)(a, b); }
@@ -25,14 +23,6 @@ QV_INLINE Vec TruncatedInts(Floats x) { return QV_OP(cvttps_epi32)(x); }
 // The bits as they are.
 QV_INLINE Floats AsFloats(Vec v) { return reinterpret_cast<Floats>(v); }
 QV_INLINE Vec AsInts(Floats x) { return reinterpret_cast<Vec>(x); }
-
-// Within each 16-byte lane: lanes 0 and 2, or 1 and 3, of `a` and then of `b`.
-QV_INLINE Vec EvenLanes32(Vec a, Vec b) {
-  return AsInts(QV_OP(shuffle_ps)(AsFloats(a), AsFloats(b), 0x88));
-}
-QV_INLINE Vec OddLanes32(Vec a, Vec b) {
-  return AsInts(QV_OP(shuffle_ps)(AsFloats(a), AsFloats(b), 0xDD));
-}
 
 }  // namespace qv::QV_LEVEL
 

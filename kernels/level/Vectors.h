@@ -14,24 +14,30 @@ using Vec128 = __m128i;
 }  // namespace qv::QV_LEVEL
 
 #define QV_V Vec128
+#define QV_V_FLOATS __m128
 #define QV_V_OP(name) _mm_##name
 #define QV_V_BITS_OP(name) _mm_##name##si128
 #include "kernels/level/Operations.h"
 #undef QV_V
+#undef QV_V_FLOATS
 #undef QV_V_OP
 #undef QV_V_BITS_OP
 
 #if QV_VEC_BITS > 128
 #define QV_V Vec
+#define QV_V_FLOATS Floats
 #define QV_V_OP QV_OP
 #define QV_V_BITS_OP QV_BITS_OP
 #include "kernels/level/Operations.h"
 #undef QV_V
+#undef QV_V_FLOATS
 #undef QV_V_OP
 #undef QV_V_BITS_OP
 #endif
 
 namespace qv::QV_LEVEL {
+
+constexpr int kLanes32 = kVecBytes / 4, kLanes128 = kVecBytes / 16;
 
 QV_INLINE Vec Load(const void* p) { return QV_BITS_OP(loadu_)(static_cast<const Vec*>(p)); }
 QV_INLINE void Store(void* p, Vec v) { QV_BITS_OP(storeu_)(static_cast<Vec*>(p), v); }
@@ -43,9 +49,21 @@ QV_INLINE Vec Zero() { return QV_BITS_OP(setzero_)(); }
 QV_INLINE Vec Splat8(int x) { return QV_OP(set1_epi8)(static_cast<char>(x)); }
 QV_INLINE Vec Splat16(int x) { return QV_OP(set1_epi16)(static_cast<short>(x)); }
 QV_INLINE Vec Splat32(int x) { return QV_OP(set1_epi32)(x); }
+// In each 32-bit lane the low 16 bits of `a`, and above them those of `b`.
+QV_INLINE Vec Pair16(Vec a, Vec b) { return Or(And(a, Splat32(0xFFFF)), ShiftLeft32<16>(b)); }
 
 // 128-bit lane i is stored at the address at(i).
 template <class At> void StoreLanes(Vec v, At at);
+// kLanes32 bytes: the low ones of 32-bit lanes, or the lanes as signed numbers, limited to a byte.
+void StoreLowBytes32(void* p, Vec v);
+void StoreLimited32(void* p, Vec v);
+
+// Bytes from the 16-bit lanes of `a` and then of `b`, with saturation, all in order.
+Vec PackBytesInOrder(Vec a, Vec b);
+// Whether any signed 32-bit lane is below 0.
+bool AnyNegative32(Vec v);
+// 32-bit lane `lane` of each 128-bit lane in all four of it.
+template <int lane> Vec SplatInLanes32(Vec v);
 
 // All bytes in reverse order; both 128-bit lanes of a vector as the lowest, or as the highest, of
 // them (of one lane: itself; not defined for four).
@@ -74,7 +92,7 @@ QV_INLINE void Store32(void* p, Vec128 v) {
 }
 QV_INLINE void StreamStore128(void* p, Vec128 v) { _mm_stream_si128(static_cast<Vec128*>(p), v); }
 
-// The vector moved by n bytes, up or down; zeros follow.
+// Each 128-bit lane, of a Vec as well, moved up or down by n bytes; zeros follow.
 template <int n> QV_INLINE Vec128 ShiftBytesUp(Vec128 v) { return _mm_slli_si128(v, n); }
 template <int n> QV_INLINE Vec128 ShiftBytesDown(Vec128 v) { return _mm_srli_si128(v, n); }
 
@@ -82,6 +100,10 @@ template <int n> QV_INLINE Vec128 ShiftBytesDown(Vec128 v) { return _mm_srli_si1
 // address at(i).
 template <class At> QV_INLINE Vec LoadLanes(At at) {
   return BuildLanes([=](int i) { return Load128(at(i)); });
+}
+// From p, p + apart, ...
+QV_INLINE Vec LoadLanes(const Byte* p, ptrdiff_t apart) {
+  return LoadLanes([=](int i) { return p + i * apart; });
 }
 // The same from pieces of 32 bits, from at(0), at(1), ..., or of 64.
 template <class At> QV_INLINE Vec LoadPieces32(At at) {
@@ -95,21 +117,27 @@ template <class At> QV_INLINE Vec LoadPieces64(At at) {
       [=](int i) { return InterleaveLow64(Load64(at(2 * i)), Load64(at(2 * i + 1))); });
 }
 
-// The lowest lane of a vector, and a vector whose other lanes hold anything.
-Vec128 LowLane(Vec v);
+// 128-bit lane `lane`; the lowest one; and a vector whose other lanes hold anything.
+template <int lane> Vec128 Lane(Vec v);
+QV_INLINE Vec128 LowLane(Vec v) { return Lane<0>(v); }
 Vec FromLane(Vec128 v);
+
+// kHasLanePermute. 32-bit lane i is that whose number is in lane i of `index`.
+Vec PermuteLanes32(Vec v, Vec index);
 
 // kHasBytePermute: across the whole vector, by the low six bits of each index byte (seven for two
 // vectors). PermuteBytesOver is PermuteBytes(v, index) in the bytes whose mask bit is set, `base`
-// in the others.
+// in the others; of PermuteBytesPart and PermuteBytesPart2 these are 0.
 Vec PermuteBytes(Vec v, Vec index);
 Vec PermuteBytes2(Vec low, Vec index, Vec high);
+Vec PermuteBytesPart(unsigned long long mask, Vec v, Vec index);
+Vec PermuteBytesPart2(unsigned long long mask, Vec low, Vec index, Vec high);
 Vec PermuteBytesOver(Vec base, unsigned long long mask, Vec v, Vec index);
 // Of 64-byte vectors: 128-bit lanes 0 and 2, or 1 and 3, of `a` and then of `b`.
 Vec JoinEvenLanes(Vec a, Vec b);
 Vec JoinOddLanes(Vec a, Vec b);
 
-// kHasGather. Gather32: 4 bytes for each 32-bit lane, from base + offset. Gather64<h>: 8 bytes for
+// kHasGather. Gather32: 32 bits for each 32-bit lane, from base + offset bytes. Gather64<h>: 64 for
 // lanes 2 h and 2 h + 1 of each 128-bit lane of `offset`.
 Vec Gather32(const void* base, Vec offset);
 template <int kHalf> Vec Gather64(const void* base, Vec offset);

@@ -16,6 +16,7 @@ using Floats = __m256;
 constexpr int kVecBytes = QV_VEC_BITS / 8;
 
 constexpr bool kHasByteShuffle = true;
+constexpr bool kHasLanePermute = true;
 constexpr bool kHasBytePermute = false;
 constexpr bool kHasMaskedBytes = false;
 constexpr bool kHasGather = true;
@@ -29,8 +30,23 @@ template <class At> QV_INLINE void StoreLanes(Vec v, At at) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(at(1)), _mm256_extracti128_si256(v, 1));
 }
 
-QV_INLINE __m128i LowLane(Vec v) { return _mm256_castsi256_si128(v); }
+template <int lane> QV_INLINE __m128i Lane(Vec v) {
+  return lane == 0 ? _mm256_castsi256_si128(v) : _mm256_extracti128_si256(v, lane);
+}
 QV_INLINE Vec FromLane(__m128i v) { return _mm256_castsi128_si256(v); }
+template <int n> QV_INLINE Vec ShiftBytesUp(Vec v) { return _mm256_bslli_epi128(v, n); }
+template <int n> QV_INLINE Vec ShiftBytesDown(Vec v) { return _mm256_bsrli_epi128(v, n); }
+
+QV_INLINE Vec PermuteLanes32(Vec v, Vec index) { return _mm256_permutevar8x32_epi32(v, index); }
+
+QV_INLINE Vec Gather32(const void* base, Vec offset) {
+  return _mm256_i32gather_epi32(static_cast<const int*>(base), offset, 1);
+}
+template <int kHalf> QV_INLINE Vec Gather64(const void* base, Vec offset) {
+  const Vec sorted = PermuteLanes32(offset, _mm256_setr_epi32(0, 1, 4, 5, 2, 3, 6, 7));
+  return _mm256_i32gather_epi64(static_cast<const long long*>(base),
+                                _mm256_extracti128_si256(sorted, kHalf), 1);
+}
 
 QV_INLINE Vec ReverseBytes(Vec v) {
   const Vec index = _mm256_broadcastsi128_si256(
@@ -38,14 +54,24 @@ QV_INLINE Vec ReverseBytes(Vec v) {
   return _mm256_permute4x64_epi64(_mm256_shuffle_epi8(v, index), _MM_SHUFFLE(1, 0, 3, 2));
 }
 
-QV_INLINE Vec Gather32(const void* base, Vec offset) {
-  return _mm256_i32gather_epi32(static_cast<const int*>(base), offset, 1);
+QV_INLINE Vec PackBytesInOrder(Vec a, Vec b) {
+  return _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8);
 }
-template <int kHalf> QV_INLINE Vec Gather64(const void* base, Vec offset) {
-  const Vec sorted =
-      _mm256_permutevar8x32_epi32(offset, _mm256_setr_epi32(0, 1, 4, 5, 2, 3, 6, 7));
-  return _mm256_i32gather_epi64(static_cast<const long long*>(base),
-                                _mm256_extracti128_si256(sorted, kHalf), 1);
+QV_INLINE bool AnyNegative32(Vec v) { return _mm256_movemask_ps(_mm256_castsi256_ps(v)) != 0; }
+template <int lane> QV_INLINE Vec SplatInLanes32(Vec v) {
+  return _mm256_shuffle_epi32(v, lane * 0x55);
+}
+
+QV_INLINE void StoreLowBytes32(void* p, Vec v) {
+  const __m256i low = _mm256_shuffle_epi8(
+      v, _mm256_broadcastsi128_si256(
+             _mm_setr_epi8(0, 4, 8, 12, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1)));
+  _mm_storel_epi64(static_cast<__m128i*>(p), _mm_unpacklo_epi32(Lane<0>(low), Lane<1>(low)));
+}
+QV_INLINE void StoreLimited32(void* p, Vec v) {
+  v = _mm256_packus_epi16(_mm256_packs_epi32(v, v), v);
+  v = PermuteLanes32(v, _mm256_setr_epi32(0, 4, 0, 0, 0, 0, 0, 0));
+  _mm_storel_epi64(static_cast<__m128i*>(p), Lane<0>(v));
 }
 
 QV_INLINE Vec DealHalves(Vec v) { return _mm256_permute4x64_epi64(v, 0xD8); }

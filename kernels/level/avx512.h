@@ -16,6 +16,7 @@ using Floats = __m512;
 constexpr int kVecBytes = QV_VEC_BITS / 8;
 
 constexpr bool kHasByteShuffle = true;
+constexpr bool kHasLanePermute = true;
 constexpr bool kHasBytePermute = true;
 constexpr bool kHasMaskedBytes = true;
 constexpr bool kHasGather = true;
@@ -34,21 +35,33 @@ template <class Lane> QV_INLINE Vec BuildLanes(Lane lane) {
   return _mm512_inserti64x4(_mm512_zextsi256_si512(low), high, 1);
 }
 
+template <int lane> QV_INLINE __m128i Lane(Vec v) {
+  return lane == 0 ? _mm512_castsi512_si128(v) : _mm512_extracti32x4_epi32(v, lane);
+}
+QV_INLINE Vec FromLane(__m128i v) { return _mm512_castsi128_si512(v); }
+template <int n> QV_INLINE Vec ShiftBytesUp(Vec v) { return _mm512_bslli_epi128(v, n); }
+template <int n> QV_INLINE Vec ShiftBytesDown(Vec v) { return _mm512_bsrli_epi128(v, n); }
+
+QV_INLINE Vec PermuteLanes32(Vec v, Vec index) { return _mm512_permutexvar_epi32(index, v); }
+
 QV_INLINE Vec Gather32(const void* base, Vec offset) {
   return _mm512_i32gather_epi32(offset, base, 1);
 }
 template <int kHalf> QV_INLINE Vec Gather64(const void* base, Vec offset) {
   const Vec order = _mm512_setr_epi32(0, 1, 4, 5, 8, 9, 12, 13, 2, 3, 6, 7, 10, 11, 14, 15);
-  const Vec sorted = _mm512_permutexvar_epi32(order, offset);
+  const Vec sorted = PermuteLanes32(offset, order);
   return _mm512_i32gather_epi64(_mm512_extracti64x4_epi64(sorted, kHalf), base, 1);
 }
-
-QV_INLINE __m128i LowLane(Vec v) { return _mm512_castsi512_si128(v); }
-QV_INLINE Vec FromLane(__m128i v) { return _mm512_castsi128_si512(v); }
 
 QV_INLINE Vec PermuteBytes(Vec v, Vec index) { return _mm512_permutexvar_epi8(index, v); }
 QV_INLINE Vec PermuteBytes2(Vec low, Vec index, Vec high) {
   return _mm512_permutex2var_epi8(low, index, high);
+}
+QV_INLINE Vec PermuteBytesPart(unsigned long long mask, Vec v, Vec index) {
+  return _mm512_maskz_permutexvar_epi8(mask, index, v);
+}
+QV_INLINE Vec PermuteBytesPart2(unsigned long long mask, Vec low, Vec index, Vec high) {
+  return _mm512_maskz_permutex2var_epi8(mask, low, index, high);
 }
 QV_INLINE Vec PermuteBytesOver(Vec base, unsigned long long mask, Vec v, Vec index) {
   return _mm512_mask_permutexvar_epi8(base, mask, index, v);
@@ -68,6 +81,23 @@ QV_INLINE Vec Select(unsigned long long mask, Vec a, Vec b) {
   return _mm512_mask_blend_epi8(mask, b, a);
 }
 QV_INLINE unsigned long long TopBits(Vec v) { return _mm512_movepi8_mask(v); }
+
+QV_INLINE Vec PackBytesInOrder(Vec a, Vec b) {
+  return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7),
+                                  _mm512_packus_epi16(a, b));
+}
+QV_INLINE bool AnyNegative32(Vec v) { return _mm512_movepi32_mask(v) != 0; }
+template <int lane> QV_INLINE Vec SplatInLanes32(Vec v) {
+  return _mm512_shuffle_epi32(v, static_cast<_MM_PERM_ENUM>(lane * 0x55));
+}
+
+QV_INLINE void StoreLowBytes32(void* p, Vec v) {
+  _mm_storeu_si128(static_cast<__m128i*>(p), _mm512_cvtepi32_epi8(v));
+}
+QV_INLINE void StoreLimited32(void* p, Vec v) {
+  _mm_storeu_si128(static_cast<__m128i*>(p),
+                   _mm512_cvtusepi32_epi8(_mm512_max_epi32(v, _mm512_setzero_si512())));
+}
 
 QV_INLINE Vec DealHalves(Vec v) {
   return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 4, 1, 5, 2, 6, 3, 7), v);
