@@ -2,7 +2,8 @@
 // includes this for Vec128 and, where that is another type, for Vec: both have the same words.
 //
 // QV_V is the type, QV_V_FLOATS that of single-precision vectors of its width; QV_V_OP(add_epi8) is
-// _mm_add_epi8, _mm256_add_epi8 or _mm512_add_epi8, QV_V_BITS_OP(and_) is _mm_and_si128 and so on. No include guard: it is meant to be read twice.
+// _mm_add_epi8, _mm256_add_epi8 or _mm512_add_epi8, QV_V_BITS_OP(and_) is _mm_and_si128 and so on.
+// No include guard: it is meant to be read twice.
 
 namespace qv::QV_LEVEL {
 
@@ -59,8 +60,8 @@ QV_INLINE QV_V InterleaveHigh64(QV_V a, QV_V b) { return QV_V_OP(unpackhi_epi64)
 QV_INLINE QV_V PackUnsigned16(QV_V a, QV_V b) { return QV_V_OP(packus_epi16)(a, b); }
 QV_INLINE QV_V PackSigned32(QV_V a, QV_V b) { return QV_V_OP(packs_epi32)(a, b); }
 
-// Within each 128-bit lane: 32-bit lanes 0 and 2, or 1 and 3, of `a` and then of `b`; and their sums,
-// a0 + a1, a2 + a3, b0 + b1, b2 + b3.
+// Within each 128-bit lane: 32-bit lanes 0 and 2, or 1 and 3, of `a` and then of `b`; and the sums
+// of both, a0 + a1, a2 + a3, b0 + b1, b2 + b3.
 QV_INLINE QV_V EvenLanes32(QV_V a, QV_V b) {
   return reinterpret_cast<QV_V>(QV_V_OP(shuffle_ps)(
       reinterpret_cast<QV_V_FLOATS>(a), reinterpret_cast<QV_V_FLOATS>(b), 0x88));
