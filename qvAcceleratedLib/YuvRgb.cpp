@@ -49,7 +49,7 @@ constexpr bool IsBelow(int value, std::size_t count) {
 IppStatus CheckCodes(int yuvLayout, int rgbLayout, int matrix, int range, int siting) {
   if (!IsBelow(yuvLayout, std::size(kYuvLayouts)) || !IsBelow(rgbLayout, std::size(kRgbLayouts)))
     return StatusDataTypeErr;
-  const bool known = IsBelow(matrix, std::size(kColourMatrices)) && IsBelow(range, 2) &&
+  const bool known = IsBelow(matrix, std::size(kColorMatrices)) && IsBelow(range, 2) &&
                      IsBelow(siting, 3);
   return known ? StatusOk : StatusBadArgErr;
 }

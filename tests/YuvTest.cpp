@@ -3,46 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 #include "qvAcceleratedLib/YuvRgb.h"
 #include "tests/support/Bytes.h"
+#include "tests/support/ExactYuv.h"
 #include "tests/support/Levels.h"
 
 namespace qv::test {
 namespace {
-
-using Triple = std::array<double, 3>;  // Y, Cb, Cr or B, G, R
-
-// ---- The definition -----------------------------------------------------------------------------
-
-struct Colours {
-  double kr, kb;
-  bool full;
-};
-
-Colours ColoursOf(int matrix, int range) {
-  constexpr double kr[] = {.299, .2126, .2627}, kb[] = {.114, .0722, .0593};
-  return {kr[matrix], kb[matrix], range == RangeFull};
-}
-
-double Limit(double x) { return std::clamp(x, 0., 255.); }
-
-Triple ExactRgb(const Colours& k, const Triple& yuv) {
-  const double y = k.full ? yuv[0] / 255 : (yuv[0] - 16) / 219, scale = k.full ? 255 : 224;
-  const double u = (yuv[1] - 128) / scale, v = (yuv[2] - 128) / scale, kg = 1 - k.kr - k.kb;
-  return {Limit(255 * (y + 2 * (1 - k.kb) * u)),
-          Limit(255 * (y - 2 * (1 - k.kb) * k.kb / kg * u - 2 * (1 - k.kr) * k.kr / kg * v)),
-          Limit(255 * (y + 2 * (1 - k.kr) * v))};
-}
-
-Triple ExactYuv(const Colours& k, const Triple& bgr) {
-  const double y = (k.kr * bgr[2] + (1 - k.kr - k.kb) * bgr[1] + k.kb * bgr[0]) / 255;
-  const double u = (bgr[0] / 255 - y) / (2 * (1 - k.kb)), v = (bgr[2] / 255 - y) / (2 * (1 - k.kr));
-  const double scale = k.full ? 255 : 224;
-  return {k.full ? 255 * y : 16 + 219 * y, Limit(128 + scale * u), Limit(128 + scale * v)};
-}
 
 // ---- Every value --------------------------------------------------------------------------------
 
@@ -62,10 +31,10 @@ struct Worst {
   void operator()(int actual, double exact) { error = std::max(error, std::fabs(actual - exact)); }
 };
 
-class AllColours : public testing::TestWithParam<std::tuple<int, int>> {
+class AllColors : public testing::TestWithParam<std::tuple<int, int>> {
  protected:
   const int matrix = std::get<0>(GetParam()), range = std::get<1>(GetParam());
-  const Colours colours = ColoursOf(matrix, range);
+  const Colors colors = ColorsOf(matrix, range);
 
   // convert(out) at every level gives the bytes of the plain one, which are returned.
   template <class Convert>
@@ -83,7 +52,7 @@ class AllColours : public testing::TestWithParam<std::tuple<int, int>> {
   }
 };
 
-TEST_P(AllColours, AreWithinTheBoundOfTheExactPixel) {
+TEST_P(AllColors, AreWithinTheBoundOfTheExactPixel) {
   Planes444 src;
   for (std::size_t i = 0; i < kAll; ++i)
     for (int c = 0; c < 3; ++c) src.at[c][i] = static_cast<unsigned char>(i >> 8 * c);
@@ -93,18 +62,18 @@ TEST_P(AllColours, AreWithinTheBoundOfTheExactPixel) {
   });
   Worst worst;
   for (std::size_t i = 0; i < kAll; ++i) {
-    const Triple exact = ExactRgb(colours, {src.at[0][i] * 1., src.at[1][i] * 1., src.at[2][i] * 1.});
+    const Triple exact = ExactRgb(colors, {src.at[0][i] * 1., src.at[1][i] * 1., src.at[2][i] * 1.});
     for (std::size_t c = 0; c < 3; ++c) worst(bgr[3 * i + c], exact[c]);
   }
   EXPECT_LT(worst.error, .56);
   for (int y = 0; y < 256; ++y) {
     const std::size_t grey = static_cast<std::size_t>(128 << 16 | 128 << 8 | y);
-    const double exact = std::floor(ExactRgb(colours, {y * 1., 128, 128})[1] + .5);
+    const double exact = std::floor(ExactRgb(colors, {y * 1., 128, 128})[1] + .5);
     for (std::size_t c = 0; c < 3; ++c) EXPECT_EQ(bgr[3 * grey + c], exact) << y;
   }
 }
 
-TEST_P(AllColours, AreWithinTheBoundOfTheExactSamplesAndComeBack) {
+TEST_P(AllColors, AreWithinTheBoundOfTheExactSamplesAndComeBack) {
   Bytes bgr(3 * kAll);
   for (std::size_t i = 0; i < kAll; ++i)
     for (std::size_t c = 0; c < 3; ++c) bgr[3 * i + c] = static_cast<unsigned char>(i >> 8 * c);
@@ -122,13 +91,13 @@ TEST_P(AllColours, AreWithinTheBoundOfTheExactSamplesAndComeBack) {
   int loss = 0, exactLoss = 0;
   for (std::size_t i = 0; i < kAll; ++i) {
     const unsigned char* const p = &bgr[3 * i];
-    const Triple exact = ExactYuv(colours, {p[0] * 1., p[1] * 1., p[2] * 1.});
+    const Triple exact = ExactYuv(colors, {p[0] * 1., p[1] * 1., p[2] * 1.});
     Triple rounded;
     for (std::size_t c = 0; c < 3; ++c) {
       worst(yuv.at[c][i], exact[c]);
       rounded[c] = Limit(std::floor(exact[c] + .5));
     }
-    const Triple returned = ExactRgb(colours, rounded);
+    const Triple returned = ExactRgb(colors, rounded);
     for (std::size_t c = 0; c < 3; ++c) {
       loss = std::max(loss, std::abs(back[3 * i + c] - p[c]));
       exactLoss = std::max(exactLoss, std::abs(static_cast<int>(returned[c] + .5) - p[c]));
@@ -138,13 +107,13 @@ TEST_P(AllColours, AreWithinTheBoundOfTheExactSamplesAndComeBack) {
   EXPECT_EQ(loss, exactLoss);
   for (int grey = 0; grey < 256; ++grey) {
     const std::size_t i = static_cast<std::size_t>(grey * 0x10101);
-    EXPECT_EQ(yuv.at[0][i], std::floor(ExactYuv(colours, {grey * 1., grey * 1., grey * 1.})[0] + .5));
+    EXPECT_EQ(yuv.at[0][i], std::floor(ExactYuv(colors, {grey * 1., grey * 1., grey * 1.})[0] + .5));
     EXPECT_EQ(yuv.at[1][i], 128);
     EXPECT_EQ(yuv.at[2][i], 128);
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Yuv, AllColours, testing::Combine(testing::Range(0, 3), testing::Range(0, 2)));
+INSTANTIATE_TEST_SUITE_P(Yuv, AllColors, testing::Combine(testing::Range(0, 3), testing::Range(0, 2)));
 
 // ---- Every layout -------------------------------------------------------------------------------
 
@@ -243,7 +212,7 @@ TEST(YuvToRgb, TakesAllLayoutsAndSitings) {
         Triple yuv = {frame.Sample(0, x, y) * 1., 128, 128};
         for (int c = 1; c < 3 && rgb != RgbGrey; ++c)
           yuv[static_cast<std::size_t>(c)] = Interpolated(frame, size, c, x, y, siting);
-        const Triple exact = ExactRgb(ColoursOf(MatrixBT709, RangeStudio), yuv);
+        const Triple exact = ExactRgb(ColorsOf(MatrixBT709, RangeStudio), yuv);
         for (int c = 0; c < 3; ++c)
           ASSERT_NEAR(pixel[Place(rgb, c)], exact[static_cast<std::size_t>(c)], .56) << x << ' ' << y;
         ASSERT_EQ(bytes == 4 ? pixel[3] : 255, 255);
@@ -275,11 +244,11 @@ TEST(RgbToYuv, GivesAllLayoutsAndSitings) {
            gap += static_cast<std::size_t>(frame.step[p]))
         for (std::size_t i = 1; i <= 5; ++i) ASSERT_EQ(frame.bytes[p][gap - i], before[gap - i]);
     }
-    const Colours colours = ColoursOf(MatrixBT2020, RangeStudio);
+    const Colors colors = ColorsOf(MatrixBT2020, RangeStudio);
     for (int y = 0; y < size.height; ++y)
       for (int x = 0; x < size.width; ++x) {
         const Triple bgr = {byte(0, x, y), byte(1, x, y), byte(2, x, y)};
-        ASSERT_NEAR(frame.Sample(0, x, y), ExactYuv(colours, bgr)[0], .52) << x << ' ' << y;
+        ASSERT_NEAR(frame.Sample(0, x, y), ExactYuv(colors, bgr)[0], .52) << x << ' ' << y;
         if (x % l.across || y % l.down) continue;
         Triple mean{};
         for (int c = 0; c < 3; ++c)
@@ -290,7 +259,7 @@ TEST(RgbToYuv, GivesAllLayoutsAndSitings) {
             mean[static_cast<std::size_t>(c)] +=
                 (left + 2 * byte(c, x, below) + byte(c, right, below)) / 8;
           }
-        const Triple exact = ExactYuv(colours, mean);
+        const Triple exact = ExactYuv(colors, mean);
         for (int c = 1; c < 3; ++c)
           ASSERT_NEAR(frame.Sample(c, x / l.across, y / l.down), exact[static_cast<std::size_t>(c)], .52)
               << c << ": " << x << ' ' << y;

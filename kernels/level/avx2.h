@@ -84,6 +84,8 @@ QV_INLINE void StoreLimited32(void* p, Vec v) {
 QV_INLINE Vec DealHalves(Vec v) { return _mm256_permute4x64_epi64(v, 0xD8); }
 QV_INLINE Vec LowLaneTwice(Vec v) { return _mm256_permute4x64_epi64(v, 0x44); }
 QV_INLINE Vec HighLaneTwice(Vec v) { return _mm256_permute4x64_epi64(v, 0xEE); }
+QV_INLINE Vec JoinEvenLanes(Vec a, Vec b) { return _mm256_permute2x128_si256(a, b, 0x20); }
+QV_INLINE Vec JoinOddLanes(Vec a, Vec b) { return _mm256_permute2x128_si256(a, b, 0x31); }
 QV_INLINE void LanesInTurns(Vec& a, Vec& b, Vec& c) {
   const Vec first = _mm256_permute2x128_si256(a, b, 0x20);
   const Vec second = _mm256_blend_epi32(c, a, 0xF0);

@@ -63,6 +63,8 @@ QV_INLINE Vec PermuteBytesOver(Vec base, unsigned long long mask, Vec v, Vec ind
 
 QV_INLINE Vec JoinEvenLanes(Vec a, Vec b) { return _mm512_shuffle_i32x4(a, b, 0x88); }
 QV_INLINE Vec JoinOddLanes(Vec a, Vec b) { return _mm512_shuffle_i32x4(a, b, 0xDD); }
+QV_INLINE Vec JoinLowHalves(Vec a, Vec b) { return _mm512_shuffle_i32x4(a, b, 0x44); }
+QV_INLINE Vec JoinHighHalves(Vec a, Vec b) { return _mm512_shuffle_i32x4(a, b, 0xEE); }
 
 QV_INLINE Vec LoadPart(const void* p, unsigned long long mask) {
   return _mm512_maskz_loadu_epi8(mask, p);

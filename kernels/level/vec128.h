@@ -53,6 +53,8 @@ QV_INLINE void StoreLowBytes32(void* p, Vec v) {
 QV_INLINE Vec DealHalves(Vec v) { return v; }
 QV_INLINE Vec LowLaneTwice(Vec v) { return v; }
 QV_INLINE Vec HighLaneTwice(Vec v) { return v; }
+QV_INLINE Vec JoinEvenLanes(Vec a, Vec) { return a; }
+QV_INLINE Vec JoinOddLanes(Vec, Vec b) { return b; }
 QV_INLINE void LanesInTurns(Vec&, Vec&, Vec&) {}
 
 QV_INLINE Vec LoadHalves(const void* low, const void* high) {

@@ -45,8 +45,8 @@ QV_INLINE ByteVectors PermuteFourths(const Byte* src) {
     two[half] = PermuteBytes2(low, Load(firstTwo.b), high);
     one[half] = PermuteBytes2(low, Load(third.b), high);
   }
-  return {{JoinHalves(two[0], two[1]), JoinHighHalves(two[0], two[1]),
-           JoinHalves(one[0], one[1])}};
+  return {{JoinLowHalves(two[0], two[1]), JoinHighHalves(two[0], two[1]),
+           JoinLowHalves(one[0], one[1])}};
 }
 
 // ---- Where they are shuffled within 128-bit lanes -----------------------------------------------

@@ -13,11 +13,11 @@
 namespace qv {
 
 // 10000 Kr and Kb.
-struct ColourMatrix {
+struct ColorMatrix {
   int64_t red, blue;
 };
 
-constexpr ColourMatrix kColourMatrices[] = {{2990, 1140}, {2126, 722}, {2627, 593}};
+constexpr ColorMatrix kColorMatrices[] = {{2990, 1140}, {2126, 722}, {2627, 593}};
 
 namespace terms {
 
@@ -38,7 +38,7 @@ constexpr int HighHalf(int a, int b) {
 }
 
 // For pixels B, G, R, or R, G, B if `swapped`.
-constexpr YuvToRgbTerms MakeYuvToRgb(ColourMatrix k, bool full, bool swapped) {
+constexpr YuvToRgbTerms MakeYuvToRgb(ColorMatrix k, bool full, bool swapped) {
   constexpr int64_t one = 1 << 14, all = 10000;
   const Scale scale = ScaleOf(full);
   const int64_t green = all - k.red - k.blue;
@@ -63,7 +63,7 @@ constexpr YuvToRgbTerms MakeYuvToRgb(ColourMatrix k, bool full, bool swapped) {
            static_cast<int16_t>(offset - (factor(third) >> 1))}};
 }
 
-constexpr RgbToYuvTerms MakeRgbToYuv(ColourMatrix k, bool full, bool swapped) {
+constexpr RgbToYuvTerms MakeRgbToYuv(ColorMatrix k, bool full, bool swapped) {
   constexpr int64_t one = 1 << 16, all = 10000;
   const Scale scale = ScaleOf(full);
   const int64_t first = swapped ? k.red : k.blue, third = swapped ? k.blue : k.red;
@@ -86,7 +86,7 @@ constexpr RgbToYuvTerms MakeRgbToYuv(ColourMatrix k, bool full, bool swapped) {
 }
 
 constexpr LumaMap MakeLumaToGrey(bool full) {
-  const YuvToRgbTerms t = MakeYuvToRgb(kColourMatrices[0], full, false);
+  const YuvToRgbTerms t = MakeYuvToRgb(kColorMatrices[0], full, false);
   return {t.luma, static_cast<int16_t>(t.offset[0] + (t.first >> 1))};
 }
 
@@ -108,7 +108,7 @@ constexpr auto kYuvToRgb = [] {
   TermTable<YuvToRgbTerms> table{};
   for (int i = 0; i < 12; ++i)
     table.at[i / 4][i / 2 % 2][i % 2] =
-        terms::MakeYuvToRgb(kColourMatrices[i / 4], i / 2 % 2 == 1, i % 2 == 1);
+        terms::MakeYuvToRgb(kColorMatrices[i / 4], i / 2 % 2 == 1, i % 2 == 1);
   return table;
 }();
 
@@ -116,7 +116,7 @@ constexpr auto kRgbToYuv = [] {
   TermTable<RgbToYuvTerms> table{};
   for (int i = 0; i < 12; ++i)
     table.at[i / 4][i / 2 % 2][i % 2] =
-        terms::MakeRgbToYuv(kColourMatrices[i / 4], i / 2 % 2 == 1, i % 2 == 1);
+        terms::MakeRgbToYuv(kColorMatrices[i / 4], i / 2 % 2 == 1, i % 2 == 1);
   return table;
 }();
 

@@ -85,7 +85,7 @@ QV_INLINE void ConvertRows(const YuvFrame<const Byte>& src, const RgbFrame<Byte>
 // ---- Vector rows --------------------------------------------------------------------------------
 
 // What the terms of chroma add to luma, of pixels or of samples; signed.
-using ChromaTerms = Colours;
+using ChromaTerms = Colors;
 
 QV_INLINE ChromaTerms TermsOf(ChromaPair chroma, const YuvToRgbTerms& t) {
   const auto product = [](Vec v, int factor) { return MulHighUnsigned16(v, Splat16(factor)); };
@@ -96,7 +96,7 @@ QV_INLINE ChromaTerms TermsOf(ChromaPair chroma, const YuvToRgbTerms& t) {
 }
 
 // Half a block. Sums above 32767 are above 255 as a byte, and stay so.
-QV_INLINE Colours AddLuma(Vec luma256, const ChromaTerms& chroma, const YuvToRgbTerms& t) {
+QV_INLINE Colors AddLuma(Vec luma256, const ChromaTerms& chroma, const YuvToRgbTerms& t) {
   const Vec luma = MulHighUnsigned16(luma256, Splat16(t.luma));
   const auto sum = [=](Vec term) { return ShiftRightSigned16<6>(AddSaturatedSigned16(luma, term)); };
   return {sum(chroma.blue), sum(chroma.green), sum(chroma.red)};
@@ -122,8 +122,8 @@ QV_INLINE BlockTerms InTurns(const ChromaTerms& even, const ChromaTerms& odd) {
 template <int kChannels, class Store>
 QV_INLINE void StorePixels(Byte* dst, Vec luma, const BlockTerms& terms, const YuvToRgbTerms& t,
                            Store store) {
-  const Colours first = AddLuma(FirstBytes256(luma), terms.first, t);
-  const Colours second = AddLuma(SecondBytes256(luma), terms.second, t);
+  const Colors first = AddLuma(FirstBytes256(luma), terms.first, t);
+  const Colors second = AddLuma(SecondBytes256(luma), terms.second, t);
   if constexpr (kChannels == 3)
     StoreBGR(dst, first, second, store);
   else

@@ -8,7 +8,6 @@
 #define QV_KERNELS_YUV_YUVVECTORS_H
 
 #include "kernels/color/ColorVectors.h"
-#include "kernels/yuv/Shim.h"
 
 #if QV_HAS_VECTORS
 
@@ -20,14 +19,14 @@ QV_INLINE Vec HighBytes(Vec v) { return And(v, Splat16(0xff00)); }
 QV_INLINE Vec FirstBytes256(Vec bytes) {
   if constexpr (kHasBytePermute) {
     static constexpr ByteTable index = MakeByteTable([](int i) { return i / 2; });
-    return PermuteBytesOver(Zero(), 0xAAAAAAAAAAAAAAAAu, bytes, Load(index.b));
+    return PermuteBytesPart(0xAAAAAAAAAAAAAAAAu, bytes, Load(index.b));
   }
   return InterleaveLow8(Zero(), bytes);
 }
 QV_INLINE Vec SecondBytes256(Vec bytes) {
   if constexpr (kHasBytePermute) {
     static constexpr ByteTable index = MakeByteTable([](int i) { return kVecBytes / 2 + i / 2; });
-    return PermuteBytesOver(Zero(), 0xAAAAAAAAAAAAAAAAu, bytes, Load(index.b));
+    return PermuteBytesPart(0xAAAAAAAAAAAAAAAAu, bytes, Load(index.b));
   }
   return InterleaveHigh8(Zero(), bytes);
 }
@@ -95,7 +94,7 @@ QV_INLINE void StoreHighBytes(Byte* dst, Vec v) {
 
 // A block of pixels of four bytes, the last 255.
 template <class Store>
-QV_INLINE void StoreBGRA(Byte* dst, const Colours& first, const Colours& second, Store store) {
+QV_INLINE void StoreBGRA(Byte* dst, const Colors& first, const Colors& second, Store store) {
   if constexpr (kHasBytePermute) {
     // Lanes of eight blues and eight greens, and of eight reds and eight alphas.
     static constexpr ByteTable low = MakeByteTable([](int i) {
@@ -104,7 +103,7 @@ QV_INLINE void StoreBGRA(Byte* dst, const Colours& first, const Colours& second,
     static constexpr ByteTable high = MakeByteTable([](int i) {
       return 32 + i / 32 * 16 + i / 4 % 8 + i % 2 * 8 + (i & 2 ? kVecBytes : 0);
     });
-    const auto half = [=](Byte* to, const Colours& c) {
+    const auto half = [=](Byte* to, const Colors& c) {
       const Vec blueGreen = PackUnsigned16(c.blue, c.green);
       const Vec redAlpha = PackUnsigned16(c.red, Splat16(255));
       store(to, PermuteBytes2(blueGreen, Load(low.b), redAlpha));
