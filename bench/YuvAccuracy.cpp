@@ -95,7 +95,8 @@ void PrintToSamples(Frames& f, int matrix, int range, const char* contender, Con
 void PrintYuvAccuracy() {
   std::printf(
       "\n# Accuracy of luma and chroma\n\n"
-      "Errors over all 2^24 values of three bytes, against the definition in double precision. *And "
+      "Errors over all 2^24 values of three bytes, against the definition in double precision. "
+      "*And "
       "back*: the pixels that come back from the samples by our own conversion, against those that "
       "went in; what is lost there is the rounding of the samples.\n\n"
       "| conversion | contender | largest | mean |\n| --- | --- | --- | --- |\n");

@@ -89,11 +89,12 @@ static const bench::Family yuv([](bench::Suite& s) {
     // libyuv names bytes from the high end of a word: its ARGB is B, G, R, A in memory.
     using namespace libyuv;
     const int h = size.height;
-    const auto planes = [&](const char* job, int layout, const char* name, auto convert, int bytes) {
+    const auto planes = [&](const char* job, int layout, const char* name, auto convert,
+                            int bytes) {
       s.Peer(job, size, name, [=] {
         const Planes p(b.src, layout, size);
-        convert(p.data[0], p.step[0], p.data[1], p.step[1], p.data[2], p.step[2], b.dst, bytes * w, w,
-                h);
+        convert(p.data[0], p.step[0], p.data[1], p.step[1], p.data[2], p.step[2], b.dst, bytes * w,
+                w, h);
       });
     };
     planes("I420 to BGR", YuvI420, "libyuv I420ToRGB24", I420ToRGB24, 3);
@@ -124,11 +125,12 @@ static const bench::Family yuv([](bench::Suite& s) {
     s.Peer("YUYV to BGRA", size, "libyuv YUY2ToARGB",
            [=] { YUY2ToARGB(b.src, 2 * w, b.dst, 4 * w, w, h); });
 
-    const auto toPlanes = [&](const char* job, int layout, const char* name, auto convert, int bytes) {
+    const auto toPlanes = [&](const char* job, int layout, const char* name, auto convert,
+                              int bytes) {
       s.Peer(job, size, name, [=] {
         const Planes p(b.dst, layout, size);
-        convert(b.src, bytes * w, p.data[0], p.step[0], p.data[1], p.step[1], p.data[2], p.step[2], w,
-                h);
+        convert(b.src, bytes * w, p.data[0], p.step[0], p.data[1], p.step[1], p.data[2], p.step[2],
+                w, h);
       });
     };
     toPlanes("BGR to I420", YuvI420, "libyuv RGB24ToI420", RGB24ToI420, 3);

@@ -49,8 +49,8 @@ constexpr bool IsBelow(int value, std::size_t count) {
 IppStatus CheckCodes(int yuvLayout, int rgbLayout, int matrix, int range, int siting) {
   if (!IsBelow(yuvLayout, std::size(kYuvLayouts)) || !IsBelow(rgbLayout, std::size(kRgbLayouts)))
     return StatusDataTypeErr;
-  const bool known = IsBelow(matrix, std::size(kColorMatrices)) && IsBelow(range, 2) &&
-                     IsBelow(siting, 3);
+  const bool known =
+      IsBelow(matrix, std::size(kColorMatrices)) && IsBelow(range, 2) && IsBelow(siting, 3);
   return known ? StatusOk : StatusBadArgErr;
 }
 
@@ -70,10 +70,14 @@ YuvFrame<Byte> FrameOf(const YuvPlaces& layout, Byte* const* planes, const int* 
   const auto first = [&](const SamplePlace& at) { return planes[at.plane] + at.first; };
   const SamplePlace& own = redFirst ? layout.cr : layout.cb;
   const SamplePlace& other = redFirst ? layout.cb : layout.cr;
-  return {first(layout.luma),       steps[layout.luma.plane],
-          layout.luma.apart,        {first(own), first(other)},
-          {steps[own.plane], steps[other.plane]}, own.apart,
-          layout.halfWidth,         layout.halfHeight};
+  return {first(layout.luma),
+          steps[layout.luma.plane],
+          layout.luma.apart,
+          {first(own), first(other)},
+          {steps[own.plane], steps[other.plane]},
+          own.apart,
+          layout.halfWidth,
+          layout.halfHeight};
 }
 
 ChromaSiting SitingOf(int siting) {

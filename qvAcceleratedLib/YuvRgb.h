@@ -55,9 +55,9 @@ enum YuvSiting : int {
 //
 // Returns -2 if a layout is none of these; -5 if matrix, range or siting is; -8 if `planes`,
 // `steps`, a plane that is read or dst is null; -6 if width or height is below 1.
-QV_HIDDEN IppStatus YuvToRgb(int yuvLayout, const unsigned char* const planes[],
-                             const int steps[], int rgbLayout, unsigned char* dst, int dstStep,
-                             IppiSize size, int matrix, int range, int siting);
+QV_HIDDEN IppStatus YuvToRgb(int yuvLayout, const unsigned char* const planes[], const int steps[],
+                             int rgbLayout, unsigned char* dst, int dstStep, IppiSize size,
+                             int matrix, int range, int siting);
 
 // The other way:
 //   y = (Kr R + Kg G + Kb B) / 255

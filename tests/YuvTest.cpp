@@ -62,7 +62,8 @@ TEST_P(AllColors, AreWithinTheBoundOfTheExactPixel) {
   });
   Worst worst;
   for (std::size_t i = 0; i < kAll; ++i) {
-    const Triple exact = ExactRgb(colors, {src.at[0][i] * 1., src.at[1][i] * 1., src.at[2][i] * 1.});
+    const Triple exact =
+        ExactRgb(colors, {src.at[0][i] * 1., src.at[1][i] * 1., src.at[2][i] * 1.});
     for (std::size_t c = 0; c < 3; ++c) worst(bgr[3 * i + c], exact[c]);
   }
   EXPECT_LT(worst.error, .56);
@@ -107,18 +108,20 @@ TEST_P(AllColors, AreWithinTheBoundOfTheExactSamplesAndComeBack) {
   EXPECT_EQ(loss, exactLoss);
   for (int grey = 0; grey < 256; ++grey) {
     const std::size_t i = static_cast<std::size_t>(grey * 0x10101);
-    EXPECT_EQ(yuv.at[0][i], std::floor(ExactYuv(colors, {grey * 1., grey * 1., grey * 1.})[0] + .5));
+    EXPECT_EQ(yuv.at[0][i],
+              std::floor(ExactYuv(colors, {grey * 1., grey * 1., grey * 1.})[0] + .5));
     EXPECT_EQ(yuv.at[1][i], 128);
     EXPECT_EQ(yuv.at[2][i], 128);
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Yuv, AllColors, testing::Combine(testing::Range(0, 3), testing::Range(0, 2)));
+INSTANTIATE_TEST_SUITE_P(Yuv, AllColors,
+                         testing::Combine(testing::Range(0, 3), testing::Range(0, 2)));
 
 // ---- Every layout -------------------------------------------------------------------------------
 
 struct Layout {
-  int planes, across, down;   // pixels a chroma sample
+  int planes, across, down;          // pixels a chroma sample
   int plane[3], first[3], apart[3];  // of Y, Cb, Cr
 };
 
@@ -134,7 +137,9 @@ struct Frame {
     for (int p = 0; p < l.planes; ++p) {
       const int across = p == 0 ? 1 : l.across, down = p == 0 ? 1 : l.down;
       const int samples = (size.width + across - 1) / across;
-      const int width = l.planes == 1 ? (size.width + 1) / 2 * 4 : l.planes == 2 && p ? 2 * samples : samples;
+      const int width = l.planes == 1        ? (size.width + 1) / 2 * 4
+                        : l.planes == 2 && p ? 2 * samples
+                                             : samples;
       step[p] = width + 5;
       bytes[p] = Noise(static_cast<std::size_t>(step[p] * ((size.height + down - 1) / down)));
     }
@@ -152,7 +157,8 @@ struct Frame {
 // Chroma of a pixel.
 double Interpolated(Frame& frame, IppiSize size, int c, int x, int y, int siting) {
   const Layout& l = frame.layout;
-  const int columns = (size.width + l.across - 1) / l.across, rows = (size.height + l.down - 1) / l.down;
+  const int columns = (size.width + l.across - 1) / l.across,
+            rows = (size.height + l.down - 1) / l.down;
   if (siting == SitingRepeat) return frame.Sample(c, x / l.across, y / l.down);
   const double shift = siting == SitingCentre && l.across == 2 ? .25 : 0;
   const double u = std::clamp(x / double(l.across) - shift, 0., columns - 1.);
@@ -173,7 +179,8 @@ void ForAllLayouts(Body body) {
   for (int layout = 0; layout < 8; ++layout)
     for (int rgb = 0; rgb < 5; ++rgb)
       for (int siting = 0; siting < 3; ++siting)
-        for (const IppiSize size : {IppiSize{1, 1}, {2, 3}, {7, 5}, {150, 6}, {777, 2}, {34, 270}}) {
+        for (const IppiSize size :
+             {IppiSize{1, 1}, {2, 3}, {7, 5}, {150, 6}, {777, 2}, {34, 270}}) {
           SCOPED_TRACE(testing::Message() << "layout " << layout << " pixel " << rgb << " siting "
                                           << siting << ' ' << size.width << 'x' << size.height);
           body(layout, rgb, siting, size);
@@ -214,7 +221,8 @@ TEST(YuvToRgb, TakesAllLayoutsAndSitings) {
           yuv[static_cast<std::size_t>(c)] = Interpolated(frame, size, c, x, y, siting);
         const Triple exact = ExactRgb(ColorsOf(MatrixBT709, RangeStudio), yuv);
         for (int c = 0; c < 3; ++c)
-          ASSERT_NEAR(pixel[Place(rgb, c)], exact[static_cast<std::size_t>(c)], .56) << x << ' ' << y;
+          ASSERT_NEAR(pixel[Place(rgb, c)], exact[static_cast<std::size_t>(c)], .56)
+              << x << ' ' << y;
         ASSERT_EQ(bytes == 4 ? pixel[3] : 255, 255);
       }
       for (int gap = 0; gap < 3; ++gap)
@@ -231,7 +239,8 @@ TEST(RgbToYuv, GivesAllLayoutsAndSitings) {
     const Bytes src = Noise(static_cast<std::size_t>(step * size.height));
     const auto byte = [&](int c, int x, int y) {
       x = std::clamp(x, 0, size.width - 1), y = std::min(y, size.height - 1);
-      return static_cast<double>(src[static_cast<std::size_t>(y * step + x * bytes + Place(rgb, c))]);
+      return static_cast<double>(
+          src[static_cast<std::size_t>(y * step + x * bytes + Place(rgb, c))]);
     };
     for (int p = l.planes - 1; p >= 0; --p) {  // all of them each time; one plane is compared
       const Bytes before = frame.bytes[p];
@@ -261,7 +270,8 @@ TEST(RgbToYuv, GivesAllLayoutsAndSitings) {
           }
         const Triple exact = ExactYuv(colors, mean);
         for (int c = 1; c < 3; ++c)
-          ASSERT_NEAR(frame.Sample(c, x / l.across, y / l.down), exact[static_cast<std::size_t>(c)], .52)
+          ASSERT_NEAR(frame.Sample(c, x / l.across, y / l.down), exact[static_cast<std::size_t>(c)],
+                      .52)
               << c << ": " << x << ' ' << y;
       }
     if (l.planes == 1 && size.width % 2) {
@@ -284,16 +294,19 @@ TEST(YuvRgb, RefusesInTheStatedOrderAndWritesNothing) {
     const int* steps;
     IppiSize size;
     int status;
-  } cases[] = {{8, -1, 3, 2, 3, nullptr, nullptr, {0, 0}, -2}, {0, 5, 3, 2, 3, nullptr, nullptr, {0, 0}, -2},
-               {-1, 0, 3, 2, 3, nullptr, nullptr, {0, 0}, -2}, {0, 0, 3, 2, 3, nullptr, nullptr, {0, 0}, -5},
-               {0, 0, 0, -1, 3, nullptr, nullptr, {0, 0}, -5}, {0, 0, 0, 0, 3, nullptr, nullptr, {0, 0}, -5},
-               {0, 0, 0, 0, 0, nullptr, steps, {0, 0}, -8},    {0, 0, 0, 0, 0, all, nullptr, {0, 0}, -8},
-               {0, 0, 0, 0, 0, lacking, steps, {0, 0}, -8},    {0, 0, 0, 0, 0, all, steps, {0, 4}, -6},
-               {0, 0, 0, 0, 0, all, steps, {4, -1}, -6}};
+  } cases[] = {
+      {8, -1, 3, 2, 3, nullptr, nullptr, {0, 0}, -2}, {0, 5, 3, 2, 3, nullptr, nullptr, {0, 0}, -2},
+      {-1, 0, 3, 2, 3, nullptr, nullptr, {0, 0}, -2}, {0, 0, 3, 2, 3, nullptr, nullptr, {0, 0}, -5},
+      {0, 0, 0, -1, 3, nullptr, nullptr, {0, 0}, -5}, {0, 0, 0, 0, 3, nullptr, nullptr, {0, 0}, -5},
+      {0, 0, 0, 0, 0, nullptr, steps, {0, 0}, -8},    {0, 0, 0, 0, 0, all, nullptr, {0, 0}, -8},
+      {0, 0, 0, 0, 0, lacking, steps, {0, 0}, -8},    {0, 0, 0, 0, 0, all, steps, {0, 4}, -6},
+      {0, 0, 0, 0, 0, all, steps, {4, -1}, -6}};
   for (const auto& c : cases) {
-    EXPECT_EQ(YuvToRgb(c.yuv, c.planes, c.steps, c.rgb, other.data(), 12, c.size, c.matrix, c.range, c.siting),
+    EXPECT_EQ(YuvToRgb(c.yuv, c.planes, c.steps, c.rgb, other.data(), 12, c.size, c.matrix, c.range,
+                       c.siting),
               c.status);
-    EXPECT_EQ(RgbToYuv(c.rgb, other.data(), 12, c.yuv, c.planes, c.steps, c.size, c.matrix, c.range, c.siting),
+    EXPECT_EQ(RgbToYuv(c.rgb, other.data(), 12, c.yuv, c.planes, c.steps, c.size, c.matrix, c.range,
+                       c.siting),
               c.status);
   }
   EXPECT_EQ(YuvToRgb(0, all, steps, 0, nullptr, 12, {0, 0}, 0, 0, 0), StatusNullPtrErr);

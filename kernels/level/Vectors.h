@@ -73,6 +73,7 @@ void StoreLimited32(void* p, Vec v);
 // lanes of 16 bits, or of 32, each to the low end of its lane; the 128 bits at p to every lane.
 Vec LoadHalves(const void* low, const void* high);
 void StoreLowHalf(void* p, Vec v);
+void StreamStoreLowHalf(void* p, Vec v);  // of 64 bits not past the caches
 Vec LoadBytesAs16(const void* p);
 Vec LoadBytesAs32(const void* p);
 Vec LoadSplat128(const void* p);

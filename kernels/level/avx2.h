@@ -100,6 +100,9 @@ QV_INLINE Vec LoadHalves(const void* low, const void* high) {
 QV_INLINE void StoreLowHalf(void* p, Vec v) {
   _mm_storeu_si128(static_cast<__m128i*>(p), Lane<0>(v));
 }
+QV_INLINE void StreamStoreLowHalf(void* p, Vec v) {
+  _mm_stream_si128(static_cast<__m128i*>(p), Lane<0>(v));
+}
 QV_INLINE Vec LoadBytesAs16(const void* p) {
   return _mm256_cvtepu8_epi16(_mm_loadu_si128(static_cast<const __m128i*>(p)));
 }

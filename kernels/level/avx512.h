@@ -125,6 +125,9 @@ QV_INLINE Vec LoadHalves(const void* low, const void* high) {
 QV_INLINE void StoreLowHalf(void* p, Vec v) {
   _mm256_storeu_si256(static_cast<__m256i*>(p), _mm512_castsi512_si256(v));
 }
+QV_INLINE void StreamStoreLowHalf(void* p, Vec v) {
+  _mm256_stream_si256(static_cast<__m256i*>(p), _mm512_castsi512_si256(v));
+}
 QV_INLINE Vec LoadBytesAs16(const void* p) {
   return _mm512_cvtepu8_epi16(_mm256_loadu_si256(static_cast<const __m256i*>(p)));
 }

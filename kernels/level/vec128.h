@@ -62,6 +62,7 @@ QV_INLINE Vec LoadHalves(const void* low, const void* high) {
                             _mm_loadl_epi64(static_cast<const Vec*>(high)));
 }
 QV_INLINE void StoreLowHalf(void* p, Vec v) { _mm_storel_epi64(static_cast<Vec*>(p), v); }
+QV_INLINE void StreamStoreLowHalf(void* p, Vec v) { StoreLowHalf(p, v); }
 QV_INLINE Vec LoadBytesAs16(const void* p) {
   return _mm_unpacklo_epi8(_mm_loadl_epi64(static_cast<const Vec*>(p)), _mm_setzero_si128());
 }

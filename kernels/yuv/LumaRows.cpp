@@ -35,12 +35,12 @@ QV_INLINE Vec Map(Vec bytes, LumaMap map) {
 QV_INLINE void Row(const Byte* src, int apart, Byte* dst, ptrdiff_t width, LumaMap map) {
   const ptrdiff_t covered = apart == 1 ? width : width - 1;
   const bool done =
-      apart == 1 ? CoverWithBlocks<kVecBytes>(covered, [=](ptrdiff_t x) {
-        Store(dst + x, Map(Load(src + x), map));
-      })
-                 : CoverWithBlocks<kVecBytes>(covered, [=](ptrdiff_t x) {
-        Store(dst + x, Map(EvenBytes(Load(src + 2 * x), Load(src + 2 * x + kVecBytes)), map));
-      });
+      apart == 1
+          ? CoverWithBlocks<kVecBytes>(
+                covered, [=](ptrdiff_t x) { Store(dst + x, Map(Load(src + x), map)); })
+          : CoverWithBlocks<kVecBytes>(covered, [=](ptrdiff_t x) {
+              Store(dst + x, Map(EvenBytes(Load(src + 2 * x), Load(src + 2 * x + kVecBytes)), map));
+            });
   const ptrdiff_t left = done ? covered : 0;
   RowPlain(src + left * apart, apart, dst + left, width - left, map);
 }

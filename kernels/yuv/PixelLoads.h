@@ -63,9 +63,9 @@ struct ThirdIndex {
 template <int c>
 QV_INLINE Vec ShuffleThirds(Vec v0, Vec v1, Vec v2) {
   static constexpr ThirdIndex index[3] = {{c, 0}, {c, 1}, {c, 2}};
-  return Or(Or(ShuffleBytes(v0, LoadSplat128(index[0].at)),
-               ShuffleBytes(v1, LoadSplat128(index[1].at))),
-            ShuffleBytes(v2, LoadSplat128(index[2].at)));
+  return Or(
+      Or(ShuffleBytes(v0, LoadSplat128(index[0].at)), ShuffleBytes(v1, LoadSplat128(index[1].at))),
+      ShuffleBytes(v2, LoadSplat128(index[2].at)));
 }
 
 // Four vectors of four pixels a lane, each lane shuffled to four first bytes, four second ones and
@@ -78,15 +78,16 @@ QV_INLINE ByteVectors ShuffleFourths(const Vec (&v)[4]) {
   for (int j = 0; j < 4; ++j) s[j] = ShuffleBytes(v[j], index);
   const Vec low0 = InterleaveLow32(s[0], s[1]), low1 = InterleaveLow32(s[2], s[3]);
   const Vec high0 = InterleaveHigh32(s[0], s[1]), high1 = InterleaveHigh32(s[2], s[3]);
-  return {{InterleaveLow64(low0, low1), InterleaveHigh64(low0, low1),
-           InterleaveLow64(high0, high1)}};
+  return {
+      {InterleaveLow64(low0, low1), InterleaveHigh64(low0, low1), InterleaveLow64(high0, high1)}};
 }
 
 // ---- And where they are not ---------------------------------------------------------------------
 
 QV_INLINE ByteVectors PackFourths(const Vec (&v)[4]) {
   const auto bytes = [&](auto part) {
-    return PackUnsigned16(PackSigned32(part(v[0]), part(v[1])), PackSigned32(part(v[2]), part(v[3])));
+    return PackUnsigned16(PackSigned32(part(v[0]), part(v[1])),
+                          PackSigned32(part(v[2]), part(v[3])));
   };
   const Vec low = Splat32(0xff);
   return {{bytes([=](Vec x) { return And(x, low); }),
@@ -98,7 +99,8 @@ QV_INLINE ByteVectors PackFourths(const Vec (&v)[4]) {
 // half: byte i goes to 2 i modulo 47, so that after four steps, 16 i modulo 47, byte 3 i + c has
 // come to i + 16 c.
 QV_INLINE ByteVectors InterleaveThirds(Vec v0, Vec v1, Vec v2) {
-  const auto swapHalves = [](Vec low, Vec high) {  // the high half of one, the low half of the other
+  const auto swapHalves = [](Vec low,
+                             Vec high) {  // the high half of one, the low half of the other
     return InterleaveLow64(InterleaveHigh64(low, low), high);
   };
   for (int step = 0; step < 4; ++step) {
@@ -121,8 +123,8 @@ QV_INLINE ByteVectors LoadPixels(const Byte* src) {
     return {{grey, grey, grey}};
   } else if constexpr (kHasBytePermute && kChannels == 3) {
     const Vec v0 = Load(src), v1 = Load(src + 64), v2 = Load(src + 128);
-    return {{PermuteThirds<0>(v0, v1, v2), PermuteThirds<1>(v0, v1, v2),
-             PermuteThirds<2>(v0, v1, v2)}};
+    return {
+        {PermuteThirds<0>(v0, v1, v2), PermuteThirds<1>(v0, v1, v2), PermuteThirds<2>(v0, v1, v2)}};
   } else if constexpr (kHasBytePermute) {
     return PermuteFourths(src);
   } else {

@@ -79,13 +79,13 @@ void ChromaPlain(const RowPair& rows, const RgbToYuvTerms& t, ChromaSiting sitin
 // The luma of pixels `from` to `to` - 1 of both rows.
 void LumaPlain(const RowPair& rows, const RgbToYuvTerms& t, ptrdiff_t from, ptrdiff_t to) {
   for (ptrdiff_t x = from; x < to; ++x)
-    for (int row = 0; row < 2; ++row)
-      rows.luma[row][x * rows.lumaApart] = LumaAt(rows, row, x, t);
+    for (int row = 0; row < 2; ++row) rows.luma[row][x * rows.lumaApart] = LumaAt(rows, row, x, t);
 }
 
 #if !QV_HAS_VECTORS
 
-QV_INLINE void ConvertPair(const RowPair& rows, const RgbToYuvTerms& t, ChromaSiting siting) {
+QV_INLINE void ConvertPair(const RowPair& rows, const RgbToYuvTerms& t, ChromaSiting siting,
+                           bool) {
   LumaPlain(rows, t, 0, rows.width);
   ChromaPlain(rows, t, siting, 0, rows.halfWidth ? (rows.width + 1) / 2 : rows.width);
 }
@@ -108,20 +108,17 @@ template <int kChannels>
 QV_INLINE BlockPixels LoadPixels256(const Byte* src) {
   const ByteVectors bytes = LoadPixels<kChannels>(src);
   BlockPixels block;
-  for (int c = 0; c < 3; ++c)
-    block.at[c] = {ShiftLeft16<8>(bytes.at[c]), HighBytes(bytes.at[c])};
+  for (int c = 0; c < 3; ++c) block.at[c] = {ShiftLeft16<8>(bytes.at[c]), HighBytes(bytes.at[c])};
   return block;
 }
 
 // Bytes of even and of odd places from the high bytes of 16-bit lanes.
-QV_INLINE Vec JoinHighBytes(Vec even, Vec odd) {
-  return Or(ShiftRight16<8>(even), HighBytes(odd));
-}
+QV_INLINE Vec JoinHighBytes(Vec even, Vec odd) { return Or(ShiftRight16<8>(even), HighBytes(odd)); }
 
 QV_INLINE Vec LumaOf(Vec a, Vec b, Vec c, const RgbToYuvTerms& t) {
-  return Add16(Add16(MulHighUnsigned16(a, Splat16(t.luma[0])),
-                     MulHighUnsigned16(b, Splat16(t.luma[1]))),
-               Add16(MulHighUnsigned16(c, Splat16(t.luma[2])), Splat16(t.lumaOffset)));
+  return Add16(
+      Add16(MulHighUnsigned16(a, Splat16(t.luma[0])), MulHighUnsigned16(b, Splat16(t.luma[1]))),
+      Add16(MulHighUnsigned16(c, Splat16(t.luma[2])), Splat16(t.lumaOffset)));
 }
 
 QV_INLINE Vec LumaOf(const BlockPixels& block, const RgbToYuvTerms& t) {
@@ -157,45 +154,44 @@ QV_INLINE Means SitedMeansOf(const BlockPixels& block, const Byte* src) {
   const ByteVectors before = LoadPixels<kChannels>(src - kChannels);
   Means means;
   for (int c = 0; c < 3; ++c)
-    means.at[c] = AverageUp16(block.at[c].even,
-                              AverageUp16(ShiftLeft16<8>(before.at[c]), block.at[c].odd));
+    means.at[c] =
+        AverageUp16(block.at[c].even, AverageUp16(ShiftLeft16<8>(before.at[c]), block.at[c].odd));
   return means;
 }
 
-// Where a block's chroma goes, from the first sample of a row on.
-struct ChromaTarget {
-  Byte* at[2];
-  Byte* first;  // in memory
-  int apart;
-  bool swapped;
-};
-
-QV_INLINE void StoreChroma(const ChromaTarget& to, ptrdiff_t i, const ChromaPair& chroma) {
-  if (to.apart == 1) {
-    StoreHighBytes(to.at[0] + i, chroma.p);
-    StoreHighBytes(to.at[1] + i, chroma.q);
-  } else {
-    Store(to.first + 2 * i, JoinPairs(chroma.p, chroma.q, to.swapped));
+// Where the second block begins, counted from the first, so that all that is stored from there on
+// is aligned; 0 if there is no such place.
+ptrdiff_t SecondBlock(const RowPair& rows, const Byte* chroma, ptrdiff_t from) {
+  if (rows.lumaApart == 2) {
+    const Byte* const groups = rows.luma[0] < chroma ? rows.luma[0] : chroma;
+    const ptrdiff_t bytes = BytesToAlign(groups + 2 * from);
+    return bytes % 4 == 0 ? kVecBytes - (kVecBytes - bytes) / 2 : 0;
   }
+  const ptrdiff_t second = BytesToAlign(rows.luma[0] + from);
+  if (second % 2 != 0 || BytesToAlign(rows.luma[1] + from) != second) return 0;
+  if (rows.apart == 2) return BytesToAlign(chroma + from) == second ? second : 0;
+  for (const Byte* plane : rows.chroma)
+    if (BytesToAlign<kVecBytes / 2>(plane + from / 2) != second / 2) return 0;
+  return second;
 }
 
 // Pixels `from` to `to` - 1, an even number from an even one; false if there are fewer than a block
 // has. `kRows` rows that share their chroma.
 template <int kChannels, int kRows, bool kSited>
-bool HalfWidthRows(const RowPair& rows, const RgbToYuvTerms& t, ptrdiff_t from, ptrdiff_t to) {
+bool HalfWidthRows(const RowPair& rows, const RgbToYuvTerms& t, ptrdiff_t from, ptrdiff_t to,
+                   bool stream) {
   const bool swapped = rows.chroma[1] < rows.chroma[0];
   Byte* const first = swapped ? rows.chroma[1] : rows.chroma[0];
-  const ChromaTarget target = {{rows.chroma[0], rows.chroma[1]}, first, rows.apart, swapped};
   const bool lumaFirst = rows.luma[0] < first;
-  return CoverWithBlocks<kVecBytes>(to - from, [=, &rows](ptrdiff_t at) {
+  const auto block = [=, &rows, &t](ptrdiff_t at, auto store) {
     const ptrdiff_t x = from + at;
     Vec luma[kRows];
     Means means[kRows];
     for (int row = 0; row < kRows; ++row) {
       const Byte* const src = rows.pixels[row] + kChannels * x;
-      const BlockPixels block = LoadPixels256<kChannels>(src);
-      luma[row] = LumaOf(block, t);
-      means[row] = kSited ? SitedMeansOf<kChannels>(block, src) : MeansOf(block);
+      const BlockPixels pixels = LoadPixels256<kChannels>(src);
+      luma[row] = LumaOf(pixels, t);
+      means[row] = kSited ? SitedMeansOf<kChannels>(pixels, src) : MeansOf(pixels);
     }
     if (kRows == 2)
       for (int c = 0; c < 3; ++c)
@@ -203,45 +199,59 @@ bool HalfWidthRows(const RowPair& rows, const RgbToYuvTerms& t, ptrdiff_t from, 
     const ChromaPair chroma = ChromaOf(means[0].at[0], means[0].at[1], means[0].at[2], t);
     if (rows.lumaApart == 2) {
       const Vec pairs = JoinPairs(chroma.p, chroma.q, swapped);
-      StoreInTurns8((lumaFirst ? rows.luma[0] : first) + 2 * x, lumaFirst ? luma[0] : pairs,
-                    lumaFirst ? pairs : luma[0]);
+      if (lumaFirst)
+        StoreInTurns8(rows.luma[0] + 2 * x, luma[0], pairs, store);
+      else
+        StoreInTurns8(first + 2 * x, pairs, luma[0], store);
       return;
     }
-    for (int row = 0; row < kRows; ++row) Store(rows.luma[row] + x, luma[row]);
-    StoreChroma(target, x / 2, chroma);
-  });
+    for (int row = 0; row < kRows; ++row) store(rows.luma[row] + x, luma[row]);
+    if (rows.apart == 2) {
+      store(first + x, JoinPairs(chroma.p, chroma.q, swapped));
+    } else {
+      StoreHighBytes(rows.chroma[0] + x / 2, chroma.p, store);
+      StoreHighBytes(rows.chroma[1] + x / 2, chroma.q, store);
+    }
+  };
+  const ptrdiff_t second = SecondBlock(rows, first, from);
+  return CoverWithBlocks<kVecBytes>(to - from, stream && second > 0, block,
+                                    second > 0 ? second : kVecBytes);
 }
 
 template <int kChannels>
-bool FullWidthRow(const RowPair& rows, const RgbToYuvTerms& t) {
-  return CoverWithBlocks<kVecBytes>(rows.width, [=, &rows](ptrdiff_t x) {
-    const BlockPixels block = LoadPixels256<kChannels>(rows.pixels[0] + kChannels * x);
-    const EvenOdd(&at)[3] = block.at;
-    Store(rows.luma[0] + x, LumaOf(block, t));
+bool FullWidthRow(const RowPair& rows, const RgbToYuvTerms& t, bool stream) {
+  const auto block = [=, &rows, &t](ptrdiff_t x, auto store) {
+    const BlockPixels pixels = LoadPixels256<kChannels>(rows.pixels[0] + kChannels * x);
+    const EvenOdd(&at)[3] = pixels.at;
+    store(rows.luma[0] + x, LumaOf(pixels, t));
     const ChromaPair even = ChromaOf(at[0].even, at[1].even, at[2].even, t);
     const ChromaPair odd = ChromaOf(at[0].odd, at[1].odd, at[2].odd, t);
-    Store(rows.chroma[0] + x, JoinHighBytes(even.p, odd.p));
-    Store(rows.chroma[1] + x, JoinHighBytes(even.q, odd.q));
-  });
+    store(rows.chroma[0] + x, JoinHighBytes(even.p, odd.p));
+    store(rows.chroma[1] + x, JoinHighBytes(even.q, odd.q));
+  };
+  const ptrdiff_t second = BytesToAlign(rows.luma[0]);
+  const bool aligns = BytesToAlign(rows.chroma[0]) == second && BytesToAlign(rows.chroma[1]) == second;
+  return CoverWithBlocks<kVecBytes>(rows.width, stream && aligns, block,
+                                    aligns ? second : kVecBytes);
 }
 
 // The plain rows do what blocks leave: an odd last pixel, and a first pair that has no pixel before
 // it.
 template <int kChannels>
-void ConvertPairOf(const RowPair& rows, const RgbToYuvTerms& t, ChromaSiting siting) {
+void ConvertPairOf(const RowPair& rows, const RgbToYuvTerms& t, ChromaSiting siting, bool stream) {
   if (!rows.halfWidth) {
-    if (FullWidthRow<kChannels>(rows, t)) return;
+    if (FullWidthRow<kChannels>(rows, t, stream)) return;
     LumaPlain(rows, t, 0, rows.width);
     ChromaPlain(rows, t, siting, 0, rows.width);
     return;
   }
   const ptrdiff_t even = rows.width & ~ptrdiff_t{1};
-  const bool sited = siting == ChromaSiting::Left, two = rows.pixels[0] != rows.pixels[1];
-  const auto convert = sited ? two ? HalfWidthRows<kChannels, 2, true> : HalfWidthRows<kChannels, 1, true>
-                       : two ? HalfWidthRows<kChannels, 2, false>
-                             : HalfWidthRows<kChannels, 1, false>;
+  const bool sited = siting == ChromaSiting::Left, two = rows.luma[0] != rows.luma[1];
+  const auto one = sited ? HalfWidthRows<kChannels, 1, true> : HalfWidthRows<kChannels, 1, false>;
+  const auto both = sited ? HalfWidthRows<kChannels, 2, true> : HalfWidthRows<kChannels, 2, false>;
+  const auto convert = two ? both : one;
   const ptrdiff_t from = sited ? 2 : 0;
-  const bool done = convert(rows, t, from, even);
+  const bool done = convert(rows, t, from, even, stream);
   const ptrdiff_t head = done ? from : 0, tail = done ? even : 0;
   LumaPlain(rows, t, 0, head);
   ChromaPlain(rows, t, siting, 0, head / 2);
@@ -249,28 +259,30 @@ void ConvertPairOf(const RowPair& rows, const RgbToYuvTerms& t, ChromaSiting sit
   ChromaPlain(rows, t, siting, tail / 2, (rows.width + 1) / 2);
 }
 
-QV_INLINE void ConvertPair(const RowPair& rows, const RgbToYuvTerms& t, ChromaSiting siting) {
+QV_INLINE void ConvertPair(const RowPair& rows, const RgbToYuvTerms& t, ChromaSiting siting,
+                           bool stream) {
   const auto convert = rows.channels == 1   ? ConvertPairOf<1>
                        : rows.channels == 3 ? ConvertPairOf<3>
                                             : ConvertPairOf<4>;
-  convert(rows, t, siting);
+  convert(rows, t, siting, stream);
 }
 
 #endif
 
 }  // namespace
 
-void RgbToYuv_8u(const RgbFrame<const Byte>* src, const YuvFrame<Byte>* dst,
-                 const RgbToYuvTerms* t, ChromaSiting siting, IppiSize size, int firstRow,
-                 int rows) {
+void RgbToYuv_8u(const RgbFrame<const Byte>* src, const YuvFrame<Byte>* dst, const RgbToYuvTerms* t,
+                 ChromaSiting siting, IppiSize size, int firstRow, int rows) {
   const ptrdiff_t end = ptrdiff_t{firstRow} + rows;
+  const bool stream = PassesCaches(size.width, size.height, dst->halfWidth ? 2 : 3);
   for (ptrdiff_t y = firstRow; y < end; y += dst->halfHeight ? 2 : 1) {
     const RowPair pair = RowsOf(*src, *dst, size, y);
-    ConvertPair(pair, *t, siting);
+    ConvertPair(pair, *t, siting, stream);
     if (pair.lumaApart == 2 && pair.width % 2)
       for (int row = 0; row < 2; ++row)
         pair.luma[row][2 * pair.width] = pair.luma[row][2 * pair.width - 2];
   }
+  if (stream) StreamFence();
 }
 
 }  // namespace qv::QV_LEVEL

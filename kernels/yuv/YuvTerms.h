@@ -43,8 +43,7 @@ constexpr YuvToRgbTerms MakeYuvToRgb(ColorMatrix k, bool full, bool swapped) {
   const Scale scale = ScaleOf(full);
   const int64_t green = all - k.red - k.blue;
   const auto factor = [&](int64_t weight) {  // of 2 (1 - weight)
-    return static_cast<uint16_t>(
-        Rounded(2 * (all - weight) * 255 * one, all * scale.chroma));
+    return static_cast<uint16_t>(Rounded(2 * (all - weight) * 255 * one, all * scale.chroma));
   };
   const auto inGreen = [&](int64_t weight) {
     return static_cast<uint16_t>(
@@ -137,7 +136,8 @@ constexpr bool GreysAreExact(const YuvToRgbTerms& t, LumaMap map, bool full) {
     const int luma = HighHalf(y << 8, t.luma), neutral = 128 << 8;
     if (Limited((luma + HighHalf(neutral, t.first) + t.offset[0]) >> 6) != grey ||
         Limited((luma - HighHalf(neutral, t.second[0]) - HighHalf(neutral, t.second[1]) +
-                 t.offset[1]) >> 6) != grey ||
+                 t.offset[1]) >>
+                6) != grey ||
         Limited((luma + HighHalf(neutral, t.third) + t.offset[2]) >> 6) != grey ||
         Limited((HighHalf(y << 8, map.factor) + map.offset) >> 6) != grey)
       return false;
@@ -172,7 +172,8 @@ constexpr bool FitsWords(const YuvToRgbTerms& t) {
 constexpr bool FitsWords(const RgbToYuvTerms& t) {
   constexpr int most = 255 << 8;
   return HighHalf(most, t.luma[0]) + HighHalf(most, t.luma[1]) + HighHalf(most, t.luma[2]) +
-                 t.lumaOffset < 65536 &&
+                 t.lumaOffset <
+             65536 &&
          HighHalf(most, t.half) + t.chromaOffset < 65536 && t.half <= t.chromaOffset;
 }
 

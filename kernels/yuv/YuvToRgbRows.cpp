@@ -28,8 +28,13 @@ SampleRows RowsOf(const YuvFrame<const Byte>& src, ChromaSiting siting, IppiSize
     next += y % 2 ? 1 : -1;
     if (next < 0 || next == chromaRows) next = near;
   }
-  SampleRows rows = {RowAt(src.luma, src.lumaStep, y), src.lumaApart, {}, {}, src.chromaApart,
-                     src.halfWidth, (size.width - 1) / (src.halfWidth ? 2 : 1)};
+  SampleRows rows = {RowAt(src.luma, src.lumaStep, y),
+                     src.lumaApart,
+                     {},
+                     {},
+                     src.chromaApart,
+                     src.halfWidth,
+                     (size.width - 1) / (src.halfWidth ? 2 : 1)};
   for (int c = 0; c < 2; ++c) {
     rows.near[c] = RowAt(src.chroma[c], src.chromaStep[c], near);
     rows.next[c] = RowAt(src.chroma[c], src.chromaStep[c], next);
@@ -64,7 +69,8 @@ void PixelsPlain(const SampleRows& rows, const YuvToRgbTerms& t, ChromaSiting si
     const int p = ChromaAt(rows, 0, x, siting), q = ChromaAt(rows, 1, x, siting);
     Byte* const pixel = dst + x * channels;
     pixel[0] = ToByte((luma + MulHigh(p, t.first) + t.offset[0]) >> 6);
-    pixel[1] = ToByte((luma - MulHigh(p, t.second[0]) - MulHigh(q, t.second[1]) + t.offset[1]) >> 6);
+    pixel[1] =
+        ToByte((luma - MulHigh(p, t.second[0]) - MulHigh(q, t.second[1]) + t.offset[1]) >> 6);
     pixel[2] = ToByte((luma + MulHigh(q, t.third) + t.offset[2]) >> 6);
     if (channels == 4) pixel[3] = 255;
   }
@@ -98,7 +104,9 @@ QV_INLINE ChromaTerms TermsOf(ChromaPair chroma, const YuvToRgbTerms& t) {
 // Half a block. Sums above 32767 are above 255 as a byte, and stay so.
 QV_INLINE Colors AddLuma(Vec luma256, const ChromaTerms& chroma, const YuvToRgbTerms& t) {
   const Vec luma = MulHighUnsigned16(luma256, Splat16(t.luma));
-  const auto sum = [=](Vec term) { return ShiftRightSigned16<6>(AddSaturatedSigned16(luma, term)); };
+  const auto sum = [=](Vec term) {
+    return ShiftRightSigned16<6>(AddSaturatedSigned16(luma, term));
+  };
   return {sum(chroma.blue), sum(chroma.green), sum(chroma.red)};
 }
 
@@ -137,12 +145,13 @@ struct Target {
   Byte* dst[kRows];
 };
 
-// Pixels from dst to the next vector, if that is an even number of them; else 0.
+// The most pixels up to a block from dst to a multiple of a vector, if that is an even number of
+// them; else 0.
 template <int kChannels>
 QV_INLINE ptrdiff_t EvenPixelsToAlign(const Byte* dst) {
   if constexpr (kChannels == 3) return EvenPixelsToAlign3(dst);
   const ptrdiff_t bytes = BytesToAlign(dst);
-  return bytes % 8 == 0 ? bytes / 4 : 0;
+  return bytes % 8 == 0 ? kBlockPixels - (kVecBytes - bytes) / 4 : 0;
 }
 
 // Calls block(x, store) for blocks that cover `width` pixels, an even number, each at an even one;
@@ -150,8 +159,7 @@ QV_INLINE ptrdiff_t EvenPixelsToAlign(const Byte* dst) {
 template <int kChannels, int kRows, class Block>
 QV_INLINE bool CoverRows(const Target<kRows>& target, ptrdiff_t width, bool stream, Block block) {
   const ptrdiff_t second = EvenPixelsToAlign<kChannels>(target.dst[0]);
-  const bool aligns =
-      second > 0 && second == EvenPixelsToAlign<kChannels>(target.dst[kRows - 1]);
+  const bool aligns = second > 0 && second == EvenPixelsToAlign<kChannels>(target.dst[kRows - 1]);
   return CoverWithBlocks<kBlockPixels>(width, stream && aligns, block,
                                        aligns ? second : kBlockPixels);
 }
@@ -249,17 +257,16 @@ void MixRows(const SampleRows& rows, ptrdiff_t first, ptrdiff_t count, MixedChro
   const ptrdiff_t from = first > 0 ? first - 1 : 0;
   const ptrdiff_t to = first + count <= rows.last ? first + count : rows.last;
   uint16_t* const at[2] = {mixed.at[0] + 1 - first, mixed.at[1] + 1 - first};
-  const bool done =
-      CoverWithBlocks<kVecBytes / 2>(to - from + 1, [=, &rows](ptrdiff_t i) {
-        const ChromaPair near = LoadPair(rows, rows.near, from + i);
-        const ChromaPair next = LoadPair(rows, rows.next, from + i);
-        Store(at[0] + from + i, Mix(near.p, next.p));
-        Store(at[1] + from + i, Mix(near.q, next.q));
-      });
+  const bool done = CoverWithBlocks<kVecBytes / 2>(to - from + 1, [=, &rows](ptrdiff_t i) {
+    const ChromaPair near = LoadPair(rows, rows.near, from + i);
+    const ChromaPair next = LoadPair(rows, rows.next, from + i);
+    Store(at[0] + from + i, Mix(near.p, next.p));
+    Store(at[1] + from + i, Mix(near.q, next.q));
+  });
   for (int c = 0; c < 2; ++c) {
     for (ptrdiff_t i = from; !done && i <= to; ++i)
-      at[c][i] = static_cast<uint16_t>(3 * rows.near[c][i * rows.apart] +
-                                       rows.next[c][i * rows.apart]);
+      at[c][i] =
+          static_cast<uint16_t>(3 * rows.near[c][i * rows.apart] + rows.next[c][i * rows.apart]);
     if (first == 0) at[c][-1] = at[c][0];
     if (to < first + count) at[c][to + 1] = at[c][to];
   }
@@ -311,8 +318,8 @@ bool InterpolatedRow(const SampleRows& rows, const Target<1>& target, const YuvT
     const ptrdiff_t from = x + count <= width ? x : width - count;
     MixedChroma mixed;
     MixRows(rows, from / 2, count / 2, mixed);
-    InterpolatedPiece<kChannels>(rows, mixed, target.dst[0], t,
-                                 kWeights[static_cast<int>(siting)], from, count, stream);
+    InterpolatedPiece<kChannels>(rows, mixed, target.dst[0], t, kWeights[static_cast<int>(siting)],
+                                 from, count, stream);
   }
   return true;
 }
@@ -371,9 +378,8 @@ QV_INLINE void ConvertRows(const YuvFrame<const Byte>& src, const RgbFrame<Byte>
 
 }  // namespace
 
-void YuvToRgb_8u(const YuvFrame<const Byte>* src, const RgbFrame<Byte>* dst,
-                 const YuvToRgbTerms* t, ChromaSiting siting, IppiSize size, int firstRow,
-                 int rows) {
+void YuvToRgb_8u(const YuvFrame<const Byte>* src, const RgbFrame<Byte>* dst, const YuvToRgbTerms* t,
+                 ChromaSiting siting, IppiSize size, int firstRow, int rows) {
   ConvertRows(*src, *dst, *t, siting, size, firstRow, ptrdiff_t{firstRow} + rows);
 }
 

@@ -67,28 +67,30 @@ QV_INLINE Vec SecondTwice16(Vec v) {
 }
 
 // Bytes of two vectors in turns, 2 * kVecBytes of them.
-QV_INLINE void StoreInTurns8(Byte* dst, Vec even, Vec odd) {
+template <class Store>
+QV_INLINE void StoreInTurns8(Byte* dst, Vec even, Vec odd, Store store) {
   if constexpr (kHasBytePermute) {
     static constexpr ByteTable low = MakeByteTable([](int i) { return i / 2 + i % 2 * kVecBytes; });
     static constexpr ByteTable high =
         MakeByteTable([](int i) { return kVecBytes / 2 + i / 2 + i % 2 * kVecBytes; });
-    Store(dst, PermuteBytes2(even, Load(low.b), odd));
-    Store(dst + kVecBytes, PermuteBytes2(even, Load(high.b), odd));
+    store(dst, PermuteBytes2(even, Load(low.b), odd));
+    store(dst + kVecBytes, PermuteBytes2(even, Load(high.b), odd));
   } else {
     const Vec low = InterleaveLow8(even, odd), high = InterleaveHigh8(even, odd);
-    Store(dst, JoinEvenLanes(low, high));
-    Store(dst + kVecBytes, JoinOddLanes(low, high));
+    store(dst, JoinEvenLanes(low, high));
+    store(dst + kVecBytes, JoinOddLanes(low, high));
   }
 }
 
 // The high bytes of 16-bit lanes, kVecBytes / 2 of them.
-QV_INLINE void StoreHighBytes(Byte* dst, Vec v) {
+template <class Store>
+QV_INLINE void StoreHighBytes(Byte* dst, Vec v, Store store) {
   if constexpr (kHasBytePermute) {
     static constexpr ByteTable index = MakeByteTable([](int i) { return (2 * i + 1) % kVecBytes; });
-    StoreLowHalf(dst, PermuteBytes(v, Load(index.b)));
+    store.LowHalf(dst, PermuteBytes(v, Load(index.b)));
   } else {
     const Vec low = ShiftRight16<8>(v);
-    StoreLowHalf(dst, PackBytesInOrder(low, low));
+    store.LowHalf(dst, PackBytesInOrder(low, low));
   }
 }
 
@@ -97,12 +99,10 @@ template <class Store>
 QV_INLINE void StoreBGRA(Byte* dst, const Colors& first, const Colors& second, Store store) {
   if constexpr (kHasBytePermute) {
     // Lanes of eight blues and eight greens, and of eight reds and eight alphas.
-    static constexpr ByteTable low = MakeByteTable([](int i) {
-      return i / 32 * 16 + i / 4 % 8 + i % 2 * 8 + (i & 2 ? kVecBytes : 0);
-    });
-    static constexpr ByteTable high = MakeByteTable([](int i) {
-      return 32 + i / 32 * 16 + i / 4 % 8 + i % 2 * 8 + (i & 2 ? kVecBytes : 0);
-    });
+    static constexpr ByteTable low = MakeByteTable(
+        [](int i) { return i / 32 * 16 + i / 4 % 8 + i % 2 * 8 + (i & 2 ? kVecBytes : 0); });
+    static constexpr ByteTable high = MakeByteTable(
+        [](int i) { return 32 + i / 32 * 16 + i / 4 % 8 + i % 2 * 8 + (i & 2 ? kVecBytes : 0); });
     const auto half = [=](Byte* to, const Colors& c) {
       const Vec blueGreen = PackUnsigned16(c.blue, c.green);
       const Vec redAlpha = PackUnsigned16(c.red, Splat16(255));

@@ -13,8 +13,8 @@ namespace {
 template <class Byte, class Make>
 YuvFrame<Byte> MakeFrame(Case& c, IppiSize size, Make make) {
   enum { kPlanes420, kPlanes422, kPlanes444, kPairs, kGroups };
-  const int form = c.IsBench() ? kPairs
-                               : c.random.Pick(kPlanes420, kPlanes422, kPlanes444, kPairs, kGroups);
+  const int form =
+      c.IsBench() ? kPairs : c.random.Pick(kPlanes420, kPlanes422, kPlanes444, kPairs, kGroups);
   const bool halfHeight = form == kPlanes420 || form == kPairs, swapped = c.random.OneIn(2);
   const int width = form == kPlanes444 ? size.width : (size.width + 1) / 2;
   const int height = halfHeight ? (size.height + 1) / 2 : size.height;
@@ -22,18 +22,29 @@ YuvFrame<Byte> MakeFrame(Case& c, IppiSize size, Make make) {
     const Image groups = make(4 * width, height);
     const int lumaAt = c.random.Between(0, 1);
     Byte* const chroma = groups.data + 1 - lumaAt;
-    return {groups.data + lumaAt, groups.step, 2,
-            {chroma + (swapped ? 2 : 0), chroma + (swapped ? 0 : 2)}, {groups.step, groups.step}, 4,
-            true, false};
+    return {groups.data + lumaAt,
+            groups.step,
+            2,
+            {chroma + (swapped ? 2 : 0), chroma + (swapped ? 0 : 2)},
+            {groups.step, groups.step},
+            4,
+            true,
+            false};
   }
   const Image luma = make(size.width, size.height);
   if (form == kPairs) {
     const Image pairs = make(2 * width, height);
-    return {luma.data, luma.step, 1, {pairs.data + (swapped ? 1 : 0), pairs.data + (swapped ? 0 : 1)},
-            {pairs.step, pairs.step}, 2, true, true};
+    return {luma.data,
+            luma.step,
+            1,
+            {pairs.data + (swapped ? 1 : 0), pairs.data + (swapped ? 0 : 1)},
+            {pairs.step, pairs.step},
+            2,
+            true,
+            true};
   }
   const Image first = make(width, height), second = make(width, height);
-  return {luma.data, luma.step, 1, {first.data, second.data}, {first.step, second.step}, 1,
+  return {luma.data,          luma.step, 1, {first.data, second.data}, {first.step, second.step}, 1,
           form != kPlanes444, halfHeight};
 }
 
