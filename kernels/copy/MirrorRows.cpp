@@ -96,12 +96,10 @@ void ReverseRow<3>(const Byte* src, Byte* dst, ptrdiff_t width,
           const Vec128 v0 = Load128(src + 3 * x), v1 = Load128(src + 3 * x + 16),
                       v2 = Load128(src + 3 * x + 32);
           Byte* const to = end - 48 - 3 * x;
-          store.Lane(to, _mm_or_si128(ShuffleBytes(v2, from02), ShuffleBytes(v1, from01)));
-          store.Lane(
-              to + 16,
-              _mm_or_si128(_mm_or_si128(ShuffleBytes(v2, from12), ShuffleBytes(v1, from11)),
-                               ShuffleBytes(v0, from10)));
-          store.Lane(to + 32, _mm_or_si128(ShuffleBytes(v1, from21), ShuffleBytes(v0, from20)));
+          store.Lane(to, Or(ShuffleBytes(v2, from02), ShuffleBytes(v1, from01)));
+          store.Lane(to + 16, Or(Or(ShuffleBytes(v2, from12), ShuffleBytes(v1, from11)),
+                                 ShuffleBytes(v0, from10)));
+          store.Lane(to + 32, Or(ShuffleBytes(v1, from21), ShuffleBytes(v0, from20)));
         },
         17 - PixelsToAlign3<16>(end - 3));
     if (!done) ReverseRowPlain<3>(src, dst, width);

@@ -31,7 +31,7 @@ struct PreparedPalette<false> {
     for (int n = mask + 1; n < 256; n *= 2) memcpy(entry + n, entry, 4 * static_cast<size_t>(n));
   }
 
-  // Pixels by twos in words of eight bytes, whose last two the next ones overwrite.
+  // Two pixels at a time in words of eight bytes, whose last two the next pair overwrites.
   void Row(const Byte* src, Byte* dst, ptrdiff_t width) const {
     ptrdiff_t k = 0;
     for (; k <= width - 3; k += 2) {

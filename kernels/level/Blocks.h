@@ -61,16 +61,22 @@ QV_INLINE bool CoverWithBlocks(ptrdiff_t count, bool stream, Block block,
                 : CoverWithBlocksBy<kBlock>(StoreInCaches(), count, block, second);
 }
 
-// The same for a row that is changed in place: p[k] = function(p[k]) for a Vec of bytes at a time.
-// The first and the last vector are loaded before their bytes can have been changed.
-template <class Function>
-QV_INLINE bool ApplyInPlace(const Byte* src, Byte* dst, ptrdiff_t count, Function function) {
-  if (count < kVecBytes) return false;
-  const Vec first = Load(src), last = Load(src + count - kVecBytes);
-  for (ptrdiff_t i = BytesToAlign(dst); i <= count - kVecBytes; i += kVecBytes)
-    Store(dst + i, function(Load(src + i)));
-  Store(dst, function(first));
-  Store(dst + count - kVecBytes, function(last));
+// The same for a row that may be its own source. compute(first) loads the inputs of kBlock elements
+// and returns their result, put(first, result, store) stores it by store(p, v), past the caches if
+// `stream` in all but the first and the last block. These two are computed before anything is
+// stored, so that overlapping blocks see inputs, not results.
+template <int kBlock, class Compute, class Put>
+QV_INLINE bool CoverInPlace(ptrdiff_t count, bool stream, ptrdiff_t second, Compute compute,
+                            Put put) {
+  if (count < kBlock) return false;
+  const auto first = compute(0), last = compute(count - kBlock);
+  ptrdiff_t i = second;
+  if (stream)
+    for (; i <= count - kBlock; i += kBlock) put(i, compute(i), StorePastCaches());
+  else
+    for (; i <= count - kBlock; i += kBlock) put(i, compute(i), StoreInCaches());
+  put(0, first, StoreInCaches());
+  put(count - kBlock, last, StoreInCaches());
   return true;
 }
 

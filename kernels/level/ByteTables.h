@@ -16,6 +16,9 @@ constexpr ByteTable MakeByteTable(Function function) {
   return table;
 }
 
+// Every byte's own number: the index that leaves a vector as it is.
+constexpr ByteTable kByteNumbers = MakeByteTable([](int i) { return i; });
+
 // The first `count` bytes of 64 that start at byte `first`; 0 to 64 of them.
 QV_INLINE unsigned long long FirstOf64(ptrdiff_t count, ptrdiff_t first) {
   const ptrdiff_t n = count - first;

@@ -40,6 +40,13 @@ namespace qv::QV_LEVEL {
 constexpr int kLanes32 = kVecBytes / 4, kLanes128 = kVecBytes / 16;
 
 QV_INLINE Vec Load(const void* p) { return QV_BITS_OP(loadu_)(static_cast<const Vec*>(p)); }
+// For a vector that several operations take: GCC 12 would load it again for each of them, and a
+// load that crosses a cache line is two.
+QV_INLINE Vec LoadOnce(const void* p) {
+  Vec v = Load(p);
+  asm("" : "+v"(v));
+  return v;
+}
 QV_INLINE void Store(void* p, Vec v) { QV_BITS_OP(storeu_)(static_cast<Vec*>(p), v); }
 // Past the caches; p is a multiple of kVecBytes. Ends with StreamFence before the kernel returns.
 QV_INLINE void StreamStore(void* p, Vec v) { QV_BITS_OP(stream_)(static_cast<Vec*>(p), v); }
@@ -49,8 +56,12 @@ QV_INLINE Vec Zero() { return QV_BITS_OP(setzero_)(); }
 QV_INLINE Vec Splat8(int x) { return QV_OP(set1_epi8)(static_cast<char>(x)); }
 QV_INLINE Vec Splat16(int x) { return QV_OP(set1_epi16)(static_cast<short>(x)); }
 QV_INLINE Vec Splat32(int x) { return QV_OP(set1_epi32)(x); }
+QV_INLINE Vec Splat64(long long x) { return Vec{} + x; }  // the type is one of 64-bit integers
 // In each 32-bit lane the low 16 bits of `a`, and above them those of `b`.
 QV_INLINE Vec Pair16(Vec a, Vec b) { return Or(And(a, Splat32(0xFFFF)), ShiftLeft32<16>(b)); }
+
+// a ^ b ^ c.
+Vec Xor(Vec a, Vec b, Vec c);
 
 // 128-bit lane i is stored at the address at(i).
 template <class At> void StoreLanes(Vec v, At at);
@@ -58,12 +69,32 @@ template <class At> void StoreLanes(Vec v, At at);
 void StoreLowBytes32(void* p, Vec v);
 void StoreLimited32(void* p, Vec v);
 
+// Half a vector from each of two addresses, and the low half to one; as many bytes as a vector has
+// lanes of 16 bits, or of 32, each to the low end of its lane; the 128 bits at p to every lane.
+Vec LoadHalves(const void* low, const void* high);
+void StoreLowHalf(void* p, Vec v);
+Vec LoadBytesAs16(const void* p);
+Vec LoadBytesAs32(const void* p);
+Vec LoadSplat128(const void* p);
+
 // Bytes from the 16-bit lanes of `a` and then of `b`, with saturation, all in order.
 Vec PackBytesInOrder(Vec a, Vec b);
 // Whether any signed 32-bit lane is below 0.
 bool AnyNegative32(Vec v);
-// 32-bit lane `lane` of each 128-bit lane in all four of it.
-template <int lane> Vec SplatInLanes32(Vec v);
+
+// Within each 128-bit lane: 32-bit lanes i0 to i3 in this order; lane i in all four places; 16-bit
+// lanes of the low half in this order, or of the high one, while the other half stays.
+template <int i0, int i1, int i2, int i3> Vec ShuffleLanes32(Vec v);
+template <int i> QV_INLINE Vec SplatInLanes32(Vec v) { return ShuffleLanes32<i, i, i, i>(v); }
+template <int i0, int i1, int i2, int i3> QV_INLINE Vec ShuffleLow16(Vec v) {
+  return QV_OP(shufflelo_epi16)(v, i0 + 4 * i1 + 16 * i2 + 64 * i3);
+}
+template <int i0, int i1, int i2, int i3> QV_INLINE Vec ShuffleHigh16(Vec v) {
+  return QV_OP(shufflehi_epi16)(v, i0 + 4 * i1 + 16 * i2 + 64 * i3);
+}
+
+// The high halves of 32-bit lanes: those of `even` in even 16-bit lanes, of `odd` in odd ones.
+Vec HighHalves16(Vec even, Vec odd);
 
 // All bytes in reverse order; both 128-bit lanes of a vector as the lowest, or as the highest, of
 // them (of one lane: itself; not defined for four).
@@ -73,6 +104,8 @@ Vec HighLaneTwice(Vec v);
 // The vector's low half as the low halves of all 128-bit lanes, its high half as the high ones:
 // InterleaveLow8 and InterleaveHigh8 of two such vectors are those of the whole vectors.
 Vec DealHalves(Vec v);
+// Three vectors' 128-bit lanes in turns: a0 b0 c0 a1 b1 c1 (not defined for four lanes).
+void LanesInTurns(Vec& a, Vec& b, Vec& c);
 
 // The same of a Vec128; of fewer bits the lowest, and the others are loaded as 0.
 QV_INLINE Vec128 Load128(const void* p) { return _mm_loadu_si128(static_cast<const Vec128*>(p)); }
@@ -117,10 +150,11 @@ template <class At> QV_INLINE Vec LoadPieces64(At at) {
       [=](int i) { return InterleaveLow64(Load64(at(2 * i)), Load64(at(2 * i + 1))); });
 }
 
-// 128-bit lane `lane`; the lowest one; and a vector whose other lanes hold anything.
+// 128-bit lane `lane`; the lowest one; and a vector whose other lanes hold anything, or 0.
 template <int lane> Vec128 Lane(Vec v);
 QV_INLINE Vec128 LowLane(Vec v) { return Lane<0>(v); }
 Vec FromLane(Vec128 v);
+Vec FromLaneAlone(Vec128 v);
 
 // kHasLanePermute. 32-bit lane i is that whose number is in lane i of `index`.
 Vec PermuteLanes32(Vec v, Vec index);
@@ -149,6 +183,19 @@ Vec LoadPart(const void* p, unsigned long long mask);
 void StorePart(void* p, Vec v, unsigned long long mask);
 Vec Select(unsigned long long mask, Vec a, Vec b);
 unsigned long long TopBits(Vec v);
+// SubPart16: a - b in the 16-bit lanes whose mask bit is set, `a` in the others.
+Vec SubPart16(unsigned mask, Vec a, Vec b);
+
+// The sum of all 64-bit lanes.
+QV_INLINE uint64_t SumLanes64(Vec v) {
+  Vec128 sum = LowLane(v);
+  if constexpr (kLanes128 == 2) sum = Add64(sum, Lane<1>(v));
+  if constexpr (kLanes128 == 4)
+    sum = Add64(Add64(sum, Lane<1>(v)), Add64(Lane<2>(v), Lane<3>(v)));
+  uint64_t total;
+  Store64(&total, Add64(sum, InterleaveHigh64(sum, sum)));
+  return total;
+}
 
 }  // namespace qv::QV_LEVEL
 
