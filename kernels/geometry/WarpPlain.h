@@ -2,6 +2,7 @@
 #ifndef QV_KERNELS_GEOMETRY_WARPPLAIN_H
 #define QV_KERNELS_GEOMETRY_WARPPLAIN_H
 
+#include "kernels/KeysCubic.h"
 #include "kernels/geometry/WarpSource.h"
 #include "kernels/level/Common.h"
 #include "kernels/level/PlainFloats.h"
@@ -59,8 +60,13 @@ QV_INLINE void SampleLinear(const WarpSource& s, long long px, long long py, Byt
   }
 }
 
-// Along x first, to 6 fractional bits: the weights' positive part is at most 1.125, and
-// 255 * 1.125 * 2^6 fits 15 bits. The second sum stays below 2^29.
+// Along x first, to 6 fractional bits, which fit 16 bits; the second sum fits 32. Weights are
+// rounded, which a unit of 2^-kWarpBits each makes up for.
+constexpr double kCubicLeast = kKeysLeast - 0x1p-13, kCubicMost = kKeysMost + 0x1p-13;
+static_assert(255 * 64 * kCubicLeast >= INT16_MIN && 255 * 64 * kCubicMost <= INT16_MAX);
+static_assert(255 * 0x1p20 * (kCubicMost * kCubicMost + kCubicLeast * kCubicLeast) + kCubicRound <=
+              INT32_MAX);
+
 template <int kChannels>
 QV_INLINE void SampleCubic(const WarpSource& s, long long px, long long py, Byte* out) {
   constexpr int kTaps[4] = {0, 2, 1, 3};  // where the table keeps taps -1, 0, 1, 2
