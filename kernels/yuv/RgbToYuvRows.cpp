@@ -130,7 +130,7 @@ QV_INLINE Vec LumaOf(const BlockPixels& block, const RgbToYuvTerms& t) {
 // The two chroma samples in the high bytes of 16-bit lanes, of bytes or means times 256.
 QV_INLINE ChromaPair ChromaOf(Vec a, Vec b, Vec c, const RgbToYuvTerms& t) {
   const auto product = [](Vec v, int factor) { return MulHighUnsigned16(v, Splat16(factor)); };
-  const auto chroma = [=, &t](Vec own, Vec other, const uint16_t(&less)[2]) {
+  const auto chroma = [=](Vec own, Vec other, const uint16_t(&less)[2]) {
     return Sub16(Add16(product(own, t.half), Splat16(t.chromaOffset)),
                  Add16(product(b, less[0]), product(other, less[1])));
   };
@@ -183,7 +183,7 @@ bool HalfWidthRows(const RowPair& rows, const RgbToYuvTerms& t, ptrdiff_t from, 
   const bool swapped = rows.chroma[1] < rows.chroma[0];
   Byte* const first = swapped ? rows.chroma[1] : rows.chroma[0];
   const bool lumaFirst = rows.luma[0] < first;
-  const auto block = [=, &rows, &t](ptrdiff_t at, auto store) {
+  const auto block = [=](ptrdiff_t at, auto store) {
     const ptrdiff_t x = from + at;
     Vec luma[kRows];
     Means means[kRows];
@@ -220,7 +220,7 @@ bool HalfWidthRows(const RowPair& rows, const RgbToYuvTerms& t, ptrdiff_t from, 
 
 template <int kChannels>
 bool FullWidthRow(const RowPair& rows, const RgbToYuvTerms& t, bool stream) {
-  const auto block = [=, &rows, &t](ptrdiff_t x, auto store) {
+  const auto block = [=](ptrdiff_t x, auto store) {
     const BlockPixels pixels = LoadPixels256<kChannels>(rows.pixels[0] + kChannels * x);
     const EvenOdd(&at)[3] = pixels.at;
     store(rows.luma[0] + x, LumaOf(pixels, t));
