@@ -45,8 +45,8 @@ QV_INLINE float Of255(int x) { return RoundToFloat(static_cast<float>(x) / 255.0
 // The sum is at most 255 and the divisor at least 1 / 255: no operation comes near overflow or the
 // subnormal range.
 [[maybe_unused]] void ColorRowPlain(Byte* fg, const Byte* fgAlpha, const Byte* bg,
-                                     const Byte* bgAlpha, const Byte* mergedAlpha,
-                                     ptrdiff_t bytes) {
+                                    const Byte* bgAlpha, const Byte* mergedAlpha,
+                                    ptrdiff_t bytes) {
   for (ptrdiff_t i = 0; i < bytes; ++i) {
     const ptrdiff_t pixel = i / 3;
     const float fgWeight = Of255(fgAlpha[pixel]);
@@ -77,7 +77,7 @@ void AlphaRow(Byte* dstAlpha, const Byte* bgAlpha, ptrdiff_t width) {
 }
 
 void ColorRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
-               const Byte* mergedAlpha, ptrdiff_t bytes) {
+              const Byte* mergedAlpha, ptrdiff_t bytes) {
   const auto at = [=](ptrdiff_t x) {
     return OverPixels{fg + 3 * x, fgAlpha + x, bg + 3 * x, bgAlpha + x, mergedAlpha + x};
   };
@@ -120,7 +120,7 @@ IppStatus MergeAlphaOver_8u(Byte* fg, int fgStep, const Byte* fgAlpha, int fgAlp
     AlphaRow(RowAt(dstAlpha, fgAlphaStep, y), RowAt(bgAlpha, bgAlphaStep, y), width);
   for (int y = 0; y < height; ++y)
     ColorRow(RowAt(fg, fgStep, y), RowAt(fgAlpha, fgAlphaStep, y), RowAt(bg, bgStep, y),
-              RowAt(bgAlpha, bgAlphaStep, y), RowAt(dstAlpha, fgAlphaStep, y), rowBytes);
+             RowAt(bgAlpha, bgAlphaStep, y), RowAt(dstAlpha, fgAlphaStep, y), rowBytes);
   return StatusOk;
 }
 

@@ -107,7 +107,7 @@ Vec DealHalves(Vec v);
 // Three vectors' 128-bit lanes in turns: a0 b0 c0 a1 b1 c1 (not defined for four lanes).
 void LanesInTurns(Vec& a, Vec& b, Vec& c);
 
-// The same of a Vec128; of fewer bits the lowest, and the others are loaded as 0.
+// Of a Vec128: all its bits, or the lowest; the others are loaded as 0.
 QV_INLINE Vec128 Load128(const void* p) { return _mm_loadu_si128(static_cast<const Vec128*>(p)); }
 QV_INLINE Vec128 Load64(const void* p) { return _mm_loadl_epi64(static_cast<const Vec128*>(p)); }
 QV_INLINE Vec128 FromBits32(uint32_t bits) { return _mm_cvtsi32_si128(static_cast<int>(bits)); }
