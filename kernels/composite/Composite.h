@@ -27,8 +27,8 @@ extern QV_HIDDEN const Dispatched<IppStatus(
     unsigned char* dstAlpha, int width, int height)> MergeAlphaOverPlain_8u;
 
 // The single-precision path of the same: first dstAlpha is merged in place (width pixels a row,
-// none if that is below 1), then rowBytes colour bytes a row. The floating-point environment of the
-// caller has no influence and is left as it was. Checks nothing and returns StatusOk.
+// none if that is below 1), then rowBytes colour bytes a row. Wants a FloatEnvironment. Checks
+// nothing and returns StatusOk.
 extern QV_HIDDEN const Dispatched<IppStatus(
     unsigned char* fg, int fgStep, const unsigned char* fgAlpha, int fgAlphaStep,
     const unsigned char* bg, int bgStep, const unsigned char* bgAlpha, int bgAlphaStep,
