@@ -86,11 +86,13 @@ ChromaSiting SitingOf(int siting) {
                                   : ChromaSiting::Repeat;
 }
 
-// Calls rows(first, count) for bands of a frame, which begin on even rows. The two layouts make the
-// difference to how long a pixel takes, which way it goes included.
+// Calls rows(first, count) for bands of a frame, which begin on even rows. How long a pixel takes
+// depends on the way and on both layouts.
 template <class Kernel, class Rows>
-IppStatus RunRows(Kernel* kernel, int yuvLayout, int rgbLayout, IppiSize size, const Rows& rows) {
-  const Work work = {1ll * size.width * size.height, MethodOf(kernel, yuvLayout * 8 + rgbLayout)};
+IppStatus RunRows(const Kernel& kernel, int yuvLayout, int rgbLayout, IppiSize size,
+                  const Rows& rows) {
+  const int layouts = (yuvLayout * 8 + rgbLayout) << 16;
+  const Work work = {1ll * size.width * size.height, MethodOf(kernel, layouts)};
   return RunBands(PlanEvenBands(size.height, ThreadBudget), work, [&](Band band) {
     rows(static_cast<int>(band.first), band.length);
     return StatusOk;

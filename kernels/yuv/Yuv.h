@@ -9,6 +9,7 @@
 
 #include <stdint.h>
 
+#include "dispatch/Dispatched.h"
 #include "qvAcceleratedLib/CqvAccLib.h"
 
 namespace qv {
@@ -72,9 +73,9 @@ enum class ChromaSiting {
 // and a fourth of 255. Chroma that is not repeated is linear interpolation, exact in 256ths:
 // vertically by 3 : 1 between the two nearest rows (frames of half the height), horizontally by
 // 3 : 1 (Centre) or, for odd pixels, 1 : 1 (Left); samples outside are those of the edge.
-void YuvToRgb_8u(const YuvFrame<const unsigned char>* src, const RgbFrame<unsigned char>* dst,
-                 const YuvToRgbTerms* t, ChromaSiting siting, IppiSize size, int firstRow,
-                 int rows);
+extern QV_HIDDEN const Dispatched<void(
+    const YuvFrame<const unsigned char>* src, const RgbFrame<unsigned char>* dst,
+    const YuvToRgbTerms* t, ChromaSiting siting, IppiSize size, int firstRow, int rows)> YuvToRgb_8u;
 
 // The other way. With a, b, c the pixel's bytes times 256 or, for chroma, their means times 256:
 //   luma        (a * t.luma[0] >> 16) + (b * t.luma[1] >> 16) + (c * t.luma[2] >> 16)
@@ -86,14 +87,15 @@ void YuvToRgb_8u(const YuvFrame<const unsigned char>* src, const RgbFrame<unsign
 // A mean is that of a block of two columns and, at half the height, two rows; with Left columns
 // 2 i - 1, 2 i, 2 i + 1 count 1 : 2 : 1. Columns and rows outside are those of the edge. In packed
 // groups the second luma of an odd last one repeats the first. A fourth byte is not looked at.
-void RgbToYuv_8u(const RgbFrame<const unsigned char>* src, const YuvFrame<unsigned char>* dst,
-                 const RgbToYuvTerms* t, ChromaSiting siting, IppiSize size, int firstRow,
-                 int rows);
+extern QV_HIDDEN const Dispatched<void(
+    const RgbFrame<const unsigned char>* src, const YuvFrame<unsigned char>* dst,
+    const RgbToYuvTerms* t, ChromaSiting siting, IppiSize size, int firstRow, int rows)> RgbToYuv_8u;
 
 // Luma as grey and grey as luma: dst[x] = clamp((src[apart * x] * 256 * map.factor >> 16)
 // + map.offset >> 6).
-void MapLuma_8u(const unsigned char* src, int srcStep, int apart, unsigned char* dst, int dstStep,
-                IppiSize size, LumaMap map);
+extern QV_HIDDEN const Dispatched<void(
+    const unsigned char* src, int srcStep, int apart, unsigned char* dst, int dstStep,
+    IppiSize size, LumaMap map)> MapLuma_8u;
 
 }  // namespace qv
 
