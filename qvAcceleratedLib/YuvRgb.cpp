@@ -136,11 +136,12 @@ void GreyToPlanes(const unsigned char* src, int srcStep, const YuvFrame<unsigned
              {size.width, band.length}, kGreyToLuma[range]);
   const int across = dst.halfWidth ? 2 : 1, down = dst.halfHeight ? 2 : 1;
   const IppiSize half = {(size.width - 1) / across + 1, (band.length - 1) / down + 1};
-  // Of pairs, both samples are filled at once.
-  const IppiSize bytes = {half.width * dst.chromaApart, half.height};
-  for (int c = 0; c < planes - 1; ++c)
-    SetPixels_8u_C1(128, Advance(dst.chroma[c], band.first / down * dst.chromaStep[c]),
-                    dst.chromaStep[c], bytes);
+  for (int c = 0; c < planes - 1; ++c) {
+    unsigned char* const row = Advance(dst.chroma[c], band.first / down * dst.chromaStep[c]);
+    // Of pairs, as many bytes again.
+    for (int part = 0; part < dst.chromaApart; ++part)
+      SetPixels_8u_C1(128, Advance(row, 1ll * part * half.width), dst.chromaStep[c], half);
+  }
 }
 
 }  // namespace

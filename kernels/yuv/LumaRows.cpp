@@ -31,16 +31,15 @@ QV_INLINE Vec Map(Vec bytes, LumaMap map) {
   return PackUnsigned16(half(InterleaveLow8(Zero(), bytes)), half(InterleaveHigh8(Zero(), bytes)));
 }
 
-// Of samples that are not side by side the last is left to the plain row: nothing is read behind it.
+// Of samples that are not side by side the last is left to the plain row: nothing is read behind
+// it.
 QV_INLINE void Row(const Byte* src, int apart, Byte* dst, ptrdiff_t width, LumaMap map) {
   const ptrdiff_t covered = apart == 1 ? width : width - 1;
-  const bool done =
-      apart == 1
-          ? CoverWithBlocks<kVecBytes>(
-                covered, [=](ptrdiff_t x) { Store(dst + x, Map(Load(src + x), map)); })
-          : CoverWithBlocks<kVecBytes>(covered, [=](ptrdiff_t x) {
-              Store(dst + x, Map(EvenBytes(Load(src + 2 * x), Load(src + 2 * x + kVecBytes)), map));
-            });
+  const bool done = CoverWithBlocks<kVecBytes>(covered, [=](ptrdiff_t x) {
+    const Byte* const from = src + x * apart;
+    Store(dst + x, Map(apart == 1 ? Load(from) : EvenBytes(Load(from), Load(from + kVecBytes)),
+                       map));
+  });
   const ptrdiff_t left = done ? covered : 0;
   RowPlain(src + left * apart, apart, dst + left, width - left, map);
 }

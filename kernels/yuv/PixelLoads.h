@@ -99,8 +99,8 @@ QV_INLINE ByteVectors PackFourths(const Vec (&v)[4]) {
 // half: byte i goes to 2 i modulo 47, so that after four steps, 16 i modulo 47, byte 3 i + c has
 // come to i + 16 c.
 QV_INLINE ByteVectors InterleaveThirds(Vec v0, Vec v1, Vec v2) {
-  const auto swapHalves = [](Vec low,
-                             Vec high) {  // the high half of one, the low half of the other
+  // The high half of one, the low half of the other.
+  const auto swapHalves = [](Vec low, Vec high) {
     return InterleaveLow64(InterleaveHigh64(low, low), high);
   };
   for (int step = 0; step < 4; ++step) {

@@ -17,7 +17,7 @@ struct RowPair {
   Byte* chroma[2];
   int apart;
   bool halfWidth;
-  ptrdiff_t width;
+  ptrdiff_t width, samples;
 };
 
 RowPair RowsOf(const RgbFrame<const Byte>& src, const YuvFrame<Byte>& dst, IppiSize size,
@@ -31,7 +31,8 @@ RowPair RowsOf(const RgbFrame<const Byte>& src, const YuvFrame<Byte>& dst, IppiS
           {RowAt(dst.chroma[0], dst.chromaStep[0], k), RowAt(dst.chroma[1], dst.chromaStep[1], k)},
           dst.chromaApart,
           dst.halfWidth,
-          size.width};
+          size.width,
+          dst.halfWidth ? (size.width - 1) / 2 + 1 : size.width};
 }
 
 QV_INLINE int MulHigh(int a, int b) {
@@ -87,7 +88,7 @@ void LumaPlain(const RowPair& rows, const RgbToYuvTerms& t, ptrdiff_t from, ptrd
 QV_INLINE void ConvertPair(const RowPair& rows, const RgbToYuvTerms& t, ChromaSiting siting,
                            bool) {
   LumaPlain(rows, t, 0, rows.width);
-  ChromaPlain(rows, t, siting, 0, rows.halfWidth ? (rows.width + 1) / 2 : rows.width);
+  ChromaPlain(rows, t, siting, 0, rows.samples);
 }
 
 #else
@@ -250,7 +251,7 @@ void ConvertPairOf(const RowPair& rows, const RgbToYuvTerms& t, ChromaSiting sit
   if (!rows.halfWidth) {
     if (FullWidthRow<kChannels>(rows, t, stream)) return;
     LumaPlain(rows, t, 0, rows.width);
-    ChromaPlain(rows, t, siting, 0, rows.width);
+    ChromaPlain(rows, t, siting, 0, rows.samples);
     return;
   }
   const ptrdiff_t even = rows.width & ~ptrdiff_t{1};
@@ -264,7 +265,7 @@ void ConvertPairOf(const RowPair& rows, const RgbToYuvTerms& t, ChromaSiting sit
   LumaPlain(rows, t, 0, head);
   ChromaPlain(rows, t, siting, 0, head / 2);
   LumaPlain(rows, t, tail, rows.width);
-  ChromaPlain(rows, t, siting, tail / 2, (rows.width + 1) / 2);
+  ChromaPlain(rows, t, siting, tail / 2, rows.samples);
 }
 
 QV_INLINE void ConvertPair(const RowPair& rows, const RgbToYuvTerms& t, ChromaSiting siting,
@@ -281,10 +282,10 @@ QV_INLINE void ConvertPair(const RowPair& rows, const RgbToYuvTerms& t, ChromaSi
 
 void RgbToYuv_8u(const RgbFrame<const Byte>* src, const YuvFrame<Byte>* dst, const RgbToYuvTerms* t,
                  ChromaSiting siting, IppiSize size, int firstRow, int rows) {
-  const ptrdiff_t end = ptrdiff_t{firstRow} + rows;
+  const int64_t end = int64_t{firstRow} + rows;
   const bool stream = PassesCaches(size.width, size.height, dst->halfWidth ? 2 : 3);
-  for (ptrdiff_t y = firstRow; y < end; y += dst->halfHeight ? 2 : 1) {
-    const RowPair pair = RowsOf(*src, *dst, size, y);
+  for (int64_t y = firstRow; y < end; y += dst->halfHeight ? 2 : 1) {
+    const RowPair pair = RowsOf(*src, *dst, size, static_cast<ptrdiff_t>(y));
     ConvertPair(pair, *t, siting, stream);
     if (pair.lumaApart == 2 && pair.width % 2)
       for (int row = 0; row < 2; ++row)

@@ -133,14 +133,11 @@ constexpr bool GreysAreExact(const YuvToRgbTerms& t, LumaMap map, bool full) {
   for (int y = 0; y < 256; ++y) {
     const int64_t exact = (y - scale.lumaOffset) * int64_t{255};
     const int grey = exact < 0 ? 0 : Limited(Rounded(exact, scale.luma));
-    const int luma = HighHalf(y << 8, t.luma), neutral = 128 << 8;
-    if (Limited((luma + HighHalf(neutral, t.first) + t.offset[0]) >> 6) != grey ||
-        Limited((luma - HighHalf(neutral, t.second[0]) - HighHalf(neutral, t.second[1]) +
-                 t.offset[1]) >>
-                6) != grey ||
-        Limited((luma + HighHalf(neutral, t.third) + t.offset[2]) >> 6) != grey ||
-        Limited((HighHalf(y << 8, map.factor) + map.offset) >> 6) != grey)
-      return false;
+    const auto part = [](int factor) { return HighHalf(128 << 8, factor); };
+    const int chroma[] = {part(t.first), -part(t.second[0]) - part(t.second[1]), part(t.third)};
+    for (int c = 0; c < 3; ++c)
+      if (Limited((HighHalf(y << 8, t.luma) + chroma[c] + t.offset[c]) >> 6) != grey) return false;
+    if (Limited((HighHalf(y << 8, map.factor) + map.offset) >> 6) != grey) return false;
   }
   return true;
 }
@@ -159,22 +156,19 @@ constexpr bool GreysAreExact(const RgbToYuvTerms& t, LumaMap map, bool full) {
   return true;
 }
 
-// The largest and the smallest sums, before anything is limited, fit what holds them: signed 16
-// bits for a chroma term with its offset (a luma term is added with saturation, which leaves a byte
-// what it is), unsigned 16 bits the other way.
+// What is added fits what holds it: a term of chroma with its offset signed 16 bits (luma is added
+// to it with saturation, which leaves a byte what it is), a sample's sum unsigned ones.
 constexpr bool FitsWords(const YuvToRgbTerms& t) {
-  constexpr int most = 255 << 8;
-  return HighHalf(most, t.luma) < 32768 && HighHalf(most, t.first) + t.offset[0] < 32768 &&
-         HighHalf(most, t.third) + t.offset[2] < 32768 &&
-         t.offset[1] - HighHalf(most, t.second[0]) - HighHalf(most, t.second[1]) >= -32768;
+  const auto most = [](int factor) { return HighHalf(255 << 8, factor); };
+  return most(t.luma) < 32768 && most(t.first) + t.offset[0] < 32768 &&
+         most(t.third) + t.offset[2] < 32768 &&
+         t.offset[1] - most(t.second[0]) - most(t.second[1]) >= -32768;
 }
 
 constexpr bool FitsWords(const RgbToYuvTerms& t) {
-  constexpr int most = 255 << 8;
-  return HighHalf(most, t.luma[0]) + HighHalf(most, t.luma[1]) + HighHalf(most, t.luma[2]) +
-                 t.lumaOffset <
-             65536 &&
-         HighHalf(most, t.half) + t.chromaOffset < 65536 && t.half <= t.chromaOffset;
+  const auto most = [](int factor) { return HighHalf(255 << 8, factor); };
+  const int luma = most(t.luma[0]) + most(t.luma[1]) + most(t.luma[2]) + t.lumaOffset;
+  return luma < 65536 && most(t.half) + t.chromaOffset < 65536 && t.half <= t.chromaOffset;
 }
 
 constexpr bool AllHold() {

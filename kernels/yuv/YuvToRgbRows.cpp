@@ -21,12 +21,11 @@ struct SampleRows {
 
 SampleRows RowsOf(const YuvFrame<const Byte>& src, ChromaSiting siting, IppiSize size,
                   ptrdiff_t y) {
-  const ptrdiff_t chromaRows = (ptrdiff_t{size.height} + 1) / 2;
   const ptrdiff_t near = src.halfHeight ? y / 2 : y;
   ptrdiff_t next = near;
   if (src.halfHeight && siting != ChromaSiting::Repeat) {
     next += y % 2 ? 1 : -1;
-    if (next < 0 || next == chromaRows) next = near;
+    if (next < 0 || next > (size.height - 1) / 2) next = near;
   }
   SampleRows rows = {RowAt(src.luma, src.lumaStep, y),
                      src.lumaApart,
@@ -352,7 +351,7 @@ void ConvertRowsOf(const YuvFrame<const Byte>& src, const RgbFrame<Byte>& dst,
   ptrdiff_t y = first;
   // Rows in twos share the chroma that is repeated.
   if (src.halfHeight && siting == ChromaSiting::Repeat)
-    for (; y + 2 <= end; y += 2) {
+    for (; end - y >= 2; y += 2) {
       const SampleRows rows[2] = {RowsOf(src, siting, size, y), RowsOf(src, siting, size, y + 1)};
       const Target<2> target = {
           {rows[0].luma, rows[1].luma},
