@@ -123,22 +123,6 @@ TEST(MergeAlphaOver, IsTheFormulaForAllAlphasOnBothPathsAtAllLevels) {
     }
 }
 
-// The merged alpha may be the foreground's plane (the colours then see the merged alpha) or the
-// background's.
-TEST(MergeAlphaOver, ReadsAliasedAlphaPlanesAfterTheAlphaPass) {
-  const UsePath path(true);
-  for (const auto plane : {&Planes::fgAlpha, &Planes::bgAlpha}) {
-    Planes expected(7);
-    expected.MergeByFormula(plane, true);
-    for (const Level& level : AvailableLevels()) {
-      const UseLevel use(level);
-      Planes p(7);
-      p.Merge(plane);
-      EXPECT_TRUE(p == expected) << level.name;
-    }
-  }
-}
-
 // A step of 0 lays all rows of the alpha planes over each other: the alpha pass goes over the one
 // row again and again before any colour is merged.
 TEST(MergeAlphaOver, MergesAllAlphaRowsBeforeTheColours) {

@@ -8,10 +8,8 @@
 #include <vector>
 
 #include "kernels/resize/Resize.h"
-#include "kernels/resize/ResizeRows.h"
 #include "tests/support/Bytes.h"
 #include "tests/support/ExactResize.h"
-#include "tests/support/Guarded.h"
 #include "tests/support/Levels.h"
 
 namespace qv::test {
@@ -264,7 +262,7 @@ TEST(ResizeYUV422, IsAccurateOnBothGrids) {
 }
 
 // The linear method of whole images has weights of 14 bits and rounds a row's sum to 8 bits more
-// than a byte. Its kernel also takes pixels of four bytes, the fourth of which may stay.
+// than a byte.
 TEST(Resize, LinearIsItsArithmeticToTheBit) {
   struct Tap {
     int index, weight;
@@ -297,35 +295,6 @@ TEST(Resize, LinearIsItsArithmeticToTheBit) {
         const int sum = across(y.index + 1) * y.weight + across(y.index) * (16384 - y.weight);
         ASSERT_EQ(dst[std::size_t(i) * to.width + j], (sum + 524288) >> 20) << j << ' ' << i;
       }
-
-    const int channels = random.Pick(3, 4);
-    std::vector<int> first[2];
-    std::vector<unsigned short> weight[2];
-    for (const bool down : {false, true})
-      for (int i = 0; i < (down ? to.height : to.width); ++i) {
-        const Tap t = down ? tap(size.height, yFactor, i) : tap(size.width, xFactor, i);
-        first[down].push_back(t.index);
-        weight[down].push_back(static_cast<unsigned short>(t.weight));
-      }
-    const LinearTables tables = {to.width, to.height, size.width, channels, 4,
-                                 {1, first[0].data(), weight[0].data()},
-                                 {1, first[1].data(), weight[1].data()}, {}};
-    const GuardedMemory work(RowsWorkBytes(std::uint64_t{4} * to.width));
-    Bytes wide(src.size() * 4), expected(dst.size() * 4, 99);
-    for (std::size_t k = 0; k < wide.size(); ++k) wide[k] = k % 4 == 0 ? src[k / 4] : 0;
-    // Each channel in turn has the picture, the others are black.
-    for (int c = 0; c < 4; ++c) {
-      for (std::size_t k = 0; k < expected.size(); ++k)
-        if (int(k % 4) < channels) expected[k] = int(k % 4) == c ? dst[k / 4] : 0;
-      for (const Level& level : AvailableLevels()) {
-        const UseLevel use(level);
-        Bytes out(expected.size(), 99);
-        ResizeLinearRows_8u(wide.data(), 4 * size.width, out.data(), 4 * to.width, &tables,
-                            work.begin());
-        ASSERT_EQ(out, expected) << level.name << ", " << channels << " channels";
-      }
-      std::rotate(wide.begin(), wide.end() - 1, wide.end());
-    }
   }
 }
 
