@@ -14,8 +14,8 @@
 #include <sys/prctl.h>
 #include <unistd.h>
 
-#include "tests/support/Levels.h"
-#include "tests/support/Random.h"
+#include "support/Levels.h"
+#include "support/Random.h"
 
 #if defined(QV_BENCH_OPENCV)
 #include <opencv2/core.hpp>

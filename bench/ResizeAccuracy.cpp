@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "bench/ResizePeers.h"
-#include "tests/support/ExactResize.h"
-#include "tests/support/Levels.h"
-#include "tests/support/Random.h"
+#include "support/ExactResize.h"
+#include "support/Levels.h"
+#include "support/Random.h"
 
 namespace bench {
 

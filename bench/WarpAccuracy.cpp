@@ -9,8 +9,8 @@
 
 #include "bench/Peers.h"
 #include "qvAcceleratedLib/CqvAccLib.h"
-#include "tests/support/ExactResize.h"
-#include "tests/support/Random.h"
+#include "support/ExactResize.h"
+#include "support/Random.h"
 
 namespace bench {
 

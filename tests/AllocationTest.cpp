@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/Levels.h"
+#include "support/Levels.h"
 #include "tests/support/Operations.h"
 
 namespace {
@@ -85,8 +85,8 @@ class Allocation : public testing::TestWithParam<int> {};
 INSTANTIATE_TEST_SUITE_P(Budgets, Allocation, testing::Values(1, 4));
 
 // Every call with all of its requests refused, then again and again with its first, second, ...
-// alone. On one band the requests come one after the other; a band that lacks memory leaves its rows
-// and does not disturb the others.
+// alone. On one band the requests come one after the other; a band that lacks memory leaves its
+// rows and does not disturb the others.
 TEST_P(Allocation, RefusedGivesTheStatusAndGivesBackTheRest) {
   const UseBudget budget(GetParam());
   Runner runner;

@@ -2,9 +2,9 @@
 // cases.
 #include <gtest/gtest.h>
 
+#include "support/Levels.h"
 #include "tests/support/Bytes.h"
 #include "tests/support/Guarded.h"
-#include "tests/support/Levels.h"
 
 namespace qv::test {
 namespace {

@@ -6,8 +6,8 @@
 #include <array>
 #include <vector>
 
+#include "support/Levels.h"
 #include "tests/support/Bytes.h"
-#include "tests/support/Levels.h"
 
 namespace qv::test {
 namespace {

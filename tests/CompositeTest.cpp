@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "support/Levels.h"
 #include "tests/support/Bytes.h"
-#include "tests/support/Levels.h"
 
 namespace qv::test {
 namespace {

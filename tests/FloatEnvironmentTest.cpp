@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "qvAcceleratedLib/BandSplit.h"
-#include "tests/support/Levels.h"
+#include "support/Levels.h"
 #include "tests/support/Operations.h"
 
 namespace qv::test {
@@ -73,8 +73,9 @@ constexpr Control kHosts[] = {
     {0x5FBF, 0x037F},  // up, with all flags raised
 };
 
-// All operations, and calls whose numbers are computed with more care than usual: factors and angles
-// that no double holds, denormal ones, matrices of several kinds. Status codes count as well.
+// All operations, and calls whose numbers are computed with more care than usual: factors and
+// angles that no double holds, denormal ones, matrices of several kinds. Status codes count as
+// well.
 std::vector<Operation> OperationsOnNumbers() {
   std::vector<Operation> list = Operations();
   const auto add = [&](std::string name, auto call) {
@@ -186,7 +187,8 @@ TEST(FloatEnvironment, KeepsTheHostsX87Flags) {
   unsigned short before, after;
   const UseControl use({0x1F80, 0x0340});
   __asm__ volatile("fnstsw %0" : "=m"(before));
-  RunFloatBands(Bands{1, 1, 1}, {1, 0}, [](Band) { return X87Third() > 0 ? StatusOk : StatusSizeErr; });
+  RunFloatBands(Bands{1, 1, 1}, {1, 0},
+                [](Band) { return X87Third() > 0 ? StatusOk : StatusSizeErr; });
   __asm__ volatile("fnstsw %0" : "=m"(after));
   EXPECT_EQ(before & 0x3F, after & 0x3F);
 }

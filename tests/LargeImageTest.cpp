@@ -1,4 +1,4 @@
-// Images larger than an int can address: rows so far apart that the last one lies gigabytes behind
+// Images larger than an int can address: rows so far apart that the last one lies gigabytes past
 // the first, 70000 pixels a side, checksums of all bytes that a length can name. Memory is
 // reserved, not used: only pages that a call touches exist.
 #include <gtest/gtest.h>
@@ -14,9 +14,9 @@
 #include <vector>
 
 #include "qvAcceleratedLib/CqvAccLib.h"
+#include "support/Levels.h"
 #include "tests/support/Bytes.h"
 #include "tests/support/Guarded.h"
-#include "tests/support/Levels.h"
 #include "tests/support/Operations.h"
 
 // Windows sets memory aside for what is only reserved elsewhere.
@@ -32,7 +32,8 @@ using Lib = CqvAccLib;
 
 constexpr std::size_t kLarge = std::size_t{11} << 30;
 
-// Rows gigabytes away, and 70000 pixels a side. The same pixels in small memory give the same bytes.
+// Rows gigabytes away, and 70000 pixels a side. The same pixels in small memory give the same
+// bytes.
 TEST(LargeImages, AreFoundAtEveryLevel) {
   Planes small(2 << 20), large(kLarge);
   const struct {

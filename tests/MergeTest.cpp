@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "qvAcceleratedLib/Settings.h"
+#include "support/Levels.h"
 #include "tests/support/Bytes.h"
-#include "tests/support/Levels.h"
 
 namespace qv::test {
 namespace {

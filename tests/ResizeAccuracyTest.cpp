@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "kernels/resize/Resize.h"
+#include "support/ExactResize.h"
+#include "support/Levels.h"
 #include "tests/support/Bytes.h"
-#include "tests/support/ExactResize.h"
-#include "tests/support/Levels.h"
 
 namespace qv::test {
 namespace {
@@ -184,7 +184,7 @@ TEST(Resize, BandsAreAccurate) {
     const double xShift = random.OneIn(2)   ? 0
                           : random.OneIn(2) ? random.Between(-3, 3)
                                             : random.Between(-3.0, 3.0);
-    // Where the region lands, with some space before and behind, or cut off.
+    // Where the region lands, with some space before and after, or cut off.
     const auto landing = [](int start, int length, double f, double shift, int low, int size,
                             int* first) {
       const double left = std::max<double>(low, start * f + shift);

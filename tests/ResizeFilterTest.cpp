@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "kernels/resize/AxisTaps.h"
-#include "tests/support/Random.h"
+#include "support/Random.h"
 
 namespace qv::test {
 namespace {

@@ -1,5 +1,5 @@
-// qvResize through the public interface: shortcuts, extents, bands and conventions. Statuses are the corpus'; what the kernels write byte for byte is
-// ResizeAccuracyTest's.
+// qvResize through the public interface: shortcuts, extents, bands and conventions. Statuses are
+// the corpus'; what the kernels write byte for byte is ResizeAccuracyTest's.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "kernels/resize/Resize.h"
+#include "support/Levels.h"
 #include "tests/support/Bytes.h"
-#include "tests/support/Levels.h"
 
 namespace qv::test {
 namespace {

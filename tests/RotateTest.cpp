@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
+#include "support/Levels.h"
 #include "tests/support/Bytes.h"
-#include "tests/support/Levels.h"
 
 namespace qv::test {
 namespace {

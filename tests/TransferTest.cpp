@@ -7,8 +7,8 @@
 #include <numeric>
 #include <vector>
 
+#include "support/Levels.h"
 #include "tests/support/Bytes.h"
-#include "tests/support/Levels.h"
 
 namespace qv::test {
 namespace {

@@ -6,8 +6,8 @@
 #include <cmath>
 #include <cstring>
 
+#include "support/Levels.h"
 #include "tests/support/Bytes.h"
-#include "tests/support/Levels.h"
 #include "tests/support/RandomMatrix.h"
 
 namespace qv::test {
@@ -73,7 +73,7 @@ TEST(Warp, ChecksInOrderAndSoDoesRotate) {
     EXPECT_EQ(warp(kIdentity, all, all, static_cast<int>(method)), StatusOk) << method;
 }
 
-// Planes are checked by the cores, behind the interpolation and before the matrix.
+// Planes are checked by the cores, after the interpolation and before the matrix.
 TEST(Warp, PlanarLayouts) {
   const int w = 40, h = 30;
   const Bytes image = Noise(4 * w * h);
@@ -133,9 +133,9 @@ TEST(WarpEx, FollowsTheFirstImageOnOneBandOnly) {
   }
 }
 
-// A matrix whose horizon crosses the destination: pixels behind it would repeat the image upside
+// A matrix whose horizon crosses the destination: pixels beyond it would repeat the image upside
 // down.
-TEST(Warp, WritesNothingBehindTheHorizon) {
+TEST(Warp, WritesNothingBeyondTheHorizon) {
   const int n = 200;
   const Bytes src(n * n, 255);
   const Matrix m = {{{1, 0, 0}, {0, 1, 0}, {0, -.01, 1}}};  // row y maps to y / (1 - y / 100)

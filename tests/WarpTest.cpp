@@ -5,10 +5,10 @@
 #include <cmath>
 #include <random>
 
+#include "support/ExactResize.h"
+#include "support/Levels.h"
 #include "tests/support/Bytes.h"
-#include "tests/support/ExactResize.h"
 #include "tests/support/Guarded.h"
-#include "tests/support/Levels.h"
 #include "tests/support/RandomMatrix.h"
 
 namespace qv::test {
@@ -170,8 +170,8 @@ TEST(Warp, IsWithinOneUnitOfTheReferenceEverywhere) {
   }
 }
 
-// A corner of the region that falls upon a whole pixel is written, though quotients of numbers that no
-// double holds place it a little outside.
+// A corner of the region that falls upon a whole pixel is written, though quotients of numbers that
+// no double holds place it a little outside.
 TEST(Warp, CornersOnWholePixelsAreWritten) {
   Bytes src = Noise(40 * 40);
   const IppiRect roi = {7, 5, 20, 18};

@@ -25,7 +25,7 @@ struct Part {
 
 inline bool IsEmpty(IppiSize size) { return size.width < 1 || size.height < 1; }
 
-// The images lie apart in reserved memory, directly before or behind unreadable pages. What a call
+// The images lie apart in reserved memory, directly before or after unreadable pages. What a call
 // must not touch is unreadable for the address sanitizer, the gaps between rows included, and
 // compared afterwards.
 class Call {

@@ -1,5 +1,5 @@
-// A host that loads the DLL while it runs: often, with its threads at odd stack addresses, and where
-// the DLL cannot make itself stay.
+// A host that loads the DLL while it runs: often, with its threads at odd stack addresses, and
+// where the DLL cannot make itself stay.
 //
 //   loader DLL reload     load, run on several threads, unload; 100 times
 //   loader DLL stack      calls from threads whose stacks are aligned to 4 bytes (32-bit) or are an
@@ -122,8 +122,8 @@ void CallAt(std::size_t offset) {
       "movq %%rbx, %%rsp"
       :
       : "S"(offset), "D"(&CallFromOddStack)
-      : "rbx", "rax", "rcx", "rdx", "r8", "r9", "r10", "r11", "xmm0", "xmm1", "xmm2", "xmm3", "xmm4",
-        "xmm5", "cc", "memory");
+      : "rbx", "rax", "rcx", "rdx", "r8", "r9", "r10", "r11", "xmm0", "xmm1", "xmm2", "xmm3",
+        "xmm4", "xmm5", "cc", "memory");
 #endif
 }
 

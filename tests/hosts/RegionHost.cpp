@@ -1,5 +1,5 @@
-// A host with an OpenMP runtime of its own: what it calls inside its parallel regions, active or not, stays
-// on the threads that call, and outside of them the runtime's settings change nothing.
+// A host with an OpenMP runtime of its own: what it calls inside its parallel regions, active or
+// not, stays on the threads that call, and outside of them the runtime's settings change nothing.
 #include <omp.h>
 
 #include <cstdio>
@@ -56,7 +56,7 @@ int main() {
     }
     Require(right == came && came == threads, "bytes inside a region", threads);
     // The runtime keeps its threads.
-    Require(qv::test::ThreadsOfProcess() == threads, "threads of its own made in a region", threads);
+    Require(qv::test::ThreadsOfProcess() == threads, "threads of its own in a region", threads);
   }
   bool right = false;
 #pragma omp parallel if (0)

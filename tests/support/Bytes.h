@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "qvAcceleratedLib/CqvAccLib.h"
-#include "tests/support/Random.h"
+#include "support/Random.h"
 
 namespace qv::test {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "support/Random.h"
 #include "tests/support/Bytes.h"
-#include "tests/support/Random.h"
 
 namespace qv::test {
 

@@ -6,7 +6,7 @@
 
 #include "kernels/geometry/Geometry.h"
 #include "kernels/geometry/Transform.h"
-#include "tests/support/Random.h"
+#include "support/Random.h"
 
 namespace qv::test {
 

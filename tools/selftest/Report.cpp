@@ -12,7 +12,7 @@ bool PrintVerdict(const char* where, const std::vector<Result>& results) {
   const std::vector<std::string> differing = Differing(results);
   std::printf("%s: ", where);
   if (differing.empty()) {
-    std::printf("same bytes as everywhere\n");
+    std::printf("matches the reference digests\n");
   } else {
     std::printf("DIFFERENT bytes than elsewhere from");
     for (const std::string& name : differing) std::printf(" %s", name.c_str());

@@ -1,6 +1,6 @@
 // What resampling would give without rounding: weights in double precision.
-#ifndef QV_TESTS_SUPPORT_EXACTRESIZE_H
-#define QV_TESTS_SUPPORT_EXACTRESIZE_H
+#ifndef QV_SUPPORT_EXACTRESIZE_H
+#define QV_SUPPORT_EXACTRESIZE_H
 
 #include <algorithm>
 #include <cmath>
@@ -34,7 +34,7 @@ inline double Kernel(int code, double x) { return Kernel(code, x, code == 4 ? -0
 
 inline Sample ExactTaps(int code, double position, int length) {
   const int taps = code == 2 ? 2 : code == 4 ? 4 : 6;
-  // Also no number is far before the first sample.
+  // NaN, too, is far before the first sample.
   const double clamped = position > -10 ? std::min(position, length + 10.0) : -10;
   const int first = static_cast<int>(std::floor(clamped)) - taps / 2 + 1;
   Sample sample;

@@ -1,4 +1,4 @@
-#include "tests/support/Levels.h"
+#include "support/Levels.h"
 
 #include "dispatch/VariantIndex.h"
 #include "qvAcceleratedLib/BandTeam.h"
