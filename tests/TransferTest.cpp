@@ -47,10 +47,6 @@ TEST(Copy, OfALongRowIsThatOfItsPixels) {
           EXPECT_TRUE(dst == expected) << l.type << ' ' << pixels;
         });
       }
-  AtLevelsAndBudgets([&] {
-    Bytes dst(width);
-    EXPECT_EQ(Lib::qvCopy(Type(2), nullptr, 5, dst.data(), 5, {width, 1}), StatusNullPtrErr);
-  });
 }
 
 TEST(MulCScale, IsTheFlooredQuotientForAllBytesAtAllLevels) {

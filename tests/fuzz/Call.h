@@ -51,6 +51,14 @@ class Call {
     return Place(name, contract::DisjointStep(step, part.bytes, part.rows), part, true);
   }
 
+  // The same, the step drawn for the bytes of their rows.
+  FuzzImage Source(const char* stepName, const char* name, Part part) {
+    return Source(name, Step(stepName, part.bytes), part);
+  }
+  FuzzImage Destination(const char* stepName, const char* name, Part part) {
+    return Destination(name, Step(stepName, part.bytes), part);
+  }
+
   // The same with rows that may overlap.
   FuzzImage OverlappingDestination(const char* name, int step, Part part) {
     return Place(name, step, part, true);
