@@ -204,8 +204,8 @@ COLUMNS = {
     "busy": "the mean time of the library as it comes over that on one thread, both beside as many "
             "busy loops as there are processors: 1 is as fast, 2 takes twice as long.",
     "goal here": "the goal of bench/goals.csv times how much slower that copy is here than where "
-                 "the goals were set; a bold figure says by how much the fastest repetition misses it, "
-                 "*fastest* that the median does.",
+                 "the goals were set; a bold figure says by how much the fastest repetition misses "
+                 "it, *fastest* that the median does.",
 }
 
 

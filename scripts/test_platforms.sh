@@ -1,8 +1,8 @@
 #!/bin/bash
-# Tests the 32-bit build of Linux, the one for ARM in QEMU, and the DLLs of Windows in Wine; installs
-# what is missing first.
+# Tests the 32-bit build of Linux, the one for ARM in QEMU, and the DLLs of Windows in Wine;
+# installs what is missing first.
 #
-#   scripts/test_platforms.sh [PRESET...]     linux32, linux-arm64, windows32, windows64; all if none
+#   scripts/test_platforms.sh [PRESET...]     of linux32, linux-arm64, windows32, windows64; or all
 #   scripts/test_platforms.sh --quick         the 32-bit DLL with its host programs alone
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)

@@ -57,9 +57,19 @@ inline Sample ExactMean(double from, double to, int length) {
   return sample;
 }
 
+// Of bytes. Where the exact value is limited to black or white everybody is right: those do not
+// count for the mean.
 struct Errors {
   double largest = 0, sum = 0;
   long long count = 0;
+
+  double Mean() const { return sum / static_cast<double>(std::max(count, 1LL)); }
+
+  void Add(double exact, int byte) {
+    const double limited = std::clamp(exact, 0.0, 255.0), error = std::fabs(limited - byte);
+    largest = std::max(largest, error);
+    if (limited > 0 && limited < 255) sum += error, ++count;
+  }
 
   // Compares a byte with the sum over its samples; the first ones are `pixel` bytes apart.
   void Add(const unsigned char* src, std::ptrdiff_t step, int pixel, const Sample& x,
@@ -67,10 +77,7 @@ struct Errors {
     double exact = 0;
     for (const auto& [sy, wy] : y)
       for (const auto& [sx, wx] : x) exact += wy * wx * src[sy * step + std::ptrdiff_t{sx} * pixel];
-    exact = std::clamp(exact, 0.0, 255.0);
-    const double error = std::fabs(exact - byte);
-    largest = std::max(largest, error);
-    if (exact > 0 && exact < 255) sum += error, ++count;
+    Add(exact, byte);
   }
 };
 

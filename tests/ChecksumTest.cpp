@@ -2,8 +2,8 @@
 // cases.
 #include <gtest/gtest.h>
 
+#include "support/Bytes.h"
 #include "support/Levels.h"
-#include "tests/support/Bytes.h"
 #include "tests/support/Guarded.h"
 
 namespace qv::test {

@@ -6,8 +6,8 @@
 #include <array>
 #include <vector>
 
+#include "support/Bytes.h"
 #include "support/Levels.h"
-#include "tests/support/Bytes.h"
 
 namespace qv::test {
 namespace {

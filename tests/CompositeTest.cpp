@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "support/Bytes.h"
 #include "support/Levels.h"
-#include "tests/support/Bytes.h"
 
 namespace qv::test {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <limits>
 
-#include "tests/support/Bytes.h"
+#include "support/Bytes.h"
 #include "tests/support/RandomMatrix.h"
 
 namespace qv::test {

@@ -14,8 +14,8 @@
 #include <vector>
 
 #include "qvAcceleratedLib/CqvAccLib.h"
+#include "support/Bytes.h"
 #include "support/Levels.h"
-#include "tests/support/Bytes.h"
 #include "tests/support/Guarded.h"
 #include "tests/support/Operations.h"
 

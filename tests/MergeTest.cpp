@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "qvAcceleratedLib/Settings.h"
+#include "support/Bytes.h"
 #include "support/Levels.h"
-#include "tests/support/Bytes.h"
 
 namespace qv::test {
 namespace {

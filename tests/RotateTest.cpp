@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
+#include "support/Bytes.h"
 #include "support/Levels.h"
-#include "tests/support/Bytes.h"
 #include "tests/support/RandomMatrix.h"
 
 namespace qv::test {

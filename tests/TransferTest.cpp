@@ -7,8 +7,8 @@
 #include <numeric>
 #include <vector>
 
+#include "support/Bytes.h"
 #include "support/Levels.h"
-#include "tests/support/Bytes.h"
 
 namespace qv::test {
 namespace {

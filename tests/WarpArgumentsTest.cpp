@@ -6,8 +6,8 @@
 #include <cmath>
 #include <cstring>
 
+#include "support/Bytes.h"
 #include "support/Levels.h"
-#include "tests/support/Bytes.h"
 #include "tests/support/RandomMatrix.h"
 
 namespace qv::test {

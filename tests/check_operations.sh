@@ -1,6 +1,6 @@
 #!/bin/bash
-# The header declares the operations of the roll, in its order, and the benchmarks time each; but for
-# two that work on a few numbers, not on pixels.
+# The header declares the operations of the roll, in its order, and the benchmarks time each; but
+# for two that work on a few numbers, not on pixels.
 set -eu
 cd "$(dirname "$0")/.."
 listed=$(sed -n 's/^QV_OPERATION(\([^,]*\),.*/\1/p' qvAcceleratedLib/Operations.def)

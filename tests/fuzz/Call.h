@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "qvAcceleratedLib/Operations.h"
+#include "support/Bytes.h"
 #include "tests/fuzz/Contract.h"
 #include "tests/fuzz/Input.h"
-#include "tests/support/Bytes.h"
 
 namespace qv::test {
 

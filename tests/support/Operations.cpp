@@ -6,8 +6,8 @@
 #include <cstring>
 
 #include "qvAcceleratedLib/Operations.h"
+#include "support/Bytes.h"
 #include "support/Random.h"
-#include "tests/support/Bytes.h"
 
 namespace qv::test {
 
