@@ -1,6 +1,9 @@
 // Classification of made-up processors, and of this one.
 #include <gtest/gtest.h>
+#include <limits.h>
 #include <string.h>
+
+#include <map>
 
 #include "dispatch/DispatchTable.h"
 #include "dispatch/FloatControl.h"
@@ -168,6 +171,18 @@ TEST_F(Dispatch, FillsTheRecord) {
       .hasMultipleLogical = 1, .hasSse3 = 0, .has64BitMode = 1, .hasSsse3 = 1,
       .coresPerPackage = 5};
   EXPECT_EQ(memcmp(&info, &expected, sizeof info), 0);
+}
+
+TEST_F(Dispatch, MapsCodesToVariants) {
+  const std::map<int, int> variants = {
+      {5, 1},   {0x10, 1}, {0x11, 1}, {0x40, 1}, {6, 2},    {7, 2},    {9, 2},    {0x41, 2}, {8, 3},
+      {0xA, 3}, {0xB, 3},  {0x20, 3}, {0x42, 3}, {0x21, 4}, {0x22, 4}, {0x23, 4}, {0x43, 4}};
+  for (int code = -300; code <= 300; ++code) {
+    const auto found = variants.find(code);
+    EXPECT_EQ(VariantIndexOf(code), found == variants.end() ? 0 : found->second) << code;
+  }
+  EXPECT_EQ(VariantIndexOf(INT_MIN), 0);
+  EXPECT_EQ(VariantIndexOf(INT_MAX), 0);
 }
 
 // A processor and system with everything that the wide levels ask for, less what a case takes away.
