@@ -1,6 +1,6 @@
-# 64-bit ARM Linux, by Debian's cross compiler (g++-aarch64-linux-gnu); what is built runs in QEMU's
-# user-mode emulation (qemu-user-static; the programs of qemu-user 7.2 give up in a forked child that
-# starts threads).
+# 64-bit ARM Linux, by Debian's cross compiler (g++-aarch64-linux-gnu); what is built runs in
+# QEMU's user-mode emulation (qemu-user-static; the programs of qemu-user 7.2 give up in a forked
+# child that starts threads).
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)

@@ -21,8 +21,8 @@ struct FilterTask {
 
 // Resamples with the cubic (4) or Lanczos (16) method. `chroma` gives the positions of
 // the chroma samples of 4:2:2 on the grid of pairs, half as many as `x`; other layouts ignore it.
-// `tapsMemory`, aligned to 64, is for the taps. StatusMemAllocErr, with nothing written, if there is
-// not enough memory.
+// `tapsMemory`, aligned to 64, is for the taps. StatusMemAllocErr, with nothing written, if there
+// is not enough memory.
 IppStatus FilterImage(const FilterTask& task, int interpolation, const AxisPositions& x,
                       const AxisPositions& chroma, const AxisPositions& y, void* tapsMemory);
 
