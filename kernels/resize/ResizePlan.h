@@ -26,7 +26,7 @@ inline IppStatus CheckSource(IppiSize size, IppiRect roi) {
   return bad ? StatusSizeErr : StatusOk;
 }
 
-// False as well for a factor that is not a number.
+// False as well for NaN.
 inline bool AreFactorsPositive(double xFactor, double yFactor) {
   return xFactor > 0 && yFactor > 0;
 }
