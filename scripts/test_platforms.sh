@@ -30,7 +30,7 @@ for preset; do
     linux32)  # without g++-multilib, which cannot be installed beside a compiler for ARM
       "$root/scripts/setup.sh" googletest qemu-user
       "$root/scripts/setup.sh" "g++-$(g++ -dumpversion)-multilib" ;;
-    linux-arm64) "$root/scripts/setup.sh" g++-aarch64-linux-gnu googletest qemu-user ;;
+    linux-arm64) "$root/scripts/setup.sh" g++-aarch64-linux-gnu googletest qemu-user-static ;;
     windows32) "$root/scripts/setup.sh" g++-mingw-w64-i686-posix "${for_windows[@]}" ;;
     windows64) "$root/scripts/setup.sh" g++-mingw-w64-x86-64-posix "${for_windows[@]}" ;;
     *) sed -n '2,6s/^# \{0,1\}//p' "$0" >&2; exit 2 ;;

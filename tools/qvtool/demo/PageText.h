@@ -1,6 +1,6 @@
 // The frame of the demo page: everything but the panels.
-#ifndef QVTOOL_DEMO_PAGETEXT_H
-#define QVTOOL_DEMO_PAGETEXT_H
+#ifndef QV_TOOLS_QVTOOL_DEMO_PAGETEXT_H
+#define QV_TOOLS_QVTOOL_DEMO_PAGETEXT_H
 
 namespace qvtool::demo {
 
