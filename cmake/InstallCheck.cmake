@@ -15,7 +15,7 @@ qv_install_needs(qvAcceleratedLib development $<TARGET_FILE:qvAcceleratedLib>)
 if(WIN32)
   find_program(QV_LLVM_DLLTOOL NAMES llvm-dlltool llvm-dlltool-14)
   if(QV_LLVM_DLLTOOL)
-    qv_install_needs(qvVisualImports development
+    qv_install_needs(qvAcceleratedLibVisualImports development
       ${PROJECT_BINARY_DIR}/qvAcceleratedLib/qvAcceleratedLib.lib)
   endif()
 endif()
