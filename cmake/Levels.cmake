@@ -1,8 +1,15 @@
 # The levels: every row source is compiled once for each of them, pinned at both ends, so that a
 # level neither misses what it may use nor uses what its processors lack.
-set(QV_LEVELS generic sse2 ssse3 avx2 avx512)
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(i.86|x86|x86_64|AMD64|amd64)$")
+  set(QV_LEVELS generic sse2 ssse3 avx2 avx512)
+else()
+  set(QV_LEVELS generic)
+endif()
 
-if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+if(QV_LEVELS STREQUAL generic)
+  set(QV_BASELINE_FLAGS)
+  set(QV_LEVEL_FLAGS_generic -O2)
+elseif(CMAKE_SIZEOF_VOID_P EQUAL 4)
   # The oldest processor has no SSE: its doubles are x87 registers, which keep more than a double
   # holds. Whatever is built for it rounds what it assigns by storing it (see FloatEnvironment.h for
   # what it does not assign).
@@ -27,7 +34,7 @@ set(QV_LEVEL_FLAGS_avx512 -mavx512f -mavx512bw -mavx512vl -mavx512dq -mavx512vbm
 
 # In our own builds the assembler refuses what a level's processors lack, so that neither the compiler
 # nor a wrongly written row brings it in. Carry-less multiplication is asked for apart from the level.
-if(QV_WERROR AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+if(QV_WERROR AND CMAKE_CXX_COMPILER_ID STREQUAL GNU AND NOT QV_LEVELS STREQUAL generic)
   if(CMAKE_SIZEOF_VOID_P EQUAL 4)
     set(isa_generic i686)
     set(isa_sse2 i686+mmx+sse+sse2)

@@ -53,6 +53,7 @@ constexpr auto MakeDispatchTable() {
 // For the table file of a family, which includes the family's .def list with QV_KERNEL defined as
 // this: declares the levels that the list names and defines kernel_Table. The kernel's entry must
 // have been declared before.
+#if defined(__i386__) || defined(__x86_64__)
 #define QV_DEFINE_TABLE(kernel, Generic, Sse2, Ssse3, Avx2, Avx512)                              \
   namespace qv {                                                                                 \
   namespace Generic { decltype(qv::kernel) kernel; }                                             \
@@ -64,6 +65,15 @@ constexpr auto MakeDispatchTable() {
       MakeDispatchTable<Generic::kernel, Sse2::kernel, Ssse3::kernel, Avx2::kernel,              \
                         Avx512::kernel>();                                                       \
   }
+#else  // the plain rows alone are built
+#define QV_DEFINE_TABLE(kernel, Generic, ...)                                                    \
+  namespace qv {                                                                                 \
+  namespace Generic { decltype(qv::kernel) kernel; }                                             \
+  static constexpr auto kernel##_Table =                                                         \
+      MakeDispatchTable<Generic::kernel, Generic::kernel, Generic::kernel, Generic::kernel,      \
+                        Generic::kernel>();                                                      \
+  }
+#endif
 
 // The entry, in namespace qv, of a kernel that turns one image into another of `size`.
 #define QV_DEFINE_IMAGE_ENTRY(kernel)                                                            \

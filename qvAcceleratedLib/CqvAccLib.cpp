@@ -366,11 +366,12 @@ IppStatus CqvAccLib::qvMergeAlphaOver(qvDataType, unsigned char* fg, int fgStep,
     const unsigned char* const b = band.At(bg, bgStep);
     const unsigned char* const ba = band.At(bgAlpha, bgAlphaStep);
     unsigned char* const merged = band.At(dstAlpha, fgAlphaStep);
-    return HostProcessorInfo
-               ? MergeAlphaOver_8u(f, fgStep, fa, fgAlphaStep, b, bgStep, ba, bgAlphaStep, merged,
-                                   rowBytes, width, band.length)
-               : MergeAlphaOverPlain_8u(f, fgStep, fa, fgAlphaStep, b, bgStep, ba, bgAlphaStep,
-                                        merged, width, band.length);
+    if (!HostProcessorInfo)
+      return MergeAlphaOverPlain_8u(f, fgStep, fa, fgAlphaStep, b, bgStep, ba, bgAlphaStep, merged,
+                                    width, band.length);
+    const FloatEnvironment environment;
+    return MergeAlphaOver_8u(f, fgStep, fa, fgAlphaStep, b, bgStep, ba, bgAlphaStep, merged,
+                             rowBytes, width, band.length);
   });
 }
 

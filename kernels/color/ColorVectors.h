@@ -87,8 +87,8 @@ QV_INLINE void LoadChroma(const Byte* cb, const Byte* cr, Vec& first, Vec& secon
 // ---- Stores of a block, where bytes are permuted across a vector --------------------------------
 
 // Where the bytes of 64 three-byte pixels are found in three vectors: source 0 has blue and green
-// of pixels 0 to 31 in lanes of eight, source 1 those of pixels 32 to 63, and lane l of source 2 has
-// red of pixels 8 l to 8 l + 7 and of those 32 further on.
+// of pixels 0 to 31 in lanes of eight, source 1 those of pixels 32 to 63, and lane l of source 2
+// has red of pixels 8 l to 8 l + 7 and of those 32 further on.
 struct Place {
   int source, index;
 };

@@ -29,8 +29,8 @@ IppStatus MergeAlphaOverPlain_8u(unsigned char* fg, int fgStep, const unsigned c
                                  unsigned char* dstAlpha, int width, int height);
 
 // The single-precision path of the same: first dstAlpha is merged in place (width pixels a row,
-// none if that is below 1), then rowBytes colour bytes a row. The floating-point environment of the
-// caller has no influence and is left as it was. Checks nothing and returns StatusOk.
+// none if that is below 1), then rowBytes colour bytes a row. Wants a FloatEnvironment. Checks
+// nothing and returns StatusOk.
 IppStatus MergeAlphaOver_8u(unsigned char* fg, int fgStep, const unsigned char* fgAlpha,
                             int fgAlphaStep, const unsigned char* bg, int bgStep,
                             const unsigned char* bgAlpha, int bgAlphaStep,

@@ -31,9 +31,9 @@ template <class At> QV_INLINE void StoreLanes(Vec v, At at) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(at(1)), _mm256_extracti128_si256(v, 1));
 }
 
-template <int lane> QV_INLINE __m128i Lane(Vec v) {
-  return lane == 0 ? _mm256_castsi256_si128(v) : _mm256_extracti128_si256(v, lane);
-}
+template <int lane> __m128i Lane(Vec v);
+template <> QV_INLINE __m128i Lane<0>(Vec v) { return _mm256_castsi256_si128(v); }
+template <> QV_INLINE __m128i Lane<1>(Vec v) { return _mm256_extracti128_si256(v, 1); }
 QV_INLINE Vec FromLane(__m128i v) { return _mm256_castsi128_si256(v); }
 QV_INLINE Vec FromLaneAlone(__m128i v) { return _mm256_zextsi128_si256(v); }
 template <int n> QV_INLINE Vec ShiftBytesUp(Vec v) { return _mm256_bslli_epi128(v, n); }

@@ -58,8 +58,8 @@ class GatherPlan {
   }
 
   // The lowest byte of each lane. Returns how far the highest one of any lies from its lowest. The
-  // offsets of a component rise, and the components take turns of at most kTurn bytes; only past the
-  // last byte they do not.
+  // offsets of a component rise, and the components take turns of at most kTurn bytes, but not in
+  // what fills up the last vector.
   int FillLowest() const {
     int widest = 0;
     for (ptrdiff_t n = 0; n < vectors_ * lanes_; ++n) {

@@ -37,8 +37,8 @@ struct LinearTables {
 
 constexpr int kWeightOne = 16384;
 
-// A fourth byte of pixels that is interpolated with the others, but not stored. Always inlined, like
-// the next functions: row sources of several levels share this header.
+// A fourth byte of pixels that is interpolated with the others, but not stored. Always inlined,
+// like the next functions: row sources of several levels share this header.
 __attribute__((always_inline)) inline bool DropsFourth(const LinearTables& t) {
   return t.channels == 3 && t.pixelStride == 4;
 }
