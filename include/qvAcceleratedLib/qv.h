@@ -557,6 +557,24 @@ QV_API(const char*) qv_version(void);
 QV_API(const char*) qv_status_name(int status);
 QV_API(const char*) qv_status_text(int status);
 
+// How many threads a call may be shared by, the calling one included: at first as many as the
+// process may use processors. The library has one less of its own, for all calls together; those
+// that a lower number leaves over sleep. The number takes effect on calls that begin later; it may
+// be set at any time, by any thread, whatever calls other threads make meanwhile.
+// qv_set_threads returns QV_STATUS_OUT_OF_RANGE_ERR (-11), and changes nothing, for a number below 1
+// or above QV_MOST_THREADS.
+#define QV_MOST_THREADS 256
+QV_API(int) qv_threads(void);
+QV_API(int) qv_set_threads(int threads);
+
+// Limits the calls that the calling thread makes from now on to so many threads, itself included; 0
+// for no limit. A limit above qv_threads has no effect. A call that works in bands makes the bytes
+// that it makes where qv_threads is the limit (see qv_resize).
+// Returns QV_STATUS_OUT_OF_RANGE_ERR (-11) for a number below 0; QV_STATUS_MEM_ALLOC_ERR (-9) if the
+// system has no place for it (Windows, when its slots of thread-local storage are used up). The
+// thread keeps the limit that it had then.
+QV_API(int) qv_set_thread_limit(int threads);
+
 // ---- Beyond the class ---------------------------------------------------------------------------
 
 // Functions that the class does not have.
