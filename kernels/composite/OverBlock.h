@@ -9,7 +9,7 @@
 #ifndef QV_KERNELS_COMPOSITE_OVERBLOCK_H
 #define QV_KERNELS_COMPOSITE_OVERBLOCK_H
 
-#include "kernels/level/Floats.h"
+#include "kernels/level/Level.h"
 
 namespace qv::QV_LEVEL {
 
