@@ -235,7 +235,7 @@ int WideLevelOf(const CpuidLeaves& leaves) {
 
 int CarrylessLevelOf(const CpuidLeaves& leaves) {
   if (!leaves.hasCpuid || !Has(leaves.leaf1.ecx, Pclmulqdq | Sse41)) return 0;
-  return WideLevelOf(leaves) == 2 && Has(leaves.leaf7.ecx, Vpclmulqdq) ? 2 : 1;
+  return WideLevelOf(leaves) >= 2 && Has(leaves.leaf7.ecx, Vpclmulqdq) ? 2 : 1;
 }
 
 ptrdiff_t LastCacheBytesOf(const CpuidLeaves& leaves) {

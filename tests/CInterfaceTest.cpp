@@ -2,15 +2,19 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <atomic>
 #include <cstring>
 #include <string>
 #include <thread>
 #include <tuple>
 #include <type_traits>
 
+#include "dispatch/VariantIndex.h"
 #include "qvAcceleratedLib/Operations.h"
 #include "qvAcceleratedLib/qv.h"
 #include "tests/support/Bytes.h"
+#include "tests/support/Levels.h"
+#include "tests/support/Operations.h"
 
 namespace qv::test {
 namespace {
@@ -123,6 +127,35 @@ TEST(CInterface, KnowsStatuses) {
     EXPECT_STREQ(qv_status_name(other), "unknown");
     EXPECT_STREQ(qv_status_text(other), "unknown status");
   }
+}
+
+// All the way down, with a call that runs meanwhile: another thread's bytes stay the same.
+TEST(CInterface, LowersTheLevel) {
+  std::string names;
+  for (const Level& level : AvailableLevels())
+    names.append(names.empty() ? "" : " ").append(level.name);
+  EXPECT_EQ(qv_levels(), names);
+  const UseLevel restored(AvailableLevels().back());
+  EXPECT_EQ(qv_set_level(nullptr), QV_STATUS_NULL_PTR_ERR);
+  for (const char* wrong : {"", "avx", "generic sse2", "neon"})
+    EXPECT_EQ(qv_set_level(wrong), QV_STATUS_OUT_OF_RANGE_ERR) << wrong;
+  const std::vector<Outcome> expected = RunAll();
+  std::atomic<bool> done = false;
+  std::thread other([&] {
+    do EXPECT_TRUE(RunAll() == expected);
+    while (!done);
+  });
+  const Level* above = nullptr;
+  for (auto level = AvailableLevels().rbegin(); level != AvailableLevels().rend(); ++level) {
+    EXPECT_EQ(qv_set_level(level->name), QV_STATUS_OK) << level->name;
+    EXPECT_STREQ(qv_level(), level->name);
+    EXPECT_EQ(CarrylessLevel, level->carrylessLevel) << level->name;
+    EXPECT_TRUE(!above || qv_set_level(above->name) == QV_STATUS_OUT_OF_RANGE_ERR);
+    above = &*level;
+    EXPECT_TRUE(RunAll() == expected) << level->name;
+  }
+  done = true;
+  other.join();
 }
 
 // Bytes of resizing tell one band from several.

@@ -575,6 +575,17 @@ QV_API(int) qv_set_threads(int threads);
 // thread keeps the limit that it had then.
 QV_API(int) qv_set_thread_limit(int threads);
 
+// The level of vectors that calls run at: "generic" (plain code), "sse2", "ssse3", "avx2", "avx512";
+// at first the highest that the processor has. And all that it has, from the lowest on, with a space
+// between each two. The bytes are the same at every level, so there is no reason to change it but
+// to find out whether a fault comes from the level: qv_set_level lowers it, for all calls that begin
+// later and for the rest of those that are being made. It may be called at any time by any thread.
+// It returns QV_STATUS_NULL_PTR_ERR (-8) if level is null; QV_STATUS_OUT_OF_RANGE_ERR (-11), and
+// changes nothing, for a name that is none of qv_levels or stands above the present one.
+QV_API(const char*) qv_level(void);
+QV_API(const char*) qv_levels(void);
+QV_API(int) qv_set_level(const char* level);
+
 // ---- Beyond the class ---------------------------------------------------------------------------
 
 // Functions that the class does not have.

@@ -16,19 +16,9 @@
 
 #include "kernels/level/Common.h"
 
-#if defined(QV_LEVEL_generic)
-#include "kernels/level/generic.h"
-#elif defined(QV_LEVEL_sse2)
-#include "kernels/level/sse2.h"
-#elif defined(QV_LEVEL_ssse3)
-#include "kernels/level/ssse3.h"
-#elif defined(QV_LEVEL_avx2)
-#include "kernels/level/avx2.h"
-#elif defined(QV_LEVEL_avx512)
-#include "kernels/level/avx512.h"
-#else
-#error "QV_LEVEL_<name> is not defined"
-#endif
+#define QV_QUOTED(text) #text
+#define QV_HEADER_OF(name) QV_QUOTED(kernels/level/name.h)
+#include QV_HEADER_OF(QV_LEVEL)
 
 #if QV_HAS_VECTORS
 #include "kernels/level/Vectors.h"

@@ -138,6 +138,7 @@ static int Deinterlace(Function f) {
 static int Text(Function f) { return ((const char* (*)(int))f)(-6)[0]; }
 static int Word(Function f) { return ((const char* (*)(void))f)()[0] != 0; }
 static int Number(Function f) { return ((int (*)(void))f)() > 0; }
+static int SetName(Function f) { return ((int (*)(const char*))f)("no level"); }
 static int SetNumber(Function f) { return ((int (*)(int))f)(2); }
 
 static const struct {
@@ -173,6 +174,9 @@ static const struct {
     {"qv_status_text", Text, 0xaed86e73},
     {"qv_threads", Number, 0xa9508c53},
     {"qv_set_threads", SetNumber, 0x59244d42},
+    {"qv_level", Word, 0xa9508c53},
+    {"qv_levels", Word, 0xa9508c53},
+    {"qv_set_level", SetName, 0xfd9d3644},
     {"qv_set_thread_limit", SetNumber, 0x59244d42},
 };
 
