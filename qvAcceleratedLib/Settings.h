@@ -1,7 +1,7 @@
 // Process-wide settings, written while the library is loaded; a host may change the thread budget
 // later, whatever calls run meanwhile.
-#ifndef QV_SETTINGS_H
-#define QV_SETTINGS_H
+#ifndef QV_QVACCELERATEDLIB_SETTINGS_H
+#define QV_QVACCELERATEDLIB_SETTINGS_H
 
 #include <atomic>
 
