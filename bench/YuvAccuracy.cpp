@@ -56,7 +56,7 @@ const char* const kMatrices[] = {"BT.601", "BT.709", "BT.2020"};
 
 void PrintRow(const char* way, int matrix, int range, const char* contender, const Errors& errors) {
   std::printf("| %s %s %s | %s | %.2f | %.3f |\n", kMatrices[matrix],
-              range == RangeFull ? "full" : "studio", way, contender, errors.largest,
+              range == QV_FULL_RANGE ? "full" : "studio", way, contender, errors.largest,
               errors.sum / static_cast<double>(errors.count));
 }
 
@@ -83,8 +83,8 @@ void PrintToSamples(Frames& f, int matrix, int range, const char* contender, Con
   Errors errors, trip;
   for (std::size_t i = 0; i < kAll; ++i) errors.Add(f.Samples(i), ExactYuv(colors, f.Pixel(i)));
   PrintRow("to samples", matrix, range, contender, errors);
-  YuvToRgb(YuvI444, f.plane, f.step, RgbBGRA, f.pixels.data(), 4 * kSide, kSize, matrix, range,
-           SitingRepeat);
+  YuvToRgb(QV_YUV_I444, f.plane, f.step, QV_RGB_BGRA, f.pixels.data(), 4 * kSide, kSize, matrix,
+           range, QV_CHROMA_REPEATED);
   for (std::size_t i = 0; i < kAll; ++i)
     trip.Add(f.Pixel(i), {double(i & 255), double(i >> 8 & 255), double(i >> 16)});
   PrintRow("and back", matrix, range, contender, trip);
@@ -104,8 +104,8 @@ void PrintYuvAccuracy() {
   for (int i = 0; i < 6; ++i) {
     const int matrix = i % 3, range = i / 3;
     PrintToPixels(frames, matrix, range, "ours", [=](Frames& f) {
-      YuvToRgb(YuvI444, f.plane, f.step, RgbBGRA, f.pixels.data(), 4 * kSide, kSize, matrix, range,
-               SitingRepeat);
+      YuvToRgb(QV_YUV_I444, f.plane, f.step, QV_RGB_BGRA, f.pixels.data(), 4 * kSide, kSize, matrix,
+               range, QV_CHROMA_REPEATED);
     });
 #if defined(QV_BENCH_LIBYUV)
     const libyuv::YuvConstants* const constants[] = {
@@ -117,8 +117,8 @@ void PrintYuvAccuracy() {
     });
 #endif
     PrintToSamples(frames, matrix, range, "ours", [=](Frames& f) {
-      RgbToYuv(RgbBGRA, f.pixels.data(), 4 * kSide, YuvI444, f.plane, f.step, kSize, matrix, range,
-               SitingRepeat);
+      RgbToYuv(QV_RGB_BGRA, f.pixels.data(), 4 * kSide, QV_YUV_I444, f.plane, f.step, kSize, matrix,
+               range, QV_CHROMA_REPEATED);
     });
 #if defined(QV_BENCH_LIBYUV)
     if (i == 0)

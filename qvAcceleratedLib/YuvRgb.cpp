@@ -81,8 +81,8 @@ YuvFrame<Byte> FrameOf(const YuvPlaces& layout, Byte* const* planes, const int* 
 }
 
 ChromaSiting SitingOf(int siting) {
-  return siting == SitingLeft     ? ChromaSiting::Left
-         : siting == SitingCentre ? ChromaSiting::Centre
+  return siting == QV_CHROMA_LEFT     ? ChromaSiting::Left
+         : siting == QV_CHROMA_CENTRE ? ChromaSiting::Centre
                                   : ChromaSiting::Repeat;
 }
 
@@ -93,7 +93,7 @@ IppStatus RunRows(const Kernel& kernel, int yuvLayout, int rgbLayout, IppiSize s
                   const Rows& rows) {
   const int layouts = (yuvLayout * 8 + rgbLayout) << 16;
   const Work work = {1ll * size.width * size.height, MethodOf(kernel, layouts)};
-  return RunBands(PlanEvenBands(size.height, ThreadBudget), work, [&](Band band) {
+  return RunBands(PlanEvenBands(size.height, CallBudget()), work, [&](Band band) {
     rows(static_cast<int>(band.first), band.length);
     return StatusOk;
   });

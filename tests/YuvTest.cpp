@@ -57,8 +57,8 @@ TEST_P(AllColors, AreWithinTheBoundOfTheExactPixel) {
   for (std::size_t i = 0; i < kAll; ++i)
     for (int c = 0; c < 3; ++c) src.at[c][i] = static_cast<unsigned char>(i >> 8 * c);
   const Bytes bgr = SameAtAllLevels([&](unsigned char* out) {
-    return YuvToRgb(YuvI444, src.at, src.step, RgbBGR, out, 3 * kSide, {kSide, kSide}, matrix,
-                    range, SitingLeft);
+    return YuvToRgb(QV_YUV_I444, src.at, src.step, QV_RGB_BGR, out, 3 * kSide, {kSide, kSide},
+                    matrix, range, QV_CHROMA_LEFT);
   });
   Worst worst;
   for (std::size_t i = 0; i < kAll; ++i) {
@@ -81,13 +81,13 @@ TEST_P(AllColors, AreWithinTheBoundOfTheExactSamplesAndComeBack) {
   Planes444 yuv;
   yuv.bytes = SameAtAllLevels([&](unsigned char* out) {
     unsigned char* const planes[] = {out, out + kAll, out + 2 * kAll};
-    return RgbToYuv(RgbBGR, bgr.data(), 3 * kSide, YuvI444, planes, yuv.step, {kSide, kSide},
-                    matrix, range, SitingLeft);
+    return RgbToYuv(QV_RGB_BGR, bgr.data(), 3 * kSide, QV_YUV_I444, planes, yuv.step,
+                    {kSide, kSide}, matrix, range, QV_CHROMA_LEFT);
   });
   for (std::size_t c = 0; c < 3; ++c) yuv.at[c] = yuv.bytes.data() + c * kAll;
   Bytes back(3 * kAll);
-  YuvToRgb(YuvI444, yuv.at, yuv.step, RgbBGR, back.data(), 3 * kSide, {kSide, kSide}, matrix, range,
-           SitingRepeat);
+  YuvToRgb(QV_YUV_I444, yuv.at, yuv.step, QV_RGB_BGR, back.data(), 3 * kSide, {kSide, kSide},
+           matrix, range, QV_CHROMA_REPEATED);
   Worst worst;
   int loss = 0, exactLoss = 0;
   for (std::size_t i = 0; i < kAll; ++i) {
@@ -159,8 +159,8 @@ double Interpolated(Frame& frame, IppiSize size, int c, int x, int y, int siting
   const Layout& l = frame.layout;
   const int columns = (size.width + l.across - 1) / l.across,
             rows = (size.height + l.down - 1) / l.down;
-  if (siting == SitingRepeat) return frame.Sample(c, x / l.across, y / l.down);
-  const double shift = siting == SitingCentre && l.across == 2 ? .25 : 0;
+  if (siting == QV_CHROMA_REPEATED) return frame.Sample(c, x / l.across, y / l.down);
+  const double shift = siting == QV_CHROMA_CENTRE && l.across == 2 ? .25 : 0;
   const double u = std::clamp(x / double(l.across) - shift, 0., columns - 1.);
   const double v = std::clamp(y / double(l.down) - (l.down == 2 ? .25 : 0), 0., rows - 1.);
   const int i = static_cast<int>(u), k = static_cast<int>(v);
@@ -172,7 +172,7 @@ double Interpolated(Frame& frame, IppiSize size, int c, int x, int y, int siting
 
 // Byte c of B, G, R of a pixel layout.
 constexpr int kBytesOf[] = {3, 3, 4, 4, 1};
-int Place(int rgb, int c) { return rgb == RgbGrey ? 0 : rgb % 2 ? 2 - c : c; }
+int Place(int rgb, int c) { return rgb == QV_RGB_GREY ? 0 : rgb % 2 ? 2 - c : c; }
 
 template <class Body>
 void ForAllLayouts(Body body) {
@@ -210,16 +210,16 @@ TEST(YuvToRgb, TakesAllLayoutsAndSitings) {
     const int bytes = kBytesOf[rgb], step = size.width * bytes + 3;
     Bytes out(static_cast<std::size_t>(step * size.height), 9);
     RunEverywhere(out, [&] {
-      return YuvToRgb(layout, frame.at, frame.step, rgb, out.data(), step, size, MatrixBT709,
-                      RangeStudio, siting);
+      return YuvToRgb(layout, frame.at, frame.step, rgb, out.data(), step, size, QV_BT709,
+                      QV_STUDIO_RANGE, siting);
     });
     for (int y = 0; y < size.height; ++y) {
       for (int x = 0; x < size.width; ++x) {
         const unsigned char* const pixel = &out[static_cast<std::size_t>(y * step + x * bytes)];
         Triple yuv = {frame.Sample(0, x, y) * 1., 128, 128};
-        for (int c = 1; c < 3 && rgb != RgbGrey; ++c)
+        for (int c = 1; c < 3 && rgb != QV_RGB_GREY; ++c)
           yuv[static_cast<std::size_t>(c)] = Interpolated(frame, size, c, x, y, siting);
-        const Triple exact = ExactRgb(ColorsOf(MatrixBT709, RangeStudio), yuv);
+        const Triple exact = ExactRgb(ColorsOf(QV_BT709, QV_STUDIO_RANGE), yuv);
         for (int c = 0; c < 3; ++c)
           ASSERT_NEAR(pixel[Place(rgb, c)], exact[static_cast<std::size_t>(c)], .54)
               << x << ' ' << y;
@@ -246,14 +246,14 @@ TEST(RgbToYuv, GivesAllLayoutsAndSitings) {
       const Bytes before = frame.bytes[p];
       RunEverywhere(frame.bytes[p], [&] {
         frame.at[p] = frame.bytes[p].data();
-        return RgbToYuv(rgb, src.data(), step, layout, frame.at, frame.step, size, MatrixBT2020,
-                        RangeStudio, siting);
+        return RgbToYuv(rgb, src.data(), step, layout, frame.at, frame.step, size, QV_BT2020,
+                        QV_STUDIO_RANGE, siting);
       });
       for (std::size_t gap = static_cast<std::size_t>(frame.step[p]); gap <= before.size();
            gap += static_cast<std::size_t>(frame.step[p]))
         for (std::size_t i = 1; i <= 5; ++i) ASSERT_EQ(frame.bytes[p][gap - i], before[gap - i]);
     }
-    const Colors colors = ColorsOf(MatrixBT2020, RangeStudio);
+    const Colors colors = ColorsOf(QV_BT2020, QV_STUDIO_RANGE);
     for (int y = 0; y < size.height; ++y)
       for (int x = 0; x < size.width; ++x) {
         const Triple bgr = {byte(0, x, y), byte(1, x, y), byte(2, x, y)};
@@ -263,8 +263,8 @@ TEST(RgbToYuv, GivesAllLayoutsAndSitings) {
         for (int c = 0; c < 3; ++c)
           for (int row = y; row < y + 2; ++row) {
             const int below = l.down == 2 ? row : y, right = l.across == 2 ? x + 1 : x;
-            const double left = siting == SitingLeft && l.across == 2 ? byte(c, x - 1, below)
-                                                                      : byte(c, right, below);
+            const double left = siting == QV_CHROMA_LEFT && l.across == 2 ? byte(c, x - 1, below)
+                                                                          : byte(c, right, below);
             mean[static_cast<std::size_t>(c)] +=
                 (left + 2 * byte(c, x, below) + byte(c, right, below)) / 8;
           }
@@ -278,6 +278,19 @@ TEST(RgbToYuv, GivesAllLayoutsAndSitings) {
       ASSERT_EQ(frame.Sample(0, size.width, 0), frame.Sample(0, size.width - 1, 0));
     }
   });
+}
+
+// A step of 0 has every row made of one and the same.
+TEST(RgbToYuv, ReadsOneRowForAll) {
+  const Bytes src = Noise(3 * 130);
+  Bytes out(130 * 3, 9);
+  unsigned char* const planes[] = {out.data(), &out[260], &out[325]};
+  const int steps[] = {130, 65, 65};
+  RunEverywhere(out, [&] {
+    return RgbToYuv(QV_RGB_BGR, src.data(), 0, QV_YUV_I420, planes, steps, {130, 2}, QV_BT601,
+                    QV_FULL_RANGE, QV_CHROMA_REPEATED);
+  });
+  EXPECT_TRUE(std::equal(&out[0], &out[130], &out[130]));
 }
 
 // ---- Refusals -----------------------------------------------------------------------------------
@@ -314,7 +327,8 @@ TEST(YuvRgb, RefusesInTheStatedOrderAndWritesNothing) {
   EXPECT_EQ(bytes, Bytes(64, 7));
   EXPECT_EQ(other, Bytes(64, 8));
   // A grey needs luma alone.
-  EXPECT_EQ(YuvToRgb(YuvI420, lacking, steps, RgbGrey, other.data(), 4, {4, 2}, 0, 0, 0), StatusOk);
+  EXPECT_EQ(YuvToRgb(QV_YUV_I420, lacking, steps, QV_RGB_GREY, other.data(), 4, {4, 2}, 0, 0, 0),
+            StatusOk);
 }
 
 }  // namespace

@@ -135,6 +135,14 @@ static int Deinterlace(Function f) {
   return ((int (*)(int, In, int, Out, int, Size, unsigned, unsigned))f)(
       2, source, kStep, destination, kStep, size, 128, 0);
 }
+static int ToPixels(Function f) {
+  return ((int (*)(int, const Byte* const*, const int*, int, Out, int, Size, int, int, int))f)(
+      0, sources, steps, 0, destination, kStep, size, 0, 0, 1);
+}
+static int ToSamples(Function f) {
+  return ((int (*)(int, In, int, int, Byte* const*, const int*, Size, int, int, int))f)(
+      0, source, kStep, 0, planes, steps, size, 1, 1, 2);
+}
 static int Text(Function f) { return ((const char* (*)(int))f)(-6)[0]; }
 static int Word(Function f) { return ((const char* (*)(void))f)()[0] != 0; }
 static int Number(Function f) { return ((int (*)(void))f)() > 0; }
@@ -178,6 +186,8 @@ static const struct {
     {"qv_levels", Word, 0xa9508c53},
     {"qv_set_level", SetName, 0xfd9d3644},
     {"qv_set_thread_limit", SetNumber, 0x59244d42},
+    {"qv_yuv_to_rgb", ToPixels, 0x00000000},
+    {"qv_rgb_to_yuv", ToSamples, 0x00000000},
 };
 
 static Function Find(const char* path, const char* name) {

@@ -18,7 +18,7 @@ struct Colors {
 
 inline Colors ColorsOf(int matrix, int range) {
   constexpr double kr[] = {.299, .2126, .2627}, kb[] = {.114, .0722, .0593};
-  return {kr[matrix], kb[matrix], range == RangeFull};
+  return {kr[matrix], kb[matrix], range == QV_FULL_RANGE};
 }
 
 inline double Limit(double x) { return std::clamp(x, 0., 255.); }
