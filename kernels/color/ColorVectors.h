@@ -2,8 +2,8 @@
 // point made into bytes, and bytes into pixels B, G, R.
 //
 // A row is worked on in blocks of kVecBytes pixels, as two halves of kVecBytes / 2, whose 16-bit
-// lanes are the pixels in order; but with AVX2 eights of pixels go to the two halves in turns, so
-// that packing within 128-bit lanes puts them in order.
+// lanes are the pixels in order. Vectors of two 128-bit lanes whose bytes cannot be permuted take
+// eight pixels at a time in turns instead, so that packing within lanes puts them in order.
 #ifndef QV_KERNELS_COLOR_COLORVECTORS_H
 #define QV_KERNELS_COLOR_COLORVECTORS_H
 

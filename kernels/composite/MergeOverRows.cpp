@@ -44,9 +44,9 @@ QV_INLINE float Of255(int x) { return RoundToFloat(static_cast<float>(x) / 255.0
 
 // The sum is at most 255 and the divisor at least 1 / 255: no operation comes near overflow or the
 // subnormal range.
-[[maybe_unused]] void ColourRowPlain(Byte* fg, const Byte* fgAlpha, const Byte* bg,
-                                     const Byte* bgAlpha, const Byte* mergedAlpha,
-                                     ptrdiff_t bytes) {
+[[maybe_unused]] void ColorRowPlain(Byte* fg, const Byte* fgAlpha, const Byte* bg,
+                                    const Byte* bgAlpha, const Byte* mergedAlpha,
+                                    ptrdiff_t bytes) {
   for (ptrdiff_t i = 0; i < bytes; ++i) {
     const ptrdiff_t pixel = i / 3;
     const float fgWeight = Of255(fgAlpha[pixel]);
@@ -76,8 +76,8 @@ void AlphaRow(Byte* dstAlpha, const Byte* bgAlpha, ptrdiff_t width) {
   if (!done) AlphaRowPlain(dstAlpha, bgAlpha, width);
 }
 
-void ColourRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
-               const Byte* mergedAlpha, ptrdiff_t bytes) {
+void ColorRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
+              const Byte* mergedAlpha, ptrdiff_t bytes) {
   const auto at = [=](ptrdiff_t x) {
     return OverPixels{fg + 3 * x, fgAlpha + x, bg + 3 * x, bgAlpha + x, mergedAlpha + x};
   };
@@ -92,7 +92,7 @@ void ColourRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlph
 #else
 
 constexpr auto AlphaRow = AlphaRowPlain;
-constexpr auto ColourRow = ColourRowPlain;
+constexpr auto ColorRow = ColorRowPlain;
 
 #endif
 
@@ -119,8 +119,8 @@ IppStatus MergeAlphaOver_8u(Byte* fg, int fgStep, const Byte* fgAlpha, int fgAlp
   for (int y = 0; y < height; ++y)
     AlphaRow(RowAt(dstAlpha, fgAlphaStep, y), RowAt(bgAlpha, bgAlphaStep, y), width);
   for (int y = 0; y < height; ++y)
-    ColourRow(RowAt(fg, fgStep, y), RowAt(fgAlpha, fgAlphaStep, y), RowAt(bg, bgStep, y),
-              RowAt(bgAlpha, bgAlphaStep, y), RowAt(dstAlpha, fgAlphaStep, y), rowBytes);
+    ColorRow(RowAt(fg, fgStep, y), RowAt(fgAlpha, fgAlphaStep, y), RowAt(bg, bgStep, y),
+             RowAt(bgAlpha, bgAlphaStep, y), RowAt(dstAlpha, fgAlphaStep, y), rowBytes);
   return StatusOk;
 }
 
