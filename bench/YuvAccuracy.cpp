@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "bench/Peers.h"
-#include "tests/support/ExactYuv.h"
+#include "support/ExactYuv.h"
 
 #if defined(QV_BENCH_LIBYUV)
 #include <libyuv/convert_from_argb.h>

@@ -6,9 +6,9 @@
 #include <cmath>
 
 #include "qvAcceleratedLib/YuvRgb.h"
-#include "tests/support/Bytes.h"
-#include "tests/support/ExactYuv.h"
-#include "tests/support/Levels.h"
+#include "support/Bytes.h"
+#include "support/ExactYuv.h"
+#include "support/Levels.h"
 
 namespace qv::test {
 namespace {

@@ -186,8 +186,8 @@ static const struct {
     {"qv_levels", Word, 0xa9508c53},
     {"qv_set_level", SetName, 0xfd9d3644},
     {"qv_set_thread_limit", SetNumber, 0x59244d42},
-    {"qv_yuv_to_rgb", ToPixels, 0x00000000},
-    {"qv_rgb_to_yuv", ToSamples, 0x00000000},
+    {"qv_yuv_to_rgb", ToPixels, 0xfb475781},
+    {"qv_rgb_to_yuv", ToSamples, 0x50f59d79},
 };
 
 static Function Find(const char* path, const char* name) {

@@ -1,6 +1,6 @@
 // Luma and chroma to pixels and back by their definition, in double precision.
-#ifndef QV_TESTS_SUPPORT_EXACTYUV_H
-#define QV_TESTS_SUPPORT_EXACTYUV_H
+#ifndef QV_SUPPORT_EXACTYUV_H
+#define QV_SUPPORT_EXACTYUV_H
 
 #include <algorithm>
 #include <array>
