@@ -51,8 +51,8 @@ const ImageKernel* FindCopyKernel(int type) {
 }
 
 // The kernel on bands of rows, both images moving on by their steps.
-IppStatus RunOnRows(const ImageKernel& kernel, const Bands& bands, const unsigned char* src, int srcStep,
-                    unsigned char* dst, int dstStep, IppiSize size) {
+IppStatus RunOnRows(const ImageKernel& kernel, const Bands& bands, const unsigned char* src,
+                    int srcStep, unsigned char* dst, int dstStep, IppiSize size) {
   return RunBands(bands, {Area(size), MethodOf(kernel)}, [&](Band band) {
     return kernel(band.At(src, srcStep), srcStep, band.At(dst, dstStep), dstStep,
                   {size.width, band.length});
