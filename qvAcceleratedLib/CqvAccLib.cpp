@@ -51,8 +51,8 @@ const ImageKernel* FindCopyKernel(int type) {
 }
 
 // The kernel on bands of rows, both images moving on by their steps.
-IppStatus RunOnRows(const ImageKernel& kernel, const Bands& bands, const unsigned char* src, int srcStep,
-                    unsigned char* dst, int dstStep, IppiSize size) {
+IppStatus RunOnRows(const ImageKernel& kernel, const Bands& bands, const unsigned char* src,
+                    int srcStep, unsigned char* dst, int dstStep, IppiSize size) {
   return RunBands(bands, {Area(size), MethodOf(kernel)}, [&](Band band) {
     return kernel(band.At(src, srcStep), srcStep, band.At(dst, dstStep), dstStep,
                   {size.width, band.length});
@@ -210,11 +210,9 @@ IppStatus CqvAccLib::qvResize(qvDataType type, const unsigned char* src, IppiSiz
                               int interpolation) {
   const FloatEnvironment environment;
   const int channels = type == OneChannel ? 1 : type == ThreeChannels ? 3 : 0;
-  // Each band has its rows of the source and of the destination.
-  const int height = srcSize.height < dstRoiSize.height ? srcSize.height : dstRoiSize.height;
   const ResizeRoute route({src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoiSize, xFactor,
                            yFactor, interpolation}, channels,
-                          PlanBands(height, CallBudget()).count);
+                          ResizeBands(srcSize, dstRoiSize, CallBudget()));
   if (route.bands() == 1) return route.RunWhole();
   const Bands bands = {route.bands(), route.rowsPerBand(), dstRoiSize.height};
   return RunBands(bands, {Area(dstRoiSize), route.kind()}, [&](Band band) {

@@ -88,6 +88,16 @@ enum qv_status {
   QV_STATUS_ODD_SIZE_WARNING = 35       // an odd last column or row was left unwritten
 };
 
+// How resizing, rotation and warping make a pixel from those around its place in the source. Which
+// of these an operation takes is said there; its parameter is an int.
+enum qv_interpolation {
+  QV_INTERPOLATE_NEAREST = 1,
+  QV_INTERPOLATE_LINEAR = 2,
+  QV_INTERPOLATE_CUBIC = 4,
+  QV_INTERPOLATE_AREA = 8,
+  QV_INTERPOLATE_LANCZOS = 16
+};
+
 // Which way qv_mirror flips.
 enum qv_axis {
   QV_AXIS_HORIZONTAL = 0,  // about the horizontal axis: top to bottom
@@ -561,8 +571,8 @@ QV_API(const char*) qv_status_text(int status);
 // process may use processors. The library has one less of its own, for all calls together; those
 // that a lower number leaves over sleep. The number takes effect on calls that begin later; it may
 // be set at any time, by any thread, whatever calls other threads make meanwhile.
-// qv_set_threads returns QV_STATUS_OUT_OF_RANGE_ERR (-11), and changes nothing, for a number below 1
-// or above QV_MOST_THREADS.
+// qv_set_threads returns QV_STATUS_OUT_OF_RANGE_ERR (-11), and changes nothing, for a number below
+// 1 or above QV_MOST_THREADS.
 #define QV_MOST_THREADS 256
 QV_API(int) qv_threads(void);
 QV_API(int) qv_set_threads(int threads);
@@ -570,25 +580,76 @@ QV_API(int) qv_set_threads(int threads);
 // Limits the calls that the calling thread makes from now on to so many threads, itself included; 0
 // for no limit. A limit above qv_threads has no effect. A call that works in bands makes the bytes
 // that it makes where qv_threads is the limit (see qv_resize).
-// Returns QV_STATUS_OUT_OF_RANGE_ERR (-11) for a number below 0; QV_STATUS_MEM_ALLOC_ERR (-9) if the
-// system has no place for it (Windows, when its slots of thread-local storage are used up). The
+// Returns QV_STATUS_OUT_OF_RANGE_ERR (-11) for a number below 0; QV_STATUS_MEM_ALLOC_ERR (-9) if
+// the system has no place for it (Windows, when its slots of thread-local storage are used up). The
 // thread keeps the limit that it had then.
 QV_API(int) qv_set_thread_limit(int threads);
 
-// The level of vectors that calls run at: "generic" (plain code), "sse2", "ssse3", "avx2", "avx512";
-// at first the highest that the processor has. And all that it has, from the lowest on, with a space
-// between each two. The bytes are the same at every level, so there is no reason to change it but
-// to find out whether a fault comes from the level: qv_set_level lowers it, for all calls that begin
-// later and for the rest of those that are being made. It may be called at any time by any thread.
-// It returns QV_STATUS_NULL_PTR_ERR (-8) if level is null; QV_STATUS_OUT_OF_RANGE_ERR (-11), and
-// changes nothing, for a name that is none of qv_levels or stands above the present one.
+// The level of vectors that calls run at: "generic" (plain code), "sse2", "ssse3", "avx2",
+// "avx512"; at first the highest that the processor has. And all that it has, from the lowest on,
+// with a space between each two. The bytes are the same at every level, so there is no reason to
+// change it but to find out whether a fault comes from the level: qv_set_level lowers it, for all
+// calls that begin later and for the rest of those that are being made. It may be called at any
+// time by any thread. It returns QV_STATUS_NULL_PTR_ERR (-8) if level is null;
+// QV_STATUS_OUT_OF_RANGE_ERR (-11), and changes nothing, for a name that is none of qv_levels or
+// stands above the present one.
 QV_API(const char*) qv_level(void);
 QV_API(const char*) qv_levels(void);
 QV_API(int) qv_set_level(const char* level);
 
+// ---- Rows and positions -------------------------------------------------------------------------
+
+// How the pixels of an image lie in memory, in address order. Packed and two-plane ones have their
+// chroma in pairs; 420 has one chroma sample for 2 x 2 pixels, 422 one for two side by side.
+enum qv_layout {
+  QV_LAYOUT_GREY = 1,   // one byte
+  QV_LAYOUT_BGR = 2,    // three bytes
+  QV_LAYOUT_RGB = 3,
+  QV_LAYOUT_BGRA = 4,   // four bytes, the last one alpha
+  QV_LAYOUT_RGBA = 5,
+  QV_LAYOUT_YUYV = 6,   // packed 4:2:2: Y0 Cb Y1 Cr
+  QV_LAYOUT_UYVY = 7,   // packed 4:2:2: Cb Y0 Cr Y1
+  QV_LAYOUT_I420 = 8,   // planes Y, Cb, Cr
+  QV_LAYOUT_YV12 = 9,   // planes Y, Cr, Cb; 4:2:0 as well
+  QV_LAYOUT_NV12 = 10,  // planes Y and Cb Cr; 4:2:0
+  QV_LAYOUT_NV21 = 11,  // planes Y and Cr Cb; 4:2:0
+  QV_LAYOUT_I422 = 12,  // planes Y, Cb, Cr
+  QV_LAYOUT_I444 = 13   // planes Y, Cb, Cr
+};
+
+// Bytes of a row of so many pixels without padding; of the first plane where there are several.
+// Packed 4:2:2 has whole groups of four bytes.
+// Returns QV_STATUS_DATA_TYPE_ERR (-2) for any other layout; QV_STATUS_SIZE_ERR (-6) if width is
+// below 1 or the bytes are more than an int can count.
+QV_API(int) qv_row_bytes(int layout, int width);
+
+// Where qv_resize, called now by this thread with these arguments, reads for the pixel (x, y) of
+// dst: position[0] across and position[1] down, in pixels of the source image, a whole number being
+// the middle of one. For code 1 that is the pixel that is read; for code 8 the middle of what the
+// pixel covers; for the others the position between the taps, which may lie outside the region,
+// whose edge pixels are then read. The result depends on qv_threads and the thread's limit as
+// qv_resize does. Takes time in proportion to x and y.
+// Returns QV_STATUS_NULL_PTR_ERR (-8) if position is null; QV_STATUS_SIZE_ERR (-6) if dst_roi_size
+// has a width or height below 1; what qv_resize returns of these arguments, but for pointers; then
+// QV_STATUS_OUT_OF_RANGE_ERR (-11) if qv_resize does not write the pixel. Nothing is written then.
+QV_API(int) qv_source_position(qv_size src_size, qv_rect src_roi, qv_size dst_roi_size,
+                               double x_factor, double y_factor, int interpolation, int x, int y,
+                               double position[2]);
+
+// Where a warp by this matrix reads for the pixel (x, y) of dst, any point between pixels included:
+// the (X, Y) that the matrix carries there, see qv_warp_perspective. (X, Y) may lie outside
+// src_roi; the warp writes nothing then. The kernels' own positions differ by less than 2^-11
+// pixel.
+// Returns QV_STATUS_NULL_PTR_ERR (-8) if coeffs or position is null; QV_STATUS_SIZE_ERR (-6) if
+// src_roi has an origin below 0 or a width or height below 1; QV_STATUS_COEFF_ERR (-56), with
+// nothing written, if the matrix cannot be inverted or carries nothing of the source's side of its
+// horizon there.
+QV_API(int) qv_warp_source_position(qv_rect src_roi, const double coeffs[9], double x, double y,
+                                    double position[2]);
+
 // ---- Beyond the class ---------------------------------------------------------------------------
 
-// Functions that the class does not have.
+// Operations that the class does not have, a family a section.
 
 // Luma and chroma to pixels, and back.
 

@@ -149,6 +149,16 @@ static int Number(Function f) { return ((int (*)(void))f)() > 0; }
 static int SetName(Function f) { return ((int (*)(const char*))f)("no level"); }
 static int SetNumber(Function f) { return ((int (*)(int))f)(2); }
 
+static int RowBytes(Function f) { return ((int (*)(int, int))f)(2, 11); }
+static int Position(Function f) {
+  const Size to = {6, 12};
+  return ((int (*)(Size, Rect, Size, double, double, int, int, int, double*))f)(
+      size, whole, to, 0.5, 1.5, 1, 3, 4, numbers);
+}
+static int WarpPosition(Function f) {
+  return ((int (*)(Rect, const double*, double, double, double*))f)(whole, shift, 3.5, 4, numbers);
+}
+
 static const struct {
   const char* name;
   int (*call)(Function);
@@ -188,6 +198,9 @@ static const struct {
     {"qv_set_thread_limit", SetNumber, 0x59244d42},
     {"qv_yuv_to_rgb", ToPixels, 0xfb475781},
     {"qv_rgb_to_yuv", ToSamples, 0x50f59d79},
+    {"qv_row_bytes", RowBytes, 0xa3c8aa33},
+    {"qv_source_position", Position, 0x7439fa8e},
+    {"qv_warp_source_position", WarpPosition, 0xc275eaa8},
 };
 
 static Function Find(const char* path, const char* name) {
