@@ -14,7 +14,9 @@ namespace qv {
     return kernel##_Table(src, srcStep, x, y, dst, dstStep, scratch);                            \
   }
 QV_FILTER_ENTRY(FilterRows_8u_C1, FilterColumns, AxisTaps)
+QV_FILTER_ENTRY(FilterRows_8u_C2, FilterColumns, AxisTaps)
 QV_FILTER_ENTRY(FilterRows_8u_C3, FilterColumns, AxisTaps)
+QV_FILTER_ENTRY(FilterRows_8u_C4, FilterColumns, AxisTaps)
 QV_FILTER_ENTRY(FilterRows422_8u_C2, FilterColumns, AxisTaps)
 QV_FILTER_ENTRY(AreaRows_8u_C1, AreaColumns, AxisSpans)
 QV_FILTER_ENTRY(AreaRows_8u_C3, AreaColumns, AxisSpans)

@@ -33,7 +33,7 @@ QV_INLINE void WidenSamples(const Byte* from, int stride, short* words, ptrdiff_
   for (; i < count; ++i) words[i] = from[i * stride];
 }
 
-// Four or eight words are read at each sample's first tap.
+// Four, eight or sixteen words are read at each sample's first tap.
 QV_INLINE __m128i LoadFour(const short* p) {
   return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
 }
@@ -57,8 +57,13 @@ QV_INLINE __m128i FourSums(const short* line, const int* first, const short* wei
                          _mm_madd_epi16(cd, LoadEight(weights + 8)));
   } else {
     __m128i s[4];
-    for (int i = 0; i < 4; ++i)
-      s[i] = _mm_madd_epi16(LoadEight(line + first[i]), LoadEight(weights + 8 * i));
+    for (int i = 0; i < 4; ++i) {
+      const short* const w = weights + kTaps * i;
+      s[i] = _mm_madd_epi16(LoadEight(line + first[i]), LoadEight(w));
+      if constexpr (kTaps == 16)
+        s[i] = _mm_add_epi32(s[i],
+                             _mm_madd_epi16(LoadEight(line + first[i] + 8), LoadEight(w + 8)));
+    }
     return AddNeighbours(AddNeighbours(s[0], s[1]), AddNeighbours(s[2], s[3]));
   }
 }
@@ -78,8 +83,10 @@ QV_INLINE void FilterComponent(const Byte* from, RowComponent component, ptrdiff
   WidenSamples(from + component.offset, component.stride, words, samples);
   if (taps.kept == 4)
     FilterWords<4>(words, taps, out);
-  else
+  else if (taps.kept == 8)
     FilterWords<8>(words, taps, out);
+  else
+    FilterWords<16>(words, taps, out);
 }
 
 // The components of a filtered row, one line behind the other, to their places in a ring row: lines
