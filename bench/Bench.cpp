@@ -5,6 +5,7 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <map>
@@ -17,8 +18,12 @@
 #include "tests/support/Levels.h"
 #include "tests/support/Random.h"
 
-#if defined(QV_BENCH_OPENCV)
-#include <opencv2/core.hpp>
+#include "bench/Peers.h"
+
+#if defined(QV_BENCH_SWSCALE)
+extern "C" {
+#include <libavutil/cpu.h>
+}
 #endif
 
 namespace bench {
@@ -29,6 +34,9 @@ std::vector<std::function<void(Suite&)>>& Families() {
   static std::vector<std::function<void(Suite&)>> families;
   return families;
 }
+
+// The level that --level limits the run to.
+std::string limit;
 
 // Loops that do nothing for as long as the program runs, one for each processor.
 bool busy = false;
@@ -42,6 +50,24 @@ void StartBusyLoops() {
     }
 }
 
+const qv::test::Level& LevelOfOurs() {
+  const auto& levels = qv::test::AvailableLevels();
+  const auto named = std::find_if(levels.begin(), levels.end(),
+                                  [](const auto& level) { return level.name == limit; });
+  return named != levels.end() ? *named : levels.back();
+}
+
+// Peers that can be told use what an AVX2 processor has as well. OpenCV is told by the environment,
+// before it is loaded.
+void LimitPeers() {
+#if defined(QV_BENCH_LIBYUV)
+  libyuv::MaskCpuFlags((libyuv::kCpuHasAVX512BW - 1) & ~libyuv::kCpuHasGFNI);
+#endif
+#if defined(QV_BENCH_SWSCALE)
+  av_force_cpu_flags(av_get_cpu_flags() & (AV_CPU_FLAG_AVX512 - 1));
+#endif
+}
+
 unsigned char* NewBuffer(std::size_t size, std::uint64_t seed) {
   size = (size + 4095) / 4096 * 4096;
   auto* const buffer = static_cast<unsigned char*>(std::aligned_alloc(4096, size));
@@ -51,6 +77,8 @@ unsigned char* NewBuffer(std::size_t size, std::uint64_t seed) {
 }
 
 }  // namespace
+
+bool IsLimited() { return !limit.empty(); }
 
 Family::Family(std::function<void(Suite&)> registerJobs) {
   Families().push_back(std::move(registerJobs));
@@ -82,7 +110,7 @@ void Suite::Ours(const std::string& job, IppiSize size, double movedBytes,
                  std::function<void()> work, const std::string& label) {
   Add(job, size, "ours", 1, false, movedBytes, work, label);
   Add(job, size, "ours", 0, false, movedBytes, work, label);
-  if (!busy) Add(job, size, "plain", 1, true, movedBytes, std::move(work), label);
+  if (!busy && !IsLimited()) Add(job, size, "plain", 1, true, movedBytes, std::move(work), label);
 }
 
 void Suite::Peer(const std::string& job, IppiSize size, const std::string& name,
@@ -104,7 +132,7 @@ void Suite::Add(const std::string& job, IppiSize size, const std::string& conten
       (job + "|" + contender + "|" + frame + "|" + std::to_string(threads)).c_str(),
       [=](benchmark::State& state) {
         const qv::test::UseLevel level(plain ? qv::test::AvailableLevels().front()
-                                             : qv::test::AvailableLevels().back());
+                                             : LevelOfOurs());
         if (threads == 1) {
 #pragma omp parallel num_threads(1)
           Repeat(state, work);
@@ -132,10 +160,18 @@ int main(int argc, char** argv) {
   if (argc > 1 && std::string(argv[1]) == "--busy") {
     bench::StartBusyLoops();
     ++argv, --argc;
+  } else if (argc > 2 && std::string(argv[1]) == "--level") {
+    bench::limit = argv[2];
+    if (bench::LevelOfOurs().name != bench::limit) {
+      std::fprintf(stderr, "qvbench: this machine has no level %s\n", argv[2]);
+      return 2;
+    }
+    bench::LimitPeers();
+    argv += 2, argc -= 2;
   }
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
-  benchmark::AddCustomContext("levels", qv::test::AvailableLevels().back().name);
+  benchmark::AddCustomContext("levels", bench::LevelOfOurs().name);
   benchmark::AddCustomContext("version", QVACCELERATEDLIB_VERSION);
   bench::Suite suite;
   for (const auto& family : bench::Families()) family(suite);

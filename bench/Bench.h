@@ -61,6 +61,9 @@ class Suite {
            bool plain, double movedBytes, std::function<void()> work, const std::string& label);
 };
 
+// Whether --level limits the run to what an AVX2 processor has, or less.
+bool IsLimited();
+
 // Registers a family's jobs before the benchmarks run.
 struct Family {
   explicit Family(std::function<void(Suite&)> registerJobs);

@@ -76,6 +76,10 @@ void WarpJobs(bench::Suite& s, IppiSize size) {
     double c[3][3];
   } m;
   Lib::qvGetPerspectiveTransform(Lib::OneChannel, {0, 0, w, h}, quad, m.c);
+  s.Ours("warp perspective linear 3 and mask", size, 0, [=] {
+    Lib::qvWarpPerspectiveEx(Lib::ThreeChannels, b.src, size, 3 * w, {0, 0, w, h}, b.dst, 3 * w,
+                             {0, 0, w, h}, m.c, 2, b.src2, w, b.dst2, w, m.c);
+  });
   for (const int channels : {1, 3})
     for (const Method& method : kMethods) {
       const int step = channels * w, code = method.code;

@@ -1,5 +1,7 @@
 #include "bench/ResizePeers.h"
 
+#include "bench/Bench.h"
+
 #if defined(QV_BENCH_OPENCV)
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
@@ -45,6 +47,7 @@ std::function<void()> ZimgResize(const ResizeJob& job) {
                                        : ZIMG_RESIZE_LANCZOS;
   params.filter_param_a = code == 4 ? 0 : 3;
   params.filter_param_b = 0.5;
+  params.cpu_type = IsLimited() ? ZIMG_CPU_X86_AVX2 : ZIMG_CPU_AUTO_64B;
   const std::shared_ptr<zimg_filter_graph> graph(zimg_filter_graph_build(&in, &out, &params),
                                                  zimg_filter_graph_free);
   if (!graph) std::abort();

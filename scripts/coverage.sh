@@ -9,14 +9,14 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 cd "$root"
 "$root/scripts/setup.sh" libgtest-dev gcovr
 cmake --preset coverage >/dev/null
-cmake --build --preset coverage --target unittests kernelcheck operationdigests host
+cmake --build --preset coverage --target unittests kernelcheck operationdigests qvselftest
 
 cd build/coverage
 find . -name '*.gcda' -delete
 # Left out are tests that make the calls of others many times over.
 repeated='Threads.MayCall*:FloatEnvironment.OfTheHost*:LargeImages.*:Selftest.*'
 for test in "unittests --gtest_brief=1 --gtest_filter=-$repeated" kernelcheck operationdigests \
-    hosts/host; do
+    ../tools/selftest/qvselftest; do
   # shellcheck disable=SC2086
   tests/$test >test.log 2>&1 || { tail test.log; exit 1; }
 done

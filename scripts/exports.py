@@ -11,6 +11,7 @@ changed line is a host that no longer loads.
 """
 import json
 import pathlib
+import re
 import subprocess
 import sys
 
@@ -21,24 +22,31 @@ CLASS = "CqvAccLib"
 ARCHITECTURES = {"windows32": "i686", "windows64": "x86_64"}
 
 
+def operations():
+    """The names of the roll of operations, in its order."""
+    roll = (ROOT / "qvAcceleratedLib" / "Operations.def").read_text()
+    return re.findall(r"^QV_OPERATION\((\w+),", roll, re.M)
+
+
 def members(target):
-    """Yields the mangled names of the class's declared member functions, in the header's order."""
+    """The mangled names of the class's declared member functions, in the header's order."""
     tree = json.loads(subprocess.run(
         ["clang++", f"--target={target}", "-x", "c++", "-std=c++20", "-ffreestanding", "-nostdinc",
          "-fsyntax-only", "-Xclang", "-ast-dump=json", str(HEADER)],
         check=True, stdout=subprocess.PIPE).stdout)
     classes = [node for node in tree["inner"]
                if node["kind"] == "CXXRecordDecl" and node.get("name") == CLASS]
-    for node in classes[-1]["inner"]:
-        if node["kind"] == "CXXMethodDecl" and not node.get("isImplicit"):
-            yield node["mangledName"]
+    methods = [node for node in classes[-1]["inner"]
+               if node["kind"] == "CXXMethodDecl" and not node.get("isImplicit")]
+    names = [node["name"] for node in methods]
+    if names != operations() + ["operator="]:
+        sys.exit(f"exports.py: the class has other members than Operations.def: {names}")
+    return [node["mangledName"] for node in methods]
 
 
 def export_list(architecture):
-    itanium = list(members(f"{architecture}-w64-mingw32"))
-    microsoft = list(members(f"{architecture}-pc-windows-msvc"))
-    if not itanium or len(itanium) != len(microsoft):
-        sys.exit(f"exports.py: {len(itanium)} and {len(microsoft)} names for {architecture}")
+    itanium = members(f"{architecture}-w64-mingw32")
+    microsoft = members(f"{architecture}-pc-windows-msvc")
     lines = ["; Written by scripts/exports.py.", "LIBRARY qvAcceleratedLib.dll", "EXPORTS"]
     for gnu, visual in zip(itanium, microsoft):
         if architecture == "i686":

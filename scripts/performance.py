@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
-"""Renders docs/performance.md and docs/performance.svg from a run of the benchmarks.
+"""Renders docs/performance.md, docs/performance-avx2.md and docs/performance.svg from benchmarks.
 
-    scripts/performance.py RESULTS.json BUSY.json
+    scripts/performance.py RESULTS.json BUSY.json AVX2.json
 
-Both are qvbench's JSON output with repetitions, the second one of `qvbench --busy`. A time is the
-fastest repetition, of the second one the mean; the spread is how far the median lies above the fastest.
+All are qvbench's JSON output with repetitions, the second one of `qvbench --busy`, the third one of
+`qvbench --level avx2`. A time is the fastest repetition, of the second one the mean; the spread is
+how far the median lies above the fastest.
 """
 import csv
 import json
@@ -115,36 +116,45 @@ def met(results, job, label, goal):
     return "yes" if results.median(job, label, "ours") <= goal else "fastest"
 
 
-def table(results, busy, goals):
-    head = ["job", "frame", "ours", "spread", "plain", "best peer", "nearest peer", "peer / ours",
-            "limit / ours", "all threads", "busy", "goal here", "met"]
-    yield "| " + " | ".join(head) + " |"
-    yield "|" + " --- |" * len(head)
-    for job, label in in_order(results, goals):
-        ours = results.best(job, label, "ours")
-        if ours is None:
-            continue
-        plain = results.best(job, label, "plain")
-        shared = results.best(job, label, "ours", 0)
-        busy_one, busy_shared = (busy.mean(job, label, "ours", threads) for threads in (1, 0))
-        peers = results.peers(job, label)
-        same = next(((t, n) for t, n in peers if not n.startswith("~")), None)
-        near = next(((t, n[1:]) for t, n in peers if n.startswith("~")), None)
-        limit = results.limit(job, label)
-        goal = goals.get((job, label))
-        if goal:
-            goal *= results.yardstick(label)
-        yield "| " + " | ".join([
-            job, label, number(ours), f"{100 * results.spread(job, label, 'ours'):.0f} %",
-            f"{number(plain)} ({plain / ours:.1f}x)" if plain else "",
-            f"{number(same[0])} {same[1]}" if same else "",
-            f"{number(near[0])} {near[1]}" if near else "",
-            f"{same[0] / ours:.2f}" if same else f"~{near[0] / ours:.2f}" if near else "",
-            f"{100 * limit / ours:.0f} %" if limit else "",
-            f"{number(shared)} ({ours / shared:.2f}x)",
-            f"{busy_shared / busy_one:.2f}" if busy_one else "",
-            number(goal), met(results, job, label, goal),
-        ]) + " |"
+def row(results, busy, job, label, goal):
+    """The cells of a row, by their heads; None if it is not of ours."""
+    ours = results.best(job, label, "ours")
+    if ours is None:
+        return None
+    plain = results.best(job, label, "plain")
+    shared = results.best(job, label, "ours", 0)
+    busy_one, busy_shared = (busy.mean(job, label, "ours", threads) for threads in (1, 0))
+    peers = results.peers(job, label)
+    same = next(((t, n) for t, n in peers if not n.startswith("~")), None)
+    near = next(((t, n[1:]) for t, n in peers if n.startswith("~")), None)
+    limit = results.limit(job, label)
+    if goal:
+        goal *= results.yardstick(label)
+    return {
+        "job": job,
+        "frame": label,
+        "ours": number(ours),
+        "spread": f"{100 * results.spread(job, label, 'ours'):.0f} %",
+        "plain": f"{number(plain)} ({plain / ours:.1f}x)" if plain else "",
+        "best peer": f"{number(same[0])} {same[1]}" if same else "",
+        "nearest peer": f"{number(near[0])} {near[1]}" if near else "",
+        "peer / ours": f"{same[0] / ours:.2f}" if same else f"~{near[0] / ours:.2f}" if near else "",
+        "limit / ours": f"{100 * limit / ours:.0f} %" if limit else "",
+        "all threads": f"{number(shared)} ({ours / shared:.2f}x)",
+        "busy": f"{busy_shared / busy_one:.2f}" if busy_one else "",
+        "goal here": number(goal),
+        "met": met(results, job, label, goal),
+    }
+
+
+def table(results, busy, goals, without=()):
+    rows = [row(results, busy, *key, goals.get(key)) for key in in_order(results, goals)]
+    rows = [r for r in rows if r]
+    heads = [head for head in rows[0] if head not in without]
+    yield "| " + " | ".join(heads) + " |"
+    yield "|" + " --- |" * len(heads)
+    for r in rows:
+        yield "| " + " | ".join(r[head] for head in heads) + " |"
 
 
 def chart(results, goals):
@@ -178,36 +188,52 @@ def chart(results, goals):
     return "\n".join(out)
 
 
-def main():
-    results, busy = (Results(path) for path in sys.argv[1:3])
+COLUMNS = {
+    "spread": "how far the median repetition lies above the fastest.",
+    "plain": "our own plain rows.",
+    "best peer": "the fastest that does the same work; *nearest peer* does less or rounds coarser.",
+    "limit / ours": "the time that moving the bytes takes at the speed of that copy, as a share of ours.",
+    "all threads": "the library as it comes, and how many times faster than on one thread.",
+    "busy": "the mean time of the library as it comes over that on one thread, both beside as many busy "
+            "loops as there are processors: 1 is as fast, 2 takes twice as long.",
+    "goal here": "the goal of bench/goals.csv times how much slower that copy is here than where the "
+                 "goals were set; a bold figure says by how much the fastest repetition misses it, "
+                 "*fastest* that the median does.",
+}
+
+
+def page(title, results, busy, goals, remarks, without=()):
     context = results.context
-    goals = read_goals()
     cpu = next((line.split(":")[1].strip() for line in open("/proc/cpuinfo")
                 if line.startswith("model name")), "unknown processor")
     copies = ", ".join(f"{f} {results.best('copy 1 byte', f, 'memcpy'):.3f}" for f in FRAMES
                        if results.best("copy 1 byte", f, "memcpy"))
-    lines = [
-        "# Performance", "",
+    columns = [f"- *{head}*: {text}" for head, text in COLUMNS.items() if head not in without]
+    return "\n".join([
+        f"# {title}", "",
         "Nanoseconds per destination pixel (checksums: per byte) on one thread, the fastest of interleaved "
         "repetitions; written by `scripts/bench.sh`.", "",
         f"- Machine: {cpu}, {context['num_cpus']} CPUs; level {context['levels']}; "
         f"version {context['version']}; measured {context['date'][:10]}.",
         f"- A plain copy of a one-byte frame (memcpy), ns per byte: {copies}.",
-        "- *spread*: how far the median repetition lies above the fastest. *plain*: our own plain rows.",
-        "- *best peer* does the same work; *nearest peer* does less or rounds coarser.",
-        "- *all threads*: the library as it comes, and how many times faster than on one thread.",
-        "- *busy*: the mean time of the library as it comes over that on one thread, both beside as many busy "
-        "loops as there are processors: 1 is as fast, 2 takes twice as long.",
-        "- *limit / ours*: the time that moving the bytes takes at the speed of that copy, as a share of ours.",
-        "- *goal here*: the goal of bench/goals.csv times how much slower that copy is here than where the "
-        "goals were set; a bold figure says by how much the fastest repetition misses it, *fastest* that the "
-        "median does.",
+        *columns, *remarks, "",
+        *table(results, busy, goals, without), ""])
+
+
+def main():
+    results, busy, avx2 = (Results(path) for path in sys.argv[1:4])
+    goals = read_goals()
+    docs = ROOT / "docs"
+    docs.joinpath("performance.md").write_text(page("Performance", results, busy, goals, [
+        "- The same at the level of most machines, AVX2: [performance-avx2.md](performance-avx2.md).",
         "- The same on another maker's processor: [Intel Xeon](performance-intel.md), measured earlier.",
         "- How close the bytes of resizing and warping are to exact ones: [accuracy.md](accuracy.md).", "",
-        "![Speed beside the best peer](performance.svg)", "",
-        *table(results, busy, goals), ""]
-    (ROOT / "docs" / "performance.md").write_text("\n".join(lines))
-    (ROOT / "docs" / "performance.svg").write_text(chart(results, goals))
+        "![Speed beside the best peer](performance.svg)"]))
+    docs.joinpath("performance-avx2.md").write_text(page("Performance with AVX2", avx2, avx2, goals, [
+        "- What an AVX2 processor has, and no more, is used by the library and by those peers that can "
+        "be told: OpenCV, libyuv, zimg, swscale. The others use what this processor has."],
+        without=("plain", "busy")))
+    docs.joinpath("performance.svg").write_text(chart(results, goals))
 
 
 if __name__ == "__main__":

@@ -19,6 +19,19 @@ TEST_P(FuzzCorpus, HoldsNoFault) {
     GetParam().run(in);
   });
   EXPECT_GT(count, 20) << file;
+  for (int i = 0; i < kOperationCount; ++i) {
+    const bool others = kOperations[i].family != std::string(GetParam().name);
+    EXPECT_TRUE(others || Call::Succeeded(static_cast<Op>(i))) << kOperations[i].name;
+  }
+}
+
+TEST(FuzzFamilies, AreThoseOfAllOperations) {
+  for (const OperationNames& operation : kOperations) {
+    bool found = false;
+    for (const FuzzFamily& family : kFuzzFamilies)
+      found |= family.name == std::string(operation.family);
+    EXPECT_TRUE(found) << operation.family;
+  }
 }
 
 }  // namespace

@@ -122,13 +122,11 @@ check_windows() {
   [ "$bits" = 64 ] || functions=(GetStdHandle@4 WriteFile@20 ExitProcess@4)
   { echo 'LIBRARY kernel32.dll'; echo EXPORTS; printf '%s\n' "${functions[@]}"; } >"$visual/kernel32.def"
   quietly llvm-dlltool -m "$machine" -k -d "$visual/kernel32.def" -l "$visual/kernel32.lib"
-  quietly clang++ --target="$target" -std=c++20 -O2 -ffreestanding -nostdinc -I"$prefix/include" \
-    -c "$root/tests/hosts/Host.cpp" -o "$visual/host.obj"
+  quietly "$root/tests/hosts/compile_visual.sh" clang++ "$target" "$prefix/include" "$visual"
   quietly lld-link /nologo /subsystem:console /entry:HostMain /nodefaultlib "/out:$visual/host.exe" \
-    "$visual/host.obj" "$visual/kernel32.lib" "$imports"
+    "@$visual/objects" "$visual/kernel32.lib" "$imports"
   cp "$prefix/bin/qvAcceleratedLib.dll" "$visual/"
-  quietly "$root/tests/check_host.sh" "$root/tests/hosts/digests.txt" "$root/scripts/wine.sh" "$bits" \
-    "$visual/host.exe"
+  quietly "$root/scripts/wine.sh" "$bits" "$visual/host.exe"
   echo "Windows $bits, Visual C++, import library: works"
 }
 

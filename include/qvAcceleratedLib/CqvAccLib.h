@@ -121,22 +121,24 @@ class QVACCELERATEDLIB_API CqvAccLib {
   //   type 14  dst[4k + c] = src[3k + c], c = 0, 1, 2; dst[4k + 3] is not stored to
   // The last byte stored in a row is the last one named above. Source and destination must not
   // overlap.
-  // Returns -2 for any other type; -8 if src or dst is null; -6 if width or height is below 1.
+  // Returns StatusDataTypeErr (-2) for any other type; StatusNullPtrErr (-8) if src or dst is null;
+  // StatusSizeErr (-6) if width or height is below 1.
   static IppStatus qvCopy(qvDataType type, const unsigned char* src, int srcStep,
                           unsigned char* dst, int dstStep, IppiSize size);
 
   // Makes a grey plane into a three-byte image: dst[3k] = dst[3k + 1] = dst[3k + 2] = src[k].
   // `type` is ignored. Source and destination must not overlap.
-  // Returns -8 if src or dst is null; -6 if width or height is below 1.
+  // Returns StatusNullPtrErr (-8) if src or dst is null; StatusSizeErr (-6) if width or height is
+  // below 1.
   static IppStatus qvDup(qvDataType type, const unsigned char* src, int srcStep, unsigned char* dst,
                          int dstStep, IppiSize size);
 
   // Fills an image with one pixel value.
   //   type 2   dst[k] = value[0]
   //   type 4   dst[3k + c] = value[c], c = 0, 1, 2
-  // Returns -2 for any other type; -8 if dst is null or, for type 4, value is null (for type 2 a
-  // null value must not be passed: it is read before anything is checked); -6 if width or height is
-  // below 1.
+  // Returns StatusDataTypeErr (-2) for any other type; StatusNullPtrErr (-8) if dst is null or, for
+  // type 4, value is null (for type 2 a null value must not be passed: it is read before anything
+  // is checked); StatusSizeErr (-6) if width or height is below 1.
   static IppStatus qvSet(qvDataType type, const unsigned char* const value, unsigned char* dst,
                          int dstStep, IppiSize size);
 
@@ -146,23 +148,25 @@ class QVACCELERATEDLIB_API CqvAccLib {
   //   axis 1   goes to (W - 1 - x, y)          left to right
   //   axis 2   goes to (W - 1 - x, H - 1 - y)  both
   // Source and destination must not overlap.
-  // Returns 0 with nothing looked at or written for any other axis; -2 for any other type; -8 if
-  // src or dst is null; -6 if width or height is below 1.
+  // Returns 0 with nothing looked at or written for any other axis; StatusDataTypeErr (-2) for any
+  // other type; StatusNullPtrErr (-8) if src or dst is null; StatusSizeErr (-6) if width or height
+  // is below 1.
   static IppStatus qvMirror(qvDataType type, const unsigned char* src, int srcStep,
                             unsigned char* dst, int dstStep, IppiSize size, IppiAxis axis);
 
   // Looks every byte of an index image up in a palette of 2^bitSize three-byte entries:
   //   dst[3k + c] = palette[3 * (src[k] & (2^bitSize - 1)) + c], c = 0, 1, 2
   // `type` is ignored. Exactly the 3 * 2^bitSize bytes of the palette may be read.
-  // Returns -8 if src, dst or palette is null; -6 if width or height is below 1; -11 if bitSize is
-  // below 1 or above 8.
+  // Returns StatusNullPtrErr (-8) if src, dst or palette is null; StatusSizeErr (-6) if width or
+  // height is below 1; StatusOutOfRangeErr (-11) if bitSize is below 1 or above 8.
   static IppStatus qvLUTPalette(qvDataType type, const unsigned char* src, int srcStep,
                                 unsigned char* dst, int dstStep, IppiSize size,
                                 const unsigned char* palette, int bitSize);
 
   // Scales every byte in place by value / 255, truncated: x = floor(x * value / 255). size.width
-  // counts bytes. Returns -2 if type is not 16; -8 if srcDst is null; -14 if srcDstStep is below 1;
-  // -6 if width or height is below 1.
+  // counts bytes. Returns StatusDataTypeErr (-2) if type is not 16; StatusNullPtrErr (-8) if srcDst
+  // is null; StatusStepErr (-14) if srcDstStep is below 1; StatusSizeErr (-6) if width or height is
+  // below 1.
   static IppStatus qvMulCScale(qvDataType type, unsigned char value, unsigned char* srcDst,
                                int srcDstStep, IppiSize size);
 
@@ -179,7 +183,8 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // end. The value is the finished CRC of the bytes so far: *crc is complemented, fed the bytes
   // (r = (r >> 8) ^ T[(r ^ byte) & 255], T[128] = 0xEDB88320) and complemented again. Fresh: 0. The
   // nine characters "123456789" give 0xCBF43926.
-  // Returns -8 if src or crc is null; -6 if length is below 1. *crc is kept then.
+  // Returns StatusNullPtrErr (-8) if src or crc is null; StatusSizeErr (-6) if length is below 1.
+  // *crc is kept then.
   static IppStatus qvCRC32(qvDataType type, const unsigned char* src, int length,
                            unsigned int* crc);
 
@@ -187,8 +192,8 @@ class QVACCELERATEDLIB_API CqvAccLib {
   //   a = (a + d) mod 65521, b = (b + a) mod 65521
   // Fresh: 1. The three characters "abc" give 0x024D0127. A starting value may have halves of 65521
   // and above; those of a result are below 65521.
-  // Returns -6, and sets *adler to 0, if src is null; 0, and keeps *adler, if length is below 1.
-  // adler must not be null: it is read before anything is checked.
+  // Returns StatusSizeErr (-6), and sets *adler to 0, if src is null; 0, and keeps *adler, if
+  // length is below 1. adler must not be null: it is read before anything is checked.
   static IppStatus qvAdler32(qvDataType type, const unsigned char* src, int length,
                              unsigned int* adler);
 
@@ -205,8 +210,8 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // steps dstStep[0 .. 2]. An odd last column or row is left unwritten without a warning.
   //   dst[1][k][j] = srcCbCr[k][2j]
   //   dst[2][k][j] = srcCbCr[k][2j + 1]
-  // Returns -8 if srcY, srcCbCr, dst, dstStep or one of the three planes is null; -6 if width or
-  // height is below 2.
+  // Returns StatusNullPtrErr (-8) if srcY, srcCbCr, dst, dstStep or one of the three planes is
+  // null; StatusSizeErr (-6) if width or height is below 2.
   static IppStatus qvYCbCr420(qvDataType type, const unsigned char* srcY, int srcYStep,
                               const unsigned char* srcCbCr, int srcCbCrStep,
                               unsigned char** const dst, int* const dstStep, IppiSize size);
@@ -216,8 +221,8 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // odd last column or row is left unwritten without a warning.
   //   dst[0][y][2j] = src[y][4j]         dst[0][y][2j + 1] = src[y][4j + 2]
   //   dst[1][k][j]  = src[2k][4j + 3]    dst[2][k][j]      = src[2k][4j + 1]
-  // Returns -8 if src, dst, dstStep or one of the three planes is null; -6 if width or height is
-  // below 2.
+  // Returns StatusNullPtrErr (-8) if src, dst, dstStep or one of the three planes is null;
+  // StatusSizeErr (-6) if width or height is below 2.
   static IppStatus qvYCbCr422ToYCrCb420(qvDataType type, const unsigned char* src, int srcStep,
                                         unsigned char** const dst, int* const dstStep,
                                         IppiSize size);
@@ -229,8 +234,9 @@ class QVACCELERATEDLIB_API CqvAccLib {
   //   R = clamp((76284 Y + 104595 v - 1187776) >> 16)
   // which is ITU-R BT.601 in 16.16 fixed point, rounded half up (1187776 = 16 * 76284 - 32768). An
   // odd last column or row is left unwritten; the planes need not have samples for it.
-  // Returns -8 if src, srcStep or dst is null; -6 if width or height is below 1; -8 if one of the
-  // three planes is null; 35 if width or height is odd (all the rest is converted).
+  // Returns StatusNullPtrErr (-8) if src, srcStep or dst is null; StatusSizeErr (-6) if width or
+  // height is below 1; StatusNullPtrErr (-8) if one of the three planes is null;
+  // StatusOddSizeWarning (35) if width or height is odd (all the rest is converted).
   static IppStatus qvYCbCr420ToBGR(qvDataType type, unsigned char** const src, int* const srcStep,
                                    unsigned char* dst, int dstStep, IppiSize size);
 
@@ -242,7 +248,8 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // exact ones of Y - 16, Cb - 128 and Cr - 128, so that whole numbers come out one lower. The last
   // pixel of an odd width has the first two bytes of a group alone: it takes its Cr from the group
   // before, and nothing past its Cb is read.
-  // Returns -8 if src or dst is null; -6 if width is below 2 or height below 1.
+  // Returns StatusNullPtrErr (-8) if src or dst is null; StatusSizeErr (-6) if width is below 2 or
+  // height below 1.
   static IppStatus qvYCbCr422ToBGR(qvDataType type, const unsigned char* src, int srcStep,
                                    unsigned char* dst, int dstStep, IppiSize size);
 
@@ -299,19 +306,22 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // code 16 becomes 4; than 4 pixels, code 4 becomes 2; than 2 pixels, all but 8 become 1 (not in
   // bands).
   //
-  // Source and destination must not overlap. Returns -2 for any other type; -8 if src or dst is
-  // null; -6 if srcSize or srcRoi has a width or height below 1 or srcRoi an origin below 0; 29,
-  // with nothing written, if srcRoi's origin is outside the image; -6 if dstRoiSize has a width or
-  // height below 1; -23 if a factor is not above 0; -22 for any other interpolation; -201 if W *
-  // xFactor or H * yFactor, plus 1e-07, is below 0.5; -9 if work memory cannot be had. Nothing is
-  // written unless the status is 0.
+  // Source and destination must not overlap. Returns StatusDataTypeErr (-2) for any other type;
+  // StatusNullPtrErr (-8) if src or dst is null; StatusSizeErr (-6) if srcSize or srcRoi has a
+  // width or height below 1 or srcRoi an origin below 0; StatusNoOverlapWarning (29), with nothing
+  // written, if srcRoi's origin is outside the image; StatusSizeErr (-6) if dstRoiSize has a width
+  // or height below 1; StatusResizeFactorErr (-23) if a factor is not above 0;
+  // StatusInterpolationErr (-22) for any other interpolation; StatusEmptyOutputErr (-201) if W *
+  // xFactor or H * yFactor, plus 1e-07, is below 0.5; StatusMemAllocErr (-9) if work memory cannot
+  // be had. Nothing is written unless the status is 0.
   //
-  // In bands -23 comes before 29, there is no -201, and the status is that of the last band, which
-  // has the lowest rows of dstRoiSize:
-  //   1         what the region becomes has no part in that band. All of it may have been written
-  //             by the others, and on another number of bands the same call may return 0.
-  //   -8 or -9  that band lacked memory. A band that does leaves its rows as they were; the others
-  //             write theirs, and if it is not the last one, no status tells.
+  // In bands StatusResizeFactorErr comes before StatusNoOverlapWarning, there is no
+  // StatusEmptyOutputErr, and the status is that of the last band, which has the lowest rows of
+  // dstRoiSize:
+  //   StatusNothingToDoWarning (1): what the region becomes has no part in that band. All of it may
+  //     have been written by the others, and on another number of bands the same call may return 0.
+  //   StatusNullPtrErr or StatusMemAllocErr: that band lacked memory. A band that does leaves its
+  //     rows as they were; the others write theirs, and if it is not the last one, no status tells.
   static IppStatus qvResize(qvDataType type, const unsigned char* src, IppiSize srcSize,
                             int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                             IppiSize dstRoiSize, double xFactor, double yFactor,
@@ -333,12 +343,14 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // the source image is narrower than 8 pixels or lower than 4, code 4 becomes 2; narrower than 4
   // or lower than 2, all become 1.
   //
-  // Returns -8 if src or dst is null; -6 if srcSize or srcRoi has a width or height below 1 or
-  // srcRoi an origin below 0; 29, with nothing written, if srcRoi's origin is outside the image; -6
-  // if dstRoiSize has a width or height below 1, if srcSize.width, srcRoi.width or srcRoi.x is odd,
-  // or if dstRoiSize.width is below 2; -23 if a factor is not above 0; -22 for an interpolation of
-  // 3 or of less than 1; -201 if W * xFactor + 1e-07 is below 1.5 or H * yFactor + 1e-07 below 0.5;
-  // -9 if work memory cannot be had.
+  // Returns StatusNullPtrErr (-8) if src or dst is null; StatusSizeErr (-6) if srcSize or srcRoi
+  // has a width or height below 1 or srcRoi an origin below 0; StatusNoOverlapWarning (29), with
+  // nothing written, if srcRoi's origin is outside the image; StatusSizeErr (-6) if dstRoiSize has
+  // a width or height below 1, if srcSize.width, srcRoi.width or srcRoi.x is odd, or if
+  // dstRoiSize.width is below 2; StatusResizeFactorErr (-23) if a factor is not above 0;
+  // StatusInterpolationErr (-22) for an interpolation of 3 or of less than 1; StatusEmptyOutputErr
+  // (-201) if W * xFactor + 1e-07 is below 1.5 or H * yFactor + 1e-07 below 0.5; StatusMemAllocErr
+  // (-9) if work memory cannot be had.
   static IppStatus qvResizeYUV422(qvDataType type, const unsigned char* src, IppiSize srcSize,
                                   int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                                   IppiSize dstRoiSize, double xFactor, double yFactor,
@@ -363,22 +375,24 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // result is within one unit of the exact one. Source and destination must not overlap.
   // A region may reach beyond pixel 2147483647 of a row or column; nothing is there.
   //
-  // Statuses, in this order: -2 for a type other than 2 and 4; -8 if src or dst is null; -6 if a
-  // width or height of srcSize, srcRoi or dstRoi is below 1 or an origin of a region is negative;
-  // -14 if a step is below 1; -22 for another interpolation. Then, of a warp: -56 if the matrix's
-  // upper-left 2 x 2 block is singular (relative to its diagonal, to 1e-12) or if it carries the
-  // corner pixels of srcRoi onto a quadrilateral that is degenerate, as that of a single row or
-  // column is, or not convex; -57 if srcRoi has no pixel inside the image. Of a rotation: -56 if
-  // its angle or a shift is infinite or not a number; 29 if srcRoi has no pixel inside the image.
-  // Of both: 29 if what becomes of srcRoi misses dstRoi. Nothing is written unless the status is 0
-  // (on several bands of a warp: see there).
+  // Statuses, in this order: StatusDataTypeErr (-2) for a type other than 2 and 4; StatusNullPtrErr
+  // (-8) if src or dst is null; StatusSizeErr (-6) if a width or height of srcSize, srcRoi or
+  // dstRoi is below 1 or an origin of a region is negative; StatusStepErr (-14) if a step is below
+  // 1; StatusInterpolationErr (-22) for another interpolation. Then, of a warp: StatusCoeffErr
+  // (-56) if the matrix's upper-left 2 x 2 block is singular (relative to its diagonal, to 1e-12)
+  // or if it carries the corner pixels of srcRoi onto a quadrilateral that is degenerate, as that
+  // of a single row or column is, or not convex; StatusRectErr (-57) if srcRoi has no pixel inside
+  // the image. Of a rotation: StatusCoeffErr (-56) if its angle or a shift is infinite or not a
+  // number; StatusNoOverlapWarning (29) if srcRoi has no pixel inside the image. Of both:
+  // StatusNoOverlapWarning (29) if what becomes of srcRoi misses dstRoi. Nothing is written unless
+  // the status is 0 (on several bands of a warp: see there).
 
   // Rotates about pixel (0, 0) by `angle` degrees, counter-clockwise as seen on the screen, and
   // shifts by (xShift, yShift) pixels. With a the angle in radians, source (x, y) goes to
   //   x' = cos a * x + sin a * y + xShift,   y' = -sin a * x + cos a * y + yShift
   // Runs on the calling thread. Statuses: see above. Quarter turns (90, 180 or 270 degrees plus
   // whole turns) with whole shifts, however large, move pixels without sampling: they do not look
-  // at the interpolation, and have neither -22 nor -56.
+  // at the interpolation, and have neither StatusInterpolationErr nor StatusCoeffErr.
   static IppStatus qvRotate(qvDataType type, const unsigned char* src, IppiSize srcSize,
                             int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                             IppiRect dstRoi, double angle, double xShift, double yShift,
@@ -389,8 +403,9 @@ class QVACCELERATEDLIB_API CqvAccLib {
   //   x' = (c00 X + c01 Y + c02) / (c20 X + c21 Y + c22)
   //   y' = (c10 X + c11 Y + c12) / (c20 X + c21 Y + c22)
   // Statuses: see above. On several bands (dstRoi higher than 64 rows a band) the status is the
-  // last band's: 29 if that one was missed, whatever the others have written, and 0 if it was not.
-  // Of a dstRoi with a negative y only the bands that begin there are refused.
+  // last band's: StatusNoOverlapWarning (29) if that one was missed, whatever the others have
+  // written, and 0 if it was not. Of a dstRoi with a negative y only the bands that begin there are
+  // refused.
   static IppStatus qvWarpPerspective(qvDataType type, const unsigned char* src, IppiSize srcSize,
                                      int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                                      IppiRect dstRoi, const double coeffs[3][3],
@@ -414,9 +429,9 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // quad[0..3] are the (x, y) images, in pixels, of the centres of the region's top-left,
   // top-right, bottom-right and bottom-left pixels; they may turn either way round. `type` is
   // ignored; no pointer is checked. The result fits qvWarpPerspective.
-  // Returns -6 if roi.x or roi.y is negative or its width or height is below 1; -58 if three
-  // corners lie on one line or the quadrilateral is not convex; -57 if width or height is 1.
-  // Nothing is written then.
+  // Returns StatusSizeErr (-6) if roi.x or roi.y is negative or its width or height is below 1;
+  // StatusQuadErr (-58) if three corners lie on one line or the quadrilateral is not convex;
+  // StatusRectErr (-57) if width or height is 1. Nothing is written then.
   static IppStatus qvGetPerspectiveTransform(qvDataType type, IppiRect roi, const double quad[4][2],
                                              double coeffs[3][3]);
 
@@ -425,8 +440,8 @@ class QVACCELERATEDLIB_API CqvAccLib {
   //   x' = cos a * x + sin a * y + xShift,   y' = -sin a * x + cos a * y + yShift
   //   bound[0] = (smallest x', smallest y'), bound[1] = (largest x', largest y')
   // Multiples of 90 degrees are exact. `type` is ignored; no pointer is checked.
-  // Returns -6, with nothing written, if roi.x or roi.y is negative or its width or height is below
-  // 1.
+  // Returns StatusSizeErr (-6), with nothing written, if roi.x or roi.y is negative or its width or
+  // height is below 1.
   static IppStatus qvGetRotateBound(qvDataType type, IppiRect roi, double bound[2][2], double angle,
                                     double xShift, double yShift);
 
@@ -434,17 +449,19 @@ class QVACCELERATEDLIB_API CqvAccLib {
 
   // Composes two images, each under one alpha for the whole image (Porter and Duff 1984). A and B
   // are the bytes of src1 and src2 at the same place, a1 and a2 their alphas, x / 255 is truncated:
-  // with x * y = floor(xy / 255), 0 over   A * a1 + B * a2 * (255 - a1)                6
-  // premultiplied  A + B * (255 - a1) 1 in     A * a1 * a2                                 7
-  // A * a2 2 out    A * a1 * (255 - a2)                         8                A * (255 - a2) 3
-  // atop   A * a1 * a2 + B * a2 * (255 - a1)           9                A * a2 + B * (255 - a1) 4
-  // xor    A * a1 * (255 - a2) + B * a2 * (255 - a1)  10  A * (255 - a2) + B * (255 - a1) 5 plus
-  // A * a1 + B * a2                            11                A + B Products are worked out from
-  // left to right, each truncated before the next. Sums saturate at 255. Codes 1, 2, 7 and 8 do not
-  // read src2. One byte a pixel for type 2, three for type 4, all alike. dst may be src1 or src2 at
-  // the same step; otherwise the images must not overlap. Returns -2 for any other type; -8 if
-  // src1, src2 or dst is null (src2 also where it is not read); -6 if width or height is below 1;
-  // -50 for an alphaType other than 0 to 11.
+  // with x * y = floor(xy / 255),
+  //   0 over   A * a1 + B * a2 * (255 - a1)                6 premultiplied  A + B * (255 - a1)
+  //   1 in     A * a1 * a2                                 7                A * a2
+  //   2 out    A * a1 * (255 - a2)                         8                A * (255 - a2)
+  //   3 atop   A * a1 * a2 + B * a2 * (255 - a1)           9                A * a2 + B * (255 - a1)
+  //   4 xor    A * a1 * (255 - a2) + B * a2 * (255 - a1)  10  A * (255 - a2) + B * (255 - a1)
+  //   5 plus   A * a1 + B * a2                            11                A + B
+  // Products are worked out from left to right, each truncated before the next. Sums saturate at
+  // 255. Codes 1, 2, 7 and 8 do not read src2. One byte a pixel for type 2, three for type 4, all
+  // alike. dst may be src1 or src2 at the same step; otherwise the images must not overlap.
+  // Returns StatusDataTypeErr (-2) for any other type; StatusNullPtrErr (-8) if src1, src2 or dst
+  // is null (src2 also where it is not read); StatusSizeErr (-6) if width or height is below 1;
+  // StatusAlphaTypeErr (-50) for an alphaType other than 0 to 11.
   static IppStatus qvAlphaCompC(qvDataType type, const unsigned char* src1, int src1Step,
                                 unsigned char alpha1, const unsigned char* src2, int src2Step,
                                 unsigned char alpha2, unsigned char* dst, int dstStep,
@@ -483,11 +500,13 @@ class QVACCELERATEDLIB_API CqvAccLib {
                                     unsigned char* dstAlpha, int rowBytes, int width, int height);
 
   // Mixes src into srcDst under an alpha plane of one byte a pixel. With S and D the bytes of src
-  // and srcDst and a the alpha of their pixel, D = min(255, floor(a * S / 255) + floor(((255 - a) *
-  // D + 1) / 256)) on width bytes a row for type 2 and 3 * width for type 4. The shares are divided
-  // by different numbers: where a is 0, a D of 255 becomes 254. src may be srcDst at the same step;
-  // otherwise the images must not overlap. Returns -2 for any other type. Nothing else is checked:
-  // no pointer may be null. A width or height below 1 does nothing.
+  // and srcDst and a the alpha of their pixel,
+  //   D = min(255, floor(a * S / 255) + floor(((255 - a) * D + 1) / 256))
+  // on width bytes a row for type 2 and 3 * width for type 4. The shares are divided by different
+  // numbers: where a is 0, a D of 255 becomes 254. src may be srcDst at the same step; otherwise
+  // the images must not overlap.
+  // Returns StatusDataTypeErr (-2) for any other type. Nothing else is checked: no pointer may be
+  // null. A width or height below 1 does nothing.
   static IppStatus qvMergeAlphaPlus(qvDataType type, unsigned char* srcDst, int srcDstStep,
                                     unsigned char* src, int srcStep, unsigned char* alpha,
                                     int alphaStep, int width, int height);
@@ -509,8 +528,8 @@ class QVACCELERATEDLIB_API CqvAccLib {
   // may overlap, as those of a dstStep shorter than srcStep then do: they are written from row -1
   // or 0 on, and a byte keeps what the last row that holds it writes. Source and destination must
   // not overlap. Large frames are cut into columns, not bands, unless rows of dst overlap.
-  // Returns -2 for any other type; -8 if src or dst is null; -6 if height is below 3 or a row has
-  // fewer than 1 byte.
+  // Returns StatusDataTypeErr (-2) for any other type; StatusNullPtrErr (-8) if src or dst is null;
+  // StatusSizeErr (-6) if height is below 3 or a row has fewer than 1 byte.
   static IppStatus qvDeinterlace(qvDataType type, const unsigned char* src, int srcStep,
                                  unsigned char* dst, int dstStep, IppiSize size,
                                  unsigned int centreWeight, unsigned int mode);

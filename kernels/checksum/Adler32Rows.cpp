@@ -4,10 +4,6 @@
 #include "kernels/checksum/Checksum.h"
 #include "kernels/level/Level.h"
 
-#if QV_HAS_VECTORS
-#include "kernels/checksum/ByteSums.h"
-#endif
-
 namespace qv::QV_LEVEL {
 
 namespace {
@@ -105,13 +101,9 @@ QV_INLINE Vec OctetOffsets() {
   return Load(kOffsets + 8 - kVecBytes / 8);
 }
 
-// The first n bytes of a message, 1 to V - 1, behind V - n zero bytes, which change no sum.
+// The first n bytes of a message, 1 to V - 1, after V - n zero bytes, which change no sum.
 [[maybe_unused]] QV_INLINE Vec LoadRagged(const Byte* src, ptrdiff_t n) {
-  alignas(64) static constexpr Byte kPlaces[64] = {
-      0,  1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21,
-      22, 23, 24, 25, 26, 27, 28, 29, 30, 31, 32, 33, 34, 35, 36, 37, 38, 39, 40, 41, 42, 43,
-      44, 45, 46, 47, 48, 49, 50, 51, 52, 53, 54, 55, 56, 57, 58, 59, 60, 61, 62, 63};
-  const Vec turned = Add8(Load(kPlaces), Splat8(static_cast<int>(n)));
+  const Vec turned = Add8(Load(&kByteNumbers), Splat8(static_cast<int>(n)));
   return PermuteBytes(LoadPart(src, (1ull << n) - 1), turned);
 }
 
@@ -149,8 +141,9 @@ Sums Feed(Sums s, const Byte* src, ptrdiff_t length) {
     Vec total = Add64(ShiftLeft64<kVecShift>(v.before), MulEven32(v.octets, OctetOffsets()));
     const Vec low = ShiftRight64<32>(ShiftLeft64<32>(v.weighted));
     total = Add64(total, Add64(low, ShiftRight64<32>(v.weighted)));
-    s.b = static_cast<uint32_t>((s.b + static_cast<uint64_t>(n) * s.a + Sum64(total)) % kModulus);
-    s.a = (s.a + static_cast<uint32_t>(Sum64(v.octets))) % kModulus;
+    const uint64_t gained = static_cast<uint64_t>(n) * s.a + SumLanes64(total);
+    s.b = static_cast<uint32_t>((s.b + gained) % kModulus);
+    s.a = (s.a + static_cast<uint32_t>(SumLanes64(v.octets))) % kModulus;
     if (vectors == 0) return s;
     v = {Zero(), Zero(), Zero()};
     n = 0;

@@ -17,7 +17,7 @@ QV_INLINE uint32_t FeedByte(uint32_t r, Byte b) {
 }
 
 // Eight bytes a step (slicing by eight): the register's bytes join the first four of the eight, a
-// table for each byte says what it leaves after the bytes behind it, and the effects add up.
+// table for each byte says what it leaves after the bytes that follow it, and the effects add up.
 uint32_t FeedSliced(uint32_t r, const Byte* src, ptrdiff_t length) {
   const Byte* const end = src + length;
   if (length >= 15) {
@@ -41,10 +41,10 @@ uint32_t FeedSliced(uint32_t r, const Byte* src, ptrdiff_t length) {
 
 QV_INLINE uint32_t Feed(uint32_t r, const Byte* src, ptrdiff_t length) {
   if constexpr (kHasBytePermute) {
-    if (CarrylessLevel >= 2 && length >= kFold64Min) return FeedFolded64(r, src, length);
+    if (CarrylessLevel >= 2 && length >= kFold512Min) return FeedFolded512(r, src, length);
   }
   if constexpr (kHasByteShuffle) {
-    if (CarrylessLevel >= 1 && length >= kFold16Min) return FeedFolded16(r, src, length);
+    if (CarrylessLevel >= 1 && length >= kFold128Min) return FeedFolded128(r, src, length);
   }
   return FeedSliced(r, src, length);
 }

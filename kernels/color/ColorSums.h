@@ -32,12 +32,12 @@ QV_INLINE ChromaTerms MakeChromaTerms(Vec chroma, const Offsets& offsets) {
 }
 
 // `fourY` has 4 times the luma of a pair's pixels in its even and odd 16-bit lanes.
-QV_INLINE Colours AddLuma(Vec fourY, const ChromaTerms& chroma) {
+QV_INLINE Colors AddLuma(Vec fourY, const ChromaTerms& chroma) {
   const Vec even = MulAddPairs16(fourY, SplatPair16(19071, 0));
   const Vec odd = MulAddPairs16(fourY, SplatPair16(0, 19071));
-  return {HighHalves(Add32(even, chroma.blue), Add32(odd, chroma.blue)),
-          HighHalves(Add32(even, chroma.green), Add32(odd, chroma.green)),
-          HighHalves(Add32(even, chroma.red), Add32(odd, chroma.red))};
+  return {HighHalves16(Add32(even, chroma.blue), Add32(odd, chroma.blue)),
+          HighHalves16(Add32(even, chroma.green), Add32(odd, chroma.green)),
+          HighHalves16(Add32(even, chroma.red), Add32(odd, chroma.red))};
 }
 
 }  // namespace qv::QV_LEVEL

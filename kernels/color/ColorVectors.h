@@ -3,7 +3,7 @@
 //
 // A row is worked on in blocks of kVecBytes pixels, as two halves of kVecBytes / 2, whose 16-bit
 // lanes are the pixels in order; but with AVX2 eights of pixels go to the two halves in turns, so
-// that packing within 16-byte lanes puts them in order.
+// that packing within 128-bit lanes puts them in order.
 #ifndef QV_KERNELS_COLOR_COLORVECTORS_H
 #define QV_KERNELS_COLOR_COLORVECTORS_H
 
@@ -23,7 +23,7 @@ QV_INLINE ptrdiff_t EvenPixelsToAlign3(const Byte* dst) {
 }
 
 // The colours of half a block, in signed 16-bit lanes, not yet limited to a byte.
-struct Colours {
+struct Colors {
   Vec blue, green, red;
 };
 
@@ -32,13 +32,115 @@ QV_INLINE Vec SplatPair16(int low, int high) {
                                   (static_cast<unsigned>(low) & 0xffff)));
 }
 
-// Places of three-byte pixels. The 48 bytes of a lane of 16 pixels are gathered from three vectors:
-// blue and green of pixels 0 to 7, as eight bytes each (source 0), the same of pixels 8 to 15
-// (source 1), and red of all 16 (source 2).
+QV_INLINE Vec FourTimesEvenBytes(Vec v) {
+  if constexpr (kHasByteShuffle) return MulAddBytes(v, Splat16(4));
+  return ShiftLeft16<2>(And(v, Splat16(0xff)));
+}
+
+// v less the odd 16-bit lanes of `lanes`, taken from its own.
+QV_INLINE Vec SubOdd16(Vec v, Vec lanes) {
+  if constexpr (kHasMaskedBytes) return SubPart16(0xAAAAAAAAu, v, lanes);
+  return Sub16(v, And(lanes, SplatPair16(0, -1)));
+}
+
+// ---- Loads of a block ---------------------------------------------------------------------------
+
+// Two bytes a pixel.
+QV_INLINE void LoadPacked(const Byte* src, Vec& first, Vec& second) {
+  if constexpr (kHasBytePermute) {
+    first = Load(src);
+    second = Load(src + kVecBytes);
+  } else {
+    first = LoadLanes([=](int i) { return src + 32 * i; });
+    second = LoadLanes([=](int i) { return src + 16 + 32 * i; });
+  }
+}
+
+// Luma bytes as 16-bit lanes.
+QV_INLINE void LoadLuma(const Byte* src, Vec& first, Vec& second) {
+  if constexpr (kHasBytePermute) {
+    first = LoadBytesAs16(src);
+    second = LoadBytesAs16(src + kVecBytes / 2);
+  } else {
+    const Vec all = Load(src);
+    first = InterleaveLow8(all, Zero());
+    second = InterleaveHigh8(all, Zero());
+  }
+}
+
+// Half as many bytes of each of two chroma planes, as pairs of 16-bit lanes.
+QV_INLINE void LoadChroma(const Byte* cb, const Byte* cr, Vec& first, Vec& second) {
+  if constexpr (kHasBytePermute) {
+    const Vec both = LoadHalves(cb, cr);
+    static constexpr ByteTable low = MakeByteTable([](int i) { return i % 4 * 16 + i / 4; });
+    static constexpr ByteTable high = MakeByteTable([](int i) { return i % 4 * 16 + i / 4 + 16; });
+    constexpr unsigned long long even = 0x5555555555555555u;
+    first = PermuteBytesPart(even, both, Load(low.b));
+    second = PermuteBytesPart(even, both, Load(high.b));
+  } else {
+    const Vec wideCb = LoadBytesAs16(cb), wideCr = LoadBytesAs16(cr);
+    first = InterleaveLow16(wideCb, wideCr);
+    second = InterleaveHigh16(wideCb, wideCr);
+  }
+}
+
+// ---- Stores of a block, where bytes are permuted across a vector --------------------------------
+
+// Where the bytes of 64 three-byte pixels are found in three vectors: source 0 has blue and green
+// of pixels 0 to 31 in lanes of eight, source 1 those of pixels 32 to 63, and lane l of source 2 has
+// red of pixels 8 l to 8 l + 7 and of those 32 further on.
 struct Place {
   int source, index;
 };
 
+constexpr Place PlaceInBlock(int byte) {
+  const int pixel = byte / 3, channel = byte % 3, lane = pixel % 32 / 8;
+  if (channel == 2) return {2, 16 * lane + pixel / 32 * 8 + pixel % 8};
+  return {pixel / 32, 16 * lane + 8 * channel + pixel % 8};
+}
+
+// The permutation of `source` for vector `part` of the pixels, and which of its bytes it gives.
+struct BlockIndex {
+  alignas(64) Byte at[64];
+  unsigned long long mask;
+  constexpr BlockIndex(int part, int source) : at(), mask(0) {
+    for (int i = 0; i < 64; ++i) {
+      const Place place = PlaceInBlock(64 * part + i);
+      if (place.source != source) continue;
+      at[i] = static_cast<Byte>(place.index);
+      mask |= 1ull << i;
+    }
+  }
+};
+
+template <int part, int source>
+QV_INLINE Vec PickFromBlock(Vec v) {
+  static constexpr BlockIndex index(part, source);
+  return PermuteBytes(v, Load(index.at));
+}
+
+template <int part, int source>
+QV_INLINE Vec PickFromBlock(Vec v, Vec others) {
+  static constexpr BlockIndex index(part, source);
+  return PermuteBytesOver(others, index.mask, v, Load(index.at));
+}
+
+template <class Store>
+QV_INLINE void StorePermuted(Byte* dst, const Colors& first, const Colors& second, Store store) {
+  const Vec low = PackUnsigned16(first.blue, first.green);
+  const Vec high = PackUnsigned16(second.blue, second.green);
+  const Vec red = PackUnsigned16(first.red, second.red);
+  const Vec bytes[3] = {
+      PickFromBlock<0, 2>(red, PickFromBlock<0, 0>(low)),
+      PickFromBlock<1, 2>(red, PickFromBlock<1, 1>(high, PickFromBlock<1, 0>(low))),
+      PickFromBlock<2, 2>(red, PickFromBlock<2, 1>(high))};
+  for (int i = 0; i < 3; ++i) store(dst + 64 * i, bytes[i]);
+}
+
+// ---- Where they are shuffled within 128-bit lanes -----------------------------------------------
+
+// The same for the 48 bytes of a lane's 16 pixels: blue and green of pixels 0 to 7, as eight bytes
+// each, are in source 0, those of pixels 8 to 15 in source 1, and red of all 16 in source 2.
 constexpr Place PlaceInLane(int byte) {
   const int pixel = byte / 3, channel = byte % 3;
   if (channel == 2) return {2, pixel};
@@ -56,210 +158,41 @@ struct LaneIndex {
   }
 };
 
-QV_INLINE Vec FourTimesEvenBytes(Vec v) {
-  if constexpr (kHasByteShuffle) return MulAddBytes(v, Splat16(4));
-  return ShiftLeft16<2>(And(v, Splat16(0xff)));
-}
-
-#if defined(__AVX512VBMI__)
-
-// The high halves of 32-bit lanes: those of `even` in even 16-bit lanes, those of `odd` in odd
-// ones.
-QV_INLINE Vec HighHalves(Vec even, Vec odd) {
-  const Vec down = _mm512_broadcast_i32x4(
-      _mm_setr_epi8(2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15));
-  return _mm512_mask_shuffle_epi8(odd, 0x3333333333333333u, even, down);
-}
-
-// v less the odd 16-bit lanes of `lanes`, taken from its own.
-QV_INLINE Vec SubOdd16(Vec v, Vec lanes) {
-  return _mm512_mask_sub_epi16(v, 0xAAAAAAAAu, v, lanes);
-}
-
-QV_INLINE void LoadPacked(const Byte* src, Vec& first, Vec& second) {
-  first = Load(src);
-  second = Load(src + kVecBytes);
-}
-
-// Luma bytes of a block as 16-bit lanes.
-QV_INLINE void LoadLuma(const Byte* src, Vec& first, Vec& second) {
-  first = _mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(src)));
-  second = _mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(src + 32)));
-}
-
-// Half a block's worth of two chroma planes, as pairs of 16-bit lanes.
-QV_INLINE void LoadChroma(const Byte* cb, const Byte* cr, Vec& first, Vec& second) {
-  const Vec both = _mm512_inserti64x4(
-      _mm512_castsi256_si512(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(cb))),
-      _mm256_loadu_si256(reinterpret_cast<const __m256i*>(cr)), 1);
-  static constexpr ByteTable low = MakeByteTable([](int i) { return i % 4 * 16 + i / 4; });
-  static constexpr ByteTable high = MakeByteTable([](int i) { return i % 4 * 16 + i / 4 + 16; });
-  constexpr unsigned long long even = 0x5555555555555555u;
-  first = PermuteBytesOver(Zero(), even, both, Load(low.b));
-  second = PermuteBytesOver(Zero(), even, both, Load(high.b));
-}
-
-// The same for 64 pixels, whose lanes are in order: source 0 has pixels 0 to 31 in lanes of eight,
-// source 1 pixels 32 to 63, source 2 red of 8 l to 8 l + 7 and of 32 more in its lane l.
-constexpr Place PlaceInBlock(int byte) {
-  const int pixel = byte / 3, channel = byte % 3, lane = pixel % 32 / 8;
-  if (channel == 2) return {2, 16 * lane + pixel / 32 * 8 + pixel % 8};
-  return {pixel / 32, 16 * lane + 8 * channel + pixel % 8};
-}
-
-struct BlockIndex {
-  alignas(64) Byte at[64];
-  unsigned long long mask;
-  constexpr BlockIndex(int part, int source) : at(), mask(0) {
-    for (int i = 0; i < 64; ++i) {
-      const Place place = PlaceInBlock(64 * part + i);
-      if (place.source != source) continue;
-      at[i] = static_cast<Byte>(place.index);
-      mask |= 1ull << i;
-    }
-  }
-};
-
 template <int part, int source>
-QV_INLINE Vec Gather(Vec v) {
-  static constexpr BlockIndex index(part, source);
-  return PermuteBytes(v, Load(index.at));
-}
-
-template <int part, int source>
-QV_INLINE Vec Gather(Vec v, Vec others) {
-  static constexpr BlockIndex index(part, source);
-  return PermuteBytesOver(others, index.mask, v, Load(index.at));
-}
-
-struct BlockBytes {
-  Vec part[3];
-};
-
-QV_INLINE BlockBytes Interleave(const Colours& first, const Colours& second) {
-  const Vec low = PackUnsigned16(first.blue, first.green);
-  const Vec high = PackUnsigned16(second.blue, second.green);
-  const Vec red = PackUnsigned16(first.red, second.red);
-  return {{Gather<0, 2>(red, Gather<0, 0>(low)),
-           Gather<1, 2>(red, Gather<1, 1>(high, Gather<1, 0>(low))),
-           Gather<2, 2>(red, Gather<2, 1>(high))}};
-}
-
-template <class Store>
-QV_INLINE void StoreBGR(Byte* dst, const Colours& first, const Colours& second, Store store) {
-  const BlockBytes bytes = Interleave(first, second);
-  for (int i = 0; i < 3; ++i) store(dst + 64 * i, bytes.part[i]);
-}
-
-#else
-
-QV_INLINE Vec HighHalves(Vec even, Vec odd) {
-#if defined(__AVX2__)
-  return _mm256_blend_epi16(ShiftRight32<16>(even), odd, 0xAA);
-#else
-  return Or(ShiftRight32<16>(even), And(odd, SplatPair16(0, -1)));
-#endif
-}
-
-QV_INLINE Vec SubOdd16(Vec v, Vec lanes) { return Sub16(v, And(lanes, SplatPair16(0, -1))); }
-
-#if defined(__AVX2__)
-
-QV_INLINE void LoadPacked(const Byte* src, Vec& first, Vec& second) {
-  first = LoadLanes([=](int i) { return src + 32 * i; });
-  second = LoadLanes([=](int i) { return src + 16 + 32 * i; });
-}
-
-QV_INLINE Vec WidenBytes(const Byte* src) {
-  return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(src)));
-}
-
-#else
-
-QV_INLINE void LoadPacked(const Byte* src, Vec& first, Vec& second) {
-  first = Load(src);
-  second = Load(src + kVecBytes);
-}
-
-QV_INLINE Vec WidenBytes(const Byte* src) {
-  return InterleaveLow8(_mm_loadl_epi64(reinterpret_cast<const Vec*>(src)), Zero());
-}
-
-#endif
-
-QV_INLINE void LoadChroma(const Byte* cb, const Byte* cr, Vec& first, Vec& second) {
-  const Vec wideCb = WidenBytes(cb), wideCr = WidenBytes(cr);
-  first = InterleaveLow16(wideCb, wideCr);
-  second = InterleaveHigh16(wideCb, wideCr);
-}
-
-QV_INLINE void LoadLuma(const Byte* src, Vec& first, Vec& second) {
-  const Vec all = Load(src);
-  first = InterleaveLow8(all, Zero());
-  second = InterleaveHigh8(all, Zero());
-}
-
-#if defined(__SSSE3__)
-
-#if defined(__AVX2__)
-
-QV_INLINE Vec SplatLane(const LaneIndex& index) {
-  return _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(index.at)));
-}
-
-template <class Store>
-QV_INLINE void StoreParts(Byte* dst, Vec a, Vec b, Vec c, Store store) {
-  store(dst, _mm256_permute2x128_si256(a, b, 0x20));
-  store(dst + 32, _mm256_blend_epi32(c, a, 0xF0));
-  store(dst + 64, _mm256_permute2x128_si256(b, c, 0x31));
-}
-
-#else
-
-QV_INLINE Vec SplatLane(const LaneIndex& index) { return Load(index.at); }
-
-template <class Store>
-QV_INLINE void StoreParts(Byte* dst, Vec a, Vec b, Vec c, Store store) {
-  store(dst, a);
-  store(dst + 16, b);
-  store(dst + 32, c);
-}
-
-#endif
-
-template <int part, int source>
-QV_INLINE Vec Gather(Vec v) {
+QV_INLINE Vec PickFromLanes(Vec v) {
   static constexpr LaneIndex index(part, source);
-  return ShuffleBytes(v, SplatLane(index));
+  return ShuffleBytes(v, LoadSplat128(index.at));
 }
 
 template <class Store>
-QV_INLINE void StoreBGR(Byte* dst, const Colours& first, const Colours& second, Store store) {
+QV_INLINE void StoreShuffled(Byte* dst, const Colors& first, const Colors& second, Store store) {
   const Vec low = PackUnsigned16(first.blue, first.green);
   const Vec high = PackUnsigned16(second.blue, second.green);
   const Vec red = PackUnsigned16(first.red, second.red);
-  StoreParts(dst, Or(Gather<0, 0>(low), Gather<0, 2>(red)),
-             Or(Or(Gather<1, 0>(low), Gather<1, 1>(high)), Gather<1, 2>(red)),
-             Or(Gather<2, 1>(high), Gather<2, 2>(red)), store);
+  Vec a = Or(PickFromLanes<0, 0>(low), PickFromLanes<0, 2>(red));
+  Vec b = Or(Or(PickFromLanes<1, 0>(low), PickFromLanes<1, 1>(high)), PickFromLanes<1, 2>(red));
+  Vec c = Or(PickFromLanes<2, 1>(high), PickFromLanes<2, 2>(red));
+  LanesInTurns(a, b, c);
+  store(dst, a);
+  store(dst + kVecBytes, b);
+  store(dst + 2 * kVecBytes, c);
 }
 
-#else  // SSE2
+// ---- And where they are not, with 128-bit vectors -----------------------------------------------
 
 // Two pixels B, G, R, 0 in each half become six bytes, the lowest of the half.
 QV_INLINE Vec Squeeze(Vec v) {
-  const Vec left = _mm_set1_epi64x(0xffffff);
-  return Or(And(v, left), _mm_srli_epi64(_mm_andnot_si128(left, v), 8));
+  const Vec left = Splat64(0xffffff);
+  return Or(And(v, left), ShiftRight64<8>(AndNot(left, v)));
 }
 
 // Six bytes at a time, the two stored too many being overwritten by the next six.
 QV_INLINE void StorePixelPairs(Byte* dst, Vec v) {
-  _mm_storel_epi64(reinterpret_cast<Vec*>(dst), v);
-  _mm_storel_epi64(reinterpret_cast<Vec*>(dst + 6), _mm_unpackhi_epi64(v, v));
+  StoreLowHalf(dst, v);
+  StoreLowHalf(dst + 6, InterleaveHigh64(v, v));
 }
 
-// Pieces of six bytes do not go past the caches.
-template <class Store>
-QV_INLINE void StoreBGR(Byte* dst, const Colours& first, const Colours& second, Store) {
+QV_INLINE void StoreSqueezed(Byte* dst, const Colors& first, const Colors& second) {
   const Vec blue = PackUnsigned16(first.blue, second.blue);
   const Vec green = PackUnsigned16(first.green, second.green);
   const Vec red = PackUnsigned16(first.red, second.red);
@@ -269,16 +202,23 @@ QV_INLINE void StoreBGR(Byte* dst, const Colours& first, const Colours& second, 
   StorePixelPairs(dst + 12, Squeeze(InterleaveHigh16(low, redLow)));
   StorePixelPairs(dst + 24, Squeeze(InterleaveLow16(high, redHigh)));
   const Vec last = Squeeze(InterleaveHigh16(high, redHigh));
-  _mm_storel_epi64(reinterpret_cast<Vec*>(dst + 36), last);
-  // The last six bytes alone, for nothing comes behind them.
-  const int four = _mm_cvtsi128_si32(_mm_srli_si128(last, 8));
-  const short two = static_cast<short>(_mm_extract_epi16(last, 6));
-  memcpy(dst + 42, &four, 4);
-  memcpy(dst + 46, &two, 2);
+  StoreLowHalf(dst + 36, last);
+  // The last six bytes alone, since nothing follows them.
+  const Vec128 lane = LowLane(last);
+  Store32(dst + 42, ShiftBytesDown<8>(lane));
+  Store32(dst + 44, ShiftBytesDown<10>(lane));
 }
 
-#endif
-#endif
+// A block of pixels. Pieces of six bytes do not go past the caches.
+template <class Store>
+QV_INLINE void StoreBGR(Byte* dst, const Colors& first, const Colors& second, Store store) {
+  if constexpr (kHasBytePermute)
+    StorePermuted(dst, first, second, store);
+  else if constexpr (kHasByteShuffle)
+    StoreShuffled(dst, first, second, store);
+  else
+    StoreSqueezed(dst, first, second);
+}
 
 }  // namespace qv::QV_LEVEL
 

@@ -51,38 +51,21 @@ QV_INLINE void TakeLuma(const Byte* src, Byte* luma, ptrdiff_t width) {
 // ---- Vector rows --------------------------------------------------------------------------------
 
 // Bytes 0, 2, 4, ... or 1, 3, 5, ... of two vectors that follow each other.
-#if defined(__AVX512VBMI__)
-
 QV_INLINE Vec EvenBytes(Vec low, Vec high) {
-  static constexpr ByteTable index = MakeByteTable([](int i) { return 2 * i; });
-  return PermuteBytes2(low, Load(index.b), high);
+  if constexpr (kHasBytePermute) {
+    static constexpr ByteTable index = MakeByteTable([](int i) { return 2 * i; });
+    return PermuteBytes2(low, Load(index.b), high);
+  }
+  return PackBytesInOrder(And(low, Splat16(0xff)), And(high, Splat16(0xff)));
 }
 
 QV_INLINE Vec OddBytes(Vec low, Vec high) {
-  static constexpr ByteTable index = MakeByteTable([](int i) { return 2 * i + 1; });
-  return PermuteBytes2(low, Load(index.b), high);
+  if constexpr (kHasBytePermute) {
+    static constexpr ByteTable index = MakeByteTable([](int i) { return 2 * i + 1; });
+    return PermuteBytes2(low, Load(index.b), high);
+  }
+  return PackBytesInOrder(ShiftRight16<8>(low), ShiftRight16<8>(high));
 }
-
-#else
-
-// The lanes of two packed vectors come alternately.
-QV_INLINE Vec LanesInOrder(Vec v) {
-#if defined(__AVX2__)
-  return _mm256_permute4x64_epi64(v, _MM_SHUFFLE(3, 1, 2, 0));
-#else
-  return v;
-#endif
-}
-
-QV_INLINE Vec EvenBytes(Vec low, Vec high) {
-  return LanesInOrder(PackUnsigned16(And(low, Splat16(0xff)), And(high, Splat16(0xff))));
-}
-
-QV_INLINE Vec OddBytes(Vec low, Vec high) {
-  return LanesInOrder(PackUnsigned16(ShiftRight16<8>(low), ShiftRight16<8>(high)));
-}
-
-#endif
 
 QV_INLINE void SplitPairs(const Byte* src, Byte* even, Byte* odd, ptrdiff_t count) {
   const auto block = [=](ptrdiff_t j) {

@@ -1,10 +1,7 @@
 // Composition of two images under constant alphas.
 #include "kernels/composite/Composite.h"
+#include "kernels/level/Div255.h"
 #include "kernels/level/Level.h"
-
-#if QV_HAS_VECTORS
-#include "kernels/composite/InPlace.h"
-#endif
 
 namespace qv::QV_LEVEL {
 
@@ -51,9 +48,6 @@ struct Images {
 
 #if !QV_HAS_VECTORS
 
-// floor(x / 255) for x up to 65025.
-QV_INLINE int Div255(int x) { return (x + 1 + (x >> 8)) >> 8; }
-
 QV_INLINE int Scale(int x, const int (&factors)[2]) {
   return Div255(Div255(x * factors[0]) * factors[1]);
 }
@@ -73,15 +67,12 @@ void ComposeImages(const Images& images, const Composition& c, bool) {
 
 #else
 
-// The factors other than 255, as multipliers of 16-bit lanes. floor(x * c / 255) of a byte x is
-// x * (257 * c + 1) >> 16 for c up to 254: with x * c = 255 k + r, the product is 65535 k + 257 r +
-// x, at least 65536 k as k <= x, and below 65536 (k + 1) as 257 r + x <= 257 * 254 + 255.
+// The factors other than 255, in order.
 struct Multipliers {
   Vec f[2];
 
   explicit Multipliers(const int (&factors)[2])
-      : f{Splat16(257 * (factors[0] != 255 ? factors[0] : factors[1]) + 1),
-          Splat16(257 * factors[1] + 1)} {}
+      : f{Fraction255(factors[0] != 255 ? factors[0] : factors[1]), Fraction255(factors[1])} {}
 
   static int CountOf(const int (&factors)[2]) {
     return (factors[0] != 255 ? 1 : 0) + (factors[1] != 255 ? 1 : 0);

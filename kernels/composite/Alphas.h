@@ -4,7 +4,7 @@
 
 namespace qv::QV_LEVEL {
 
-#if defined(__SSSE3__)
+// ---- With byte shuffles -------------------------------------------------------------------------
 
 // The alphas of a vector of colour bytes, those at even and those at odd places apart; each fills
 // both bytes of a 16-bit lane.
@@ -13,7 +13,7 @@ struct TwinAlphas {
 };
 
 // Where the alphas of vector j of the colours of kVecBytes pixels are found. A shuffle stays within
-// 16-byte lanes: the index counts from the first byte of its lane.
+// 128-bit lanes: the index counts from the first byte of its lane.
 template <int kChannels>
 constexpr ByteTable TwinIndex(int j, int odd) {
   ByteTable table{};
@@ -36,18 +36,15 @@ QV_INLINE TwinAlphas TwinsOf(Vec alpha) {
   return {ShuffleBytes(alpha, Load(kEven.b)), ShuffleBytes(alpha, Load(kOdd.b))};
 }
 
-#else
+// ---- Without ------------------------------------------------------------------------------------
 
 // Eight 16-bit lanes, each three times; this is third j.
 template <int j>
 QV_INLINE Vec TripleWords(Vec w) {
-  if constexpr (j == 1)
-    return _mm_shufflehi_epi16(_mm_shufflelo_epi16(w, _MM_SHUFFLE(3, 3, 3, 2)),
-                               _MM_SHUFFLE(1, 0, 0, 0));
-  return _mm_shufflehi_epi16(
-      _mm_shufflelo_epi16(_mm_shuffle_epi32(w, j == 0 ? 0x44 : 0xEE),
-                          j == 0 ? _MM_SHUFFLE(1, 0, 0, 0) : _MM_SHUFFLE(2, 2, 1, 1)),
-      j == 0 ? _MM_SHUFFLE(2, 2, 1, 1) : _MM_SHUFFLE(3, 3, 3, 2));
+  if constexpr (j == 0)
+    return ShuffleHigh16<1, 1, 2, 2>(ShuffleLow16<0, 0, 0, 1>(ShuffleLanes32<0, 1, 0, 1>(w)));
+  if constexpr (j == 1) return ShuffleHigh16<0, 0, 0, 1>(ShuffleLow16<2, 3, 3, 3>(w));
+  return ShuffleHigh16<2, 3, 3, 3>(ShuffleLow16<1, 1, 2, 2>(ShuffleLanes32<2, 3, 2, 3>(w)));
 }
 
 // The alphas of vector j of the colours of kVecBytes pixels.
@@ -59,8 +56,6 @@ QV_INLINE Vec AlphasOf(Vec alpha) {
   if constexpr (j == 1) return PackUnsigned16(TripleWords<2>(low), TripleWords<0>(high));
   return PackUnsigned16(TripleWords<1>(high), TripleWords<2>(high));
 }
-
-#endif
 
 }  // namespace qv::QV_LEVEL
 

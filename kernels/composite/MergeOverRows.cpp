@@ -4,7 +4,6 @@
 #include "kernels/level/Level.h"
 
 #if QV_HAS_VECTORS
-#include "kernels/composite/InPlace.h"
 #include "kernels/composite/OverBlock.h"
 #endif
 
@@ -78,13 +77,14 @@ void AlphaRow(Byte* dstAlpha, const Byte* bgAlpha, ptrdiff_t width) {
 
 void ColourRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
                const Byte* mergedAlpha, ptrdiff_t bytes) {
+  const auto at = [=](ptrdiff_t x) {
+    return OverPixels{fg + 3 * x, fgAlpha + x, bg + 3 * x, bgAlpha + x, mergedAlpha + x};
+  };
   ptrdiff_t x = 0;
-  for (; 3 * x + kOverReads <= bytes; x += kOverPixels)
-    OverBlock(fg + 3 * x, fgAlpha + x, bg + 3 * x, bgAlpha + x, mergedAlpha + x);
+  for (; 3 * x + kOverReads <= bytes; x += kOverPixels) OverBlock(at(x));
   for (; 3 * x < bytes; x += kOverPixels) {
     const ptrdiff_t left = bytes - 3 * x;
-    OverPart(fg + 3 * x, fgAlpha + x, bg + 3 * x, bgAlpha + x, mergedAlpha + x,
-             left < 3 * kOverPixels ? left : 3 * kOverPixels);
+    OverPart(at(x), left < 3 * kOverPixels ? left : 3 * kOverPixels);
   }
 }
 

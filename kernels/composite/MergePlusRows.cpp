@@ -1,10 +1,10 @@
 // Mixing a colour image into another one under an alpha plane.
 #include "kernels/composite/Composite.h"
+#include "kernels/level/Div255.h"
 #include "kernels/level/Level.h"
 
 #if QV_HAS_VECTORS
 #include "kernels/composite/Alphas.h"
-#include "kernels/composite/InPlace.h"
 #endif
 
 namespace qv::QV_LEVEL {
@@ -12,10 +12,9 @@ namespace qv::QV_LEVEL {
 namespace {
 
 // The foreground's share is divided by 255, the background's by 256.
-QV_INLINE Byte MixByte(unsigned alpha, unsigned src, unsigned dst) {
-  const unsigned p = alpha * src;
-  const unsigned q = (255 - alpha) * dst;
-  return ToByte(static_cast<int>(((p + 1 + (p >> 8)) >> 8) + ((q + 1) >> 8)));
+QV_INLINE Byte MixByte(int alpha, int src, int dst) {
+  const int q = (255 - alpha) * dst;
+  return ToByte(Div255(alpha * src) + ((q + 1) >> 8));
 }
 
 template <int kChannels>
@@ -38,8 +37,6 @@ QV_INLINE Vec MixLanes(Vec alphaTwice, Vec srcAndOne, Vec background) {
   return Add8(MulHighUnsigned16(alphaTwice, srcAndOne), Add16(background, Splat16(1)));
 }
 
-#if defined(__SSSE3__)
-
 // Every byte at an even place in the high byte of its lane, 1 below it.
 QV_INLINE Vec EvenAndOne(Vec src) {
   if constexpr (kHasBytePermute) {
@@ -52,7 +49,7 @@ QV_INLINE Vec EvenAndOne(Vec src) {
 // The bytes at even and at odd places apart. Those at odd places are multiplied in the high bytes
 // of their lanes, and their results are in place.
 template <int kChannels, int j>
-QV_INLINE Vec MixBytes(Vec alpha, Vec src, Vec dst) {
+QV_INLINE Vec MixApart(Vec alpha, Vec src, Vec dst) {
   const Vec low = Splat16(0xFF), high = Splat16(0xFF00), one = Splat16(1), ones = Splat8(-1);
   const TwinAlphas a = TwinsOf<kChannels, j>(alpha);
   const Vec even =
@@ -68,10 +65,9 @@ QV_INLINE Vec MixBytes(Vec alpha, Vec src, Vec dst) {
   return Or(ShiftRight16<8>(even), And(odd, high));
 }
 
-#else
-
+// The bytes of the low and of the high halves apart.
 template <int kChannels, int j>
-QV_INLINE Vec MixBytes(Vec alpha, Vec src, Vec dst) {
+QV_INLINE Vec MixHalves(Vec alpha, Vec src, Vec dst) {
   const Vec a = AlphasOf<kChannels, j>(alpha), rest = Xor(a, Splat8(-1)), one = Splat8(1);
   const Vec low = MixLanes(InterleaveLow8(a, a), InterleaveLow8(one, src),
                            MulLow16(InterleaveLow8(rest, Zero()), InterleaveLow8(dst, Zero())));
@@ -80,11 +76,15 @@ QV_INLINE Vec MixBytes(Vec alpha, Vec src, Vec dst) {
   return PackUnsigned16(ShiftRight16<8>(low), ShiftRight16<8>(high));
 }
 
-#endif
+template <int kChannels, int j>
+QV_INLINE Vec MixBytes(Vec alpha, Vec src, Vec dst) {
+  if constexpr (kHasByteShuffle) return MixApart<kChannels, j>(alpha, src, dst);
+  return MixHalves<kChannels, j>(alpha, src, dst);
+}
 
 // The colours of kVecBytes pixels.
 template <int kChannels>
-struct Colours {
+struct Colors {
   Vec v[kChannels];
 };
 
@@ -96,7 +96,7 @@ void MixRow(Byte* srcDst, const Byte* src, const Byte* alpha, ptrdiff_t width) {
         const Byte* const s = src + kChannels * x;
         const Byte* const d = srcDst + kChannels * x;
         const Vec a = Load(alpha + x);
-        Colours<kChannels> mixed;
+        Colors<kChannels> mixed;
         mixed.v[0] = MixBytes<kChannels, 0>(a, Load(s), Load(d));
         if constexpr (kChannels == 3) {
           mixed.v[1] = MixBytes<3, 1>(a, Load(s + kVecBytes), Load(d + kVecBytes));
@@ -104,7 +104,7 @@ void MixRow(Byte* srcDst, const Byte* src, const Byte* alpha, ptrdiff_t width) {
         }
         return mixed;
       },
-      [&](ptrdiff_t x, const Colours<kChannels>& mixed, auto store) {
+      [&](ptrdiff_t x, const Colors<kChannels>& mixed, auto store) {
         for (int j = 0; j < kChannels; ++j)
           store(srcDst + kChannels * x + j * kVecBytes, mixed.v[j]);
       });

@@ -1,11 +1,11 @@
 // The colours of a few pixels merged in single precision: the block that the over merge's vector
 // rows are made of, in three shapes.
 //
-//   OverBlock(fg, fgAlpha, bg, bgAlpha, merged)   kOverPixels pixels, three bytes each, fg in place
-//   OverPart(..., bytes)                          the pixels of the first `bytes` colour bytes
+//   OverBlock(pixels)         kOverPixels pixels, three bytes each, the foreground in place
+//   OverPart(pixels, bytes)   the pixels of the first `bytes` colour bytes
 //
-// Alphas are one byte a pixel. A block may read kOverReads colour bytes and kOverPixels alphas; it
-// stores 3 * kOverPixels bytes. A part, of up to 3 * kOverPixels bytes, touches nothing behind it.
+// A block may read kOverReads colour bytes and kOverPixels alphas; it stores 3 * kOverPixels bytes.
+// A part, of up to 3 * kOverPixels bytes, touches nothing past it.
 #ifndef QV_KERNELS_COMPOSITE_OVERBLOCK_H
 #define QV_KERNELS_COMPOSITE_OVERBLOCK_H
 
@@ -13,16 +13,20 @@
 
 namespace qv::QV_LEVEL {
 
+// Where the colours, three bytes a pixel, and the alphas, one byte a pixel, of a block begin.
+struct OverPixels {
+  Byte* fg;
+  const Byte *fgAlpha, *bg, *bgAlpha, *merged;
+};
+
 // x / 255, rounded, of integers from 0 to 256: x / 255 = p + p / 65535 with p = x * 257 / 65536,
 // which is exact. The second term is so small that its own rounding never shows in the sum; all 257
 // values are those of a division.
 constexpr float k257Over65536 = 257.0f / 65536.0f;
 QV_INLINE Floats AddOver65535(Floats p) {
-#if defined(__AVX512F__)
-  return _mm512_fmadd_ps(p, SplatFloat(1.0f / 65535.0f), p);
-#else
-  return AddFloat(p, MulFloat(p, SplatFloat(1.0f / 65535.0f)));
-#endif
+  const Floats part = SplatFloat(1.0f / 65535.0f);
+  if constexpr (kHasFusedMultiply) return FusedMulAdd(p, part, p);
+  return AddFloat(p, MulFloat(p, part));
 }
 QV_INLINE Floats Over255(Floats x) { return AddOver65535(MulFloat(x, SplatFloat(k257Over65536))); }
 
@@ -36,10 +40,13 @@ QV_INLINE OverWeights WeightsOf(Floats fgAlpha, Floats bgAlpha, Floats divisor) 
   return {fgAlpha, MulFloat(SubFloat(SplatFloat(1.0f), fgAlpha), bgAlpha), divisor};
 }
 
-#if defined(__AVX512VBMI__)
+// Bytes from the 32-bit lanes of three vectors, which saturate twice: to 16 bits, then to bytes.
+// Every 128-bit lane gets four bytes of each vector's.
+QV_INLINE Vec PackThree(const Vec (&v)[3]) {
+  return PackUnsigned16(PackSigned32(v[0], v[1]), PackSigned32(v[2], v[2]));
+}
 
-constexpr int kOverPixels = 16;
-constexpr int kOverReads = 64;
+// ---- Sixteen pixels, where bytes are permuted across a vector and multiplications fused ---------
 
 // The bytes that `index` picks, one for each 32-bit lane, as numbers above 2^23: a byte in the low
 // end of that number's significand.
@@ -51,7 +58,7 @@ QV_INLINE Floats BytesAbove23(Vec bytes, const ByteTable& index) {
 // x * weight, rounded once, of x + 2^23: the fused operation takes 2^23 * weight, which is exact,
 // off the exact product.
 QV_INLINE Floats WeighAbove23(Floats x, Floats weight) {
-  return _mm512_fmadd_ps(x, weight, MulFloat(weight, SplatFloat(-0x1p23f)));
+  return FusedMulAdd(x, weight, MulFloat(weight, SplatFloat(-0x1p23f)));
 }
 
 // (x + plus) / 255 of 16 bytes x. A byte twice in the low end of the significand of 128 is 128 +
@@ -72,17 +79,16 @@ struct Reciprocal {
 
   explicit Reciprocal(Floats divisor) {
     high = DivFloat(SplatFloat(1.0f), divisor);
-    low = MulFloat(high, _mm512_fnmadd_ps(high, divisor, SplatFloat(1.0f)));
+    low = MulFloat(high, FusedNegMulAdd(high, divisor, SplatFloat(1.0f)));
   }
-  Floats Times(Floats sum) const { return _mm512_fmadd_ps(sum, high, MulFloat(sum, low)); }
+  Floats Times(Floats sum) const { return FusedMulAdd(sum, high, MulFloat(sum, low)); }
 };
 
-QV_INLINE Vec MergedColours(Vec f, Vec fgAlpha, Vec b, Vec bgAlpha, Vec merged) {
+QV_INLINE Vec MergedColors(Vec f, Vec fgAlpha, Vec b, Vec bgAlpha, Vec merged) {
   static constexpr ByteTable kChannel[3] = {
       MakeByteTable([](int i) { return i / 4 * 3; }),
       MakeByteTable([](int i) { return i / 4 * 3 + 1; }),
       MakeByteTable([](int i) { return i / 4 * 3 + 2; })};
-  // After packing, every 16-byte lane holds four pixels: four bytes of each channel.
   static constexpr ByteTable kInterleave =
       MakeByteTable([](int i) { return i < 48 ? i / 12 * 16 + i % 3 * 4 + i / 3 % 4 : 0; });
   const OverWeights w = WeightsOf(AlphasOver255<0>(fgAlpha), AlphasOver255<0>(bgAlpha),
@@ -94,48 +100,37 @@ QV_INLINE Vec MergedColours(Vec f, Vec fgAlpha, Vec b, Vec bgAlpha, Vec merged) 
                                 WeighAbove23(BytesAbove23(b, kChannel[c]), w.background));
     result[c] = NearestInts(reciprocal.Times(sum));
   }
-  // Saturates twice: to 16 bits, then to bytes.
-  const Vec packed = PackUnsigned16(PackSigned32(result[0], result[1]),
-                                    PackSigned32(result[2], result[2]));
-  return PermuteBytes(packed, Load(kInterleave.b));
+  return PermuteBytes(PackThree(result), Load(kInterleave.b));
 }
 
-QV_INLINE void OverBlock(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
-                         const Byte* merged) {
-  const auto alphas = [](const Byte* p) { return FromLane(Load16(p)); };
-  const Vec colours = MergedColours(LoadOnce(fg), alphas(fgAlpha), LoadOnce(bg), alphas(bgAlpha),
-                                    alphas(merged));
+QV_INLINE void OverPermuted(const OverPixels& p) {
+  const auto alphas = [](const Byte* at) { return FromLane(Load128(at)); };
+  const Vec colors = MergedColors(LoadOnce(p.fg), alphas(p.fgAlpha), LoadOnce(p.bg),
+                                    alphas(p.bgAlpha), alphas(p.merged));
   // Not one masked store: the next block's load would have to wait for it.
-  _mm256_storeu_si256(reinterpret_cast<__m256i*>(fg), _mm512_castsi512_si256(colours));
-  Store16(fg + 32, _mm512_extracti32x4_epi32(colours, 2));
+  StoreLowHalf(p.fg, colors);
+  Store128(p.fg + 32, Lane<2>(colors));
 }
 
-QV_INLINE void OverPart(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
-                        const Byte* merged, ptrdiff_t bytes) {
-  const unsigned long long colours = FirstOf64(bytes, 0), pixels = FirstOf64((bytes + 2) / 3, 0);
-  StorePart(fg, MergedColours(LoadPart(fg, colours), LoadPart(fgAlpha, pixels),
-                              LoadPart(bg, colours), LoadPart(bgAlpha, pixels),
-                              LoadPart(merged, pixels)),
-            colours);
+QV_INLINE void OverMasked(const OverPixels& p, ptrdiff_t bytes) {
+  const unsigned long long colors = FirstOf64(bytes, 0), pixels = FirstOf64((bytes + 2) / 3, 0);
+  StorePart(p.fg, MergedColors(LoadPart(p.fg, colors), LoadPart(p.fgAlpha, pixels),
+                                LoadPart(p.bg, colors), LoadPart(p.bgAlpha, pixels),
+                                LoadPart(p.merged, pixels)),
+            colors);
 }
 
-#elif defined(__AVX2__)
+// ---- Eight pixels, four in each of two 128-bit lanes --------------------------------------------
 
-constexpr int kOverPixels = 8;
-constexpr int kOverReads = 24;
-
-QV_INLINE Floats AlphaFloats(const Byte* alpha) {
-  return ToFloats(_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(alpha))));
-}
+QV_INLINE Floats AlphaFloats(const Byte* alpha) { return ToFloats(LoadBytesAs32(alpha)); }
 
 // Pixels 0 to 3 in the first twelve bytes of the low lane, 4 to 7 in the last twelve of the high
 // one.
-QV_INLINE Vec LoadColours(const Byte* p) {
+QV_INLINE Vec LoadColors(const Byte* p) {
   return LoadLanes([=](int i) { return p + 8 * i; });
 }
 
-QV_INLINE void OverBlock(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
-                         const Byte* merged) {
+QV_INLINE void OverTwoLanes(const OverPixels& p) {
   // Byte 3 * pixel + channel of a lane's pixels to the low end of a 32-bit lane, 0 above it.
   const auto channelIndex = [](int i, int c) {
     return i % 4 ? 0x80 : i % 16 / 4 * 3 + c + (i < 16 ? 0 : 4);
@@ -151,9 +146,9 @@ QV_INLINE void OverBlock(Byte* fg, const Byte* fgAlpha, const Byte* bg, const By
     return byte < 0 || byte > 11 ? 0x80 : byte % 3 * 4 + byte / 3;
   });
   const OverWeights w =
-      WeightsOf(Over255(AlphaFloats(fgAlpha)), Over255(AlphaFloats(bgAlpha)),
-                Over255(AddFloat(AlphaFloats(merged), SplatFloat(1.0f))));
-  const Vec f = LoadColours(fg), b = LoadColours(bg);
+      WeightsOf(Over255(AlphaFloats(p.fgAlpha)), Over255(AlphaFloats(p.bgAlpha)),
+                Over255(AddFloat(AlphaFloats(p.merged), SplatFloat(1.0f))));
+  const Vec f = LoadColors(p.fg), b = LoadColors(p.bg);
   Vec result[3];
   for (int c = 0; c < 3; ++c) {
     const Vec index = Load(kChannel[c].b);
@@ -161,18 +156,13 @@ QV_INLINE void OverBlock(Byte* fg, const Byte* fgAlpha, const Byte* bg, const By
                                 MulFloat(w.background, ToFloats(ShuffleBytes(b, index))));
     result[c] = NearestInts(DivFloat(sum, w.divisor));
   }
-  const Vec packed = PackUnsigned16(PackSigned32(result[0], result[1]),
-                                    PackSigned32(result[2], result[2]));
-  const Vec colours = ShuffleBytes(packed, Load(kInterleave.b));
-  const Vec16 low = _mm256_castsi256_si128(colours), high = _mm256_extracti128_si256(colours, 1);
-  _mm_storel_epi64(reinterpret_cast<__m128i*>(fg), low);
-  Store16(fg + 8, _mm_or_si128(_mm_srli_si128(low, 8), high));
+  const Vec colors = ShuffleBytes(PackThree(result), Load(kInterleave.b));
+  const Vec128 low = Lane<0>(colors), high = Lane<1>(colors);
+  Store64(p.fg, low);
+  Store128(p.fg + 8, Or(ShiftBytesDown<8>(low), high));
 }
 
-#else
-
-constexpr int kOverPixels = 16;
-constexpr int kOverReads = 48;
+// ---- Sixteen pixels, with 128-bit vectors -------------------------------------------------------
 
 struct FourFloats {
   Floats f[4];
@@ -187,10 +177,9 @@ QV_INLINE FourFloats WidenBytes(Vec bytes) {
 // Four pixels' values each three times make three vectors; this is vector `third` of them.
 template <int third>
 QV_INLINE Floats Spread(Floats x) {
-  constexpr int kOrder = third == 0   ? _MM_SHUFFLE(1, 0, 0, 0)
-                         : third == 1 ? _MM_SHUFFLE(2, 2, 1, 1)
-                                      : _MM_SHUFFLE(3, 3, 3, 2);
-  return _mm_shuffle_ps(x, x, kOrder);
+  if constexpr (third == 0) return ShuffleFloats<0, 0, 0, 1>(x);
+  if constexpr (third == 1) return ShuffleFloats<1, 1, 2, 2>(x);
+  return ShuffleFloats<2, 3, 3, 3>(x);
 }
 
 template <int third>
@@ -200,18 +189,17 @@ QV_INLINE Vec MergedQuad(Floats f, Floats b, const OverWeights& w) {
   return NearestInts(DivFloat(sum, Spread<third>(w.divisor)));
 }
 
-QV_INLINE void OverBlock(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
-                         const Byte* merged) {
-  const FourFloats fa = WidenBytes(Load(fgAlpha)), ba = WidenBytes(Load(bgAlpha)),
-                   a = WidenBytes(Load(merged));
+QV_INLINE void OverQuads(const OverPixels& p) {
+  const FourFloats fa = WidenBytes(Load(p.fgAlpha)), ba = WidenBytes(Load(p.bgAlpha)),
+                   a = WidenBytes(Load(p.merged));
   OverWeights w[4];
   for (int q = 0; q < 4; ++q)
     w[q] = WeightsOf(Over255(fa.f[q]), Over255(ba.f[q]),
                      Over255(AddFloat(a.f[q], SplatFloat(1.0f))));
   // Twelve vectors of four colour bytes; vector q belongs to the pixels of w[q / 3].
   const auto merge = [&](int j, const auto& mergeFour) {
-    const FourFloats f = WidenBytes(Load(fg + 16 * j)), b = WidenBytes(Load(bg + 16 * j));
-    Store(fg + 16 * j, mergeFour(f, b));
+    const FourFloats f = WidenBytes(Load(p.fg + 16 * j)), b = WidenBytes(Load(p.bg + 16 * j));
+    Store(p.fg + 16 * j, mergeFour(f, b));
   };
   const auto pack = [](Vec q0, Vec q1, Vec q2, Vec q3) {
     return PackUnsigned16(PackSigned32(q0, q1), PackSigned32(q2, q3));
@@ -230,27 +218,42 @@ QV_INLINE void OverBlock(Byte* fg, const Byte* fgAlpha, const Byte* bg, const By
   });
 }
 
-#endif
+// ---- What the level has -------------------------------------------------------------------------
 
-#if !defined(__AVX512VBMI__)
+constexpr bool kOverPermuted = kHasBytePermute && kHasFusedMultiply;
+constexpr bool kOverTwoLanes = !kOverPermuted && kLanes128 == 2;
+constexpr int kOverPixels = kOverTwoLanes ? 8 : 16;
+constexpr int kOverReads = kOverPermuted ? 64 : 3 * kOverPixels;
 
-// Goes through copies.
-__attribute__((noinline)) inline void OverPart(Byte* fg, const Byte* fgAlpha, const Byte* bg,
-                                        const Byte* bgAlpha, const Byte* merged,
-                                        ptrdiff_t bytes) {
-  Byte f[kOverReads] = {}, b[kOverReads] = {};
-  Byte alphas[3][kOverPixels] = {};
-  const size_t colours = static_cast<size_t>(bytes), pixels = (colours + 2) / 3;
-  memcpy(f, fg, colours);
-  memcpy(b, bg, colours);
-  memcpy(alphas[0], fgAlpha, pixels);
-  memcpy(alphas[1], bgAlpha, pixels);
-  memcpy(alphas[2], merged, pixels);
-  OverBlock(f, alphas[0], b, alphas[1], alphas[2]);
-  memcpy(fg, f, colours);
+QV_INLINE void OverBlock(const OverPixels& p) {
+  if constexpr (kOverPermuted)
+    OverPermuted(p);
+  else if constexpr (kOverTwoLanes)
+    OverTwoLanes(p);
+  else
+    OverQuads(p);
 }
 
-#endif
+// Goes through copies.
+__attribute__((noinline)) inline void OverCopied(const OverPixels& p, ptrdiff_t bytes) {
+  Byte f[kOverReads] = {}, b[kOverReads] = {};
+  Byte alphas[3][kOverPixels] = {};
+  const size_t colors = static_cast<size_t>(bytes), pixels = (colors + 2) / 3;
+  memcpy(f, p.fg, colors);
+  memcpy(b, p.bg, colors);
+  memcpy(alphas[0], p.fgAlpha, pixels);
+  memcpy(alphas[1], p.bgAlpha, pixels);
+  memcpy(alphas[2], p.merged, pixels);
+  OverBlock({f, alphas[0], b, alphas[1], alphas[2]});
+  memcpy(p.fg, f, colors);
+}
+
+QV_INLINE void OverPart(const OverPixels& p, ptrdiff_t bytes) {
+  if constexpr (kOverPermuted)
+    OverMasked(p, bytes);
+  else
+    OverCopied(p, bytes);
+}
 
 }  // namespace qv::QV_LEVEL
 

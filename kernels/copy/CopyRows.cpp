@@ -42,29 +42,22 @@ void DupGrayRow(const Byte* src, Byte* dst, ptrdiff_t width) { DupGrayRowPlain(s
 // ---- Vector rows --------------------------------------------------------------------------------
 
 // Byte j of the k-th vector of three-byte pixels belongs to pixel (k * kVecBytes + j) / 3. Where a
-// shuffle stays inside its 16-byte lane, the index counts from the lane's 16 source pixels.
+// shuffle stays inside its 128-bit lane, the index counts from the lane's 16 source pixels.
 template <int k>
 constexpr ByteTable kPixelOfByte = MakeByteTable([](int j) {
   const int pixel = (k * kVecBytes + j) / 3;
   return kHasBytePermute ? pixel : pixel % 16;
 });
 
-// 1 at the first byte of each pixel that lies in the k-th vector of three-byte pixels.
-constexpr unsigned long long FirstBytes(int k) {
-  unsigned long long mask = 0;
-  for (int j = 0; j < 64; ++j)
-    if ((64 * k + j) % 3 == 0) mask |= 1ull << j;
-  return mask;
-}
-
 void ChannelRow(const Byte* src, Byte* dst, ptrdiff_t width) {
   if constexpr (kHasMaskedBytes) {
     const Vec index0 = Load(&kPixelOfByte<0>), index1 = Load(&kPixelOfByte<1>),
               index2 = Load(&kPixelOfByte<2>);
-    const auto put = [&](Byte* to, Vec grey, ptrdiff_t pixels) {
-      StorePart(to, PermuteBytes(grey, index0), FirstBytes(0) & FirstOf64(3 * pixels, 0));
-      StorePart(to + 64, PermuteBytes(grey, index1), FirstBytes(1) & FirstOf64(3 * pixels, 64));
-      StorePart(to + 128, PermuteBytes(grey, index2), FirstBytes(2) & FirstOf64(3 * pixels, 128));
+    // Only the first byte of each pixel.
+    const auto put = [&](Byte* to, Vec gray, ptrdiff_t pixels) {
+      StorePart(to, PermuteBytes(gray, index0), EveryThird(0) & FirstOf64(3 * pixels, 0));
+      StorePart(to + 64, PermuteBytes(gray, index1), EveryThird(2) & FirstOf64(3 * pixels, 64));
+      StorePart(to + 128, PermuteBytes(gray, index2), EveryThird(1) & FirstOf64(3 * pixels, 128));
     };
     const bool done = CoverWithBlocks<64>(
         width, [&](ptrdiff_t k) { put(dst + 3 * k, Load(src + k), 64); }, PixelsToAlign3(dst));
@@ -79,9 +72,9 @@ void DropAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] 
   if constexpr (kHasBytePermute) {
     // Vector k of the result takes its bytes from vectors k and k + 1 of the source.
     static constexpr ByteTable from[3] = {
-        MakeByteTable([](int j) { return j / 3 * 4 + j % 3; }),
-        MakeByteTable([](int j) { return (64 + j) / 3 * 4 + (64 + j) % 3 - 64; }),
-        MakeByteTable([](int j) { return (128 + j) / 3 * 4 + (128 + j) % 3 - 128; })};
+        MakeByteTable(WithoutFourths),
+        MakeByteTable([](int j) { return WithoutFourths(64 + j) - 64; }),
+        MakeByteTable([](int j) { return WithoutFourths(128 + j) - 128; })};
     const Vec index0 = Load(&from[0]), index1 = Load(&from[1]), index2 = Load(&from[2]);
     const auto block = [&](ptrdiff_t x, auto store) {
       const Vec v0 = Load(src + 4 * x), v1 = Load(src + 4 * x + 64),
@@ -98,24 +91,27 @@ void DropAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] 
     }
   } else if constexpr (kHasByteShuffle) {
     // Four vectors of 12 bytes each, at one end or the other, make three of 16.
-    const Vec16 low = _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
-    const Vec16 high = _mm_setr_epi8(-1, -1, -1, -1, 0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14);
+    static constexpr ByteTable kLow =
+        MakeByteTable([](int j) { return j < 12 ? WithoutFourths(j) : 128; });
+    static constexpr ByteTable kHigh =
+        MakeByteTable([](int j) { return j < 4 ? 128 : WithoutFourths(j - 4); });
+    const Vec128 low = Load128(&kLow), high = Load128(&kHigh);
     const bool done = CoverWithBlocks<16>(
         width, stream,
         [&](ptrdiff_t x, auto store) {
-          const Vec16 v0 = ShuffleBytes16(Load16(src + 4 * x), low);
-          const Vec16 v1 = ShuffleBytes16(Load16(src + 4 * x + 16), high);
-          const Vec16 v2 = ShuffleBytes16(Load16(src + 4 * x + 32), low);
-          const Vec16 v3 = ShuffleBytes16(Load16(src + 4 * x + 48), high);
+          const Vec128 v0 = ShuffleBytes(Load128(src + 4 * x), low);
+          const Vec128 v1 = ShuffleBytes(Load128(src + 4 * x + 16), high);
+          const Vec128 v2 = ShuffleBytes(Load128(src + 4 * x + 32), low);
+          const Vec128 v3 = ShuffleBytes(Load128(src + 4 * x + 48), high);
           Byte* const to = dst + 3 * x;
-          store.Lane(to, _mm_or_si128(v0, _mm_slli_si128(v1, 8)));
-          store.Lane(to + 16, _mm_or_si128(_mm_srli_si128(v1, 8), _mm_slli_si128(v2, 8)));
-          store.Lane(to + 32, _mm_or_si128(_mm_srli_si128(v2, 8), v3));
+          store.Lane(to, Or(v0, ShiftBytesUp<8>(v1)));
+          store.Lane(to + 16, Or(ShiftBytesDown<8>(v1), ShiftBytesUp<8>(v2)));
+          store.Lane(to + 32, Or(ShiftBytesDown<8>(v2), v3));
         },
         PixelsToAlign3<16>(dst));
     if (!done) DropAlphaRowPlain(src, dst, width);
   } else {
-    // Whole pixels by four bytes, the fourth overwritten by the next pixel.
+    // Four bytes for each pixel, the fourth overwritten by the next pixel.
     for (; k < width - 1; ++k) memcpy(dst + 3 * k, src + 4 * k, 4);
     DropAlphaRowPlain(src + 4 * k, dst + 3 * k, width - k);
   }
@@ -125,11 +121,11 @@ void KeepAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width) {
   if constexpr (kHasMaskedBytes) {
     static constexpr ByteTable from =
         MakeByteTable([](int j) { return j % 4 == 3 ? 0 : j / 4 * 3 + j % 4; });
-    constexpr unsigned long long colours = 0x7777777777777777;
+    constexpr unsigned long long colors = 0x7777777777777777;
     const Vec index = Load(&from);
     const auto part = [&](ptrdiff_t k, ptrdiff_t pixels) {
       const Vec v = LoadPart(src + 3 * k, FirstOf64(3 * pixels, 0));
-      StorePart(dst + 4 * k, PermuteBytes(v, index), colours & FirstOf64(4 * pixels, 0));
+      StorePart(dst + 4 * k, PermuteBytes(v, index), colors & FirstOf64(4 * pixels, 0));
     };
     ptrdiff_t k = 0;
     if (width >= 64) {
@@ -137,7 +133,7 @@ void KeepAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width) {
       part(0, k);
     }
     for (; k <= width - 22; k += 16)  // 64 bytes read for 48 that are used
-      StorePart(dst + 4 * k, PermuteBytes(Load(src + 3 * k), index), colours);
+      StorePart(dst + 4 * k, PermuteBytes(Load(src + 3 * k), index), colors);
     for (; k < width; k += 16) part(k, width - k);
   } else {
     // Two stores a pixel: nothing wider leaves the fourth byte alone.
@@ -153,15 +149,15 @@ void DupGrayRow(const Byte* src, Byte* dst, ptrdiff_t width) {
     const Vec index0 = Load(&kPixelOfByte<0>), index1 = Load(&kPixelOfByte<1>),
               index2 = Load(&kPixelOfByte<2>);
     const bool done = CoverWithBlocks<kVecBytes>(width, [&](ptrdiff_t k) {
-      const Vec grey = Load(src + k);
+      const Vec gray = Load(src + k);
       if constexpr (kHasBytePermute) {
-        Store(dst + 3 * k, PermuteBytes(grey, index0));
-        Store(dst + 3 * k + kVecBytes, PermuteBytes(grey, index1));
-        Store(dst + 3 * k + 2 * kVecBytes, PermuteBytes(grey, index2));
+        Store(dst + 3 * k, PermuteBytes(gray, index0));
+        Store(dst + 3 * k + kVecBytes, PermuteBytes(gray, index1));
+        Store(dst + 3 * k + 2 * kVecBytes, PermuteBytes(gray, index2));
       } else {
-        Store(dst + 3 * k, ShuffleBytes(LowLaneTwice(grey), index0));
-        Store(dst + 3 * k + kVecBytes, ShuffleBytes(grey, index1));
-        Store(dst + 3 * k + 2 * kVecBytes, ShuffleBytes(HighLaneTwice(grey), index2));
+        Store(dst + 3 * k, ShuffleBytes(LowLaneTwice(gray), index0));
+        Store(dst + 3 * k + kVecBytes, ShuffleBytes(gray, index1));
+        Store(dst + 3 * k + 2 * kVecBytes, ShuffleBytes(HighLaneTwice(gray), index2));
       }
     }, PixelsToAlign3(dst));
     if (done) return;

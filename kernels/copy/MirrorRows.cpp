@@ -86,22 +86,20 @@ void ReverseRow<3>(const Byte* src, Byte* dst, ptrdiff_t width,
         65 - PixelsToAlign3<64>(end - 3));
     if (!done) ReverseRowPlain<3>(src, dst, width);
   } else if constexpr (kHasByteShuffle) {
-    const Vec16 from02 = Load16(&kMirror<16, 0, 2>), from01 = Load16(&kMirror<16, 0, 1>),
-                from12 = Load16(&kMirror<16, 1, 2>), from11 = Load16(&kMirror<16, 1, 1>),
-                from10 = Load16(&kMirror<16, 1, 0>), from21 = Load16(&kMirror<16, 2, 1>),
-                from20 = Load16(&kMirror<16, 2, 0>);
+    const Vec128 from02 = Load128(&kMirror<16, 0, 2>), from01 = Load128(&kMirror<16, 0, 1>),
+                from12 = Load128(&kMirror<16, 1, 2>), from11 = Load128(&kMirror<16, 1, 1>),
+                from10 = Load128(&kMirror<16, 1, 0>), from21 = Load128(&kMirror<16, 2, 1>),
+                from20 = Load128(&kMirror<16, 2, 0>);
     const bool done = CoverWithBlocks<16>(
         width, stream,
         [&](ptrdiff_t x, auto store) {
-          const Vec16 v0 = Load16(src + 3 * x), v1 = Load16(src + 3 * x + 16),
-                      v2 = Load16(src + 3 * x + 32);
+          const Vec128 v0 = Load128(src + 3 * x), v1 = Load128(src + 3 * x + 16),
+                      v2 = Load128(src + 3 * x + 32);
           Byte* const to = end - 48 - 3 * x;
-          store.Lane(to, _mm_or_si128(ShuffleBytes16(v2, from02), ShuffleBytes16(v1, from01)));
-          store.Lane(
-              to + 16,
-              _mm_or_si128(_mm_or_si128(ShuffleBytes16(v2, from12), ShuffleBytes16(v1, from11)),
-                               ShuffleBytes16(v0, from10)));
-          store.Lane(to + 32, _mm_or_si128(ShuffleBytes16(v1, from21), ShuffleBytes16(v0, from20)));
+          store.Lane(to, Or(ShuffleBytes(v2, from02), ShuffleBytes(v1, from01)));
+          store.Lane(to + 16, Or(Or(ShuffleBytes(v2, from12), ShuffleBytes(v1, from11)),
+                                 ShuffleBytes(v0, from10)));
+          store.Lane(to + 32, Or(ShuffleBytes(v1, from21), ShuffleBytes(v0, from20)));
         },
         17 - PixelsToAlign3<16>(end - 3));
     if (!done) ReverseRowPlain<3>(src, dst, width);

@@ -31,7 +31,7 @@ struct PreparedPalette<false> {
     for (int n = mask + 1; n < 256; n *= 2) memcpy(entry + n, entry, 4 * static_cast<size_t>(n));
   }
 
-  // Pixels by twos in words of eight bytes, whose last two the next ones overwrite.
+  // Two pixels at a time in words of eight bytes, whose last two the next pair overwrites.
   void Row(const Byte* src, Byte* dst, ptrdiff_t width) const {
     ptrdiff_t k = 0;
     for (; k <= width - 3; k += 2) {
@@ -44,13 +44,6 @@ struct PreparedPalette<false> {
     }
   }
 };
-
-// The bytes first, first + 3, ... of a vector.
-constexpr unsigned long long EveryThird(int first) {
-  unsigned long long mask = 0;
-  for (int j = first; j < 64; j += 3) mask |= 1ull << j;
-  return mask;
-}
 
 // The bytes j for which 3 * j + c, counted from two vectors of three, lies in the third.
 constexpr unsigned long long InThird(int c) {
@@ -86,8 +79,8 @@ struct PreparedPalette<true> {
   }
 
   QV_INLINE Vec Lookup(int c, Vec index, unsigned long long upper) const {
-    return Select(upper, PermuteBytes2(plane[c][0], index, plane[c][1]),
-                  PermuteBytes2(plane[c][2], index, plane[c][3]));
+    return Select(upper, PermuteBytes2(plane[c][2], index, plane[c][3]),
+                  PermuteBytes2(plane[c][0], index, plane[c][1]));
   }
 
   void Row(const Byte* src, Byte* dst, ptrdiff_t width) const {

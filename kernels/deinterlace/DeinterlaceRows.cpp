@@ -42,43 +42,29 @@ QV_INLINE Lanes operator+(const Lanes& a, const Lanes& b) {
   return {Add16(a.even, b.even), Add16(a.odd, b.odd)};
 }
 
-#if defined(__SSSE3__)
-
-// A multiplication of pairs of bytes by a weight and 0 both takes every other byte and weighs it.
-// It wants a weight from -128 to 127: the products then fit signed lanes, which their sums may
-// leave.
-constexpr bool kHasSignedWeights = true;
+// With MulAddBytes, a multiplication of pairs of bytes by a weight and 0 both takes every other
+// byte and weighs it. It wants a weight from -128 to 127: the products then fit signed lanes, which
+// their sums may leave.
+constexpr bool kHasSignedWeights = kHasByteShuffle;
 struct Weight {
   Vec even, odd;
-  explicit Weight(int w) : even(Splat16(w & 0xFF)), odd(Splat16((w & 0xFF) << 8)) {}
+  explicit Weight(int w)
+      : even(Splat16(kHasSignedWeights ? w & 0xFF : w)),
+        odd(Splat16(kHasSignedWeights ? (w & 0xFF) << 8 : w)) {}
 };
 QV_INLINE Lanes Weigh(Vec bytes, const Weight& w) {
-  return {MulAddBytes(bytes, w.even), MulAddBytes(bytes, w.odd)};
+  if constexpr (kHasSignedWeights) return {MulAddBytes(bytes, w.even), MulAddBytes(bytes, w.odd)};
+  return {MulLow16(And(bytes, Splat16(0xFF)), w.even), MulLow16(ShiftRight16<8>(bytes), w.odd)};
 }
-
-#else
-
-constexpr bool kHasSignedWeights = false;
-struct Weight {
-  Vec factor;
-  explicit Weight(int w) : factor(Splat16(w)) {}
-};
-QV_INLINE Lanes Weigh(Vec bytes, const Weight& w) {
-  return {MulLow16(And(bytes, Splat16(0xFF)), w.factor),
-          MulLow16(ShiftRight16<8>(bytes), w.factor)};
-}
-
-#endif
 
 QV_INLINE Vec HighBytes(const Lanes& sums) {
   const Vec even = ShiftRight16<8>(sums.even);
-  if constexpr (kHasMaskedBytes) return Select(0xAAAAAAAAAAAAAAAAu, even, sums.odd);
+  if constexpr (kHasMaskedBytes) return Select(0xAAAAAAAAAAAAAAAAu, sums.odd, even);
   return Or(even, And(sums.odd, Splat16(0xFF00)));
 }
 
-// A row weighs in three sums and is loaded
-// and weighed as a neighbour once. kHeavy: a centre weight of 128 to 256 is one less than 256, and
-// another 256, which adds the byte itself to the sum's high byte.
+// A row weighs in three sums and is loaded and weighed as a neighbour once. kHeavy: a centre weight
+// of 128 to 256 is taken less 256, and the byte itself is added to the high byte of the sum.
 template <int kRows, bool kHeavy>
 void FilterRows(const Byte* src, int srcStep, Byte* dst, int dstStep, ptrdiff_t bytes,
                 int centreWeight, int sideWeight, bool stream) {

@@ -4,7 +4,7 @@
 // a tile vector rows transpose blocks in registers. Large images are turned tile by tile into lines
 // that go past the caches.
 #include "kernels/geometry/Geometry.h"
-#include "kernels/geometry/GeometryVectors.h"
+#include "kernels/level/Level.h"
 
 namespace qv::QV_LEVEL {
 
@@ -92,8 +92,7 @@ QV_INLINE void TransposeTriplesWide(const Byte* src, ptrdiff_t srcStep, Byte* ds
     });
   };
   static constexpr ByteTable kSpreads[2] = {kSpread(0), kSpread(1)};
-  static constexpr auto kPack = MakeByteTable([](int i) { return i < 48 ? i / 3 * 4 + i % 3 : 0; });
-  const Vec spread[2] = {Load(&kSpreads[0]), Load(&kSpreads[1])}, pack = Load(&kPack);
+  const Vec spread[2] = {Load(&kSpreads[0]), Load(&kSpreads[1])};
 #pragma GCC unroll 1
   for (int q = 0; q < 4; ++q, src += 16 * srcStep, dst += 48) {
     Vec v[16], u[16];
@@ -114,7 +113,7 @@ QV_INLINE void TransposeTriplesWide(const Byte* src, ptrdiff_t srcStep, Byte* ds
     // Whole vectors cost less than masked ones; what is too much the next columns overwrite.
     for (int r = 0; r < 16; ++r)
       if (q < 3)
-        Store(dst + r * dstStep, PermuteBytes(v[r], pack));
+        Store(dst + r * dstStep, PackTriples(v[r]));
       else
         StoreTriples(dst + r * dstStep, v[r]);
   }

@@ -4,6 +4,7 @@
 
 #include <float.h>
 
+#include "kernels/KeysCubic.h"
 #include "kernels/geometry/WarpSource.h"
 #include "kernels/level/Common.h"
 
@@ -11,7 +12,7 @@ namespace qv::QV_LEVEL {
 
 // A float with the excess digits cut off that x87 arithmetic keeps. Sums and products of floats
 // that are rounded twice, to at least 50 bits and then to 24, are rounded correctly.
-QV_INLINE float AsFloat(float v) {
+QV_INLINE float RoundToFloat(float v) {
 #if FLT_EVAL_METHOD == 0
   return v;
 #else
@@ -22,10 +23,10 @@ QV_INLINE float AsFloat(float v) {
 
 QV_INLINE long long PositionAt(const WarpSegment& s, int axis, int column) {
   const float t = static_cast<float>(column - s.first - s.count / 2);
-  float p = AsFloat(s.coeff[axis][3] * t);
+  float p = RoundToFloat(s.coeff[axis][3] * t);
   for (int i = 2; i >= 0; --i) {
-    p = AsFloat(p + s.coeff[axis][i]);
-    if (i > 0) p = AsFloat(p * t);
+    p = RoundToFloat(p + s.coeff[axis][i]);
+    if (i > 0) p = RoundToFloat(p * t);
   }
   return s.base[axis] + static_cast<int>(p);
 }
@@ -71,8 +72,13 @@ QV_INLINE void SampleLinear(const WarpSource& s, long long px, long long py, Byt
   }
 }
 
-// Along x first, to 6 fractional bits: the weights' positive part is at most 1.125, and
-// 255 * 1.125 * 2^6 fits 15 bits. The second sum stays below 2^29.
+// Along x first, to 6 fractional bits, which fit 16 bits; the second sum fits 32. Weights are
+// rounded, which a unit of 2^-kWarpBits each makes up for.
+constexpr double kCubicLeast = kKeysLeast - 0x1p-13, kCubicMost = kKeysMost + 0x1p-13;
+static_assert(255 * 64 * kCubicLeast >= INT16_MIN && 255 * 64 * kCubicMost <= INT16_MAX);
+static_assert(255 * 0x1p20 * (kCubicMost * kCubicMost + kCubicLeast * kCubicLeast) + kCubicRound <=
+              INT32_MAX);
+
 template <int kChannels>
 QV_INLINE void SampleCubic(const WarpSource& s, long long px, long long py, Byte* out) {
   constexpr int kTaps[4] = {0, 2, 1, 3};  // where the table keeps taps -1, 0, 1, 2

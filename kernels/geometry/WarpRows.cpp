@@ -136,7 +136,7 @@ template <int kChannels, bool kGathers>
 QV_INLINE void FinishNearest(const View& view, const Prepared& p, Byte* out) {
   const Vec pixels = Fetch32<kGathers>(view.first, p.offset);
   if constexpr (kChannels == 1)
-    StoreLowBytes(out, pixels);
+    StoreLowBytes32(out, pixels);
   else
     StoreTriples(out, pixels);
 }
@@ -154,7 +154,7 @@ QV_INLINE void FinishLinear(const View& view, const Prepared& p, Byte* out) {
   if constexpr (kChannels == 1) {
     const Vec upper = Fetch32<kGathers>(view.first, p.offset);
     const Vec lower = Fetch32<kGathers>(below, p.offset);
-    StoreLowBytes(out, ShiftRight32<21>(mix(SpreadPair<0, 1>(upper), SpreadPair<0, 1>(lower))));
+    StoreLowBytes32(out, ShiftRight32<21>(mix(SpreadPair<0, 1>(upper), SpreadPair<0, 1>(lower))));
   } else {
     const PixelPairs upper = FetchPairs<kGathers>(view.first, p.offset);
     const PixelPairs lower = FetchPairs<kGathers>(below, p.offset);
@@ -188,7 +188,7 @@ QV_INLINE void FinishCubic(const View& view, const Prepared& p, Byte* out) {
       row[i] = ShiftRightSigned32<8>(Add32(MulAddPairs16(And(taps, bytes), evenX),
                                            MulAddPairs16(ShiftRight16<8>(taps), oddX)));
     }
-    StoreAsBytes(out, SumRows(row, evenY, oddY));
+    StoreLimited32(out, SumRows(row, evenY, oddY));
   } else {
     const auto pixels = [&]<int kPart>() {
       Vec row[4];

@@ -40,7 +40,7 @@ struct WarpSource {
   WarpMethod method;
 };
 
-// Keys' kernel (1981, a = -1/2) at phase i / kCubicPhases: weights of taps -1, 0, 1, 2 times
+// Keys' cubic (KeysCubic.h) at phase i / kCubicPhases: weights of taps -1, 0, 1, 2 times
 // 2^kWarpBits, each four adding up to exactly that. Stored as taps -1, 1, 0, 2: the even and the
 // odd bytes of four neighbours, which vector rows take apart with a mask and a shift.
 constexpr int kCubicBits = 11;

@@ -20,30 +20,21 @@ QV_INLINE ptrdiff_t PixelsToAlign3(const Byte* p) {
 // The two ways to store a vector.
 struct StoreInCaches {
   QV_INLINE void operator()(void* p, Vec v) const { Store(p, v); }
-  QV_INLINE void Lane(void* p, Vec16 v) const { Store16(p, v); }
+  QV_INLINE void Lane(void* p, Vec128 v) const { Store128(p, v); }
 };
 struct StorePastCaches {
   QV_INLINE void operator()(void* p, Vec v) const { StreamStore(p, v); }
-  QV_INLINE void Lane(void* p, Vec16 v) const { StreamStore16(p, v); }
+  QV_INLINE void Lane(void* p, Vec128 v) const { StreamStore128(p, v); }
 };
 
-// Calls block(first) for blocks of kBlock elements that cover 0 .. count - 1. The second one begins
-// at `second` (1 to kBlock), and the last one may overlap its predecessor. False, with nothing
-// called, if the row is shorter than a block. Only for rows whose blocks may be done twice (the
-// source is not the destination).
-template <int kBlock, class Block>
-QV_INLINE bool CoverWithBlocks(ptrdiff_t count, Block block, ptrdiff_t second = kBlock) {
-  if (count < kBlock) return false;
-  block(0);
-  ptrdiff_t i = second;
-  for (; i <= count - kBlock; i += kBlock) block(i);
-  if (i < count) block(count - kBlock);
-  return true;
-}
-
-// The same with block(first, store): blocks hand their vectors to store(p, v), all but the first
-// and the last to `inner`. If that writes past the caches, vectors begin at multiples of kVecBytes,
-// or of the 16 of a Vec16, from the second block on.
+// Calls block(first, store) for blocks of kBlock elements that cover 0 .. count - 1. The second one
+// begins at `second` (1 to kBlock), and the last one may overlap its predecessor. False, with
+// nothing called, if the row is shorter than a block. Only for rows whose blocks may be done twice
+// (the source is not the destination).
+//
+// Blocks hand their vectors to store(p, v), all but the first and the last to `inner`. If that
+// writes past the caches, vectors begin at multiples of kVecBytes, or of the 16 of a Vec128, from
+// the second block on.
 template <int kBlock, class Store, class Block>
 QV_INLINE bool CoverWithBlocksBy(Store inner, ptrdiff_t count, Block block,
                                  ptrdiff_t second = kBlock) {
@@ -55,6 +46,13 @@ QV_INLINE bool CoverWithBlocksBy(Store inner, ptrdiff_t count, Block block,
   return true;
 }
 
+// The same with block(first), which stores by itself.
+template <int kBlock, class Block>
+QV_INLINE bool CoverWithBlocks(ptrdiff_t count, Block block, ptrdiff_t second = kBlock) {
+  const auto plain = [&](ptrdiff_t first, StoreInCaches) QV_INLINE_LAMBDA { block(first); };
+  return CoverWithBlocksBy<kBlock>(StoreInCaches(), count, plain, second);
+}
+
 // Past the caches if `stream`.
 template <int kBlock, class Block>
 QV_INLINE bool CoverWithBlocks(ptrdiff_t count, bool stream, Block block,
@@ -63,35 +61,23 @@ QV_INLINE bool CoverWithBlocks(ptrdiff_t count, bool stream, Block block,
                 : CoverWithBlocksBy<kBlock>(StoreInCaches(), count, block, second);
 }
 
-// The same for a row that is changed in place: p[k] = function(p[k]) for a Vec of bytes at a time.
-// The first and the last vector are loaded before their bytes can have been changed.
-template <class Function>
-QV_INLINE bool ApplyInPlace(const Byte* src, Byte* dst, ptrdiff_t count, Function function) {
-  if (count < kVecBytes) return false;
-  const Vec first = Load(src), last = Load(src + count - kVecBytes);
-  for (ptrdiff_t i = BytesToAlign(dst); i <= count - kVecBytes; i += kVecBytes)
-    Store(dst + i, function(Load(src + i)));
-  Store(dst, function(first));
-  Store(dst + count - kVecBytes, function(last));
+// The same for a row that may be its own source. compute(first) loads the inputs of kBlock elements
+// and returns their result, put(first, result, store) stores it by store(p, v), past the caches if
+// `stream` in all but the first and the last block. These two are computed before anything is
+// stored, so that overlapping blocks see inputs, not results.
+template <int kBlock, class Compute, class Put>
+QV_INLINE bool CoverInPlace(ptrdiff_t count, bool stream, ptrdiff_t second, Compute compute,
+                            Put put) {
+  if (count < kBlock) return false;
+  const auto first = compute(0), last = compute(count - kBlock);
+  ptrdiff_t i = second;
+  if (stream)
+    for (; i <= count - kBlock; i += kBlock) put(i, compute(i), StorePastCaches());
+  else
+    for (; i <= count - kBlock; i += kBlock) put(i, compute(i), StoreInCaches());
+  put(0, first, StoreInCaches());
+  put(count - kBlock, last, StoreInCaches());
   return true;
-}
-
-// The first `count` bytes of 64 that start at byte `first`; 0 to 64 of them.
-QV_INLINE unsigned long long FirstOf64(ptrdiff_t count, ptrdiff_t first) {
-  const ptrdiff_t n = count - first;
-  return n >= 64 ? ~0ull : n <= 0 ? 0 : (1ull << n) - 1;
-}
-
-// A table of bytes that a vector of indices is loaded from, computed by the compiler.
-struct ByteTable {
-  Byte b[kVecBytes];
-};
-
-template <class Function>
-constexpr ByteTable MakeByteTable(Function function) {
-  ByteTable table{};
-  for (int i = 0; i < kVecBytes; ++i) table.b[i] = static_cast<Byte>(function(i));
-  return table;
 }
 
 }  // namespace qv::QV_LEVEL

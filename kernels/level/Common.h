@@ -10,6 +10,7 @@
 #include "qvAcceleratedLib/CqvAccLib.h"
 
 #define QV_INLINE inline __attribute__((always_inline))
+#define QV_INLINE_LAMBDA __attribute__((always_inline))
 
 namespace qv::QV_LEVEL {
 

@@ -1,5 +1,5 @@
 // Single-precision vectors, one value in each 32-bit lane, and what their lanes need as integers.
-// Every operation is rounded by itself.
+// Every operation is rounded by itself, but for the fused ones.
 #ifndef QV_KERNELS_LEVEL_FLOATS_H
 #define QV_KERNELS_LEVEL_FLOATS_H
 
@@ -8,8 +8,6 @@
 #if QV_HAS_VECTORS
 
 namespace qv::QV_LEVEL {
-
-constexpr int kLanes32 = kVecBytes / 4;
 
 QV_INLINE Floats LoadFloats(const float* p) { return QV_OP(loadu_ps)(p); }
 QV_INLINE Floats SplatFloat(float x) { return QV_OP(set1_ps)(x); }
@@ -26,12 +24,13 @@ QV_INLINE Vec TruncatedInts(Floats x) { return QV_OP(cvttps_epi32)(x); }
 QV_INLINE Floats AsFloats(Vec v) { return reinterpret_cast<Floats>(v); }
 QV_INLINE Vec AsInts(Floats x) { return reinterpret_cast<Vec>(x); }
 
-// Within each 16-byte lane: lanes 0 and 2, or 1 and 3, of `a` and then of `b`.
-QV_INLINE Vec EvenLanes32(Vec a, Vec b) {
-  return AsInts(QV_OP(shuffle_ps)(AsFloats(a), AsFloats(b), 0x88));
-}
-QV_INLINE Vec OddLanes32(Vec a, Vec b) {
-  return AsInts(QV_OP(shuffle_ps)(AsFloats(a), AsFloats(b), 0xDD));
+// kHasFusedMultiply. a * b + c and c - a * b, rounded once.
+Floats FusedMulAdd(Floats a, Floats b, Floats c);
+Floats FusedNegMulAdd(Floats a, Floats b, Floats c);
+
+// Within each 128-bit lane, lanes i0 to i3 of it in this order.
+template <int i0, int i1, int i2, int i3> QV_INLINE Floats ShuffleFloats(Floats x) {
+  return QV_OP(shuffle_ps)(x, x, i0 + 4 * i1 + 16 * i2 + 64 * i3);
 }
 
 }  // namespace qv::QV_LEVEL

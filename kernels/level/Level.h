@@ -2,11 +2,11 @@
 // header and write their code in namespace qv::QV_LEVEL.
 //
 // All levels give the same names: a vector type Vec of kVecBytes bytes and operations on it, most
-// of which Vectors.h defines for all; Floats.h has those on single precision. A level says what it
-// has in constants (kHasByteShuffle, ...) for `if constexpr`; an operation that a level lacks is
-// declared there without a definition, so that discarded branches compile and a branch that is not
-// discarded fails to link. Only the generic level has no vectors at all: vector rows stand between
-// `#if QV_HAS_VECTORS` and `#endif`.
+// of which Vectors.h and Operations.h define for all; Floats.h has those on single precision. A
+// level says what it has in constants (kHasByteShuffle, ...) for `if constexpr`; an operation that
+// a level lacks is declared there without a definition, so that discarded branches compile and a
+// branch that is not discarded fails to link. Only the generic level has no vectors at all: vector
+// rows stand between `#if QV_HAS_VECTORS` and `#endif`.
 //
 // Everything here and in row sources stays inside the level's namespace, so that the linker can
 // never replace one level's code by another's.
@@ -33,6 +33,8 @@
 #include "kernels/level/Vectors.h"
 
 #include "kernels/level/Blocks.h"
+#include "kernels/level/ByteTables.h"
+#include "kernels/level/Pixels.h"
 #include "kernels/level/ShortRows.h"
 #endif
 

@@ -8,41 +8,31 @@
 namespace qv::QV_LEVEL {
 
 // Of 1 to 16 bytes.
-QV_INLINE Vec16 LoadShort16(const Byte* p, ptrdiff_t n) {
-  const auto eight = [](const Byte* at) {
-    return _mm_loadl_epi64(reinterpret_cast<const Vec16*>(at));
-  };
-  const auto four = [](const Byte* at) {
-    int word;
-    memcpy(&word, at, 4);
-    return _mm_cvtsi32_si128(word);
-  };
-  if (n >= 8) return _mm_unpacklo_epi64(eight(p), eight(p + n - 8));
-  if (n >= 4) return _mm_unpacklo_epi32(four(p), four(p + n - 4));
-  return _mm_cvtsi32_si128(p[0] | p[n / 2] << 8 | p[n - 1] << 16);
+QV_INLINE Vec128 LoadShort128(const Byte* p, ptrdiff_t n) {
+  if (n >= 8) return InterleaveLow64(Load64(p), Load64(p + n - 8));
+  if (n >= 4) return InterleaveLow32(Load32(p), Load32(p + n - 4));
+  return FromBits32(p[0] | uint32_t{p[n / 2]} << 8 | uint32_t{p[n - 1]} << 16);
 }
 
-QV_INLINE void StoreShort16(Byte* p, Vec16 v, ptrdiff_t n) {
+QV_INLINE void StoreShort128(Byte* p, Vec128 v, ptrdiff_t n) {
   if (n >= 8) {
-    _mm_storel_epi64(reinterpret_cast<Vec16*>(p), v);
-    _mm_storel_epi64(reinterpret_cast<Vec16*>(p + n - 8), _mm_unpackhi_epi64(v, v));
-    return;
-  }
-  const int low = _mm_cvtsi128_si32(v), high = _mm_cvtsi128_si32(_mm_srli_epi64(v, 32));
-  if (n >= 4) {
-    memcpy(p, &low, 4);
-    memcpy(p + n - 4, &high, 4);
+    Store64(p, v);
+    Store64(p + n - 8, InterleaveHigh64(v, v));
+  } else if (n >= 4) {
+    Store32(p, v);
+    Store32(p + n - 4, ShiftRight64<32>(v));
   } else {
-    p[0] = static_cast<Byte>(low);
-    p[n / 2] = static_cast<Byte>(low >> 8);
-    p[n - 1] = static_cast<Byte>(low >> 16);
+    const uint32_t bits = LowBits32(v);
+    p[0] = static_cast<Byte>(bits);
+    p[n / 2] = static_cast<Byte>(bits >> 8);
+    p[n - 1] = static_cast<Byte>(bits >> 16);
   }
 }
 
 QV_INLINE Vec LoadShort(const Byte* p, ptrdiff_t n) {
   if constexpr (kHasMaskedBytes) return LoadPart(p, FirstOf64(n, 0));
   if (kVecBytes > 16 && n > 16) return LoadLanes([=](int i) { return p + i * (n - 16); });
-  return FromLane(LoadShort16(p, n));
+  return FromLane(LoadShort128(p, n));
 }
 
 QV_INLINE void StoreShort(Byte* p, Vec v, ptrdiff_t n) {
@@ -51,7 +41,7 @@ QV_INLINE void StoreShort(Byte* p, Vec v, ptrdiff_t n) {
   } else if (kVecBytes > 16 && n > 16) {
     StoreLanes(v, [=](int i) { return p + i * (n - 16); });
   } else {
-    StoreShort16(p, LowLane(v), n);
+    StoreShort128(p, LowLane(v), n);
   }
 }
 

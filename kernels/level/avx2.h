@@ -5,6 +5,7 @@
 #include <immintrin.h>
 
 #define QV_HAS_VECTORS 1
+#define QV_VEC_BITS 256
 #define QV_OP(name) _mm256_##name
 #define QV_BITS_OP(name) _mm256_##name##si256
 
@@ -12,11 +13,13 @@ namespace qv::QV_LEVEL {
 
 using Vec = __m256i;
 using Floats = __m256;
-constexpr int kVecBytes = 32;
+constexpr int kVecBytes = QV_VEC_BITS / 8;
 
 constexpr bool kHasByteShuffle = true;
+constexpr bool kHasLanePermute = true;
 constexpr bool kHasBytePermute = false;
 constexpr bool kHasMaskedBytes = false;
+constexpr bool kHasFusedMultiply = false;
 constexpr bool kHasGather = true;
 
 template <class Lane> QV_INLINE Vec BuildLanes(Lane lane) {
@@ -28,8 +31,24 @@ template <class At> QV_INLINE void StoreLanes(Vec v, At at) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(at(1)), _mm256_extracti128_si256(v, 1));
 }
 
-QV_INLINE __m128i LowLane(Vec v) { return _mm256_castsi256_si128(v); }
+template <int lane> QV_INLINE __m128i Lane(Vec v) {
+  return lane == 0 ? _mm256_castsi256_si128(v) : _mm256_extracti128_si256(v, lane);
+}
 QV_INLINE Vec FromLane(__m128i v) { return _mm256_castsi128_si256(v); }
+QV_INLINE Vec FromLaneAlone(__m128i v) { return _mm256_zextsi128_si256(v); }
+template <int n> QV_INLINE Vec ShiftBytesUp(Vec v) { return _mm256_bslli_epi128(v, n); }
+template <int n> QV_INLINE Vec ShiftBytesDown(Vec v) { return _mm256_bsrli_epi128(v, n); }
+
+QV_INLINE Vec PermuteLanes32(Vec v, Vec index) { return _mm256_permutevar8x32_epi32(v, index); }
+
+QV_INLINE Vec Gather32(const void* base, Vec offset) {
+  return _mm256_i32gather_epi32(static_cast<const int*>(base), offset, 1);
+}
+template <int kHalf> QV_INLINE Vec Gather64(const void* base, Vec offset) {
+  const Vec sorted = PermuteLanes32(offset, _mm256_setr_epi32(0, 1, 4, 5, 2, 3, 6, 7));
+  return _mm256_i32gather_epi64(static_cast<const long long*>(base),
+                                _mm256_extracti128_si256(sorted, kHalf), 1);
+}
 
 QV_INLINE Vec ReverseBytes(Vec v) {
   const Vec index = _mm256_broadcastsi128_si256(
@@ -37,19 +56,57 @@ QV_INLINE Vec ReverseBytes(Vec v) {
   return _mm256_permute4x64_epi64(_mm256_shuffle_epi8(v, index), _MM_SHUFFLE(1, 0, 3, 2));
 }
 
-QV_INLINE Vec Gather32(const void* base, Vec offset) {
-  return _mm256_i32gather_epi32(static_cast<const int*>(base), offset, 1);
+QV_INLINE Vec Xor(Vec a, Vec b, Vec c) { return _mm256_xor_si256(_mm256_xor_si256(a, b), c); }
+
+QV_INLINE Vec PackBytesInOrder(Vec a, Vec b) {
+  return _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8);
 }
-template <int kHalf> QV_INLINE Vec Gather64(const void* base, Vec offset) {
-  const Vec sorted =
-      _mm256_permutevar8x32_epi32(offset, _mm256_setr_epi32(0, 1, 4, 5, 2, 3, 6, 7));
-  return _mm256_i32gather_epi64(static_cast<const long long*>(base),
-                                _mm256_extracti128_si256(sorted, kHalf), 1);
+QV_INLINE bool AnyNegative32(Vec v) { return _mm256_movemask_ps(_mm256_castsi256_ps(v)) != 0; }
+template <int i0, int i1, int i2, int i3> QV_INLINE Vec ShuffleLanes32(Vec v) {
+  return _mm256_shuffle_epi32(v, i0 + 4 * i1 + 16 * i2 + 64 * i3);
+}
+QV_INLINE Vec HighHalves16(Vec even, Vec odd) {
+  return _mm256_blend_epi16(_mm256_srli_epi32(even, 16), odd, 0xAA);
+}
+
+QV_INLINE void StoreLowBytes32(void* p, Vec v) {
+  const __m256i low = _mm256_shuffle_epi8(
+      v, _mm256_broadcastsi128_si256(
+             _mm_setr_epi8(0, 4, 8, 12, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1)));
+  _mm_storel_epi64(static_cast<__m128i*>(p), _mm_unpacklo_epi32(Lane<0>(low), Lane<1>(low)));
+}
+QV_INLINE void StoreLimited32(void* p, Vec v) {
+  v = _mm256_packus_epi16(_mm256_packs_epi32(v, v), v);
+  v = PermuteLanes32(v, _mm256_setr_epi32(0, 4, 0, 0, 0, 0, 0, 0));
+  _mm_storel_epi64(static_cast<__m128i*>(p), Lane<0>(v));
 }
 
 QV_INLINE Vec DealHalves(Vec v) { return _mm256_permute4x64_epi64(v, 0xD8); }
 QV_INLINE Vec LowLaneTwice(Vec v) { return _mm256_permute4x64_epi64(v, 0x44); }
 QV_INLINE Vec HighLaneTwice(Vec v) { return _mm256_permute4x64_epi64(v, 0xEE); }
+QV_INLINE void LanesInTurns(Vec& a, Vec& b, Vec& c) {
+  const Vec first = _mm256_permute2x128_si256(a, b, 0x20);
+  const Vec second = _mm256_blend_epi32(c, a, 0xF0);
+  c = _mm256_permute2x128_si256(b, c, 0x31);
+  a = first;
+  b = second;
+}
+
+QV_INLINE Vec LoadHalves(const void* low, const void* high) {
+  return _mm256_loadu2_m128i(static_cast<const __m128i*>(high), static_cast<const __m128i*>(low));
+}
+QV_INLINE void StoreLowHalf(void* p, Vec v) {
+  _mm_storeu_si128(static_cast<__m128i*>(p), Lane<0>(v));
+}
+QV_INLINE Vec LoadBytesAs16(const void* p) {
+  return _mm256_cvtepu8_epi16(_mm_loadu_si128(static_cast<const __m128i*>(p)));
+}
+QV_INLINE Vec LoadBytesAs32(const void* p) {
+  return _mm256_cvtepu8_epi32(_mm_loadl_epi64(static_cast<const __m128i*>(p)));
+}
+QV_INLINE Vec LoadSplat128(const void* p) {
+  return _mm256_broadcastsi128_si256(_mm_loadu_si128(static_cast<const __m128i*>(p)));
+}
 
 }  // namespace qv::QV_LEVEL
 

@@ -4,6 +4,8 @@
 #include <stddef.h>
 #include <string.h>
 
+#include "kernels/KeysCubic.h"
+
 namespace qv {
 
 namespace {
@@ -15,14 +17,15 @@ constexpr int kChunk = 64;
 // Weights of the taps around positions with fractional part f in [0, 1), tap by tap.
 using ChunkWeights = float[6][kChunk];
 
-// Keys 1981, a = -0.5.
 void CubicWeights(const float* fractions, int count, ChunkWeights& w) {
+  static_assert(kKeysMost <= kMostWeight && kKeysLeast >= kLeastWeight);
+  constexpr auto a = static_cast<float>(kKeysA);
   for (int i = 0; i < count; ++i) {
     const float f = fractions[i], g = 1 - f;
-    w[0][i] = -0.5f * f * g * g;
-    w[1][i] = (1.5f * f - 2.5f) * f * f + 1;
-    w[2][i] = (1.5f * g - 2.5f) * g * g + 1;
-    w[3][i] = -0.5f * g * f * f;
+    w[0][i] = a * f * g * g;
+    w[1][i] = ((a + 2) * f - (a + 3)) * f * f + 1;
+    w[2][i] = ((a + 2) * g - (a + 3)) * g * g + 1;
+    w[3][i] = a * g * f * f;
   }
 }
 

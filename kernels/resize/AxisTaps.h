@@ -24,7 +24,10 @@ struct AxisTaps {
   short* weights;  // count * taps
 };
 
-// Taps of the four-tap cubic (4, Keys 1981 with a = -0.5) and six-tap Lanczos (16, three lobes,
+// What the positive weights of a sample may add up to at most, and the negative ones at least.
+constexpr double kMostWeight = 1.5, kLeastWeight = -0.5;
+
+// Taps of the four-tap cubic (4, see KeysCubic.h) and six-tap Lanczos (16, three lobes,
 // normalised) methods, fewer if the region is shorter.
 int TapCount(int interpolation, int sourceLength);
 

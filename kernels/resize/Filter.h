@@ -44,7 +44,7 @@ long long FilterScratchBytes(RowLayout layout, const FilterColumns& x, const Axi
 long long AreaScratchBytes(RowLayout layout, const AreaColumns& x, const AxisSpans& y);
 
 // dst = sum over both axes of weight * src, rounded and limited to a byte. At most kMaxTaps taps an
-// axis; the positive weights of one sample sum to at most 1.5, the negative ones to at most -0.5.
+// axis, and weights within kMostWeight and kLeastWeight.
 IppStatus FilterRows_8u_C1(const unsigned char* src, int srcStep, const FilterColumns& x,
                            const AxisTaps& y, unsigned char* dst, int dstStep, void* scratch);
 IppStatus FilterRows_8u_C2(const unsigned char* src, int srcStep, const FilterColumns& x,

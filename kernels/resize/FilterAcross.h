@@ -72,9 +72,9 @@ void FilterWindows(const Byte* const* lines, ptrdiff_t ahead, const ColumnWindow
         for (int r = 0; r < kRows; ++r) {
           Vec pairs;
           if constexpr (kWide)
-            pairs = SpreadPairs(LoadWideWindow(lines[r], base), spread);
+            pairs = SpreadWidePairs(lines[r], base, spread);
           else
-            pairs = SpreadPairs(LoadWindow(lines[r], base), spread);
+            pairs = SpreadPairs(lines[r], base, spread);
           const Vec products = MulAddPairs16(pairs, w);
           sums[r][v] = p == 0 ? products : Add32(sums[r][v], products);
         }

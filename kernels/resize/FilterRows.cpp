@@ -2,9 +2,8 @@
 // into a ring of 16-bit rows; destination rows are sums of ring rows.
 //
 // Numbers. Weights have 14 fractional bits. A source row filtered along x keeps 6 (the 32-bit sum
-// shifted right by 8, rounding down): with positive weights of at most 1.5 and negative ones of at
-// most -0.5 that is -8160 .. 24480. Along y every product is rounded to 5 fractional bits by
-// (h * w + 2^14) >> 15, the sum stays within 2 * 24480 / 2, and (sum + 16) >> 5 is the result.
+// shifted right by 8, rounding down): from kAcrossLeast to kAcrossMost. Along y every product is
+// rounded to 5 fractional bits by (h * w + 2^14) >> 15, and (sum + 16) >> 5 is the result.
 //
 // Error, in units of the result, beyond that of the weights: 1/64 from x, 1/64 for each tap along y;
 // with 8 of them together at most 0.15, as an independent error at most 0.03 root mean square. An
@@ -22,6 +21,11 @@
 namespace qv::QV_LEVEL {
 
 namespace {
+
+constexpr double kAcrossLeast = 255 * 64 * kLeastWeight, kAcrossMost = 255 * 64 * kMostWeight;
+static_assert(kAcrossLeast >= INT16_MIN && kAcrossMost <= INT16_MAX);
+// Sums along y, of up to kMaxTaps products with half a unit of rounding each.
+static_assert(kAcrossMost / 2 * (kMostWeight - kLeastWeight) + kMaxTaps / 2 <= INT16_MAX);
 
 // The call, its scratch memory, and the range of values of each destination row that is being made.
 template <RowLayout kLayout>

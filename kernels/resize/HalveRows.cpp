@@ -2,10 +2,6 @@
 #include "kernels/resize/Filter.h"
 #include "kernels/level/Level.h"
 
-#if QV_HAS_VECTORS
-#include "kernels/resize/ResizeVectors.h"
-#endif
-
 namespace qv::QV_LEVEL {
 
 namespace {
@@ -72,14 +68,13 @@ QV_INLINE void HalveTriples(const Byte* upper, const Byte* lower, Byte* dst, ptr
     // Two destination pixels from twelve bytes: word j is made of byte 6 * (j / 3) + j % 3 and the
     // one three further. Eight bytes are stored, of which the next two pixels redo two.
     static constexpr Byte kSides[16] = {0, 3, 1, 4, 2, 5, 6, 9, 7, 10, 8, 11, 0, 0, 0, 0};
-    const Vec16 sides = Load16(kSides), ones = _mm_set1_epi8(1), two = _mm_set1_epi16(2);
+    const Vec128 sides = Load128(kSides), two = LowLane(Splat16(2));
     const auto sums = [&](const Byte* row) __attribute__((always_inline)) {
-      return MulAddBytes16(ShuffleBytes16(Load16(row + 6 * x), sides), ones);
+      return AddBytePairs(ShuffleBytes(Load128(row + 6 * x), sides));
     };
     for (; x + 3 <= width; x += 2) {
-      const Vec16 mean = _mm_srli_epi16(
-          _mm_add_epi16(_mm_add_epi16(sums(upper), sums(lower)), two), 2);
-      _mm_storel_epi64(reinterpret_cast<Vec16*>(dst + 3 * x), _mm_packus_epi16(mean, mean));
+      const Vec128 mean = ShiftRight16<2>(Add16(Add16(sums(upper), sums(lower)), two));
+      Store64(dst + 3 * x, PackUnsigned16(mean, mean));
     }
   }
   HalvePlain<3>(upper + 6 * x, lower + 6 * x, dst + 3 * x, width - x);

@@ -9,39 +9,9 @@ namespace qv::QV_LEVEL {
 
 using Value = unsigned short;
 
-// The byte offsets of a value's two samples in a source row and the weight of the right one.
-struct Sides {
-  int left, right, weight;
-};
-
-QV_INLINE Sides SidesOf(const LinearTaps& x, ptrdiff_t j, int stride, int offset) {
-  const int left = x.first[j] * stride + offset;
-  return {left, left + x.neighbour * stride, x.weight[j]};
-}
-
-// A fourth byte of pixels that is interpolated with the others, but not stored.
-QV_INLINE bool DropsFourth(const LinearTables& t) { return t.channels == 3 && t.pixelStride == 4; }
-
-// Calls each(k, sides) for every value k of a row.
-template <class Each>
-QV_INLINE void ForEachValue(const LinearTables& t, Each each) {
-  if (t.channels == 2) {
-    for (ptrdiff_t j = 0; j < t.width / 2; ++j) {
-      each(4 * j, SidesOf(t.x, 2 * j, 2, 0));
-      each(4 * j + 1, SidesOf(t.xChroma, j, 4, 1));
-      each(4 * j + 2, SidesOf(t.x, 2 * j + 1, 2, 0));
-      each(4 * j + 3, SidesOf(t.xChroma, j, 4, 3));
-    }
-  } else {
-    for (ptrdiff_t j = 0; j < t.width; ++j)
-      for (int c = 0; c < t.pixelStride; ++c)
-        each(j * t.pixelStride + c, SidesOf(t.x, j, t.pixelStride, c));
-  }
-}
-
 // One source row: h = (p1 * w + p0 * (16384 - w) + 128) >> 8, plus `bias`.
 static void InterpolateRow(const Byte* row, const LinearTables& t, int bias, Value* out) {
-  ForEachValue(t, [&](ptrdiff_t k, Sides s) {
+  ForEachValue(t, [&](ptrdiff_t k, LinearSides s) {
     out[k] = static_cast<Value>(
         ((row[s.right] * s.weight + row[s.left] * (kWeightOne - s.weight) + 128) >> 8) + bias);
   });
@@ -179,20 +149,6 @@ static void InterpolateBytes(const Byte* row, const Byte* next, const Value* twi
   }
 }
 
-// The two bytes of each value and twice its weight. A full weight of the right sample becomes none
-// of the left one, so that twice the weight fits; a sample without weight may be any within the
-// row.
-static void FillPairs(const LinearTables& t, ptrdiff_t readable, int* offset, Value* twiceWeight) {
-  ForEachValue(t, [&](ptrdiff_t k, Sides s) {
-    const bool onRight = s.weight == kWeightOne;
-    const int first = onRight ? s.right : s.left;
-    const int second = first + s.right - s.left;
-    offset[2 * k] = first;
-    offset[2 * k + 1] = second < readable ? second : first;
-    twiceWeight[k] = static_cast<Value>(onRight ? 0 : 2 * s.weight);
-  });
-}
-
 // Columns are done in as many strips as keep both rows of values and the tables in the first cache
 // level: for each vector of pairs three vectors of values and weights, and its indices.
 static ptrdiff_t LinearStrips(ptrdiff_t vectors, int loads) {
@@ -204,21 +160,9 @@ static ptrdiff_t LinearStrips(ptrdiff_t vectors, int loads) {
 // False if shuffles do not serve this resize.
 static bool ShuffledRows(const Byte* src, int srcStep, const LinearTables& t, const Blender& blend,
                          Value* first, Value* second, Byte* work) {
+  const auto [g, vectors, plain, twiceWeight] = PlanLinearGather(t, kGatherShape, work);
+  if (g.loads == 0) return false;
   const ptrdiff_t bytes = ptrdiff_t{t.width} * t.pixelStride;
-  const ptrdiff_t readable = ptrdiff_t{t.srcWidth} * t.pixelStride;
-  if (readable > INT32_MAX) return false;
-  const ptrdiff_t vectors = (2 * bytes + kVecBytes - 1) / kVecBytes;
-  auto* const twiceWeight = reinterpret_cast<Value*>(work);
-  auto* const offset = reinterpret_cast<int*>(twiceWeight + vectors * (kVecBytes / 2));
-  int* const at = offset + vectors * kVecBytes;
-  auto* const index = reinterpret_cast<Byte*>(at + vectors * kLanes);
-  FillPairs(t, readable, offset, twiceWeight);
-  ByteGather g;
-  if (!PlanGather(offset, 2 * bytes, false, readable, at, index, &g)) return false;
-  // Reduced to a half, most of a row of one byte a pixel needs no picking.
-  ptrdiff_t plain = 0;
-  while (plain < 2 * bytes && offset[plain] == plain) ++plain;
-  plain = g.padded ? 0 : plain / kVecBytes;
   const ptrdiff_t strips = LinearStrips(vectors, g.loads);
   const int lastRow = t.y.first[t.height - 1] + t.y.neighbour;
   Byte copy[kPaddedRow] = {};
@@ -234,8 +178,8 @@ static bool ShuffledRows(const Byte* src, int srcStep, const LinearTables& t, co
           [&](int y, Value* out) {
             const Byte* row = RowAt(src, srcStep, y);
             const Byte* const next = RowAt(src, srcStep, y < lastRow ? y + 1 : y);
-            if (g.padded) {
-              CopyShortRow(row, readable, copy);
+            if (g.isPadded) {
+              CopyShortRow(row, g.readable, copy);
               row = copy;
             }
             if (bare > 0)

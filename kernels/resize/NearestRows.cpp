@@ -41,22 +41,6 @@ QV_INLINE void FillRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
 
 #if QV_HAS_VECTORS
 
-static void FillOffsets(const NearestTables& t, int* offset) {
-  if (t.channels == 1) {
-    memcpy(offset, t.x, sizeof(int) * static_cast<size_t>(t.width));
-  } else if (t.channels == 3) {
-    for (ptrdiff_t j = 0; j < t.width; ++j)
-      for (int c = 0; c < 3; ++c) offset[3 * j + c] = 3 * t.x[j] + c;
-  } else {
-    for (ptrdiff_t j = 0; j < t.width / 2; ++j) {
-      offset[4 * j] = 2 * t.x[2 * j];
-      offset[4 * j + 1] = 4 * t.xChroma[j] + 1;
-      offset[4 * j + 2] = 2 * t.x[2 * j + 1];
-      offset[4 * j + 3] = 4 * t.xChroma[j] + 3;
-    }
-  }
-}
-
 template <int kLoads>
 QV_INLINE void GatherRow(const ByteGather& g, const Byte* row, const Byte* next, Byte* dst,
                          ptrdiff_t bytes) {
@@ -125,20 +109,13 @@ static bool DoubledRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
 static bool ShuffledRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
                          const NearestTables& t, void* work) {
   const ptrdiff_t bytes = ptrdiff_t{t.width} * t.channels;
-  const ptrdiff_t readable = ptrdiff_t{t.srcWidth} * t.channels;
-  if ((!kHasMaskedBytes && bytes < kVecBytes) || readable > INT32_MAX) return false;
-  const ptrdiff_t padded = (bytes + kVecBytes - 1) / kVecBytes * kVecBytes;
-  auto* const offset = static_cast<int*>(work);
-  int* const at = offset + padded;
-  auto* const index = reinterpret_cast<Byte*>(at + padded / kLaneBytes);
-  FillOffsets(t, offset);
-  ByteGather g;
-  if (!PlanGather(offset, bytes, !kHasMaskedBytes, readable, at, index, &g)) return false;
+  const ByteGather g = PlanNearestGather(t, kGatherShape, work);
+  if (g.loads == 0) return false;
   WithLoads(g.loads, [&]<int kLoads>() {
-    if (g.padded) {
+    if (g.isPadded) {
       Byte copy[kPaddedRow] = {};
       FillRows(src, srcStep, dst, dstStep, t, [&](const Byte* row, const Byte*, Byte* to) {
-        CopyShortRow(row, readable, copy);
+        CopyShortRow(row, g.readable, copy);
         GatherRow<kLoads>(g, copy, copy, to, bytes);
       });
     } else {

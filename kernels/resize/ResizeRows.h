@@ -37,6 +37,40 @@ struct LinearTables {
 
 constexpr int kWeightOne = 16384;
 
+// A fourth byte of pixels that is interpolated with the others, but not stored. Always inlined, like
+// the next functions: row sources of several levels share this header.
+__attribute__((always_inline)) inline bool DropsFourth(const LinearTables& t) {
+  return t.channels == 3 && t.pixelStride == 4;
+}
+
+// The byte offsets of a value's two samples in a source row and the weight of the right one.
+struct LinearSides {
+  int left, right, weight;
+};
+
+__attribute__((always_inline)) inline LinearSides SidesOf(const LinearTaps& x, ptrdiff_t j,
+                                                          int stride, int offset) {
+  const int left = x.first[j] * stride + offset;
+  return {left, left + x.neighbour * stride, x.weight[j]};
+}
+
+// Calls each(k, sides) for every value k of a row.
+template <class Each>
+__attribute__((always_inline)) inline void ForEachValue(const LinearTables& t, Each each) {
+  if (t.channels == 2) {
+    for (ptrdiff_t j = 0; j < t.width / 2; ++j) {
+      each(4 * j, SidesOf(t.x, 2 * j, 2, 0));
+      each(4 * j + 1, SidesOf(t.xChroma, j, 4, 1));
+      each(4 * j + 2, SidesOf(t.x, 2 * j + 1, 2, 0));
+      each(4 * j + 3, SidesOf(t.xChroma, j, 4, 3));
+    }
+  } else {
+    for (ptrdiff_t j = 0; j < t.width; ++j)
+      for (int c = 0; c < t.pixelStride; ++c)
+        each(j * t.pixelStride + c, SidesOf(t.x, j, t.pixelStride, c));
+  }
+}
+
 // Bytes of work memory, aligned to 64, that the row kernels need for a destination row of
 // `rowBytes` bytes, all bytes of its pixels counted. Linear rows take most, for each byte: 4 for
 // two rows of 16-bit values, 2 for a weight, and for each of two source bytes 4 for its offset, up

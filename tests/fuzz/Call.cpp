@@ -170,7 +170,13 @@ void Call::Release() const {
 #endif
 }
 
-void Call::Run(int expected, const std::function<int()>& call, contract::Bands bands) {
+bool& Call::Succeeded(Op operation) {
+  static bool succeeded[kOperationCount];
+  return succeeded[static_cast<int>(operation)];
+}
+
+void Call::Run(Op operation, int expected, const std::function<int()>& call,
+               contract::Bands bands) {
   using contract::Bands;
   const std::vector<unsigned char> initial = Snapshot();
   std::vector<unsigned char> wanted;
@@ -204,6 +210,7 @@ void Call::Run(int expected, const std::function<int()>& call, contract::Bands b
     if (plain) firstStatus = run(level, first, true);
     const int status = run(level, budget_, false);
     if (plain) plainStatus = status;
+    if (status == StatusOk) Succeeded(operation) = true;
     if (status != plainStatus)
       Fail("other status than the plain level's", level.name, budget_, plainStatus, status);
     if (bands == Bands::kSame && status != firstStatus)

@@ -6,6 +6,7 @@
 #include <functional>
 #include <vector>
 
+#include "qvAcceleratedLib/Operations.h"
 #include "tests/fuzz/Contract.h"
 #include "tests/fuzz/Input.h"
 #include "tests/support/Bytes.h"
@@ -67,8 +68,11 @@ class Call {
 
   // Runs the call at all levels and two budgets. Aborts with a report unless all agree, the status
   // is the expected one, and a call that returns an error or StatusNoOverlapWarning wrote nothing.
-  void Run(int expected, const std::function<int()>& call,
+  void Run(Op operation, int expected, const std::function<int()>& call,
            contract::Bands bands = contract::Bands::kSame);
+
+  // Whether a call of the operation has succeeded in this process.
+  static bool& Succeeded(Op operation);
 
   // The budgets that Run will use: expected statuses may depend on them.
   int budget() const { return budget_; }

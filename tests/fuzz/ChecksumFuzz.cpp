@@ -30,7 +30,7 @@ void FuzzChecksum(Input& in) {
   unsigned wanted = start;
   bool first = true;
   const int cut = length > 1 ? in.Between("cut", 1, length - 1) : 0;
-  call.Run(expected, [&] {
+  call.Run(adler ? Op::qvAdler32 : Op::qvCRC32, expected, [&] {
     unsigned value = start;
     const IppStatus status = sum(src.data, length, noSum ? nullptr : &value);
     if (first) wanted = value;

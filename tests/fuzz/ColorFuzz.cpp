@@ -62,7 +62,7 @@ void FuzzColor(Input& in) {
     const std::ptrdiff_t from = 2 * std::ptrdiff_t{size.width}, to = 3 * std::ptrdiff_t{size.width};
     const FuzzImage src = call.Source("src null", call.Step("srcStep", from), {from, size.height});
     const FuzzImage dst = call.Destination("dst null", call.Step("dstStep", to), {to, size.height});
-    call.Run(status(src.data && dst.data, true), [&] {
+    call.Run(Op::qvYCbCr422ToBGR, status(src.data && dst.data, true), [&] {
       return Lib::qvYCbCr422ToBGR(type, src.data, src.step, dst.data, dst.step, size);
     });
   } else if (operation == 1) {
@@ -72,7 +72,7 @@ void FuzzColor(Input& in) {
     int expected = status(src.HasArrays() && dst.data, src.HasPlanes());
     if (expected == StatusOk && (size.width % 2 || size.height % 2))
       expected = StatusOddSizeWarning;
-    call.Run(expected, [&] {
+    call.Run(Op::qvYCbCr420ToBGR, expected, [&] {
       return Lib::qvYCbCr420ToBGR(type, const_cast<unsigned char**>(src.array),
                                   const_cast<int*>(src.stepArray), dst.data, dst.step, size);
     });
@@ -80,7 +80,8 @@ void FuzzColor(Input& in) {
     const FuzzImage src =
         call.Source("src null", call.Step("srcStep", 2 * width), {2 * width, height});
     const Planes dst(in, call, width, height, true);
-    call.Run(status(src.data && dst.HasArrays() && dst.HasPlanes(), true), [&] {
+    const int expected = status(src.data && dst.HasArrays() && dst.HasPlanes(), true);
+    call.Run(Op::qvYCbCr422ToYCrCb420, expected, [&] {
       return Lib::qvYCbCr422ToYCrCb420(type, src.data, src.step,
                                        const_cast<unsigned char**>(dst.array),
                                        const_cast<int*>(dst.stepArray), size);
@@ -90,7 +91,8 @@ void FuzzColor(Input& in) {
     const FuzzImage chroma =
         call.Source("srcCbCr null", call.Step("srcCbCrStep", width), {width, height / 2});
     const Planes dst(in, call, width, height, true);
-    call.Run(status(luma.data && chroma.data && dst.HasArrays() && dst.HasPlanes(), true), [&] {
+    const bool pointers = luma.data && chroma.data && dst.HasArrays() && dst.HasPlanes();
+    call.Run(Op::qvYCbCr420, status(pointers, true), [&] {
       return Lib::qvYCbCr420(type, luma.data, luma.step, chroma.data, chroma.step,
                              const_cast<unsigned char**>(dst.array),
                              const_cast<int*>(dst.stepArray), size);

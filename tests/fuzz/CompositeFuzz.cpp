@@ -31,7 +31,7 @@ void FuzzAlphaComp(Input& in, Call& call) {
                        : IsEmpty(size)                         ? StatusSizeErr
                        : !composes                             ? StatusAlphaTypeErr
                                                                : StatusOk;
-  call.Run(expected, [&] {
+  call.Run(Op::qvAlphaCompC, expected, [&] {
     return Lib::qvAlphaCompC(Type(type), src1.data, src1.step, alpha1, src2.data, src2.step, alpha2,
                              dst.data, dst.step, size, static_cast<IppiAlphaType>(code));
   });
@@ -51,7 +51,7 @@ void FuzzMergePlus(Input& in, Call& call) {
   const FuzzImage src =
       in.Rarely("src is srcDst", 32) ? dst : Needed(call, "srcStep", colours, false);
   const FuzzImage alpha = Needed(call, "alphaStep", {size.width, size.height}, false);
-  call.Run(known ? StatusOk : StatusDataTypeErr, [&] {
+  call.Run(Op::qvMergeAlphaPlus, known ? StatusOk : StatusDataTypeErr, [&] {
     return Lib::qvMergeAlphaPlus(Type(type), dst.data, dst.step, src.data, src.step, alpha.data,
                                  alpha.step, size.width, size.height);
   });
@@ -79,7 +79,7 @@ void FuzzMergeOver(Input& in, Call& call) {
   const int width = in.Rarely("less width", 32) ? in.Between("width", -3, 0) : size.width;
   const unsigned old = HostProcessorInfo;
   HostProcessorInfo = path;
-  call.Run(StatusOk, [&] {
+  call.Run(Op::qvMergeAlphaOver, StatusOk, [&] {
     return Lib::qvMergeAlphaOver(Type(type), fg.data, fg.step, fgAlpha.data, fgAlpha.step, bg.data,
                                  bg.step, bgAlpha.data, bgAlpha.step, dstAlpha.data,
                                  static_cast<int>(rowBytes), width, size.height);

@@ -25,7 +25,7 @@ void FuzzLayouts(Input& in, Call& call) {
                        : !src.data || !dst.data ? StatusNullPtrErr
                        : IsEmpty(size)          ? StatusSizeErr
                                                 : StatusOk;
-  call.Run(expected, [&] {
+  call.Run(dup ? Op::qvDup : Op::qvCopy, expected, [&] {
     return dup ? Lib::qvDup(Type(type), src.data, src.step, dst.data, dst.step, size)
                : Lib::qvCopy(Type(type), src.data, src.step, dst.data, dst.step, size);
   });
@@ -49,7 +49,8 @@ void FuzzSet(Input& in, Call& call) {
                        : !dst.data || !value ? StatusNullPtrErr
                        : IsEmpty(size)       ? StatusSizeErr
                                              : StatusOk;
-  call.Run(expected, [&] { return Lib::qvSet(Type(type), value, dst.data, dst.step, size); });
+  call.Run(Op::qvSet, expected,
+           [&] { return Lib::qvSet(Type(type), value, dst.data, dst.step, size); });
 }
 
 void FuzzMirror(Input& in, Call& call) {
@@ -67,7 +68,7 @@ void FuzzMirror(Input& in, Call& call) {
                        : !src.data || !dst.data ? StatusNullPtrErr
                        : IsEmpty(size)          ? StatusSizeErr
                                                 : StatusOk;
-  call.Run(expected, [&] {
+  call.Run(Op::qvMirror, expected, [&] {
     return Lib::qvMirror(Type(type), src.data, src.step, dst.data, dst.step, size,
                          static_cast<IppiAxis>(axis));
   });
@@ -88,7 +89,7 @@ void FuzzPalette(Input& in, Call& call) {
                        : IsEmpty(size)                         ? StatusSizeErr
                        : !known                                ? StatusOutOfRangeErr
                                                                : StatusOk;
-  call.Run(expected, [&] {
+  call.Run(Op::qvLUTPalette, expected, [&] {
     return Lib::qvLUTPalette(Type(type), src.data, src.step, dst.data, dst.step, size, palette.data,
                              bits);
   });
@@ -106,7 +107,7 @@ void FuzzScale(Input& in, Call& call) {
                        : step < 1      ? StatusStepErr
                        : IsEmpty(size) ? StatusSizeErr
                                        : StatusOk;
-  call.Run(expected,
+  call.Run(Op::qvMulCScale, expected,
            [&] { return Lib::qvMulCScale(Type(type), value, image.data, image.step, size); });
 }
 

@@ -45,7 +45,7 @@ void FuzzDeinterlace(Input& in) {
                        : !src.data || !dst.data ? StatusNullPtrErr
                        : empty                  ? StatusSizeErr
                                                 : StatusOk;
-  call.Run(expected, [&] {
+  call.Run(Op::qvDeinterlace, expected, [&] {
     return Lib::qvDeinterlace(Type(type), src.data, step, dst.data,
                               dst.step, size, weight, mode);
   });

@@ -171,6 +171,7 @@ void FuzzWarp(Input& in, Call& call) {
   const Matrix m = DrawMatrix(in, a.srcRoi, a.dstRoi);
   const Placed images = PlaceImages(in, call, a, channels);
   call.Run(
+      Op::qvWarpPerspective,
       typed.known ? Refusal(a, images, method, true) : StatusDataTypeErr,
       [&] {
         return Lib::qvWarpPerspective(type, images.src.data, a.srcSize, images.src.step, a.srcRoi,
@@ -192,6 +193,7 @@ void FuzzWarpTwo(Input& in, Call& call) {
   if (AreSizesGood(a)) call.NotRefused();
   const Placed second = PlaceImages(in, call, a, 1);
   call.Run(
+      Op::qvWarpPerspectiveEx,
       Call::kAnyStatus,
       [&] {
         return Lib::qvWarpPerspectiveEx(Lib::OneChannel, first.src.data, a.srcSize, first.src.step,
@@ -221,7 +223,7 @@ void FuzzRotate(Input& in, Call& call) {
   // A rotation by numbers is refused for nothing else, and warns of a region without a pixel.
   const bool isNumber = std::isfinite(angle) && std::isfinite(shift[0]) && std::isfinite(shift[1]);
   const bool isOutside = a.srcRoi.x >= a.srcSize.width || a.srcRoi.y >= a.srcSize.height;
-  call.Run(expected, [&] {
+  call.Run(Op::qvRotate, expected, [&] {
     const IppStatus status = Lib::qvRotate(type, images.src.data, a.srcSize, images.src.step,
                                            a.srcRoi, images.dst.data, images.dst.step, a.dstRoi,
                                            angle, shift[0], shift[1], method);
@@ -241,7 +243,7 @@ void FuzzNumbers(Input& in, Call& call) {
   // Doubles at an address of their own, so that what is written is compared.
   const FuzzImage matrix = call.Required(72, {72, 1}, true),
                   bound = call.Required(32, {32, 1}, true);
-  call.Run(Call::kAnyStatus, [&] {
+  call.Run(Op::qvGetPerspectiveTransform, Call::kAnyStatus, [&] {
     double coeffs[3][3], box[2][2];
     std::memcpy(coeffs, matrix.data, sizeof coeffs);
     std::memcpy(box, bound.data, sizeof box);
@@ -249,6 +251,7 @@ void FuzzNumbers(Input& in, Call& call) {
     const IppStatus boundStatus =
         Lib::qvGetRotateBound(type, roi, box, quad[0][0], quad[1][0], quad[1][1]);
     if ((boundStatus == StatusOk) != IsRegion(roi)) call.Fail("wrong status of the bound");
+    if (boundStatus == StatusOk) Call::Succeeded(Op::qvGetRotateBound) = true;
     std::memcpy(matrix.data, coeffs, sizeof coeffs);
     if (status == StatusOk) std::memcpy(bound.data, box, sizeof box);
     return static_cast<int>(status);

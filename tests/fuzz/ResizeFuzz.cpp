@@ -186,6 +186,7 @@ void FuzzPixels(Input& in, Call& call) {
   const bool sure = count == 1 || !works || (a.xFactor < 1e300 && a.yFactor < 1e300);
   const bool bandsDiffer = BandCount(a, 2) > 1;
   call.Run(
+      Op::qvResize,
       sure ? refusal : Call::kAnyStatus,
       [&] {
         return Lib::qvResize(Type(a.type), src.data, a.srcSize, src.step,
@@ -234,7 +235,7 @@ void FuzzPacked(Input& in, Call& call) {
   const FuzzImage dst =
       call.Destination("dst null", call.Step("dstStep", dstBytes), {dstBytes, rows});
   if (!src.data || !dst.data) refusal = StatusNullPtrErr;
-  call.Run(refusal, [&] {
+  call.Run(Op::qvResizeYUV422, refusal, [&] {
     return Lib::qvResizeYUV422(Type(a.type), src.data, a.srcSize, src.step,
                                a.srcRoi, dst.data, dst.step, a.dstSize, a.xFactor, a.yFactor,
                                a.method);

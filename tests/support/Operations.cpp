@@ -1,8 +1,11 @@
 #include "tests/support/Operations.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
+#include "qvAcceleratedLib/Operations.h"
 #include "tests/support/Bytes.h"
 #include "tests/support/Random.h"
 
@@ -314,6 +317,19 @@ void AddCompositions(List& list) {
                   }});
 }
 
+// Every operation of the roll begins some name of the list.
+void RequireAllOf(const List& list) {
+  for (const OperationNames& wanted : kOperations) {
+    const std::string name = wanted.name;
+    if (std::any_of(list.begin(), list.end(), [&](const Operation& operation) {
+          return operation.name.substr(0, operation.name.find(' ')) == name;
+        }))
+      continue;
+    std::fprintf(stderr, "Operations.cpp: no call of %s\n", wanted.name);
+    std::abort();
+  }
+}
+
 }  // namespace
 
 const List& Operations() {
@@ -325,6 +341,7 @@ const List& Operations() {
     AddResizes(all);
     AddGeometry(all);
     AddCompositions(all);
+    RequireAllOf(all);
     return all;
   }();
   return operations;

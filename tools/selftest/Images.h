@@ -2,9 +2,8 @@
 #ifndef QV_TOOLS_SELFTEST_IMAGES_H
 #define QV_TOOLS_SELFTEST_IMAGES_H
 
-#include <cstddef>
-#include <cstdint>
-#include <vector>
+#include <stddef.h>
+#include <stdint.h>
 
 #include "qvAcceleratedLib/CqvAccLib.h"
 #include "tools/selftest/Calls.h"
@@ -15,14 +14,14 @@ namespace qv::selftest {
 // Numerical Recipes' linear congruential generator: its upper bits, the same everywhere.
 class Generator {
  public:
-  explicit Generator(std::uint32_t seed) : state_(seed) {}
+  explicit Generator(uint32_t seed) : state_(seed) {}
   unsigned char Byte() {
     state_ = state_ * 1664525u + 1013904223u;
     return static_cast<unsigned char>(state_ >> 24);
   }
 
  private:
-  std::uint32_t state_;
+  uint32_t state_;
 };
 
 // Rows of noise with a few bytes between them, rows above and below included: what is written where
@@ -33,45 +32,49 @@ class Image {
 
   Image(int rowBytes, int rows, unsigned seed, int padding = 5)
       : step(rowBytes + padding),
-        bytes_(static_cast<std::size_t>(step) * (rows + 2 * kRowsAround) + 2 * kBytesBefore) {
+        size_(static_cast<size_t>(step) * (rows + 2 * kRowsAround) + 2 * kBytesBefore),
+        bytes_(new unsigned char[size_]) {
     Generator generator(seed);
-    for (unsigned char& b : bytes_) b = generator.Byte();
-    data = bytes_.data() + kBytesBefore + static_cast<std::size_t>(step) * kRowsAround;
+    for (size_t i = 0; i < size_; ++i) bytes_[i] = generator.Byte();
+    data = bytes_ + kBytesBefore + static_cast<size_t>(step) * kRowsAround;
   }
+  ~Image() { delete[] bytes_; }
   Image(const Image&) = delete;
   Image& operator=(const Image&) = delete;
 
   // The same rows from the bottom up.
-  unsigned char* Last(int rows) { return data + static_cast<std::ptrdiff_t>(step) * (rows - 1); }
+  unsigned char* Last(int rows) { return data + static_cast<ptrdiff_t>(step) * (rows - 1); }
 
-  void AddTo(Sha256& digest) const { digest.Add(bytes_.data(), bytes_.size()); }
+  void AddTo(Sha256& digest) const { digest.Add(bytes_, size_); }
 
   unsigned char* data;
   int step;
 
  private:
-  std::vector<unsigned char> bytes_;
+  size_t size_;
+  unsigned char* bytes_;
 };
 
 // Collects the calls of one operation after the other.
 class Recorder {
  public:
-  void Begin(const char* operation) {
+  explicit Recorder(Results* results) : results_(*results) {}
+
+  void Begin(Op op) {
     End();
-    operation_ = operation;
+    result_ = &results_.of[static_cast<int>(op)];
     digest_ = Sha256();
-    calls_ = 0;
   }
   template <class... Images>
   void Record(IppStatus status, const Images&... written) {
     digest_.Add(static_cast<long long>(status));
     (written.AddTo(digest_), ...);
-    ++calls_;
+    ++result_->calls;
   }
   void Record(IppStatus status, unsigned value) {
     digest_.Add(static_cast<long long>(status));
     digest_.Add(static_cast<long long>(value));
-    ++calls_;
+    ++result_->calls;
   }
   // Doubles in millionths: sines are not the same to the last bit in all mathematical libraries.
   void RecordNumbers(IppStatus status, const double* numbers, int count) {
@@ -80,27 +83,17 @@ class Recorder {
       const double millionths = numbers[i] * 1e6;
       digest_.Add(static_cast<long long>(millionths < 0 ? millionths - 0.5 : millionths + 0.5));
     }
-    ++calls_;
+    ++result_->calls;
   }
-  std::vector<Result> Finish() {
-    End();
-    operation_ = nullptr;
-    results_.push_back({"all", allCalls_, all_.Finish()});
-    return results_;
+  void End() {
+    if (result_) digest_.Finish(result_->digest);
+    result_ = nullptr;
   }
 
  private:
-  void End() {
-    if (!operation_) return;
-    results_.push_back({operation_, calls_, digest_.Finish()});
-    all_.Add(results_.back().digest.data(), results_.back().digest.size());
-    allCalls_ += calls_;
-  }
-
-  const char* operation_ = nullptr;
-  Sha256 digest_, all_;
-  int calls_ = 0, allCalls_ = 0;
-  std::vector<Result> results_;
+  Results& results_;
+  Result* result_ = nullptr;
+  Sha256 digest_;
 };
 
 void CallTransfers(Recorder& r);

@@ -7,17 +7,20 @@ namespace {
 
 using Lib = CqvAccLib;
 
+constexpr int kTypes[] = {2, 4};
+
 Lib::qvDataType Type(int value) { return static_cast<Lib::qvDataType>(value); }
 
 // A pixel; less and more than vectors; high enough for several bands.
 constexpr IppiSize kSizes[] = {{1, 1}, {23, 5}, {200, 9}, {131, 301}};
 constexpr IppiSize kLarge = {131, 301};
+constexpr IppiSize kSeveral[] = {{23, 5}, {200, 9}, kLarge};
 
 }  // namespace
 
 void CallTransfers(Recorder& r) {
   unsigned seed = 1;
-  r.Begin("qvCopy");
+  r.Begin(Op::qvCopy);
   const struct {
     int type, from, to;
   } copies[] = {{2, 1, 1}, {4, 3, 3}, {9, 1, 3}, {13, 4, 3}, {14, 3, 4}};
@@ -33,24 +36,24 @@ void CallTransfers(Recorder& r) {
     r.Record(Lib::qvCopy(Type(3), src.data, src.step, dst.data, dst.step, {100003, 1}), dst);
   }
 
-  r.Begin("qvDup");
+  r.Begin(Op::qvDup);
   for (const IppiSize size : kSizes) {
     Image src(size.width, size.height, ++seed), dst(3 * size.width, size.height, ++seed);
     r.Record(Lib::qvDup(Type(0), src.data, src.step, dst.data, dst.step, size), dst);
   }
 
-  r.Begin("qvSet");
+  r.Begin(Op::qvSet);
   const unsigned char colour[3] = {17, 201, 99};
-  for (const int type : {2, 4})
+  for (const int type : kTypes)
     for (const IppiSize size : kSizes) {
       Image dst((type == 2 ? 1 : 3) * size.width, size.height, ++seed);
       r.Record(Lib::qvSet(Type(type), colour, dst.data, dst.step, size), dst);
     }
 
-  r.Begin("qvMirror");
-  for (const int type : {2, 4})
-    for (const int axis : {0, 1, 2})
-      for (const IppiSize size : {kSizes[1], kSizes[2], kLarge}) {
+  r.Begin(Op::qvMirror);
+  for (const int type : kTypes)
+    for (int axis = 0; axis <= 2; ++axis)
+      for (const IppiSize size : kSeveral) {
         const int rowBytes = (type == 2 ? 1 : 3) * size.width;
         Image src(rowBytes, size.height, ++seed), dst(rowBytes, size.height, ++seed);
         r.Record(Lib::qvMirror(Type(type), src.data, src.step, dst.data, dst.step, size,
@@ -58,7 +61,7 @@ void CallTransfers(Recorder& r) {
                  dst);
       }
 
-  r.Begin("qvLUTPalette");
+  r.Begin(Op::qvLUTPalette);
   for (int bits = 0; bits <= 9; ++bits) {
     const IppiSize size = kSizes[bits % 4];
     Image palette(3 << 8, 1, ++seed), src(size.width, size.height, ++seed),
@@ -68,8 +71,9 @@ void CallTransfers(Recorder& r) {
              dst);
   }
 
-  r.Begin("qvMulCScale");
-  for (const int value : {0, 1, 100, 128, 254, 255}) {
+  r.Begin(Op::qvMulCScale);
+  constexpr int kValues[] = {0, 1, 100, 128, 254, 255};
+  for (const int value : kValues) {
     const IppiSize size = kSizes[value % 4];
     Image image(size.width, size.height, ++seed);
     r.Record(
@@ -80,15 +84,17 @@ void CallTransfers(Recorder& r) {
 
 void CallChecksums(Recorder& r) {
   Image data(70000, 1, 500);
-  r.Begin("qvCRC32");
+  r.Begin(Op::qvCRC32);
   unsigned value = 0;
-  for (const int length : {0, 1, 15, 16, 255, 4096, 69999}) {
+  constexpr int kPieces[] = {0, 1, 15, 16, 255, 4096, 69999};
+  for (const int length : kPieces) {
     const IppStatus status = Lib::qvCRC32(Type(0), data.data + 1, length, &value);
     r.Record(status, value);  // running on from call to call
   }
-  r.Begin("qvAdler32");
+  r.Begin(Op::qvAdler32);
   value = 1;
-  for (const int length : {0, 1, 15, 16, 5553, 4096, 69999}) {
+  constexpr int kLong[] = {0, 1, 15, 16, 5553, 4096, 69999};
+  for (const int length : kLong) {
     const IppStatus status = Lib::qvAdler32(Type(0), data.data + 1, length, &value);
     r.Record(status, value);
   }
@@ -98,7 +104,7 @@ void CallConversions(Recorder& r) {
   unsigned seed = 600;
   // Odd ones too: the last column and row are their own cases.
   constexpr IppiSize kOdd[] = {{2, 2}, {37, 5}, {202, 8}, {131, 301}};
-  r.Begin("qvYCbCr420");
+  r.Begin(Op::qvYCbCr420);
   for (const IppiSize size : kOdd) {
     Image luma(size.width, size.height, ++seed), chroma(size.width, size.height / 2, ++seed);
     Image y(size.width, size.height, ++seed), cb(size.width / 2, size.height / 2, ++seed),
@@ -109,7 +115,7 @@ void CallConversions(Recorder& r) {
                              size),
              y, cb, cr);
   }
-  r.Begin("qvYCbCr422ToYCrCb420");
+  r.Begin(Op::qvYCbCr422ToYCrCb420);
   for (const IppiSize size : kOdd) {
     Image src(2 * size.width + 2, size.height, ++seed);
     Image y(size.width, size.height, ++seed), cr(size.width / 2, size.height / 2, ++seed),
@@ -119,7 +125,7 @@ void CallConversions(Recorder& r) {
     r.Record(Lib::qvYCbCr422ToYCrCb420(Type(0), src.data, src.step, planes, steps, size), y, cr,
              cb);
   }
-  r.Begin("qvYCbCr420ToBGR");
+  r.Begin(Op::qvYCbCr420ToBGR);
   for (const IppiSize size : kOdd) {
     Image y(size.width, size.height, ++seed), cb(size.width / 2, size.height / 2, ++seed),
         cr(size.width / 2, size.height / 2, ++seed), dst(3 * size.width, size.height, ++seed);
@@ -127,7 +133,7 @@ void CallConversions(Recorder& r) {
     int steps[] = {y.step, cb.step, cr.step};
     r.Record(Lib::qvYCbCr420ToBGR(Type(0), planes, steps, dst.data, dst.step, size), dst);
   }
-  r.Begin("qvYCbCr422ToBGR");
+  r.Begin(Op::qvYCbCr422ToBGR);
   for (const IppiSize size : kOdd) {
     Image src(2 * size.width, size.height, ++seed), dst(3 * size.width, size.height, ++seed);
     r.Record(Lib::qvYCbCr422ToBGR(Type(0), src.data, src.step, dst.data, dst.step, size), dst);
@@ -136,8 +142,8 @@ void CallConversions(Recorder& r) {
 
 void CallCompositions(Recorder& r) {
   unsigned seed = 900;
-  r.Begin("qvAlphaCompC");
-  for (const int type : {2, 4})
+  r.Begin(Op::qvAlphaCompC);
+  for (const int type : kTypes)
     for (int code = 0; code <= 12; ++code) {
       const IppiSize size = kSizes[1 + code % 3];
       const int rowBytes = (type == 2 ? 1 : 3) * size.width;
@@ -150,7 +156,7 @@ void CallCompositions(Recorder& r) {
           dst);
     }
 
-  r.Begin("qvMergeAlphaOver");
+  r.Begin(Op::qvMergeAlphaOver);
   for (const IppiSize size : kSizes) {
     Image fg(3 * size.width, size.height, ++seed), bg(3 * size.width, size.height, ++seed);
     Image bgAlpha(size.width, size.height, ++seed);
@@ -162,8 +168,8 @@ void CallCompositions(Recorder& r) {
              fg, merged);
   }
 
-  r.Begin("qvMergeAlphaPlus");
-  for (const int type : {2, 4})
+  r.Begin(Op::qvMergeAlphaPlus);
+  for (const int type : kTypes)
     for (const IppiSize size : kSizes) {
       const int rowBytes = (type == 2 ? 1 : 3) * size.width;
       Image dst(rowBytes, size.height, ++seed), src(rowBytes, size.height, ++seed),
@@ -173,10 +179,11 @@ void CallCompositions(Recorder& r) {
                dst);
     }
 
-  r.Begin("qvDeinterlace");
-  for (const int type : {2, 4})
-    for (const unsigned mode : {0u, 1u, 4u, 16u})
-      for (const unsigned weight : {0u, 77u, 128u, 256u}) {
+  r.Begin(Op::qvDeinterlace);
+  constexpr unsigned kModes[] = {0, 1, 4, 16}, kWeights[] = {0, 77, 128, 256};
+  for (const int type : kTypes)
+    for (const unsigned mode : kModes)
+      for (const unsigned weight : kWeights) {
         const IppiSize size = weight == 77 ? kLarge : kSizes[1];
         // Three-channel rows are filtered together with their padding: both images are as wide.
         const int rowBytes = (type == 2 ? 1 : 3) * size.width;

@@ -8,27 +8,26 @@ namespace qv::selftest {
 
 namespace {
 
-bool PrintVerdict(const char* where, const std::vector<Result>& results) {
-  const std::vector<std::string> differing = Differing(results);
+bool PrintVerdict(const char* where, const Results& results) {
+  bool same = true;
   std::printf("%s: ", where);
-  if (differing.empty()) {
-    std::printf("same bytes as everywhere\n");
-  } else {
-    std::printf("DIFFERENT bytes than elsewhere from");
-    for (const std::string& name : differing) std::printf(" %s", name.c_str());
-    std::printf("\n");
-  }
+  ForEachDiffering(results, [&](Op op) {
+    std::printf("%s %s", same ? "DIFFERENT bytes than elsewhere from" : "", NameOf(op));
+    same = false;
+  });
+  std::printf("%s\n", same ? "same bytes as everywhere" : "");
   std::fflush(stdout);  // another process may be about to write there
-  return differing.empty();
+  return same;
 }
 
 }  // namespace
 
 bool Report(const char* const* onceArguments) {
-  const std::vector<Result> results = MakeCalls();
-  for (const Result& result : results)
-    std::printf("%s  %s, %d call%s\n", result.digest.c_str(), result.operation.c_str(),
-                result.calls, result.calls == 1 ? "" : "s");
+  Results results;
+  MakeCalls(&results);
+  for (int i = 0; i < kOperationCount; ++i)
+    std::printf("%s  %s, %d call%s\n", results.of[i].digest, kOperations[i].name,
+                results.of[i].calls, results.of[i].calls == 1 ? "" : "s");
   std::printf("\n");
   const bool all = PrintVerdict("all processors", results);
   const int once = RunOnOneProcessor(onceArguments);
@@ -36,11 +35,17 @@ bool Report(const char* const* onceArguments) {
   return all && once == 0;
 }
 
-bool ReportOnce(const char* where) { return PrintVerdict(where, MakeCalls()); }
+bool ReportOnce(const char* where) {
+  Results results;
+  MakeCalls(&results);
+  return PrintVerdict(where, results);
+}
 
 void PrintExpected() {
-  for (const Result& result : MakeCalls())
-    std::printf("    {\"%s\",\n     \"%s\"},\n", result.operation.c_str(), result.digest.c_str());
+  Results results;
+  MakeCalls(&results);
+  for (int i = 0; i < kOperationCount; ++i)
+    std::printf("    {Op::%s,\n     \"%s\"},\n", kOperations[i].name, results.of[i].digest);
 }
 
 }  // namespace qv::selftest

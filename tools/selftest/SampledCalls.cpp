@@ -7,6 +7,9 @@ namespace {
 
 using Lib = CqvAccLib;
 
+constexpr int kTypes[] = {2, 4};
+constexpr int kMethods[] = {1, 2, 4, 8, 16}, kSampling[] = {1, 2, 4};
+
 Lib::qvDataType Type(int value) { return static_cast<Lib::qvDataType>(value); }
 
 }  // namespace
@@ -28,9 +31,9 @@ void CallResizes(Recorder& r) {
       {{200, 128}, {0, 0, 200, 128}, {100, 64}, 0.5, 0.5},             // by two
       {{5, 3}, {0, 0, 5, 3}, {40, 17}, 8, 5.5},                        // too small for long filters
   };
-  r.Begin("qvResize");
-  for (const int type : {2, 4})
-    for (const int method : {1, 2, 4, 8, 16})
+  r.Begin(Op::qvResize);
+  for (const int type : kTypes)
+    for (const int method : kMethods)
       for (const auto& resize : resizes) {
         const int channels = type == 2 ? 1 : 3;
         Image src(channels * resize.src.width, resize.src.height, ++seed),
@@ -40,7 +43,7 @@ void CallResizes(Recorder& r) {
                  dst);
       }
 
-  r.Begin("qvResizeYUV422");
+  r.Begin(Op::qvResizeYUV422);
   const struct {
     IppiSize src;
     IppiRect roi;
@@ -51,7 +54,7 @@ void CallResizes(Recorder& r) {
       {{202, 301}, {0, 0, 202, 301}, {98, 145}, 98. / 202, 145. / 301},
       {{120, 90}, {10, 7, 40, 100}, {90, 128}, 0.8125, 1.375},
   };
-  for (const int method : {1, 2, 4})
+  for (const int method : kSampling)
     for (const auto& resize : packed) {
       // The region's first byte lies four bytes a pixel to the right.
       Image src(2 * resize.src.width + 2 * resize.roi.x, resize.src.height, ++seed),
@@ -66,12 +69,13 @@ void CallGeometry(Recorder& r) {
   unsigned seed = 3000;
   constexpr IppiSize size = {140, 120};
   constexpr IppiRect region = {5, 3, 130, 110}, whole = {0, 0, 160, 301};
-  r.Begin("qvRotate");
-  for (const int type : {2, 4}) {
+  r.Begin(Op::qvRotate);
+  constexpr double kAngles[] = {90, 180, 270, 30, 200.5, -7};
+  for (const int type : kTypes) {
     const int channels = type == 2 ? 1 : 3;
-    for (const double angle : {90., 180., 270., 30., 200.5, -7.}) {
+    for (const double angle : kAngles) {
       const bool quarter = angle == 90 || angle == 180 || angle == 270;
-      for (const int method : {1, 2, 4}) {
+      for (const int method : kSampling) {
         if (quarter && method > 1) continue;
         Image src(channels * size.width, size.height, ++seed),
             dst(channels * whole.width, whole.height, ++seed);
@@ -82,13 +86,15 @@ void CallGeometry(Recorder& r) {
     }
   }
 
-  const double shear[3][3] = {{1.1, 0.125, -20.5}, {-0.0625, 2.25, 7}, {0, 0, 1}};
-  const double tilt[3][3] = {{1.25, 0.25, 3.5}, {-0.125, 2.5, 7}, {0.0009765625, 0.00048828125, 1}};
-  r.Begin("qvWarpPerspective");
-  for (const int type : {2, 4}) {
+  // A shear and a tilt.
+  const double matrices[][3][3] = {
+      {{1.1, 0.125, -20.5}, {-0.0625, 2.25, 7}, {0, 0, 1}},
+      {{1.25, 0.25, 3.5}, {-0.125, 2.5, 7}, {0.0009765625, 0.00048828125, 1}}};
+  r.Begin(Op::qvWarpPerspective);
+  for (const int type : kTypes) {
     const int channels = type == 2 ? 1 : 3;
-    for (const auto& matrix : {shear, tilt})
-      for (const int method : {1, 2, 4}) {
+    for (const auto& matrix : matrices)
+      for (const int method : kSampling) {
         Image src(channels * size.width, size.height, ++seed),
             dst(channels * whole.width, whole.height, ++seed);
         r.Record(Lib::qvWarpPerspective(Type(type), src.data, size, src.step, region, dst.data,
@@ -98,17 +104,17 @@ void CallGeometry(Recorder& r) {
   }
 
   // Both warps succeed in every band: on one band and on several the second one is made.
-  r.Begin("qvWarpPerspectiveEx");
-  for (const int method : {1, 2, 4}) {
+  r.Begin(Op::qvWarpPerspectiveEx);
+  for (const int method : kSampling) {
     Image src(3 * size.width, size.height, ++seed), dst(3 * whole.width, whole.height, ++seed);
     Image src2(size.width, size.height, ++seed), dst2(whole.width, whole.height, ++seed);
     r.Record(Lib::qvWarpPerspectiveEx(Type(0), src.data, size, src.step, region, dst.data, dst.step,
-                                      whole, tilt, method, src2.data, src2.step, dst2.data,
-                                      dst2.step, shear),
+                                      whole, matrices[1], method, src2.data, src2.step,
+                                      dst2.data, dst2.step, matrices[0]),
              dst, dst2);
   }
 
-  r.Begin("qvGetPerspectiveTransform");
+  r.Begin(Op::qvGetPerspectiveTransform);
   const double quads[][4][2] = {{{10.5, 4}, {300, 12.25}, {290, 200}, {3, 190}},
                                 {{0, 0}, {0, 100}, {80, 90}, {70, 5}},
                                 {{0, 0}, {10, 10}, {20, 20}, {0, 30}}};
@@ -118,8 +124,9 @@ void CallGeometry(Recorder& r) {
     r.RecordNumbers(status, coeffs[0], 9);
   }
 
-  r.Begin("qvGetRotateBound");
-  for (const double angle : {0., 90., -450., 33.3, 123.456}) {
+  r.Begin(Op::qvGetRotateBound);
+  constexpr double kBoundAngles[] = {0, 90, -450, 33.3, 123.456};
+  for (const double angle : kBoundAngles) {
     double bound[2][2] = {};
     const IppStatus status = Lib::qvGetRotateBound(Type(0), region, bound, angle, 1.5, -2.25);
     r.RecordNumbers(status, bound[0], 4);

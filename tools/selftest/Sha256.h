@@ -2,30 +2,30 @@
 #ifndef QV_TOOLS_SELFTEST_SHA256_H
 #define QV_TOOLS_SELFTEST_SHA256_H
 
-#include <cstddef>
-#include <cstdint>
-#include <string>
+#include <stddef.h>
+#include <stdint.h>
 
 namespace qv::selftest {
 
 class Sha256 {
  public:
-  void Add(const void* data, std::size_t size);
+  void Add(const void* data, size_t size);
   // A number as eight bytes, the lowest first, on every platform.
   void Add(long long number);
 
-  // The digest in hexadecimal; nothing can be added after it.
-  std::string Finish();
+  // The digest in hexadecimal, with a null behind it; nothing can be added after it.
+  static constexpr int kDigits = 64;
+  void Finish(char* text);
 
  private:
   void AddByte(unsigned char byte);
   void Compress();
 
-  std::uint32_t hash_[8] = {0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a,
+  uint32_t hash_[8] = {0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a,
                             0x510e527f, 0x9b05688c, 0x1f83d9ab, 0x5be0cd19};
   unsigned char block_[64];
-  std::size_t used_ = 0;
-  std::uint64_t bytes_ = 0;
+  size_t used_ = 0;
+  uint64_t bytes_ = 0;
 };
 
 }  // namespace qv::selftest

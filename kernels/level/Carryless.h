@@ -1,0 +1,35 @@
+// Carry-less multiplication, of polynomials over bits: a feature of the processor beside the level,
+// found by CarrylessLevel, so that functions that use it are compiled for it one by one.
+// QV_CARRYLESS (CarrylessLevel 1 or more, kHasByteShuffle) marks those on a Vec128,
+// QV_CARRYLESS_WIDE (2, kHasBytePermute) those on a Vec. A lambda would not inherit the mark.
+#ifndef QV_KERNELS_LEVEL_CARRYLESS_H
+#define QV_KERNELS_LEVEL_CARRYLESS_H
+
+#include <immintrin.h>
+
+#include "kernels/level/Level.h"
+
+#define QV_CARRYLESS __attribute__((target("ssse3,pclmul")))
+#define QV_CARRYLESS_WIDE \
+  __attribute__((target("avx512f,avx512bw,avx512vl,avx512dq,avx512vbmi,pclmul,vpclmulqdq")))
+
+namespace qv::QV_LEVEL {
+
+// The 128-bit product, in each 128-bit lane, of a 64-bit half of `a` and one of `b`: 0 is the low
+// half, 1 the high one.
+template <int kHalfOfA, int kHalfOfB>
+QV_INLINE QV_CARRYLESS Vec128 MulCarryless(Vec128 a, Vec128 b) {
+  return _mm_clmulepi64_si128(a, b, kHalfOfA + 16 * kHalfOfB);
+}
+#if defined(__AVX512VBMI__)
+template <int kHalfOfA, int kHalfOfB>
+QV_INLINE QV_CARRYLESS_WIDE Vec MulCarryless(Vec a, Vec b) {
+  return _mm512_clmulepi64_epi128(a, b, kHalfOfA + 16 * kHalfOfB);
+}
+#elif defined(__AVX2__)
+template <int kHalfOfA, int kHalfOfB> Vec MulCarryless(Vec a, Vec b);
+#endif
+
+}  // namespace qv::QV_LEVEL
+
+#endif
