@@ -44,6 +44,156 @@ void PlainColumns(const Byte* src, int srcStep, const LongTaps& y, int i, ptrdif
   }
 }
 
+#if QV_HAS_VECTORS
+
+// A vector of 32-bit sums, pairs cut short if kCut.
+template <bool kCut>
+QV_INLINE Vec AddPairs(Vec sum, Vec pairs, Vec weights, const Rounding& round) {
+  const Vec products = MulAddPairs16(pairs, weights);
+  return Add32(sum, kCut ? ShiftRightSigned32(products, round.pair) : products);
+}
+
+// kVecBytes values whose sums are those of columns 0 .. 3, 4 .. 7, 8 .. 11 and 12 .. 15 of each
+// 128-bit lane.
+QV_INLINE void StoreColumns(const Vec (&sums)[4], const Rounding& round, short* values) {
+  const Vec half = Splat32(1 << (round.sum - 1));
+  const auto pack = [&](Vec a, Vec b) QV_INLINE_LAMBDA {
+    return PackSigned32(ShiftRightSigned32(Add32(a, half), round.sum),
+                        ShiftRightSigned32(Add32(b, half), round.sum));
+  };
+  const Vec low = pack(sums[0], sums[1]), high = pack(sums[2], sums[3]);
+  if constexpr (kHasBytePermute) {
+    // 16 bytes of `low`, 16 of `high`, from the vectors' first and then their last halves.
+    static constexpr auto kOrder = [](int half) {
+      return MakeByteTable([=](int i) { return 32 * half + i / 32 * 16 + i % 16 + i / 16 % 2 * 64; });
+    };
+    static constexpr ByteTable kFirst = kOrder(0), kLast = kOrder(1);
+    Store(values, PermuteBytes2(low, Load(kFirst.b), high));
+    Store(values + kVecBytes / 2, PermuteBytes2(low, Load(kLast.b), high));
+  } else {
+    StoreLanes(low, [=](int lane) { return values + 16 * lane; });
+    StoreLanes(high, [=](int lane) { return values + 16 * lane + 8; });
+  }
+}
+
+template <bool kCut>
+void SumColumns(const Byte* src, int srcStep, const LongTaps& y, int i, const Rounding& round,
+                ptrdiff_t bytes, short* values) {
+  const Byte* const rows = RowAt(src, srcStep, y.first[i]);
+  const short* const weights = y.weights + ptrdiff_t{i} * y.stride;
+  const auto block = [&](ptrdiff_t b) QV_INLINE_LAMBDA {
+    Vec sums[4] = {Zero(), Zero(), Zero(), Zero()};
+    const Byte* p = rows + b;
+    for (int t = 0; t < y.taps; t += 2, p += 2 * ptrdiff_t{srcStep}) {
+      // A last tap alone has a weight of 0 beside it.
+      const Vec upper = Load(p), lower = Load(t + 1 < y.taps ? p + srcStep : p);
+      int pair;
+      memcpy(&pair, weights + t, sizeof pair);
+      const Vec w = Splat32(pair);
+      const Vec low = InterleaveLow8(upper, lower), high = InterleaveHigh8(upper, lower);
+      sums[0] = AddPairs<kCut>(sums[0], InterleaveLow8(low, Zero()), w, round);
+      sums[1] = AddPairs<kCut>(sums[1], InterleaveHigh8(low, Zero()), w, round);
+      sums[2] = AddPairs<kCut>(sums[2], InterleaveLow8(high, Zero()), w, round);
+      sums[3] = AddPairs<kCut>(sums[3], InterleaveHigh8(high, Zero()), w, round);
+    }
+    StoreColumns(sums, round, values + b);
+  };
+  CoverWithBlocks<kVecBytes>(bytes, block);
+}
+
+void ColumnSums(const Byte* src, int srcStep, const LongTaps& y, int i, ptrdiff_t bytes,
+                   short* values) {
+  const Rounding round(y.bits, kColumnBits, -kFraction);
+  if (bytes < kVecBytes) return PlainColumns(src, srcStep, y, i, 0, bytes, values);
+  if (round.pair > 0)
+    SumColumns<true>(src, srcStep, y, i, round, bytes, values);
+  else
+    SumColumns<false>(src, srcStep, y, i, round, bytes, values);
+}
+
+// Values of pixels of kChannels, channel by channel, `apart` values from one to the next: eight
+// pixels at a time are shuffled perfectly three times. A shuffle moves value k of n = 8 kChannels to
+// 2 k modulo n - 1, three of them to 8 k, which is m for k = kChannels m. Whole eights are written.
+template <int kChannels>
+void SplitChannels(const short* values, ptrdiff_t pixels, short* split, ptrdiff_t apart) {
+  for (ptrdiff_t j = 0; j < pixels; j += 8) {
+    Vec128 v[kChannels];
+    for (int k = 0; k < kChannels; ++k) v[k] = Load128(values + j * kChannels + 8 * k);
+    for (int round = 0; round < 3; ++round) {
+      Vec128 u[kChannels];
+      // Fours of the first half and of the last one, which begins within a vector if there are
+      // three.
+      for (int four = 0; four < kChannels; ++four) {
+        const int other = four + kChannels;
+        const Vec128 a = v[four / 2], b = v[other / 2];
+        u[four] = InterleaveLow16(four % 2 ? InterleaveHigh64(a, a) : a,
+                                  other % 2 ? InterleaveHigh64(b, b) : b);
+      }
+      for (int k = 0; k < kChannels; ++k) v[k] = u[k];
+    }
+    for (int c = 0; c < kChannels; ++c) Store128(split + c * apart + j, v[c]);
+  }
+}
+
+void SplitChannels(const short* values, int channels, ptrdiff_t pixels, short* split,
+                   ptrdiff_t apart) {
+  if (channels == 2) SplitChannels<2>(values, pixels, split, apart);
+  else if (channels == 3) SplitChannels<3>(values, pixels, split, apart);
+  else SplitChannels<4>(values, pixels, split, apart);
+}
+
+QV_INLINE Vec128 SumOfLanes(Vec v) {
+  Vec128 sum = LowLane(v);
+  if constexpr (kLanes128 >= 2) sum = Add32(sum, Lane<1>(v));
+  if constexpr (kLanes128 == 4) sum = Add32(sum, Add32(Lane<2>(v), Lane<3>(v)));
+  return sum;
+}
+
+// Partial sums of one destination sample. What is read past the taps has a weight of 0.
+template <bool kCut>
+QV_INLINE Vec128 SumTaps(const short* values, const short* weights, int taps,
+                         const Rounding& round) {
+  Vec sum = Zero();
+  for (int t = 0; t < taps; t += kVecBytes / 2)
+    sum = AddPairs<kCut>(sum, Load(values + t), Load(weights + t), round);
+  return SumOfLanes(sum);
+}
+
+// Four samples at a time; the last ones may be some of them again.
+template <bool kCut>
+void SumRow(const short* values, const LongTaps& x, int from, ptrdiff_t count,
+            const Rounding& round, Byte* dst) {
+  const Vec128 half = FromBits32(1u << (round.sum - 1));
+  const Vec128 halves = InterleaveLow64(InterleaveLow32(half, half), InterleaveLow32(half, half));
+  for (ptrdiff_t j = 0; j < count; j += 4) {
+    Vec128 s[4];
+    for (int k = 0; k < 4; ++k) {
+      const ptrdiff_t i = j + k < count ? j + k : count - 1;
+      s[k] = SumTaps<kCut>(values + (x.first[i] - from), x.weights + i * x.stride, x.taps, round);
+    }
+    const Vec128 sums = AddNeighbours32(AddNeighbours32(s[0], s[1]), AddNeighbours32(s[2], s[3]));
+    const Vec128 words = ShiftRightSigned32(Add32(sums, halves), round.sum);
+    Store32(dst + j, PackUnsigned16(PackSigned32(words, words), words));
+  }
+}
+
+// Destination samples of one channel, whole fours of them.
+void RowSums(const short* values, const LongTaps& x, int from, ptrdiff_t count, Byte* dst) {
+  const Rounding round(x.bits, kRowBits, kFraction);
+  if (round.pair > 0)
+    SumRow<true>(values, x, from, count, round, dst);
+  else
+    SumRow<false>(values, x, from, count, round, dst);
+}
+
+// The lines of the channels side by side.
+void JoinChannels(const Byte* lines, ptrdiff_t apart, int channels, ptrdiff_t count, Byte* dst) {
+  for (int c = 0; c < channels; ++c)
+    for (ptrdiff_t j = 0; j < count; ++j) dst[j * channels + c] = lines[c * apart + j];
+}
+
+#else
+
 // Channel c of destination pixels, from values `stride` apart of which the first is at `values`.
 void PlainRow(const short* values, int stride, const LongTaps& x, int from, int count, Byte* dst,
               int dstStride) {
@@ -60,6 +210,8 @@ void PlainRow(const short* values, int stride, const LongTaps& x, int from, int 
   }
 }
 
+#endif
+
 }  // namespace
 
 IppStatus LongRows_8u(const Byte* src, int srcStep, Byte* dst, int dstStep,
@@ -69,12 +221,25 @@ IppStatus LongRows_8u(const Byte* src, int srcStep, Byte* dst, int dstStep,
   const ptrdiff_t bytes = ptrdiff_t{named.count} * t.channels;
   const Byte* const from = src + ptrdiff_t{named.first} * t.channels;
   auto* const values = static_cast<short*>(scratch);
+#if QV_HAS_VECTORS
+  const ptrdiff_t apart = PaddedLine(named.count), dstApart = PaddedLine(t.width);
+  short* const split = t.channels > 1 ? values + PaddedLine(bytes) : values;
+  Byte* const lines = reinterpret_cast<Byte*>(values + PaddedLine(bytes) + t.channels * apart);
+  for (int i = 0; i < t.height; ++i) {
+    ColumnSums(from, srcStep, t.y, i, bytes, values);
+    if (t.channels > 1) SplitChannels(values, t.channels, named.count, split, apart);
+    for (int c = 0; c < t.channels; ++c)
+      RowSums(split + c * apart, t.x, named.first, t.width, lines + c * dstApart);
+    JoinChannels(lines, dstApart, t.channels, t.width, RowAt(dst, dstStep, i));
+  }
+#else
   for (int i = 0; i < t.height; ++i) {
     PlainColumns(from, srcStep, t.y, i, 0, bytes, values);
     for (int c = 0; c < t.channels; ++c)
       PlainRow(values + c, t.channels, t.x, named.first, t.width, RowAt(dst, dstStep, i) + c,
                t.channels);
   }
+#endif
   return StatusOk;
 }
 

@@ -36,7 +36,13 @@ __attribute__((always_inline)) inline NamedPixels NamedBy(const int* first, int 
   return {first[0], first[count - 1] + taps - first[0]};
 }
 
-// Bytes of scratch memory, aligned to 64.
+// Items of a line of scratch memory: whole blocks, with one more to read and write on into.
+__attribute__((always_inline)) constexpr long long PaddedLine(long long n) {
+  return (n + 63) / 64 * 64 + 64;
+}
+
+// Bytes of scratch memory, aligned to 64: a row of values, the same channel by channel, and a
+// destination row channel by channel.
 unsigned long long LongScratchBytes(const LongTables& tables);
 
 // The separable filter with any number of taps. Along y first: with p the bytes of a column and w
@@ -59,6 +65,7 @@ struct WeightedTables {
   FloatTaps x, y;
 };
 
+// Bytes of scratch memory, aligned to 64: a source row and the ring of filtered ones.
 unsigned long long WeightedScratchBytes(const WeightedTables& tables);
 
 // Four-byte pixels whose colours are weighted by their alpha, the fourth byte. With c a colour and

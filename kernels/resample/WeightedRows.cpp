@@ -3,12 +3,118 @@
 // An alpha that is written is at least half a unit, and what C and A of it err by is some 2^-23 of
 // the largest terms, 255 * 255 and 255, for each tap: a colour errs by less than a hundredth of a
 // unit even where terms of both signs leave that little of them.
+#include "kernels/level/Floats.h"
 #include "kernels/level/Level.h"
 #include "kernels/resample/ResampleRows.h"
 
 namespace qv::QV_LEVEL {
 
 namespace {
+
+// The rows of sums that are kept, as many as a destination row takes.
+struct Ring {
+  float* base;
+  ptrdiff_t values;  // of a row
+  int rows;
+
+  QV_INLINE float* operator()(int row) const { return base + values * (row % rows); }
+};
+
+#if QV_HAS_VECTORS
+
+// C and A of a source row, four pixels at a time; `row` may be read, and `line` written, up to
+// three pixels on.
+QV_INLINE void WeightFour(const Byte* row, float* line) {
+  static constexpr short kColours[8] = {-1, -1, -1, 0, -1, -1, -1, 0};
+  static constexpr short kAlphas[8] = {0, 0, 0, 1, 0, 0, 0, 1};
+  const Vec128 colours = Load128(kColours), alphas = Load128(kAlphas), zero = FromBits32(0);
+  const Vec128 pixels = Load128(row), alpha = ShiftRight32<24>(pixels);
+  const Vec128 twice = Or(alpha, ShiftLeft32<16>(alpha));
+  // Two pixels: their bytes times alpha, or times 1.
+  const auto weigh = [&](Vec128 words, Vec128 factors, float* to) QV_INLINE_LAMBDA {
+    const Vec128 products = MulLow16(words, Or(And(factors, colours), alphas));
+    StoreFloats128(to, ToFloats128(InterleaveLow16(products, zero)));
+    StoreFloats128(to + 4, ToFloats128(InterleaveHigh16(products, zero)));
+  };
+  weigh(InterleaveLow8(pixels, zero), InterleaveLow32(twice, twice), line);
+  weigh(InterleaveHigh8(pixels, zero), InterleaveHigh32(twice, twice), line + 8);
+}
+
+void WeightColours(const Byte* row, ptrdiff_t pixels, float* line) {
+  ptrdiff_t j = 0;
+  for (; j + 4 <= pixels; j += 4) WeightFour(row + 4 * j, line + 4 * j);
+  if (j == pixels) return;
+  Byte last[16] = {};
+  memcpy(last, row + 4 * j, static_cast<size_t>(4 * (pixels - j)));
+  WeightFour(last, line + 4 * j);
+}
+
+void FilterAcross(const Byte* row, NamedPixels named, const FloatTaps& x, int width, float* line,
+                  float* out) {
+  WeightColours(row, named.count, line);
+  for (ptrdiff_t j = 0; j < width; ++j) {
+    const float* const from = line + 4 * ptrdiff_t{x.first[j] - named.first};
+    const float* const weights = x.weights + j * x.taps;
+    Floats128 sum = SplatFloat128(0);
+    for (ptrdiff_t t = 0; t < x.taps; ++t)
+      sum = AddFloat(sum, MulFloat(SplatFloat128(weights[t]), LoadFloats128(from + 4 * t)));
+    StoreFloats128(out + 4 * j, sum);
+  }
+}
+
+// Sums as alpha, and as colours where that is above 0; not limited to a byte yet.
+QV_INLINE Vec DivideColours(Floats sums) {
+  static constexpr auto kIsAlpha = MakeByteTable([](int i) { return i % 16 < 12 ? 0 : 255; });
+  const Floats half = SplatFloat(0.5f), alphas = ShuffleFloats<3, 3, 3, 3>(sums);
+  const Vec alpha = TruncatedInts(AddFloat(alphas, half));
+  const Vec colour = TruncatedInts(AddFloat(DivFloat(sums, alphas), half));
+  const Vec isAbove0 = ShiftRightSigned32<31>(Sub32(Zero(), alpha));
+  return Select(Load(kIsAlpha.b), alpha, And(colour, isAbove0));
+}
+
+constexpr ptrdiff_t kDownPixels = 16;
+
+// kDownPixels pixels of a destination row.
+QV_INLINE void FilterPixels(const Ring& ring, const float* weights, int first, int taps,
+                            ptrdiff_t pixel, Byte* dst) {
+  constexpr int kVectors = 4 * kDownPixels / kLanes32;
+  Floats sums[kVectors];
+  for (Floats& sum : sums) sum = SplatFloat(0);
+  int row = first % ring.rows;
+  for (int t = 0; t < taps; ++t) {
+    const float* const from = ring(row) + 4 * pixel;
+    const Floats w = SplatFloat(weights[t]);
+    for (int v = 0; v < kVectors; ++v)
+      sums[v] = AddFloat(sums[v], MulFloat(w, LoadFloats(from + v * kLanes32)));
+    if (++row == ring.rows) row = 0;
+  }
+  int values[4 * kDownPixels];
+  for (int v = 0; v < kVectors; ++v) Store(values + v * kLanes32, DivideColours(sums[v]));
+  for (int k = 0; k < 4 * kDownPixels; k += 16)
+    Store128(dst + k, PackUnsigned16(PackSigned32(Load128(values + k), Load128(values + k + 4)),
+                                     PackSigned32(Load128(values + k + 8), Load128(values + k + 12))));
+}
+
+void FilterDown(const Ring& ring, const FloatTaps& y, int i, ptrdiff_t width, Byte* dst) {
+  const float* const weights = y.weights + ptrdiff_t{i} * y.taps;
+  ptrdiff_t j = 0;
+  for (; j + kDownPixels <= width; j += kDownPixels)
+    FilterPixels(ring, weights, y.first[i], y.taps, j, dst + 4 * j);
+  if (j == width) return;
+  Byte last[4 * kDownPixels];
+  FilterPixels(ring, weights, y.first[i], y.taps, j, last);
+  memcpy(dst + 4 * j, last, static_cast<size_t>(4 * (width - j)));
+}
+
+// The limit of four pixels' colours, and of their alphas.
+QV_INLINE Vec LimitColours(Vec pixels) {
+  Vec alpha = ShiftRight32<24>(pixels);
+  alpha = Or(alpha, ShiftLeft32<8>(alpha));
+  alpha = Or(alpha, ShiftLeft32<16>(alpha));
+  return Sub8(pixels, SubSaturated8(pixels, alpha));
+}
+
+#else
 
 // Sums are assigned one by one: where registers are longer than a float, that rounds them.
 QV_INLINE void AddProduct(float weight, float value, float* sum) {
@@ -17,7 +123,7 @@ QV_INLINE void AddProduct(float weight, float value, float* sum) {
 }
 
 // A source row as C and A, and each destination pixel's sums of them.
-void PlainAcross(const Byte* row, NamedPixels named, const FloatTaps& x, int width, float* line,
+void FilterAcross(const Byte* row, NamedPixels named, const FloatTaps& x, int width, float* line,
                  float* out) {
   for (ptrdiff_t k = 0; k < ptrdiff_t{4} * named.count; ++k)
     line[k] = static_cast<float>(k % 4 == 3 ? row[k] : row[k] * row[k | 3]);
@@ -44,16 +150,7 @@ void PlainPixel(const float* sums, Byte* dst) {
   }
 }
 
-// The rows of sums that are kept, as many as a destination row takes.
-struct Ring {
-  float* base;
-  ptrdiff_t values;  // of a row
-  int rows;
-
-  QV_INLINE float* operator()(int row) const { return base + values * (row % rows); }
-};
-
-void PlainDown(const Ring& ring, const FloatTaps& y, int i, int width, Byte* dst) {
+void FilterDown(const Ring& ring, const FloatTaps& y, int i, int width, Byte* dst) {
   for (ptrdiff_t j = 0; j < width; ++j) {
     float sums[4] = {};
     for (int t = 0; t < y.taps; ++t)
@@ -64,6 +161,8 @@ void PlainDown(const Ring& ring, const FloatTaps& y, int i, int width, Byte* dst
   }
 }
 
+#endif
+
 }  // namespace
 
 IppStatus WeightedRows_8u_C4(const Byte* src, int srcStep, Byte* dst, int dstStep,
@@ -71,23 +170,27 @@ IppStatus WeightedRows_8u_C4(const Byte* src, int srcStep, Byte* dst, int dstSte
   const WeightedTables& t = *tables;
   const NamedPixels named = NamedBy(t.x.first, t.width, t.x.taps);
   auto* const line = static_cast<float*>(scratch);
-  const Ring ring = {line + 4 * ((ptrdiff_t{named.count} + 15) / 16 * 16),
-                     4 * ((ptrdiff_t{t.width} + 15) / 16 * 16), t.y.taps};
+  const Ring ring = {line + 4 * PaddedLine(named.count), 4 * PaddedLine(t.width), t.y.taps};
   int next = 0;  // source rows before this one are in the ring or not needed any more
   for (int i = 0; i < t.height; ++i) {
     if (next < t.y.first[i]) next = t.y.first[i];
     for (; next < t.y.first[i] + t.y.taps; ++next)
-      PlainAcross(RowAt(src, srcStep, next) + 4 * ptrdiff_t{named.first}, named, t.x, t.width, line,
+      FilterAcross(RowAt(src, srcStep, next) + 4 * ptrdiff_t{named.first}, named, t.x, t.width, line,
                   ring(next));
-    PlainDown(ring, t.y, i, t.width, RowAt(dst, dstStep, i));
+    FilterDown(ring, t.y, i, t.width, RowAt(dst, dstStep, i));
   }
   return StatusOk;
 }
 
 IppStatus LimitToAlpha_8u_C4(Byte* srcDst, int srcDstStep, IppiSize size) {
+  const ptrdiff_t bytes = ptrdiff_t{4} * size.width;
   for (ptrdiff_t i = 0; i < size.height; ++i) {
     Byte* const row = RowAt(srcDst, srcDstStep, i);
-    for (ptrdiff_t k = 0; k < ptrdiff_t{4} * size.width; ++k)
+    ptrdiff_t k = 0;
+#if QV_HAS_VECTORS
+    for (; k + kVecBytes <= bytes; k += kVecBytes) Store(row + k, LimitColours(Load(row + k)));
+#endif
+    for (; k < bytes; ++k)
       if (row[k] > row[k | 3]) row[k] = row[k | 3];
   }
   return StatusOk;
@@ -95,7 +198,15 @@ IppStatus LimitToAlpha_8u_C4(Byte* srcDst, int srcDstStep, IppiSize size) {
 
 bool IsOpaque_8u_C4(const Byte* row, ptrdiff_t pixels) {
   Byte all = 255;
-  for (ptrdiff_t j = 0; j < pixels; ++j) all &= row[4 * j + 3];
+  ptrdiff_t k = 3;
+#if QV_HAS_VECTORS
+  Vec both = Splat8(255);
+  for (; k + kVecBytes <= 4 * pixels + 3; k += kVecBytes) both = And(both, Load(row + k - 3));
+  Byte bytes[kVecBytes];
+  Store(bytes, both);
+  for (int b = 3; b < kVecBytes; b += 4) all &= bytes[b];
+#endif
+  for (; k < 4 * pixels; k += 4) all &= row[k];
   return all == 255;
 }
 
