@@ -8,61 +8,17 @@ namespace {
 
 constexpr double kPi = 3.14159265358979323846;
 
-// sin(pi x): the power series on -0.5 .. 0.5, where what is left out is below 1e-15.
+// sin(pi x): the power series on -0.5 .. 0.5, where what is left out is below 1e-13.
 double SinPi(double x) {
-  auto whole = static_cast<long long>(x + (x < 0 ? -0.5 : 0.5));
+  static constexpr double kOver[] = {-1.0 / 6,         1.0 / 120,          -1.0 / 5040,
+                                     1.0 / 362880,     -1.0 / 39916800,    1.0 / 6227020800,
+                                     -1.0 / 1307674368000, 1.0 / 355687428096000};
+  const auto whole = static_cast<long long>(x + (x < 0 ? -0.5 : 0.5));
   const double a = (x - static_cast<double>(whole)) * kPi, square = a * a;
   double sum = 0;
-  for (int n = 17; n >= 3; n -= 2) sum = (1 + sum) * (-square / (n * (n - 1)));
-  const double sine = a * (1 + sum);
+  for (int n = 7; n >= 0; --n) sum = (sum + kOver[n]) * square;
+  const double sine = a + a * sum;
   return whole % 2 == 0 ? sine : -sine;
-}
-
-// A point on the unit circle that turns.
-struct Turn {
-  double sine, cosine;
-
-  // By pi * x.
-  explicit Turn(double x) : sine(SinPi(x)), cosine(SinPi(x + 0.5)) {}
-  void By(const Turn& other) {
-    const double s = sine * other.cosine + cosine * other.sine;
-    cosine = cosine * other.cosine - sine * other.sine;
-    sine = s;
-  }
-};
-
-// sinc(x) sinc(x / 3). Every sample turns two sines by the same angles.
-void LanczosWeights(double x, double step, int count, double* w) {
-  Turn whole(x), third(x / 3);
-  const Turn wholeStep(step), thirdStep(step / 3);
-  for (int t = 0; t < count; ++t) {
-    const double at = x + t * step, square = at * at;
-    // Close to 0 the first term of the series, the next one being below 1e-11.
-    w[t] = square >= 9     ? 0
-           : square < 1e-6 ? 1 - square * (kPi * kPi * 10 / 54)
-                           : whole.sine * third.sine * 3 / (kPi * kPi * square);
-    whole.By(wholeStep);
-    third.By(thirdStep);
-  }
-}
-
-// Mitchell and Netravali's family; Keys' cubics are those with b = 0 and c = -a.
-void CubicWeights(double b, double c, double x, double step, int count, double* w) {
-  for (int t = 0; t < count; ++t) {
-    const double at = x + t * step, d = at < 0 ? -at : at;
-    const double inner =
-        ((12 - 9 * b - 6 * c) * d + (-18 + 12 * b + 6 * c)) * d * d + (6 - 2 * b);
-    const double outer =
-        (((-b - 6 * c) * d + (6 * b + 30 * c)) * d + (-12 * b - 48 * c)) * d + (8 * b + 24 * c);
-    w[t] = (d < 1 ? inner : d < 2 ? outer : 0) / 6;
-  }
-}
-
-void LinearWeights(double x, double step, int count, double* w) {
-  for (int t = 0; t < count; ++t) {
-    const double at = x + t * step, rest = 1 - (at < 0 ? -at : at);
-    w[t] = rest > 0 ? rest : 0;
-  }
 }
 
 }  // namespace
@@ -71,12 +27,57 @@ double RadiusOf(const FilterShape& shape) {
   return shape.code == InterpolateLinear ? 1 : shape.code == InterpolateLanczos ? 3 : 2;
 }
 
-void ShapeWeights(const FilterShape& shape, double x, double step, int count, double* w) {
-  switch (shape.code) {
-    case InterpolateLinear: return LinearWeights(x, step, count, w);
-    case InterpolateLanczos: return LanczosWeights(x, step, count, w);
-    case kMitchell: return CubicWeights(1.0 / 3, 1.0 / 3, x, step, count, w);
-    default: return CubicWeights(0, -shape.cubic, x, step, count, w);
+// Mitchell and Netravali's family; Keys' cubics are those with B = 0 and C = -a.
+FilterCurve::FilterCurve(const FilterShape& shape, double step)
+    : code_(shape.code), step_(step), sine_(SinPi(step / 3)), cosine_(SinPi(step / 3 + 0.5)) {
+  const double b = shape.code == kMitchell ? 1.0 / 3 : 0;
+  const double c = shape.code == kMitchell ? 1.0 / 3 : -shape.cubic;
+  inner_[0] = 1 - b / 3;
+  inner_[1] = -3 + 2 * b + c;
+  inner_[2] = 2 - 1.5 * b - c;
+  outer_[0] = 4 * b / 3 + 4 * c;
+  outer_[1] = -2 * b - 8 * c;
+  outer_[2] = b + 5 * c;
+  outer_[3] = -b / 6 - c;
+}
+
+void FilterCurve::Weights(double x, int count, double* w) const {
+  switch (code_) {
+    case InterpolateLinear: return Linear(x, count, w);
+    case InterpolateLanczos: return Lanczos(x, count, w);
+    default: return Cubic(x, count, w);
+  }
+}
+
+void FilterCurve::Linear(double x, int count, double* w) const {
+  for (int t = 0; t < count; ++t) {
+    const double at = x + t * step_, rest = 1 - (at < 0 ? -at : at);
+    w[t] = rest > 0 ? rest : 0;
+  }
+}
+
+void FilterCurve::Cubic(double x, int count, double* w) const {
+  for (int t = 0; t < count; ++t) {
+    const double at = x + t * step_, d = at < 0 ? -at : at;
+    const double inner = (inner_[2] * d + inner_[1]) * d * d + inner_[0];
+    const double outer = ((outer_[3] * d + outer_[2]) * d + outer_[1]) * d + outer_[0];
+    w[t] = d < 1 ? inner : d < 2 ? outer : 0;
+  }
+}
+
+// sinc(x) sinc(x / 3): a point on the unit circle turns by a third of pi * step from one weight to
+// the next, and sin(3 t) = sin(t) (3 - 4 sin(t)^2).
+void FilterCurve::Lanczos(double x, int count, double* w) const {
+  double sine = SinPi(x / 3), cosine = SinPi(x / 3 + 0.5);
+  for (int t = 0; t < count; ++t) {
+    const double at = x + t * step_, square = at * at, s = sine * sine;
+    // Close to 0 the first term of the series, the next one being below 1e-11.
+    w[t] = square >= 9     ? 0
+           : square < 1e-6 ? 1 - square * (kPi * kPi * 10 / 54)
+                           : s * (3 - 4 * s) * 3 / (kPi * kPi * square);
+    const double turned = sine * cosine_ + cosine * sine_;
+    cosine = cosine * cosine_ - sine * sine_;
+    sine = turned;
   }
 }
 

@@ -76,14 +76,28 @@ QV_INLINE void StoreColumns(const Vec (&sums)[4], const Rounding& round, short* 
   }
 }
 
+// Source rows that the next destination row takes first; they are fetched meanwhile.
+struct FreshRows {
+  const Byte* first;
+  int count;
+};
+
+FreshRows FreshAfter(const Byte* src, int srcStep, const LongTaps& y, int i) {
+  const int known = y.first[i] + y.taps, next = y.first[i + 1];
+  const int first = known > next ? known : next;
+  return {RowAt(src, srcStep, first), next + y.taps - first};
+}
+
 template <bool kCut>
-void SumColumns(const Byte* src, int srcStep, const LongTaps& y, int i, const Rounding& round,
-                ptrdiff_t bytes, short* values) {
+void SumColumns(const Byte* src, int srcStep, const LongTaps& y, int i, FreshRows fresh,
+                const Rounding& round, ptrdiff_t bytes, short* values) {
   const Byte* const rows = RowAt(src, srcStep, y.first[i]);
   const short* const weights = y.weights + ptrdiff_t{i} * y.stride;
   const auto block = [&](ptrdiff_t b) QV_INLINE_LAMBDA {
     Vec sums[4] = {Zero(), Zero(), Zero(), Zero()};
-    const Byte* p = rows + b;
+    const Byte* p = fresh.first + b;
+    for (int r = 0; r < fresh.count; ++r, p += srcStep) __builtin_prefetch(p);
+    p = rows + b;
     for (int t = 0; t < y.taps; t += 2, p += 2 * ptrdiff_t{srcStep}) {
       // A last tap alone has a weight of 0 beside it.
       const Vec upper = Load(p), lower = Load(t + 1 < y.taps ? p + srcStep : p);
@@ -101,14 +115,14 @@ void SumColumns(const Byte* src, int srcStep, const LongTaps& y, int i, const Ro
   CoverWithBlocks<kVecBytes>(bytes, block);
 }
 
-void ColumnSums(const Byte* src, int srcStep, const LongTaps& y, int i, ptrdiff_t bytes,
-                   short* values) {
+void ColumnSums(const Byte* src, int srcStep, const LongTaps& y, int i, FreshRows fresh,
+                ptrdiff_t bytes, short* values) {
   const Rounding round(y.bits, kColumnBits, -kFraction);
   if (bytes < kVecBytes) return PlainColumns(src, srcStep, y, i, 0, bytes, values);
   if (round.pair > 0)
-    SumColumns<true>(src, srcStep, y, i, round, bytes, values);
+    SumColumns<true>(src, srcStep, y, i, fresh, round, bytes, values);
   else
-    SumColumns<false>(src, srcStep, y, i, round, bytes, values);
+    SumColumns<false>(src, srcStep, y, i, fresh, round, bytes, values);
 }
 
 // Values of pixels of kChannels, channel by channel, `apart` values from one to the next: eight
@@ -142,48 +156,50 @@ void SplitChannels(const short* values, int channels, ptrdiff_t pixels, short* s
   else SplitChannels<4>(values, pixels, split, apart);
 }
 
-QV_INLINE Vec128 SumOfLanes(Vec v) {
-  Vec128 sum = LowLane(v);
-  if constexpr (kLanes128 >= 2) sum = Add32(sum, Lane<1>(v));
-  if constexpr (kLanes128 == 4) sum = Add32(sum, Add32(Lane<2>(v), Lane<3>(v)));
+// Partial sums of one destination sample. What is read past the taps has a weight of 0.
+template <bool kCut>
+QV_INLINE Vec SumTaps(const short* values, const short* weights, int taps, const Rounding& round) {
+  Vec sum = AddPairs<kCut>(Zero(), Load(values), Load(weights), round);
+  for (int t = kVecBytes / 2; t < taps; t += kVecBytes / 2)
+    sum = AddPairs<kCut>(sum, Load(values + t), Load(weights + t), round);
   return sum;
 }
 
-// Partial sums of one destination sample. What is read past the taps has a weight of 0.
+// Samples a, b, c and d of a row as bytes.
 template <bool kCut>
-QV_INLINE Vec128 SumTaps(const short* values, const short* weights, int taps,
-                         const Rounding& round) {
-  Vec sum = Zero();
-  for (int t = 0; t < taps; t += kVecBytes / 2)
-    sum = AddPairs<kCut>(sum, Load(values + t), Load(weights + t), round);
-  return SumOfLanes(sum);
+QV_INLINE void SumFour(const short* values, const LongTaps& x, ptrdiff_t a, ptrdiff_t b,
+                       ptrdiff_t c, ptrdiff_t d, const Rounding& round, Byte* dst) {
+  const auto sum = [&](ptrdiff_t i) QV_INLINE_LAMBDA {
+    return SumTaps<kCut>(values + x.first[i], x.weights + i * x.stride, x.taps, round);
+  };
+  const Vec sums = AddNeighbours32(AddNeighbours32(sum(a), sum(b)), AddNeighbours32(sum(c), sum(d)));
+  Vec128 total = LowLane(sums);
+  if constexpr (kLanes128 >= 2) total = Add32(total, Lane<1>(sums));
+  if constexpr (kLanes128 == 4) total = Add32(total, Add32(Lane<2>(sums), Lane<3>(sums)));
+  const Vec128 half = LowLane(Splat32(1 << (round.sum - 1)));
+  const Vec128 words = ShiftRightSigned32(Add32(total, half), round.sum);
+  Store32(dst, PackUnsigned16(PackSigned32(words, words), words));
 }
 
-// Four samples at a time; the last ones may be some of them again.
+// `values` counts from source sample 0. The taps are passed by value: bytes that are stored might
+// be part of them otherwise.
 template <bool kCut>
-void SumRow(const short* values, const LongTaps& x, int from, ptrdiff_t count,
-            const Rounding& round, Byte* dst) {
-  const Vec128 half = FromBits32(1u << (round.sum - 1));
-  const Vec128 halves = InterleaveLow64(InterleaveLow32(half, half), InterleaveLow32(half, half));
-  for (ptrdiff_t j = 0; j < count; j += 4) {
-    Vec128 s[4];
-    for (int k = 0; k < 4; ++k) {
-      const ptrdiff_t i = j + k < count ? j + k : count - 1;
-      s[k] = SumTaps<kCut>(values + (x.first[i] - from), x.weights + i * x.stride, x.taps, round);
-    }
-    const Vec128 sums = AddNeighbours32(AddNeighbours32(s[0], s[1]), AddNeighbours32(s[2], s[3]));
-    const Vec128 words = ShiftRightSigned32(Add32(sums, halves), round.sum);
-    Store32(dst + j, PackUnsigned16(PackSigned32(words, words), words));
-  }
+void SumRow(const short* values, LongTaps x, ptrdiff_t count, Rounding round, Byte* dst) {
+  ptrdiff_t j = 0;
+  for (; j + 4 <= count; j += 4)
+    SumFour<kCut>(values, x, j, j + 1, j + 2, j + 3, round, dst + j);
+  const ptrdiff_t last = count - 1;
+  if (j < count)
+    SumFour<kCut>(values, x, j, j + 1 < last ? j + 1 : last, last, last, round, dst + j);
 }
 
 // Destination samples of one channel, whole fours of them.
-void RowSums(const short* values, const LongTaps& x, int from, ptrdiff_t count, Byte* dst) {
+void RowSums(const short* values, const LongTaps& x, ptrdiff_t count, Byte* dst) {
   const Rounding round(x.bits, kRowBits, kFraction);
   if (round.pair > 0)
-    SumRow<true>(values, x, from, count, round, dst);
+    SumRow<true>(values, x, count, round, dst);
   else
-    SumRow<false>(values, x, from, count, round, dst);
+    SumRow<false>(values, x, count, round, dst);
 }
 
 // The lines of the channels side by side.
@@ -226,10 +242,11 @@ IppStatus LongRows_8u(const Byte* src, int srcStep, Byte* dst, int dstStep,
   short* const split = t.channels > 1 ? values + PaddedLine(bytes) : values;
   Byte* const lines = reinterpret_cast<Byte*>(values + PaddedLine(bytes) + t.channels * apart);
   for (int i = 0; i < t.height; ++i) {
-    ColumnSums(from, srcStep, t.y, i, bytes, values);
+    const FreshRows fresh = i + 1 < t.height ? FreshAfter(from, srcStep, t.y, i) : FreshRows{};
+    ColumnSums(from, srcStep, t.y, i, fresh, bytes, values);
     if (t.channels > 1) SplitChannels(values, t.channels, named.count, split, apart);
     for (int c = 0; c < t.channels; ++c)
-      RowSums(split + c * apart, t.x, named.first, t.width, lines + c * dstApart);
+      RowSums(split + c * apart - named.first, t.x, t.width, lines + c * dstApart);
     JoinChannels(lines, dstApart, t.channels, t.width, RowAt(dst, dstStep, i));
   }
 #else

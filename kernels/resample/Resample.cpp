@@ -104,6 +104,21 @@ bool IsHalvingAxis(const AxisTaps& taps) {
   return true;
 }
 
+// The bytes of pixels as samples of their own.
+const int* SpreadSamples(const int* sample, int count, int spread, int* bytes) {
+  for (ptrdiff_t j = 0; j < count; ++j)
+    for (int c = 0; c < spread; ++c) bytes[j * spread + c] = sample[j] * spread + c;
+  return bytes;
+}
+
+// The weights of second taps, if there are any, each `spread` times.
+void CopySecondTaps(const AxisTaps& taps, int spread, unsigned short* to) {
+  for (ptrdiff_t j = 0; j < taps.count; ++j)
+    for (int c = 0; c < spread; ++c)
+      to[j * spread + c] =
+          static_cast<unsigned short>(taps.taps > 1 ? taps.weights[2 * j + 1] : 0);
+}
+
 // The source samples that taps of either kind name for some destination samples.
 struct Reach {
   int first, end;
@@ -172,10 +187,7 @@ IppStatus Resampling::PlanCopy(const int* x, const int* y) {
   if (spread > 1) {
     derived_.emplace(CountLayout(static_cast<uint64_t>(to.width) * spread, sizeof(int)));
     if (!*derived_) return StatusMemAllocErr;
-    int* const bytes = derived_->At<int>(0);
-    for (ptrdiff_t k = 0; k < ptrdiff_t{to.width} * spread; ++k)
-      bytes[k] = x[k / spread] * spread + static_cast<int>(k % spread);
-    x = bytes;
+    x = SpreadSamples(x, to.width, spread, derived_->At<int>(0));
   }
   nearest_ = {to.width * spread, to.height, images_.srcSize.width * spread, channels_ / spread,
               x,                 y,         nullptr};
@@ -228,24 +240,17 @@ IppStatus Resampling::PlanLinear() {
   const int spread = channels_ == 2 ? 2 : 1;
   const uint64_t columns = static_cast<uint64_t>(across_.count) * spread;
   WorkLayout layout;
-  const uint64_t first = layout.Add<int>(columns);
+  const uint64_t first = layout.Add<int>(spread > 1 ? columns : 0);
   const uint64_t acrossWeight = layout.Add<unsigned short>(columns);
   const uint64_t downWeight = layout.Add<unsigned short>(down_.count);
   derived_.emplace(layout);
   if (!*derived_) return StatusMemAllocErr;
-  // The weight of the second tap, if there is one.
-  const auto second = [](const AxisTaps& taps, ptrdiff_t i) {
-    return static_cast<unsigned short>(taps.taps > 1 ? taps.weights[2 * i + 1] : 0);
-  };
-  int* const firsts = derived_->At<int>(first);
+  const int* firsts = across_.first;
   auto* const x = derived_->At<unsigned short>(acrossWeight);
   auto* const y = derived_->At<unsigned short>(downWeight);
-  for (uint64_t k = 0; k < columns; ++k) {
-    const auto j = static_cast<ptrdiff_t>(k / spread);
-    firsts[k] = across_.first[j] * spread + static_cast<int>(k % spread);
-    x[k] = second(across_, j);
-  }
-  for (ptrdiff_t i = 0; i < down_.count; ++i) y[i] = second(down_, i);
+  CopySecondTaps(across_, spread, x);
+  CopySecondTaps(down_, 1, y);
+  if (spread > 1) firsts = SpreadSamples(firsts, across_.count, spread, derived_->At<int>(first));
   const int channels = channels_ / spread;
   linear_ = {static_cast<int>(columns),
              down_.count,

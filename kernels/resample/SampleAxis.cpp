@@ -1,6 +1,5 @@
 #include "kernels/resample/SampleAxis.h"
 
-#include <math.h>
 #include <string.h>
 
 #include "kernels/resample/FilterShapes.h"
@@ -9,6 +8,13 @@
 namespace qv {
 
 namespace {
+
+// Rounded down; without a function of the library, which the baseline would call.
+double Floor(double x) {
+  if (!(x > -0x1p52 && x < 0x1p52)) return x;
+  const auto whole = static_cast<double>(static_cast<long long>(x));
+  return whole > x ? whole - 1 : whole;
+}
 
 double StretchOf(const SampleAxis& axis, const FilterShape& shape) {
   const double step = StepOf(axis);
@@ -24,16 +30,9 @@ double ReachOf(const SampleAxis& axis, const FilterShape& shape) {
   return half > kLeast ? half : kLeast;
 }
 
-// The source sample that the taps of a position begin with, wherever it is.
-double FirstTap(const SampleAxis& axis, const FilterShape& shape, double position) {
-  const double reach = ReachOf(axis, shape);
-  return shape.code == InterpolateArea ? floor(position + 0.5 - reach)
-                                       : floor(position - reach) + 1;
-}
-
 // Samples that a position reaches, inside or not.
-double MostReached(const SampleAxis& axis, const FilterShape& shape) {
-  return ceil(2 * ReachOf(axis, shape)) + (shape.code == InterpolateArea ? 1 : 0);
+double ReachedBy(const FilterShape& shape, double reach) {
+  return -Floor(-2 * reach) + (shape.code == InterpolateArea ? 1 : 0);
 }
 
 int CommonDivisor(int a, int b) {
@@ -45,15 +44,30 @@ int CommonDivisor(int a, int b) {
   return a;
 }
 
+// Samples after which positions come again, so many source samples further: where the extent is a
+// whole number of these.
+struct Period {
+  int samples, advance;
+};
+
+Period PeriodOf(const SampleAxis& axis) {
+  const double extent = axis.extent - (axis.aligned ? 1 : 0);
+  const int steps = axis.count - (axis.aligned ? 1 : 0);
+  if (!(steps > 0 && extent > 0 && extent < INT32_MAX && extent == Floor(extent)))
+    return {axis.count, 0};
+  const int common = CommonDivisor(steps, static_cast<int>(extent));
+  return {steps / common, static_cast<int>(extent) / common};
+}
+
 WorkLayout SamplesLayout(int count) {
   WorkLayout layout;
-  layout.Add<int>(2 * static_cast<uint64_t>(count));
+  layout.Add<double>(count);
+  layout.Add<int>(3 * static_cast<uint64_t>(count));
   return layout;
 }
 
-// The share of source sample s that is covered by the interval `reach` around the position.
-double Covered(double position, double reach, double s) {
-  const double from = position + 0.5 - reach, to = position + 0.5 + reach;
+// The share of source sample s that is covered by the interval from `from` to `to`.
+double Covered(double from, double to, double s) {
   const double low = from > s ? from : s, high = to < s + 1 ? to : s + 1;
   return high > low ? high - low : 0;
 }
@@ -75,46 +89,57 @@ double PositionOf(const SampleAxis& axis, int i) {
 }
 
 void NearestSamples(const SampleAxis& axis, int* sample) {
+  const Period period = PeriodOf(axis);
+  const int last = axis.length - 1;
   for (int i = 0; i < axis.count; ++i) {
-    const double at = floor(PositionOf(axis, i) + 0.5);
-    sample[i] = at > 0 ? (at < axis.length ? static_cast<int>(at) : axis.length - 1) : 0;
+    // Samples at the ends may have been limited.
+    const int before = i >= period.samples ? sample[i - period.samples] : 0;
+    if (before > 0 && before < last - period.advance) {
+      sample[i] = before + period.advance;
+      continue;
+    }
+    const double at = Floor(PositionOf(axis, i) + 0.5);
+    sample[i] = at > 0 ? (at < last ? static_cast<int>(at) : last) : 0;
   }
 }
 
 double MostTaps(const SampleAxis& axis, const FilterShape& shape) {
-  const double most = MostReached(axis, shape);
+  const double most = ReachedBy(shape, ReachOf(axis, shape));
   return most < axis.length ? most : axis.length;
 }
 
 ExactAxis::ExactAxis(const SampleAxis& axis, const FilterShape& shape)
     : axis_(axis),
-      shape_(shape),
+      isArea_(shape.code == InterpolateArea),
+      scale_(1 / StretchOf(axis, shape)),
+      reach_(ReachOf(axis, shape)),
+      reached_(ReachedBy(shape, reach_)),
       taps_(static_cast<int>(MostTaps(axis, shape))),
+      period_(PeriodOf(axis).samples),
+      advance_(PeriodOf(axis).advance),
       samples_(SamplesLayout(axis.count)),
-      first_(samples_.At<int>(0)),
+      position_(samples_.At<double>(0)),
+      first_(reinterpret_cast<int*>(position_ + (axis.count + 7) / 8 * 8)),
       row_(first_ + axis.count),
+      end_(row_ + axis.count),
       rows_(RowsLayout()) {
   if (!*this) return;
+  const FilterCurve curve(shape, scale_);
   for (int i = 0, rows = 0; i < axis.count; ++i)
-    if ((row_[i] < 0 ? ~row_[i] : row_[i]) == rows) {
-      FillRow(i);
+    if (RowOf(i) == rows) {
+      FillRow(i, curve);
       ++rows;
     }
 }
 
-// Where the extent is a whole number of source samples, positions come again after a period.
+// The source sample that the taps of a position begin with, wherever it is.
+double ExactAxis::FirstTap(double position) const {
+  return isArea_ ? Floor(position + 0.5 - reach_) : Floor(position - reach_) + 1;
+}
+
 int ExactAxis::CountRows() {
-  const double extent = axis_.extent - (axis_.aligned ? 1 : 0);
-  const int steps = axis_.count - (axis_.aligned ? 1 : 0);
-  period_ = axis_.count;
-  advance_ = 0;
-  if (steps > 0 && extent > 0 && extent < INT32_MAX && extent == floor(extent)) {
-    const int common = CommonDivisor(steps, static_cast<int>(extent));
-    period_ = steps / common;
-    advance_ = static_cast<int>(extent) / common;
-  }
   const int last = axis_.length - taps_;
-  const bool fits = MostReached(axis_, shape_) <= axis_.length;
+  const bool fits = reached_ <= axis_.length;
   int rows = 0;
   for (int i = 0; i < axis_.count; ++i) {
     if (i >= period_ && row_[i - period_] >= 0 && first_[i - period_] <= last - advance_) {
@@ -122,7 +147,8 @@ int ExactAxis::CountRows() {
       row_[i] = row_[i - period_];
       continue;
     }
-    const double first = FirstTap(axis_, shape_, PositionOf(axis_, i));
+    position_[i] = PositionOf(axis_, i);
+    const double first = FirstTap(position_[i]);
     const bool inside = fits && first >= 0 && first <= last;
     first_[i] = first > 0 ? (first < last ? static_cast<int>(first) : last) : 0;
     row_[i] = inside ? rows : ~rows;
@@ -137,34 +163,46 @@ WorkLayout ExactAxis::RowsLayout() {
   return layout;
 }
 
-void ExactAxis::FillRow(int i) const {
-  constexpr int kChunk = 64;
-  double chunk[kChunk];
+// Weights of `count` samples from `at` on, not normalised.
+void ExactAxis::ShareOut(double position, double at, int count, const FilterCurve& curve,
+                         double* w) const {
+  if (!isArea_) return curve.Weights((at - position) * scale_, count, w);
+  const double from = position + 0.5 - reach_, to = position + 0.5 + reach_;
+  for (int t = 0; t < count; ++t) w[t] = Covered(from, to, at + t);
+}
+
+void ExactAxis::FillRow(int i, const FilterCurve& curve) const {
   double* const row = Row(i);
-  for (int t = 0; t < taps_; ++t) row[t] = 0;
-  const double position = PositionOf(axis_, i), reach = ReachOf(axis_, shape_);
-  const double first = FirstTap(axis_, shape_, position), count = MostReached(axis_, shape_);
-  const double stretch = StretchOf(axis_, shape_);
+  if (row_[i] >= 0)
+    ShareOut(position_[i], first_[i], taps_, curve, row);
+  else
+    FoldRow(position_[i], first_[i], curve, row);
   double sum = 0;
-  for (double t = 0; t < count; t += kChunk) {
-    const int n = count - t < kChunk ? static_cast<int>(count - t) : kChunk;
-    if (shape_.code == InterpolateArea)
-      for (int k = 0; k < n; ++k) chunk[k] = Covered(position, reach, first + t + k);
-    else
-      ShapeWeights(shape_, (first + t - position) / stretch, 1 / stretch, n, chunk);
+  for (int t = 0; t < taps_; ++t) sum += row[t];
+  const double scale = 1 / sum;
+  for (int t = 0; t < taps_; ++t) row[t] *= scale;
+}
+
+// What is outside goes to the samples at the ends, piece by piece.
+void ExactAxis::FoldRow(double position, int from, const FilterCurve& curve, double* row) const {
+  constexpr int kPiece = 64;
+  double piece[kPiece];
+  for (int t = 0; t < taps_; ++t) row[t] = 0;
+  const double first = FirstTap(position);
+  for (double t = 0; t < reached_; t += kPiece) {
+    const int n = reached_ - t < kPiece ? static_cast<int>(reached_ - t) : kPiece;
+    ShareOut(position, first + t, n, curve, piece);
     for (int k = 0; k < n; ++k) {
-      const double at = first + t + k - first_[i];
-      row[at > 0 ? (at < taps_ ? static_cast<int>(at) : taps_ - 1) : 0] += chunk[k];
-      sum += chunk[k];
+      const double at = first + t + k - from;
+      row[at > 0 ? (at < taps_ ? static_cast<int>(at) : taps_ - 1) : 0] += piece[k];
     }
   }
-  for (int t = 0; t < taps_; ++t) row[t] /= sum;
 }
 
 double ExactAxis::Largest() const {
   double largest = 0;
   for (int i = 0, rows = 0; i < axis_.count; ++i) {
-    if ((row_[i] < 0 ? ~row_[i] : row_[i]) != rows) continue;
+    if (RowOf(i) != rows) continue;
     const double* const row = Row(i);
     for (int t = 0; t < taps_; ++t) largest = row[t] > largest ? row[t] : largest;
     ++rows;
@@ -174,19 +212,27 @@ double ExactAxis::Largest() const {
 
 int ExactAxis::Trim(double least, int* first) const {
   const auto counts = [=](double w) { return w >= least || w <= -least; };
-  int taps = 1, lowest = axis_.length - 1;
-  for (int i = axis_.count - 1; i >= 0; --i) {
+  for (int i = 0; i < axis_.count; ++i) {
+    const int before = i - period_;
+    if (before >= 0 && row_[i] == row_[before]) {
+      first[i] = first[before] + advance_;
+      end_[i] = end_[before] + advance_;
+      continue;
+    }
     const double* const row = Row(i);
     int low = 0, high = taps_ - 1;
     while (low < high && !counts(row[low])) ++low;
     while (high > low && !counts(row[high])) --high;
-    if (first_[i] + low < lowest) lowest = first_[i] + low;
-    first[i] = lowest;
-    const int reached = first_[i] + high - lowest + 1;
-    taps = reached > taps ? reached : taps;
+    first[i] = first_[i] + low;
+    end_[i] = first_[i] + high + 1;
   }
-  for (int i = 0; i < axis_.count; ++i)
-    if (first[i] > axis_.length - taps) first[i] = axis_.length - taps;
+  int taps = 1, lowest = axis_.length - 1;
+  for (int i = axis_.count - 1; i >= 0; --i) {
+    lowest = first[i] = first[i] < lowest ? first[i] : lowest;
+    taps = end_[i] - lowest > taps ? end_[i] - lowest : taps;
+  }
+  for (int i = axis_.count - 1; i >= 0 && first[i] > axis_.length - taps; --i)
+    first[i] = axis_.length - taps;
   return taps;
 }
 
@@ -208,25 +254,37 @@ void ExactAxis::ForEachTap(int i, int first, int taps, Each each) const {
 }
 
 // Sums are rounded rather than weights, so that these sum to exactly one.
-void ExactAxis::Store(const int* first, int taps, int bits, int stride, short* weights) const {
+void ExactAxis::StoreRow(int i, int first, int taps, int bits, short* to) const {
   const double one = static_cast<double>(1ll << bits);
-  for (int i = 0; i < axis_.count; ++i) {
+  double sum = 0;
+  long long before = 0;
+  ForEachTap(i, first, taps, [&](int t, double weight) {
+    sum += weight;
+    // Never below -1, so that what is converted is above 0.
+    const long long after = t == taps - 1
+                                ? 1ll << bits
+                                : static_cast<long long>((sum + 1) * one + 0.5) - (1ll << bits);
+    to[t] = static_cast<short>(after - before);
+    before = after;
+  });
+}
+
+void ExactAxis::Store(const int* first, int taps, int bits, int stride, short* weights) const {
+  const size_t sampleBytes = sizeof(short) * static_cast<size_t>(stride);
+  for (int i = 0, end = 0; i < axis_.count; i = end) {
     short* const to = weights + static_cast<ptrdiff_t>(i) * stride;
-    if (Repeats(i, first)) {
-      memcpy(to, to - static_cast<ptrdiff_t>(period_) * stride, sizeof(short) * stride);
-      continue;
+    for (end = i; end < axis_.count && Repeats(end, first);) ++end;
+    // Samples of periods before, twice as many each time.
+    const short* const from = to - static_cast<ptrdiff_t>(period_) * stride;
+    for (int done = 0; done < end - i;) {
+      const int left = end - i - done, n = period_ + done < left ? period_ + done : left;
+      memcpy(to + static_cast<ptrdiff_t>(done) * stride, from, sampleBytes * n);
+      done += n;
     }
-    double sum = 0;
-    long long before = 0;
-    ForEachTap(i, first[i], taps, [&](int t, double weight) {
-      sum += weight;
-      // Never below -1, so that what is converted is above 0.
-      const long long after =
-          t == taps - 1 ? 1ll << bits : static_cast<long long>((sum + 1) * one + 0.5) - (1ll << bits);
-      to[t] = static_cast<short>(after - before);
-      before = after;
-    });
+    if (end > i) continue;
+    StoreRow(i, first[i], taps, bits, to);
     for (int t = taps; t < stride; ++t) to[t] = 0;
+    end = i + 1;
   }
 }
 

@@ -48,6 +48,8 @@ struct FilterShape {
 // Source samples that a destination sample takes at the most.
 double MostTaps(const SampleAxis& axis, const FilterShape& shape);
 
+class FilterCurve;
+
 // The exact weights of an axis: destination sample i is a sum over source samples. What would come
 // from before the first source sample or from behind the last one comes from these.
 class ExactAxis {
@@ -73,22 +75,28 @@ class ExactAxis {
  private:
   int CountRows();
   WorkLayout RowsLayout();
-  double* Row(int i) const {
-    return rows_.At<double>(0) + static_cast<ptrdiff_t>(row_[i] < 0 ? ~row_[i] : row_[i]) * taps_;
-  }
-  void FillRow(int i) const;
+  int RowOf(int i) const { return row_[i] < 0 ? ~row_[i] : row_[i]; }
+  double* Row(int i) const { return rows_.At<double>(0) + static_cast<ptrdiff_t>(RowOf(i)) * taps_; }
+  double FirstTap(double position) const;
+  void FillRow(int i, const FilterCurve& curve) const;
+  void FoldRow(double position, int from, const FilterCurve& curve, double* row) const;
+  void ShareOut(double position, double at, int count, const FilterCurve& curve, double* w) const;
   // Whether the taps of sample i are those of the sample a period before.
   bool Repeats(int i, const int* first) const;
+  void StoreRow(int i, int first, int taps, int bits, short* to) const;
   template <class Each>
   void ForEachTap(int i, int first, int taps, Each each) const;
 
   SampleAxis axis_;
-  FilterShape shape_;
-  int taps_;               // of a row of weights
-  int period_, advance_;   // weights come again after so many samples, so many source samples on
+  bool isArea_;
+  double scale_, reach_, reached_;    // of the filter; samples that a position reaches
+  int taps_;                          // of a row of weights, inside the source
+  int period_, advance_;  // weights come again after so many samples, so many source samples on
   WorkMemory samples_;
+  double* position_;       // of samples with a row of their own
   int* first_;             // where the row of each sample begins
   int* row_;               // its number; ~number of a row that reaches outside
+  int* end_;               // where the weights of each sample that Trim keeps end
   WorkMemory rows_;
 };
 
