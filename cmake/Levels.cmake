@@ -1,33 +1,51 @@
 # The levels: every row source is compiled once for each of them, pinned at both ends, so that a
-# level neither misses what it may use nor uses what its processors lack.
-set(QV_LEVELS generic sse2 ssse3 avx2 avx512)
+# level neither misses what it may use nor uses what its processors lack. Built are those of the roll
+# (dispatch/Levels.h) that have flags here, or those that -DQV_LEVELS= names.
+string(REGEX MATCH "^(i.86|x86|x86_64|AMD64|amd64)$" QV_X86 "${CMAKE_SYSTEM_PROCESSOR}")
+set(QV_VECTOR_OPTIMIZATION -O3 CACHE STRING "Of the vector levels; less for quick or exact builds")
+mark_as_advanced(QV_VECTOR_OPTIMIZATION)
+set(vector_flags ${QV_VECTOR_OPTIMIZATION})
 
-if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+if(NOT QV_X86)
+  set(QV_BASELINE_FLAGS)
+elseif(CMAKE_SIZEOF_VOID_P EQUAL 4)
   # The oldest processor has no SSE: its doubles are x87 registers, which keep more than a double
   # holds. Whatever is built for it rounds what it assigns by storing it (see FloatEnvironment.h for
   # what it does not assign).
   set(QV_BASELINE_FLAGS -march=i686 -mno-mmx -mno-sse -mfpmath=387 -ffloat-store)
-  set(QV_LEVEL_FLAGS_generic ${QV_BASELINE_FLAGS} -O2)
-  set(vector_flags -mfpmath=sse)
+  list(PREPEND vector_flags -mfpmath=sse)
 else()
   set(QV_BASELINE_FLAGS -mno-sse3)
-  set(QV_LEVEL_FLAGS_generic ${QV_BASELINE_FLAGS} -O2)
-  set(vector_flags)
 endif()
-set(QV_VECTOR_OPTIMIZATION -O3 CACHE STRING "Of the vector levels; less for quick or exact builds")
-mark_as_advanced(QV_VECTOR_OPTIMIZATION)
-list(APPEND vector_flags ${QV_VECTOR_OPTIMIZATION})
-set(QV_LEVEL_FLAGS_sse2 -msse2 -mno-sse3 ${vector_flags})
-set(QV_LEVEL_FLAGS_ssse3 -mssse3 -mno-sse4.1 -mno-sse4a ${vector_flags})
-set(QV_LEVEL_FLAGS_avx2 -mavx2 -mno-fma -mno-avx512f ${vector_flags})
-set(QV_LEVEL_FLAGS_avx512 -mavx512f -mavx512bw -mavx512vl -mavx512dq -mavx512vbmi
-    -mprefer-vector-width=512 ${vector_flags}
-    -Wno-uninitialized  # GCC 12 warns of its own _mm512_undefined_*
-    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+set(QV_LEVEL_FLAGS_generic ${QV_BASELINE_FLAGS} -O2)
+if(QV_X86)
+  set(QV_LEVEL_FLAGS_sse2 -msse2 -mno-sse3 ${vector_flags})
+  set(QV_LEVEL_FLAGS_ssse3 -mssse3 -mno-sse4.1 -mno-sse4a ${vector_flags})
+  set(QV_LEVEL_FLAGS_avx2 -mavx2 -mno-fma -mno-avx512f ${vector_flags})
+  set(QV_LEVEL_FLAGS_avx512 -mavx512f -mavx512bw -mavx512vl -mavx512dq -mavx512vbmi
+      -mprefer-vector-width=512 ${vector_flags}
+      -Wno-uninitialized  # GCC 12 warns of its own _mm512_undefined_*
+      $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+endif()
+
+# In the order of the roll.
+set(roll_file ${CMAKE_CURRENT_LIST_DIR}/../dispatch/Levels.h)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${roll_file})
+file(READ ${roll_file} roll)
+string(REGEX MATCHALL "\n  LEVEL[(][a-z0-9_]+" roll "${roll}")
+list(TRANSFORM roll REPLACE ".*[(]" "")
+if(NOT DEFINED CACHE{QV_LEVELS})
+  set(QV_LEVELS)
+  foreach(level IN LISTS roll)
+    if(DEFINED QV_LEVEL_FLAGS_${level})
+      list(APPEND QV_LEVELS ${level})
+    endif()
+  endforeach()
+endif()
 
 # In our own builds the assembler refuses what a level's processors lack, so that neither the compiler
 # nor a wrongly written row brings it in. Carry-less multiplication is asked for apart from the level.
-if(QV_WERROR AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+if(QV_X86 AND QV_WERROR AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
   if(CMAKE_SIZEOF_VOID_P EQUAL 4)
     set(isa_generic i686)
     set(isa_sse2 i686+mmx+sse+sse2)
@@ -65,7 +83,7 @@ function(qv_add_levels)
   foreach(level IN LISTS QV_LEVELS)
     add_library(qvRows_${level} OBJECT ${ARGN})
     target_link_libraries(qvRows_${level} PRIVATE qvCommonFlags)
-    target_compile_definitions(qvRows_${level} PRIVATE QV_LEVEL=${level} QV_LEVEL_${level}=1)
+    target_compile_definitions(qvRows_${level} PRIVATE QV_LEVEL=${level})
     target_compile_options(qvRows_${level} PRIVATE ${QV_LEVEL_FLAGS_${level}} -fno-lto)
     set_target_properties(qvRows_${level} PROPERTIES POSITION_INDEPENDENT_CODE ON)
   endforeach()

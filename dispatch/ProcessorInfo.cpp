@@ -1,8 +1,10 @@
 #include "dispatch/ProcessorInfo.h"
 
-#include <cpuid.h>
-
 #include "dispatch/VariantIndex.h"
+
+#if defined(__i386__) || defined(__x86_64__)
+#include <cpuid.h>
+#endif
 
 namespace qv {
 namespace {
@@ -55,6 +57,8 @@ constexpr unsigned char VariantOfCode[63] = {
     1, 2, 3, 4,                                      // 0x40 to 0x43
 };
 
+#if defined(__i386__) || defined(__x86_64__)
+
 #if defined(__i386__)
 // Processors before the later 80486 have no CPUID; there the identification flag cannot be toggled.
 bool CanToggleIdentificationFlag() {
@@ -101,6 +105,8 @@ uint64_t ReadXcr0() {
   return (static_cast<uint64_t>(high) << 32) | low;
 }
 
+#endif
+
 int SsseCode(int cores) { return cores > 2 ? 0x22 : 0x21; }
 
 int CodeByFeatures(const ProcessorInfo& info, int cores) {
@@ -129,6 +135,8 @@ int CodeOfFamily6(const ProcessorInfo& info, int cores) {
 
 }  // namespace
 
+#if defined(__i386__) || defined(__x86_64__)
+
 CpuidLeaves ReadCpuidLeaves() {
   CpuidLeaves leaves = {};
   leaves.hasCpuid = CanToggleIdentificationFlag();
@@ -144,6 +152,12 @@ CpuidLeaves ReadCpuidLeaves() {
   if (Has(leaves.leaf1.ecx, Osxsave)) leaves.xcr0 = ReadXcr0();
   return leaves;
 }
+
+#else
+
+CpuidLeaves ReadCpuidLeaves() { return {}; }  // CPUID is x86's alone
+
+#endif
 
 bool HasCpuid(const CpuidLeaves& leaves) { return leaves.hasCpuid; }
 
@@ -221,7 +235,7 @@ int WideLevelOf(const CpuidLeaves& leaves) {
 
 int CarrylessLevelOf(const CpuidLeaves& leaves) {
   if (!leaves.hasCpuid || !Has(leaves.leaf1.ecx, Pclmulqdq | Sse41)) return 0;
-  return WideLevelOf(leaves) == 2 && Has(leaves.leaf7.ecx, Vpclmulqdq) ? 2 : 1;
+  return WideLevelOf(leaves) >= 2 && Has(leaves.leaf7.ecx, Vpclmulqdq) ? 2 : 1;
 }
 
 ptrdiff_t LastCacheBytesOf(const CpuidLeaves& leaves) {

@@ -55,7 +55,7 @@ struct ProcessorInfo {
   uint32_t coresPerPackage;      // core identifiers reserved in the package, at least 1
 };
 
-// Asks this processor.
+// Asks this processor; one that is not an x86 has no CPUID.
 CpuidLeaves ReadCpuidLeaves();
 
 // Whether the processor has CPUID: bit 21 of EFLAGS can be toggled.

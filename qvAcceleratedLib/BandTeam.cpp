@@ -14,6 +14,7 @@
 
 #include <initializer_list>
 
+#include "dispatch/FloatControl.h"
 #include "qvAcceleratedLib/HostRegion.h"
 #include "qvAcceleratedLib/Settings.h"
 #include "qvAcceleratedLib/Threads.h"

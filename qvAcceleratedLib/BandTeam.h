@@ -4,6 +4,7 @@
 
 #include <stdint.h>
 
+#include "dispatch/Dispatched.h"
 #include "dispatch/Hidden.h"
 #include "qvAcceleratedLib/CqvAccLib.h"
 
@@ -17,10 +18,14 @@ struct Work {
   uintptr_t method;
 };
 
-// A method that is a kernel, or a kernel and a code.
+// A method that is a kernel or a function, or one of them and a code.
 template <class Result, class... Args>
-uintptr_t MethodOf(Result (*kernel)(Args...), int code = 0) {
-  return reinterpret_cast<uintptr_t>(kernel) + static_cast<uintptr_t>(code);
+uintptr_t MethodOf(Result (*function)(Args...), int code = 0) {
+  return reinterpret_cast<uintptr_t>(function) + static_cast<uintptr_t>(code);
+}
+template <class Signature>
+uintptr_t MethodOf(const Dispatched<Signature>& kernel, int code = 0) {
+  return reinterpret_cast<uintptr_t>(&kernel) + static_cast<uintptr_t>(code);
 }
 
 // Does pieces `first` to first + n - 1 of a call.

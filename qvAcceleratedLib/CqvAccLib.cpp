@@ -22,15 +22,13 @@ CqvAccLib& CqvAccLib::operator=(const CqvAccLib&) { return *this; }
 
 namespace {
 
-using ImageKernel = decltype(CopyRows_8u_C1);
-
-ImageKernel* FindCopyKernel(int type) {
+const ImageKernel* FindCopyKernel(int type) {
   switch (type) {
-    case CqvAccLib::OneChannel: return CopyRows_8u_C1;
-    case CqvAccLib::ThreeChannels: return CopyRows_8u_C3;
-    case CqvAccLib::PlaneToThreeChannels: return CopyChannel_8u_C1C3;
-    case CqvAccLib::FourToThreeChannels: return CopyDropAlpha_8u_AC4C3;
-    case CqvAccLib::ThreeToFourChannels: return CopyKeepAlpha_8u_C3AC4;
+    case CqvAccLib::OneChannel: return &CopyRows_8u_C1;
+    case CqvAccLib::ThreeChannels: return &CopyRows_8u_C3;
+    case CqvAccLib::PlaneToThreeChannels: return &CopyChannel_8u_C1C3;
+    case CqvAccLib::FourToThreeChannels: return &CopyDropAlpha_8u_AC4C3;
+    case CqvAccLib::ThreeToFourChannels: return &CopyKeepAlpha_8u_C3AC4;
     default: return nullptr;
   }
 }
@@ -38,7 +36,7 @@ ImageKernel* FindCopyKernel(int type) {
 constexpr long long Area(IppiSize size) { return 1ll * size.width * size.height; }
 
 // The kernel on bands of rows, both images moving on by their steps.
-IppStatus RunOnRows(ImageKernel* kernel, const Bands& bands, const unsigned char* src, int srcStep,
+IppStatus RunOnRows(const ImageKernel& kernel, const Bands& bands, const unsigned char* src, int srcStep,
                     unsigned char* dst, int dstStep, IppiSize size) {
   return RunBands(bands, {Area(size), MethodOf(kernel)}, [&](Band band) {
     return kernel(band.At(src, srcStep), srcStep, band.At(dst, dstStep), dstStep,
@@ -50,15 +48,15 @@ IppStatus RunOnRows(ImageKernel* kernel, const Bands& bands, const unsigned char
 
 IppStatus CqvAccLib::qvCopy(qvDataType type, const unsigned char* src, int srcStep,
                             unsigned char* dst, int dstStep, IppiSize size) {
-  ImageKernel* const kernel = FindCopyKernel(type);
+  const ImageKernel* const kernel = FindCopyKernel(type);
   if (!kernel) return StatusDataTypeErr;
   if (size.height != 1 || type != OneChannel || ThreadBudget <= 1 || srcStep != dstStep)
-    return RunOnRows(kernel, PlanBands(size.height, ThreadBudget), src, srcStep, dst, dstStep,
+    return RunOnRows(*kernel, PlanBands(size.height, ThreadBudget), src, srcStep, dst, dstStep,
                      size);
   // A single row cannot be cut into rows: a long one is cut into pieces of columns.
   const Bands pieces = PlanPieces(size.width, ThreadBudget);
-  return RunBands(pieces, {Area(size), MethodOf(kernel)}, [&](Band band) {
-    return kernel(band.At(src, 1), srcStep, band.At(dst, 1), dstStep, {band.length, 1});
+  return RunBands(pieces, {Area(size), MethodOf(*kernel)}, [&](Band band) {
+    return (*kernel)(band.At(src, 1), srcStep, band.At(dst, 1), dstStep, {band.length, 1});
   });
 }
 
@@ -84,7 +82,7 @@ IppStatus CqvAccLib::qvMirror(qvDataType type, const unsigned char* src, int src
                               unsigned char* dst, int dstStep, IppiSize size, IppiAxis axis) {
   if (axis != AxisHorizontal && axis != AxisVertical && axis != AxisBoth) return StatusOk;
   if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
-  const auto kernel = type == OneChannel ? Mirror_8u_C1 : Mirror_8u_C3;
+  const auto& kernel = type == OneChannel ? Mirror_8u_C1 : Mirror_8u_C3;
   if (axis == AxisBoth)  // bands would trade places
     return kernel(src, srcStep, dst, dstStep, size.width, size.height, axis);
   if (axis == AxisHorizontal) {
@@ -344,7 +342,7 @@ IppStatus CqvAccLib::qvAlphaCompC(qvDataType type, const unsigned char* src1, in
                                   unsigned char alpha2, unsigned char* dst, int dstStep,
                                   IppiSize size, IppiAlphaType alphaType) {
   if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
-  const auto kernel = type == OneChannel ? AlphaCompC_8u_C1 : AlphaCompC_8u_C3;
+  const auto& kernel = type == OneChannel ? AlphaCompC_8u_C1 : AlphaCompC_8u_C3;
   const Bands bands = PlanBands(size.height, ThreadBudget);
   return RunBands(bands, {Area(size), MethodOf(kernel, alphaType)}, [&](Band band) {
     return kernel(band.At(src1, src1Step), src1Step, alpha1, band.At(src2, src2Step), src2Step,
@@ -366,11 +364,12 @@ IppStatus CqvAccLib::qvMergeAlphaOver(qvDataType, unsigned char* fg, int fgStep,
     const unsigned char* const b = band.At(bg, bgStep);
     const unsigned char* const ba = band.At(bgAlpha, bgAlphaStep);
     unsigned char* const merged = band.At(dstAlpha, fgAlphaStep);
-    return HostProcessorInfo
-               ? MergeAlphaOver_8u(f, fgStep, fa, fgAlphaStep, b, bgStep, ba, bgAlphaStep, merged,
-                                   rowBytes, width, band.length)
-               : MergeAlphaOverPlain_8u(f, fgStep, fa, fgAlphaStep, b, bgStep, ba, bgAlphaStep,
-                                        merged, width, band.length);
+    if (!HostProcessorInfo)
+      return MergeAlphaOverPlain_8u(f, fgStep, fa, fgAlphaStep, b, bgStep, ba, bgAlphaStep, merged,
+                                    width, band.length);
+    const FloatEnvironment environment;
+    return MergeAlphaOver_8u(f, fgStep, fa, fgAlphaStep, b, bgStep, ba, bgAlphaStep, merged,
+                             rowBytes, width, band.length);
   });
 }
 
@@ -379,7 +378,7 @@ IppStatus CqvAccLib::qvMergeAlphaPlus(qvDataType type, unsigned char* srcDst, in
                                       int alphaStep, int width, int height) {
   if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
   if (width < 1) return StatusOk;
-  const auto kernel = type == OneChannel ? MergeAlphaPlus_8u_C1 : MergeAlphaPlus_8u_C3;
+  const auto& kernel = type == OneChannel ? MergeAlphaPlus_8u_C1 : MergeAlphaPlus_8u_C3;
   const Bands bands = PlanBands(height, ThreadBudget);
   return RunBands(bands, {1ll * width * height, MethodOf(kernel)}, [&](Band band) {
     return kernel(band.At(srcDst, srcDstStep), srcDstStep, band.At(src, srcStep), srcStep,

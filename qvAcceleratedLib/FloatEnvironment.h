@@ -15,45 +15,13 @@ namespace qv {
 // arithmetic must be in functions of other sources, which are not inlined into the scope.
 class FloatEnvironment {
  public:
+  FloatEnvironment() : host_(EnterDefaultFloatState()) {}
+  ~FloatEnvironment() { LeaveDefaultFloatState(host_); }
   FloatEnvironment(const FloatEnvironment&) = delete;
   FloatEnvironment& operator=(const FloatEnvironment&) = delete;
 
-#if defined(__x86_64__)
-
-  FloatEnvironment() : control_(ResetMxcsr()) {}
-  ~FloatEnvironment() {
-    SetMxcsr(control_, ~0u);
-#if defined(_WIN64)
-    SetX87Control(x87Control_, 0xFFFF);
-#endif
-  }
-
  private:
-  unsigned control_;
-#if defined(_WIN64)
-  // The runtime library computes sines and cosines in x87 registers there.
-  unsigned x87Control_ = SetX87Control(0x037F, 0xFFFF);
-#endif
-
-#else
-
-  // Doubles are computed in x87 registers, whose control also has a precision: that of a double,
-  // so that sums and products are the same as in SSE2 registers as long as they stay within a
-  // double's exponents. The sources are built to store what they assign, for those that do not.
-  FloatEnvironment() { Enter(); }
-  ~FloatEnvironment() { Leave(); }
-
- private:
-  // Calls, not inline, since at a call no value lies on the register stack, whose height is part of
-  // what is stored and put back.
-  QV_HIDDEN void Enter();
-  QV_HIDDEN void Leave();
-
-  // The x87 environment as FNSTENV writes it: control, status and tag word, last instruction.
-  unsigned x87_[7];
-  unsigned control_ = kMxcsrDefault;  // of the SSE registers, where there are any
-
-#endif
+  const FloatState host_;
 };
 
 }  // namespace qv

@@ -48,13 +48,6 @@ constexpr Ticks kTicksPerSecond = 1000000000 / 64;
 constexpr Ticks TicksOfMicroseconds(unsigned us) { return us * 1000 / 64; }
 QV_HIDDEN Ticks Now();
 
-// Tells the processor that this is a loop that waits.
-inline void Pause() {
-#if defined(__i386__) || defined(__x86_64__)
-  __builtin_ia32_pause();
-#endif
-}
-
 // A mark on the calling thread, initially false. On Windows it takes a slot of the process that is
 // asked for at start-up, not thread-local storage of the compiler's, which would need notifications
 // of threads; without a slot the mark stays false.

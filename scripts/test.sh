@@ -4,7 +4,7 @@
 #   scripts/test.sh          every test, in a release build
 #   scripts/test.sh --all    also: a million random calls of the kernels, images of 70000 x 70000 pixels,
 #                            a minute of each fuzzer, the sanitizers, the demo page in a browser,
-#                            32-bit Linux, the DLLs of Windows, the packages, planted faults:
+#                            32-bit and ARM Linux, the DLLs of Windows, the packages, planted faults:
 #                            an hour or two
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)

@@ -1,15 +1,15 @@
 #!/bin/bash
-# Tests the 32-bit build of Linux and the DLLs of Windows, the latter in Wine; installs what is missing
-# first.
+# Tests the 32-bit build of Linux, the one for ARM in QEMU, and the DLLs of Windows in Wine; installs what
+# is missing first.
 #
-#   scripts/test_platforms.sh [PRESET...]     linux32, windows32, windows64; all three without arguments
+#   scripts/test_platforms.sh [PRESET...]     linux32, linux-arm64, windows32, windows64; all without arguments
 #   scripts/test_platforms.sh --quick         the 32-bit DLL with its host programs alone
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 cd "$root"
 quick=0
 case "${1-}" in
-  '') set -- linux32 windows32 windows64 ;;
+  '') set -- linux32 linux-arm64 windows32 windows64 ;;
   --quick) quick=1; set -- windows32 ;;
 esac
 
@@ -26,7 +26,10 @@ start_wine() {
 for preset; do
   tests=()
   case $preset in
-    linux32) "$root/scripts/setup.sh" g++-multilib googletest qemu-user ;;
+    linux32)  # without g++-multilib, which cannot be installed beside a compiler for ARM
+      "$root/scripts/setup.sh" googletest qemu-user
+      "$root/scripts/setup.sh" "g++-$(g++ -dumpversion)-multilib" ;;
+    linux-arm64) "$root/scripts/setup.sh" g++-aarch64-linux-gnu googletest qemu-user ;;
     windows32) "$root/scripts/setup.sh" g++-mingw-w64-i686-posix googletest clang lld llvm python3 ;;
     windows64) "$root/scripts/setup.sh" g++-mingw-w64-x86-64-posix googletest clang lld llvm python3 ;;
     *) sed -n '2,6s/^# \{0,1\}//p' "$0" >&2; exit 2 ;;

@@ -1,11 +1,11 @@
 #!/bin/bash
 # A program prints the same whatever surrounds its process: settings of OpenMP runtimes, a small stack,
 # and, if it does not ask for processors, a single one.
-#   check_environment.sh [--one-processor] PROGRAM
+#   check_environment.sh [--one-processor] COMMAND...
 set -u
 one=
 [ "$1" = --one-processor ] && one=1 && shift
-expected=$("$1") || { echo "$expected"; exit 1; }
+expected=$("$@") || { echo "$expected"; exit 1; }
 [ -n "$expected" ] || { echo 'it prints nothing'; exit 1; }
 failed=0
 check() {
@@ -17,10 +17,10 @@ check() {
 }
 for settings in OMP_PROC_BIND=true OMP_PROC_BIND=spread OMP_PLACES=cores GOMP_CPU_AFFINITY=0-1 \
     OMP_NUM_THREADS=7 OMP_WAIT_POLICY=active; do
-  check env "$settings" "$1"
+  check env "$settings" "$@"
 done
-check prlimit --stack=524288 "$1"
+check prlimit --stack=524288 "$@"
 if [ -n "$one" ]; then
-  check taskset -c "$(taskset -cp $$ | sed 's/.*: \([0-9]*\).*/\1/')" "$1"
+  check taskset -c "$(taskset -cp $$ | sed 's/.*: \([0-9]*\).*/\1/')" "$@"
 fi
 exit $failed

@@ -84,8 +84,7 @@ QV_INLINE QV_CARRYLESS void StepFold128(Vec128* x, const Byte* src) {
   for (int i = 0; i < count; ++i) x[i] = Fold128(x[i], factors, Load128(src + 16 * i));
 }
 
-[[maybe_unused]] QV_CARRYLESS uint32_t FeedFolded128(uint32_t r, const Byte* src,
-                                                     ptrdiff_t length) {
+inline QV_CARRYLESS uint32_t FeedFolded128(uint32_t r, const Byte* src, ptrdiff_t length) {
   const Byte* const end = src + length;
   // A chain of folds waits for two operations each time; eight chains hide that.
   constexpr int kChains = 8;
@@ -149,8 +148,7 @@ QV_INLINE QV_CARRYLESS_WIDE void StepFold512(Vec* x, const Byte* src) {
   for (int i = 0; i < count; ++i) x[i] = Fold512(x[i], factors, Load(src + 64 * i));
 }
 
-[[maybe_unused]] QV_CARRYLESS_WIDE uint32_t FeedFolded512(uint32_t r, const Byte* src,
-                                                          ptrdiff_t length) {
+inline QV_CARRYLESS_WIDE uint32_t FeedFolded512(uint32_t r, const Byte* src, ptrdiff_t length) {
   const Byte* const end = src + length;
   constexpr int kChains = 8;
   Vec x[kChains];

@@ -2,8 +2,8 @@
 // point made into bytes, and bytes into pixels B, G, R.
 //
 // A row is worked on in blocks of kVecBytes pixels, as two halves of kVecBytes / 2, whose 16-bit
-// lanes are the pixels in order; but with AVX2 eights of pixels go to the two halves in turns, so
-// that packing within 128-bit lanes puts them in order.
+// lanes are the pixels in order. Vectors of two 128-bit lanes whose bytes cannot be permuted take
+// eight pixels at a time in turns instead, so that packing within lanes puts them in order.
 #ifndef QV_KERNELS_COLOR_COLORVECTORS_H
 #define QV_KERNELS_COLOR_COLORVECTORS_H
 
@@ -87,8 +87,8 @@ QV_INLINE void LoadChroma(const Byte* cb, const Byte* cr, Vec& first, Vec& secon
 // ---- Stores of a block, where bytes are permuted across a vector --------------------------------
 
 // Where the bytes of 64 three-byte pixels are found in three vectors: source 0 has blue and green
-// of pixels 0 to 31 in lanes of eight, source 1 those of pixels 32 to 63, and lane l of source 2 has
-// red of pixels 8 l to 8 l + 7 and of those 32 further on.
+// of pixels 0 to 31 in lanes of eight, source 1 those of pixels 32 to 63, and lane l of source 2
+// has red of pixels 8 l to 8 l + 7 and of those 32 further on.
 struct Place {
   int source, index;
 };

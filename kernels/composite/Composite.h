@@ -3,6 +3,7 @@
 #ifndef QV_KERNELS_COMPOSITE_COMPOSITE_H
 #define QV_KERNELS_COMPOSITE_COMPOSITE_H
 
+#include "dispatch/Dispatched.h"
 #include "qvAcceleratedLib/CqvAccLib.h"
 
 namespace qv {
@@ -12,37 +13,32 @@ namespace qv {
 // Checks, in this order: StatusNullPtrErr for a null pointer, StatusSizeErr for a width or height
 // below 1, StatusAlphaTypeErr for a composition outside 0 to 11. The destination may be one of the
 // sources at the same step.
-IppStatus AlphaCompC_8u_C1(const unsigned char* src1, int src1Step, unsigned char alpha1,
-                           const unsigned char* src2, int src2Step, unsigned char alpha2,
-                           unsigned char* dst, int dstStep, IppiSize size,
-                           IppiAlphaType alphaType);
-IppStatus AlphaCompC_8u_C3(const unsigned char* src1, int src1Step, unsigned char alpha1,
-                           const unsigned char* src2, int src2Step, unsigned char alpha2,
-                           unsigned char* dst, int dstStep, IppiSize size,
-                           IppiAlphaType alphaType);
+using AlphaCompKernel = Dispatched<IppStatus(
+    const unsigned char* src1, int src1Step, unsigned char alpha1, const unsigned char* src2,
+    int src2Step, unsigned char alpha2, unsigned char* dst, int dstStep, IppiSize size,
+    IppiAlphaType alphaType)>;
+extern QV_HIDDEN const AlphaCompKernel AlphaCompC_8u_C1, AlphaCompC_8u_C3;
 
 // The integer path of CqvAccLib::qvMergeAlphaOver: three-byte pixels, fg in place, the merged alpha
 // to dstAlpha at fgAlpha's step. Checks nothing and returns StatusOk.
-IppStatus MergeAlphaOverPlain_8u(unsigned char* fg, int fgStep, const unsigned char* fgAlpha,
-                                 int fgAlphaStep, const unsigned char* bg, int bgStep,
-                                 const unsigned char* bgAlpha, int bgAlphaStep,
-                                 unsigned char* dstAlpha, int width, int height);
+extern QV_HIDDEN const Dispatched<IppStatus(
+    unsigned char* fg, int fgStep, const unsigned char* fgAlpha, int fgAlphaStep,
+    const unsigned char* bg, int bgStep, const unsigned char* bgAlpha, int bgAlphaStep,
+    unsigned char* dstAlpha, int width, int height)> MergeAlphaOverPlain_8u;
 
 // The single-precision path of the same: first dstAlpha is merged in place (width pixels a row,
-// none if that is below 1), then rowBytes colour bytes a row. The floating-point environment of the
-// caller has no influence and is left as it was. Checks nothing and returns StatusOk.
-IppStatus MergeAlphaOver_8u(unsigned char* fg, int fgStep, const unsigned char* fgAlpha,
-                            int fgAlphaStep, const unsigned char* bg, int bgStep,
-                            const unsigned char* bgAlpha, int bgAlphaStep,
-                            unsigned char* dstAlpha, int rowBytes, int width, int height);
+// none if that is below 1), then rowBytes colour bytes a row. Wants a FloatEnvironment. Checks
+// nothing and returns StatusOk.
+extern QV_HIDDEN const Dispatched<IppStatus(
+    unsigned char* fg, int fgStep, const unsigned char* fgAlpha, int fgAlphaStep,
+    const unsigned char* bg, int bgStep, const unsigned char* bgAlpha, int bgAlphaStep,
+    unsigned char* dstAlpha, int rowBytes, int width, int height)> MergeAlphaOver_8u;
 
 // CqvAccLib::qvMergeAlphaPlus on one- and three-byte pixels. Checks nothing and returns StatusOk.
-IppStatus MergeAlphaPlus_8u_C1(unsigned char* srcDst, int srcDstStep, const unsigned char* src,
-                               int srcStep, const unsigned char* alpha, int alphaStep, int width,
-                               int height);
-IppStatus MergeAlphaPlus_8u_C3(unsigned char* srcDst, int srcDstStep, const unsigned char* src,
-                               int srcStep, const unsigned char* alpha, int alphaStep, int width,
-                               int height);
+using MergePlusKernel = Dispatched<IppStatus(
+    unsigned char* srcDst, int srcDstStep, const unsigned char* src, int srcStep,
+    const unsigned char* alpha, int alphaStep, int width, int height)>;
+extern QV_HIDDEN const MergePlusKernel MergeAlphaPlus_8u_C1, MergeAlphaPlus_8u_C3;
 
 }  // namespace qv
 

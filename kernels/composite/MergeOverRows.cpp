@@ -1,7 +1,7 @@
 // Placing a colour image with its own alpha plane over another one.
 #include "kernels/composite/Composite.h"
-#include "kernels/composite/RoundingMode.h"
 #include "kernels/level/Level.h"
+#include "kernels/level/PlainFloats.h"
 
 #if QV_HAS_VECTORS
 #include "kernels/composite/OverBlock.h"
@@ -34,25 +34,26 @@ void AlphaRowPlain(Byte* dstAlpha, const Byte* bgAlpha, ptrdiff_t width) {
 // To nearest even by moving the binary point to the end of the significand: the sum's last bit is
 // worth 1, and the addition rounds. For 0 <= x < 2^22.
 QV_INLINE int NearestInt(float x) {
-  const float shifted = x + 0x1.8p23f;
+  const float shifted = RoundToFloat(x + 0x1.8p23f);
   int32_t bits;
   memcpy(&bits, &shifted, 4);
   return bits - 0x4B400000;
 }
 
+QV_INLINE float Of255(int x) { return RoundToFloat(static_cast<float>(x) / 255.0f); }
+
 // The sum is at most 255 and the divisor at least 1 / 255: no operation comes near overflow or the
 // subnormal range.
-[[maybe_unused]] void ColourRowPlain(Byte* fg, const Byte* fgAlpha, const Byte* bg,
-                                     const Byte* bgAlpha, const Byte* mergedAlpha,
-                                     ptrdiff_t bytes) {
+[[maybe_unused]] void ColorRowPlain(Byte* fg, const Byte* fgAlpha, const Byte* bg,
+                                    const Byte* bgAlpha, const Byte* mergedAlpha,
+                                    ptrdiff_t bytes) {
   for (ptrdiff_t i = 0; i < bytes; ++i) {
     const ptrdiff_t pixel = i / 3;
-    const float fgWeight = static_cast<float>(fgAlpha[pixel]) / 255.0f;
-    const float bgWeight = (1.0f - fgWeight) * (static_cast<float>(bgAlpha[pixel]) / 255.0f);
-    const float divisor = static_cast<float>(mergedAlpha[pixel] + 1) / 255.0f;
-    const float sum =
-        static_cast<float>(fg[i]) * fgWeight + bgWeight * static_cast<float>(bg[i]);
-    fg[i] = ToByte(NearestInt(sum / divisor));
+    const float fgWeight = Of255(fgAlpha[pixel]);
+    const float bgWeight = RoundToFloat(RoundToFloat(1.0f - fgWeight) * Of255(bgAlpha[pixel]));
+    const float sum = RoundToFloat(RoundToFloat(static_cast<float>(fg[i]) * fgWeight) +
+                                   RoundToFloat(bgWeight * static_cast<float>(bg[i])));
+    fg[i] = ToByte(NearestInt(RoundToFloat(sum / Of255(mergedAlpha[pixel] + 1))));
   }
 }
 
@@ -75,8 +76,8 @@ void AlphaRow(Byte* dstAlpha, const Byte* bgAlpha, ptrdiff_t width) {
   if (!done) AlphaRowPlain(dstAlpha, bgAlpha, width);
 }
 
-void ColourRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
-               const Byte* mergedAlpha, ptrdiff_t bytes) {
+void ColorRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
+              const Byte* mergedAlpha, ptrdiff_t bytes) {
   const auto at = [=](ptrdiff_t x) {
     return OverPixels{fg + 3 * x, fgAlpha + x, bg + 3 * x, bgAlpha + x, mergedAlpha + x};
   };
@@ -91,20 +92,9 @@ void ColourRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlph
 #else
 
 constexpr auto AlphaRow = AlphaRowPlain;
-constexpr auto ColourRow = ColourRowPlain;
+constexpr auto ColorRow = ColorRowPlain;
 
 #endif
-
-__attribute__((noinline)) void MergeRows(Byte* fg, int fgStep, const Byte* fgAlpha,
-                                         int fgAlphaStep, const Byte* bg, int bgStep,
-                                         const Byte* bgAlpha, int bgAlphaStep, Byte* dstAlpha,
-                                         int rowBytes, int width, int height) {
-  for (int y = 0; y < height; ++y)
-    AlphaRow(RowAt(dstAlpha, fgAlphaStep, y), RowAt(bgAlpha, bgAlphaStep, y), width);
-  for (int y = 0; y < height; ++y)
-    ColourRow(RowAt(fg, fgStep, y), RowAt(fgAlpha, fgAlphaStep, y), RowAt(bg, bgStep, y),
-              RowAt(bgAlpha, bgAlphaStep, y), RowAt(dstAlpha, fgAlphaStep, y), rowBytes);
-}
 
 }  // namespace
 
@@ -126,9 +116,11 @@ IppStatus MergeAlphaOverPlain_8u(Byte* fg, int fgStep, const Byte* fgAlpha, int 
 IppStatus MergeAlphaOver_8u(Byte* fg, int fgStep, const Byte* fgAlpha, int fgAlphaStep,
                             const Byte* bg, int bgStep, const Byte* bgAlpha, int bgAlphaStep,
                             Byte* dstAlpha, int rowBytes, int width, int height) {
-  const RoundToNearest rounding;
-  MergeRows(fg, fgStep, fgAlpha, fgAlphaStep, bg, bgStep, bgAlpha, bgAlphaStep, dstAlpha, rowBytes,
-            width, height);
+  for (int y = 0; y < height; ++y)
+    AlphaRow(RowAt(dstAlpha, fgAlphaStep, y), RowAt(bgAlpha, bgAlphaStep, y), width);
+  for (int y = 0; y < height; ++y)
+    ColorRow(RowAt(fg, fgStep, y), RowAt(fgAlpha, fgAlphaStep, y), RowAt(bg, bgStep, y),
+             RowAt(bgAlpha, bgAlphaStep, y), RowAt(dstAlpha, fgAlphaStep, y), rowBytes);
   return StatusOk;
 }
 

@@ -38,7 +38,7 @@ QV_INLINE Vec MixLanes(Vec alphaTwice, Vec srcAndOne, Vec background) {
 }
 
 // Every byte at an even place in the high byte of its lane, 1 below it.
-QV_INLINE Vec EvenAndOne(Vec src) {
+[[maybe_unused]] QV_INLINE Vec EvenAndOne(Vec src) {
   if constexpr (kHasBytePermute) {
     static constexpr ByteTable kIndex = TwinIndex<1>(0, 0);
     return PermuteBytesOver(Splat16(1), 0xAAAAAAAAAAAAAAAAu, src, Load(kIndex.b));

@@ -9,7 +9,7 @@
 #ifndef QV_KERNELS_COMPOSITE_OVERBLOCK_H
 #define QV_KERNELS_COMPOSITE_OVERBLOCK_H
 
-#include "kernels/level/Floats.h"
+#include "kernels/level/Level.h"
 
 namespace qv::QV_LEVEL {
 
@@ -106,7 +106,7 @@ QV_INLINE Vec MergedColors(Vec f, Vec fgAlpha, Vec b, Vec bgAlpha, Vec merged) {
 QV_INLINE void OverPermuted(const OverPixels& p) {
   const auto alphas = [](const Byte* at) { return FromLane(Load128(at)); };
   const Vec colors = MergedColors(LoadOnce(p.fg), alphas(p.fgAlpha), LoadOnce(p.bg),
-                                    alphas(p.bgAlpha), alphas(p.merged));
+                                  alphas(p.bgAlpha), alphas(p.merged));
   // Not one masked store: the next block's load would have to wait for it.
   StoreLowHalf(p.fg, colors);
   Store128(p.fg + 32, Lane<2>(colors));
@@ -115,8 +115,8 @@ QV_INLINE void OverPermuted(const OverPixels& p) {
 QV_INLINE void OverMasked(const OverPixels& p, ptrdiff_t bytes) {
   const unsigned long long colors = FirstOf64(bytes, 0), pixels = FirstOf64((bytes + 2) / 3, 0);
   StorePart(p.fg, MergedColors(LoadPart(p.fg, colors), LoadPart(p.fgAlpha, pixels),
-                                LoadPart(p.bg, colors), LoadPart(p.bgAlpha, pixels),
-                                LoadPart(p.merged, pixels)),
+                               LoadPart(p.bg, colors), LoadPart(p.bgAlpha, pixels),
+                               LoadPart(p.merged, pixels)),
             colors);
 }
 
@@ -220,8 +220,9 @@ QV_INLINE void OverQuads(const OverPixels& p) {
 
 // ---- What the level has -------------------------------------------------------------------------
 
-constexpr bool kOverPermuted = kHasBytePermute && kHasFusedMultiply;
-constexpr bool kOverTwoLanes = !kOverPermuted && kLanes128 == 2;
+constexpr bool kOverPermuted = kHasBytePermute && kHasMaskedBytes && kHasFusedMultiply;
+constexpr bool kOverTwoLanes = kHasByteShuffle && kLanes128 == 2;
+static_assert(kOverPermuted || kOverTwoLanes || kLanes128 == 1);
 constexpr int kOverPixels = kOverTwoLanes ? 8 : 16;
 constexpr int kOverReads = kOverPermuted ? 64 : 3 * kOverPixels;
 

@@ -22,7 +22,7 @@ void ScaleRow(const Byte* src, Byte* dst, ptrdiff_t width, int value) {
   const bool done = CoverInPlace<kVecBytes>(
       width, false, BytesToAlign(dst),
       [&](ptrdiff_t k) {
-        const Vec x = Load(src + k);
+        const Vec x = LoadOnce(src + k);
         return PackUnsigned16(MulHighUnsigned16(InterleaveLow8(x, Zero()), factor),
                               MulHighUnsigned16(InterleaveHigh8(x, Zero()), factor));
       },

@@ -3,6 +3,7 @@
 #ifndef QV_KERNELS_DEINTERLACE_DEINTERLACE_H
 #define QV_KERNELS_DEINTERLACE_DEINTERLACE_H
 
+#include "dispatch/Dispatched.h"
 #include "qvAcceleratedLib/CqvAccLib.h"
 
 namespace qv {
@@ -12,8 +13,9 @@ namespace qv {
 // those of the destination overlap, a byte keeps what the last row that holds it writes.
 // Checks, in this order: StatusNullPtrErr for a null pointer, StatusSizeErr for a height below 3 or
 // a width below 1.
-IppStatus Deinterlace_8u(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
-                         int widthBytes, int height, unsigned centreWeight, unsigned mode);
+extern QV_HIDDEN const Dispatched<IppStatus(
+    const unsigned char* src, int srcStep, unsigned char* dst, int dstStep, int widthBytes,
+    int height, unsigned centreWeight, unsigned mode)> Deinterlace_8u;
 
 }  // namespace qv
 

@@ -17,6 +17,7 @@
 #ifndef QV_KERNELS_GEOMETRY_GEOMETRY_H
 #define QV_KERNELS_GEOMETRY_GEOMETRY_H
 
+#include "dispatch/Dispatched.h"
 #include "kernels/geometry/WarpSource.h"
 #include "qvAcceleratedLib/CqvAccLib.h"
 
@@ -63,16 +64,15 @@ IppStatus Rotate_8u_C3(const unsigned char* src, IppiSize srcSize, int srcStep, 
 // Samples columns first .. last of a destination row, whose column 0 `dst` points at. The segments
 // are ascending, cover these columns and stay within the aligned blocks of kWarpBlock that they
 // touch.
-void WarpRow_8u_C1(const WarpSource* source, const WarpSegment* segments, int count, int first,
-                   int last, unsigned char* dst);
-void WarpRow_8u_C3(const WarpSource* source, const WarpSegment* segments, int count, int first,
-                   int last, unsigned char* dst);
+using WarpKernel = Dispatched<void(
+    const WarpSource* source, const WarpSegment* segments, int count, int first, int last,
+    unsigned char* dst)>;
+extern QV_HIDDEN const WarpKernel WarpRow_8u_C1, WarpRow_8u_C3;
 
 // dst[r][c] = src[c][r] for a destination of `size`; steps may be negative. Checks nothing.
-void Transpose_8u_C1(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
-                     IppiSize size);
-void Transpose_8u_C3(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
-                     IppiSize size);
+using TransposeKernel = Dispatched<void(
+    const unsigned char* src, int srcStep, unsigned char* dst, int dstStep, IppiSize size)>;
+extern QV_HIDDEN const TransposeKernel Transpose_8u_C1, Transpose_8u_C3;
 
 }  // namespace qv
 

@@ -32,7 +32,7 @@ void TurnImage(const unsigned char* src, ptrdiff_t srcStep, unsigned char* dst, 
     return dst + static_cast<ptrdiff_t>(y) * dstStep + static_cast<ptrdiff_t>(box.x0) * channels;
   };
   const int from = static_cast<int>(srcStep), to = static_cast<int>(dstStep);
-  const auto transpose = channels == 3 ? Transpose_8u_C3 : Transpose_8u_C1;
+  const TransposeKernel& transpose = channels == 3 ? Transpose_8u_C3 : Transpose_8u_C1;
   if (quarter == 90)  // (x', y') is source (dy - y', x' - dx): columns of the source upwards
     transpose(source(dy - box.y1, box.x0 - dx), from, target(box.y1), -to, size);
   else if (quarter == 270)  // (y' - dy, dx - x'): rows of the source from the last one

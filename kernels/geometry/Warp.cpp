@@ -48,7 +48,7 @@ bool AreApart(const double quad[4][2], const Corners& rect) {
 // Whether anything was written.
 bool WarpTiles(const WarpPlan& plan, const GeometryImages& images, const Corners& part,
                WarpSource source, int srcStep, int dstStep) {
-  const auto kernel = images.channels == 3 ? WarpRow_8u_C3 : WarpRow_8u_C1;
+  const WarpKernel& kernel = images.channels == 3 ? WarpRow_8u_C3 : WarpRow_8u_C1;
   const bool pays =
       WarpAhead::Pays(static_cast<long long>(source.width) * source.height * images.channels);
   bool any = false;

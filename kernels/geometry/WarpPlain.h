@@ -2,24 +2,12 @@
 #ifndef QV_KERNELS_GEOMETRY_WARPPLAIN_H
 #define QV_KERNELS_GEOMETRY_WARPPLAIN_H
 
-#include <float.h>
-
 #include "kernels/KeysCubic.h"
 #include "kernels/geometry/WarpSource.h"
 #include "kernels/level/Common.h"
+#include "kernels/level/PlainFloats.h"
 
 namespace qv::QV_LEVEL {
-
-// A float with the excess digits cut off that x87 arithmetic keeps. Sums and products of floats
-// that are rounded twice, to at least 50 bits and then to 24, are rounded correctly.
-QV_INLINE float RoundToFloat(float v) {
-#if FLT_EVAL_METHOD == 0
-  return v;
-#else
-  volatile float exact = v;
-  return exact;
-#endif
-}
 
 QV_INLINE long long PositionAt(const WarpSegment& s, int axis, int column) {
   const float t = static_cast<float>(column - s.first - s.count / 2);

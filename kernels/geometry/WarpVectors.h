@@ -3,7 +3,7 @@
 #ifndef QV_KERNELS_GEOMETRY_WARPVECTORS_H
 #define QV_KERNELS_GEOMETRY_WARPVECTORS_H
 
-#include "kernels/level/Floats.h"
+#include "kernels/level/Level.h"
 
 #if QV_HAS_VECTORS
 

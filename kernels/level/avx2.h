@@ -22,18 +22,19 @@ constexpr bool kHasMaskedBytes = false;
 constexpr bool kHasFusedMultiply = false;
 constexpr bool kHasGather = true;
 
+}  // namespace qv::QV_LEVEL
+
+#include "kernels/level/X86.h"
+
+namespace qv::QV_LEVEL {
+
 template <class Lane> QV_INLINE Vec BuildLanes(Lane lane) {
   return _mm256_inserti128_si256(_mm256_castsi128_si256(lane(0)), lane(1), 1);
 }
 
-template <class At> QV_INLINE void StoreLanes(Vec v, At at) {
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(at(0)), _mm256_castsi256_si128(v));
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(at(1)), _mm256_extracti128_si256(v, 1));
-}
-
-template <int lane> QV_INLINE __m128i Lane(Vec v) {
-  return lane == 0 ? _mm256_castsi256_si128(v) : _mm256_extracti128_si256(v, lane);
-}
+template <int lane> __m128i Lane(Vec v);
+template <> QV_INLINE __m128i Lane<0>(Vec v) { return _mm256_castsi256_si128(v); }
+template <> QV_INLINE __m128i Lane<1>(Vec v) { return _mm256_extracti128_si256(v, 1); }
 QV_INLINE Vec FromLane(__m128i v) { return _mm256_castsi128_si256(v); }
 QV_INLINE Vec FromLaneAlone(__m128i v) { return _mm256_zextsi128_si256(v); }
 template <int n> QV_INLINE Vec ShiftBytesUp(Vec v) { return _mm256_bslli_epi128(v, n); }
@@ -47,38 +48,37 @@ QV_INLINE Vec Gather32(const void* base, Vec offset) {
 template <int kHalf> QV_INLINE Vec Gather64(const void* base, Vec offset) {
   const Vec sorted = PermuteLanes32(offset, _mm256_setr_epi32(0, 1, 4, 5, 2, 3, 6, 7));
   return _mm256_i32gather_epi64(static_cast<const long long*>(base),
-                                _mm256_extracti128_si256(sorted, kHalf), 1);
+                                Lane<kHalf>(sorted), 1);
 }
 
 QV_INLINE Vec ReverseBytes(Vec v) {
   const Vec index = _mm256_broadcastsi128_si256(
       _mm_setr_epi8(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0));
-  return _mm256_permute4x64_epi64(_mm256_shuffle_epi8(v, index), _MM_SHUFFLE(1, 0, 3, 2));
+  return _mm256_permute4x64_epi64(ShuffleBytes(v, index), _MM_SHUFFLE(1, 0, 3, 2));
 }
 
-QV_INLINE Vec Xor(Vec a, Vec b, Vec c) { return _mm256_xor_si256(_mm256_xor_si256(a, b), c); }
+QV_INLINE Vec Xor(Vec a, Vec b, Vec c) { return Xor(Xor(a, b), c); }
 
 QV_INLINE Vec PackBytesInOrder(Vec a, Vec b) {
-  return _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8);
+  return _mm256_permute4x64_epi64(PackUnsigned16(a, b), 0xD8);
 }
 QV_INLINE bool AnyNegative32(Vec v) { return _mm256_movemask_ps(_mm256_castsi256_ps(v)) != 0; }
 template <int i0, int i1, int i2, int i3> QV_INLINE Vec ShuffleLanes32(Vec v) {
   return _mm256_shuffle_epi32(v, i0 + 4 * i1 + 16 * i2 + 64 * i3);
 }
 QV_INLINE Vec HighHalves16(Vec even, Vec odd) {
-  return _mm256_blend_epi16(_mm256_srli_epi32(even, 16), odd, 0xAA);
+  return _mm256_blend_epi16(ShiftRight32<16>(even), odd, 0xAA);
 }
 
 QV_INLINE void StoreLowBytes32(void* p, Vec v) {
-  const __m256i low = _mm256_shuffle_epi8(
-      v, _mm256_broadcastsi128_si256(
-             _mm_setr_epi8(0, 4, 8, 12, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1)));
-  _mm_storel_epi64(static_cast<__m128i*>(p), _mm_unpacklo_epi32(Lane<0>(low), Lane<1>(low)));
+  const Vec index = _mm256_broadcastsi128_si256(
+      _mm_setr_epi8(0, 4, 8, 12, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1));
+  const Vec low = ShuffleBytes(v, index);
+  Store64(p, InterleaveLow32(Lane<0>(low), Lane<1>(low)));
 }
 QV_INLINE void StoreLimited32(void* p, Vec v) {
-  v = _mm256_packus_epi16(_mm256_packs_epi32(v, v), v);
-  v = PermuteLanes32(v, _mm256_setr_epi32(0, 4, 0, 0, 0, 0, 0, 0));
-  _mm_storel_epi64(static_cast<__m128i*>(p), Lane<0>(v));
+  v = PackUnsigned16(PackSigned32(v, v), v);
+  Store64(p, Lane<0>(PermuteLanes32(v, _mm256_setr_epi32(0, 4, 0, 0, 0, 0, 0, 0))));
 }
 
 QV_INLINE Vec DealHalves(Vec v) { return _mm256_permute4x64_epi64(v, 0xD8); }
@@ -96,16 +96,16 @@ QV_INLINE Vec LoadHalves(const void* low, const void* high) {
   return _mm256_loadu2_m128i(static_cast<const __m128i*>(high), static_cast<const __m128i*>(low));
 }
 QV_INLINE void StoreLowHalf(void* p, Vec v) {
-  _mm_storeu_si128(static_cast<__m128i*>(p), Lane<0>(v));
+  Store128(p, Lane<0>(v));
 }
 QV_INLINE Vec LoadBytesAs16(const void* p) {
-  return _mm256_cvtepu8_epi16(_mm_loadu_si128(static_cast<const __m128i*>(p)));
+  return _mm256_cvtepu8_epi16(Load128(p));
 }
 QV_INLINE Vec LoadBytesAs32(const void* p) {
-  return _mm256_cvtepu8_epi32(_mm_loadl_epi64(static_cast<const __m128i*>(p)));
+  return _mm256_cvtepu8_epi32(Load64(p));
 }
 QV_INLINE Vec LoadSplat128(const void* p) {
-  return _mm256_broadcastsi128_si256(_mm_loadu_si128(static_cast<const __m128i*>(p)));
+  return _mm256_broadcastsi128_si256(Load128(p));
 }
 
 }  // namespace qv::QV_LEVEL

@@ -22,6 +22,12 @@ constexpr bool kHasMaskedBytes = true;
 constexpr bool kHasFusedMultiply = true;
 constexpr bool kHasGather = true;
 
+}  // namespace qv::QV_LEVEL
+
+#include "kernels/level/X86.h"
+
+namespace qv::QV_LEVEL {
+
 template <class Lane> QV_INLINE Vec BuildLanes(Lane lane) {
   const __m256i low = _mm256_inserti128_si256(_mm256_castsi128_si256(lane(0)), lane(1), 1);
   const __m256i high = _mm256_inserti128_si256(_mm256_castsi128_si256(lane(2)), lane(3), 1);
@@ -83,7 +89,7 @@ QV_INLINE Vec Xor(Vec a, Vec b, Vec c) { return _mm512_ternarylogic_epi64(a, b, 
 
 QV_INLINE Vec PackBytesInOrder(Vec a, Vec b) {
   return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7),
-                                  _mm512_packus_epi16(a, b));
+                                  PackUnsigned16(a, b));
 }
 QV_INLINE bool AnyNegative32(Vec v) { return _mm512_movepi32_mask(v) != 0; }
 template <int i0, int i1, int i2, int i3> QV_INLINE Vec ShuffleLanes32(Vec v) {
@@ -96,11 +102,10 @@ QV_INLINE Vec HighHalves16(Vec even, Vec odd) {
 }
 
 QV_INLINE void StoreLowBytes32(void* p, Vec v) {
-  _mm_storeu_si128(static_cast<__m128i*>(p), _mm512_cvtepi32_epi8(v));
+  Store128(p, _mm512_cvtepi32_epi8(v));
 }
 QV_INLINE void StoreLimited32(void* p, Vec v) {
-  _mm_storeu_si128(static_cast<__m128i*>(p),
-                   _mm512_cvtusepi32_epi8(_mm512_max_epi32(v, _mm512_setzero_si512())));
+  Store128(p, _mm512_cvtusepi32_epi8(Max32(v, Zero())));
 }
 
 QV_INLINE Vec DealHalves(Vec v) {
@@ -127,10 +132,10 @@ QV_INLINE Vec LoadBytesAs16(const void* p) {
   return _mm512_cvtepu8_epi16(_mm256_loadu_si256(static_cast<const __m256i*>(p)));
 }
 QV_INLINE Vec LoadBytesAs32(const void* p) {
-  return _mm512_cvtepu8_epi32(_mm_loadu_si128(static_cast<const __m128i*>(p)));
+  return _mm512_cvtepu8_epi32(Load128(p));
 }
 QV_INLINE Vec LoadSplat128(const void* p) {
-  return _mm512_broadcast_i32x4(_mm_loadu_si128(static_cast<const __m128i*>(p)));
+  return _mm512_broadcast_i32x4(Load128(p));
 }
 
 QV_INLINE Floats FusedMulAdd(Floats a, Floats b, Floats c) { return _mm512_fmadd_ps(a, b, c); }

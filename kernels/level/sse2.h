@@ -2,8 +2,6 @@
 #ifndef QV_KERNELS_LEVEL_SSE2_H
 #define QV_KERNELS_LEVEL_SSE2_H
 
-#include <emmintrin.h>
-
 #include "kernels/level/vec128.h"
 
 namespace qv::QV_LEVEL {
@@ -11,10 +9,8 @@ namespace qv::QV_LEVEL {
 constexpr bool kHasByteShuffle = false;
 
 QV_INLINE Vec ReverseBytes(Vec v) {
-  v = _mm_or_si128(_mm_slli_epi16(v, 8), _mm_srli_epi16(v, 8));
-  v = _mm_shufflelo_epi16(v, _MM_SHUFFLE(0, 1, 2, 3));
-  v = _mm_shufflehi_epi16(v, _MM_SHUFFLE(0, 1, 2, 3));
-  return _mm_shuffle_epi32(v, _MM_SHUFFLE(1, 0, 3, 2));
+  v = Or(ShiftLeft16<8>(v), ShiftRight16<8>(v));
+  return ShuffleLanes32<2, 3, 0, 1>(ShuffleHigh16<3, 2, 1, 0>(ShuffleLow16<3, 2, 1, 0>(v)));
 }
 
 }  // namespace qv::QV_LEVEL

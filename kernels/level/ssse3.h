@@ -11,7 +11,7 @@ namespace qv::QV_LEVEL {
 constexpr bool kHasByteShuffle = true;
 
 QV_INLINE Vec ReverseBytes(Vec v) {
-  return _mm_shuffle_epi8(v, _mm_setr_epi8(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0));
+  return ShuffleBytes(v, _mm_setr_epi8(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0));
 }
 
 }  // namespace qv::QV_LEVEL

@@ -2,6 +2,8 @@
 #ifndef QV_KERNELS_LEVEL_VEC128_H
 #define QV_KERNELS_LEVEL_VEC128_H
 
+#include <emmintrin.h>
+
 #define QV_HAS_VECTORS 1
 #define QV_VEC_BITS 128
 #define QV_OP(name) _mm_##name
@@ -19,35 +21,35 @@ constexpr bool kHasMaskedBytes = false;
 constexpr bool kHasFusedMultiply = false;
 constexpr bool kHasGather = false;
 
-template <class Lane> QV_INLINE Vec BuildLanes(Lane lane) { return lane(0); }
+}  // namespace qv::QV_LEVEL
 
-template <class At> QV_INLINE void StoreLanes(Vec v, At at) {
-  _mm_storeu_si128(reinterpret_cast<Vec*>(at(0)), v);
-}
+#include "kernels/level/X86.h"
+
+namespace qv::QV_LEVEL {
+
+template <class Lane> QV_INLINE Vec BuildLanes(Lane lane) { return lane(0); }
 
 template <int> QV_INLINE Vec Lane(Vec v) { return v; }
 QV_INLINE Vec FromLane(Vec v) { return v; }
 QV_INLINE Vec FromLaneAlone(Vec v) { return v; }
 
-QV_INLINE Vec Xor(Vec a, Vec b, Vec c) { return _mm_xor_si128(_mm_xor_si128(a, b), c); }
+QV_INLINE Vec Xor(Vec a, Vec b, Vec c) { return Xor(Xor(a, b), c); }
 
-QV_INLINE Vec PackBytesInOrder(Vec a, Vec b) { return _mm_packus_epi16(a, b); }
+QV_INLINE Vec PackBytesInOrder(Vec a, Vec b) { return PackUnsigned16(a, b); }
 QV_INLINE bool AnyNegative32(Vec v) { return _mm_movemask_ps(_mm_castsi128_ps(v)) != 0; }
 template <int i0, int i1, int i2, int i3> QV_INLINE Vec ShuffleLanes32(Vec v) {
   return _mm_shuffle_epi32(v, i0 + 4 * i1 + 16 * i2 + 64 * i3);
 }
 QV_INLINE Vec HighHalves16(Vec even, Vec odd) {
-  return _mm_or_si128(_mm_srli_epi32(even, 16),
-                      _mm_and_si128(odd, _mm_set1_epi32(static_cast<int>(0xFFFF0000))));
+  return Or(ShiftRight32<16>(even), And(odd, Splat32(-0x10000)));
 }
 
 QV_INLINE void StoreLimited32(void* p, Vec v) {
-  v = _mm_packs_epi32(v, v);
-  const int bits = _mm_cvtsi128_si32(_mm_packus_epi16(v, v));
-  memcpy(p, &bits, sizeof bits);
+  v = PackSigned32(v, v);
+  Store32(p, PackUnsigned16(v, v));
 }
 QV_INLINE void StoreLowBytes32(void* p, Vec v) {
-  StoreLimited32(p, _mm_and_si128(v, _mm_set1_epi32(255)));
+  StoreLimited32(p, And(v, Splat32(255)));
 }
 
 QV_INLINE Vec DealHalves(Vec v) { return v; }
@@ -56,20 +58,14 @@ QV_INLINE Vec HighLaneTwice(Vec v) { return v; }
 QV_INLINE void LanesInTurns(Vec&, Vec&, Vec&) {}
 
 QV_INLINE Vec LoadHalves(const void* low, const void* high) {
-  return _mm_unpacklo_epi64(_mm_loadl_epi64(static_cast<const Vec*>(low)),
-                            _mm_loadl_epi64(static_cast<const Vec*>(high)));
+  return InterleaveLow64(Load64(low), Load64(high));
 }
-QV_INLINE void StoreLowHalf(void* p, Vec v) { _mm_storel_epi64(static_cast<Vec*>(p), v); }
-QV_INLINE Vec LoadBytesAs16(const void* p) {
-  return _mm_unpacklo_epi8(_mm_loadl_epi64(static_cast<const Vec*>(p)), _mm_setzero_si128());
-}
+QV_INLINE void StoreLowHalf(void* p, Vec v) { Store64(p, v); }
+QV_INLINE Vec LoadBytesAs16(const void* p) { return InterleaveLow8(Load64(p), Zero()); }
 QV_INLINE Vec LoadBytesAs32(const void* p) {
-  int bits;
-  memcpy(&bits, p, sizeof bits);
-  const Vec words = _mm_unpacklo_epi8(_mm_cvtsi32_si128(bits), _mm_setzero_si128());
-  return _mm_unpacklo_epi16(words, _mm_setzero_si128());
+  return InterleaveLow16(InterleaveLow8(Load32(p), Zero()), Zero());
 }
-QV_INLINE Vec LoadSplat128(const void* p) { return _mm_loadu_si128(static_cast<const Vec*>(p)); }
+QV_INLINE Vec LoadSplat128(const void* p) { return Load(p); }
 
 }  // namespace qv::QV_LEVEL
 

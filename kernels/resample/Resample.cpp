@@ -335,7 +335,7 @@ void Resampling::RunRoute(int first, int rows, void* scratch) const {
       return NearestRows_8u(src, srcStep, dst, dstStep, &tables, scratch);
     }
     case Route::kHalve: {
-      const auto kernel = channels_ == 1 ? HalveRows_8u_C1 : HalveRows_8u_C3;
+      const ImageKernel& kernel = channels_ == 1 ? HalveRows_8u_C1 : HalveRows_8u_C3;
       kernel(src + static_cast<ptrdiff_t>(down_.first[first]) * srcStep +
                  static_cast<ptrdiff_t>(across_.first[0]) * channels_,
              srcStep, dst, dstStep, {across_.count, rows});
@@ -349,12 +349,13 @@ void Resampling::RunRoute(int first, int rows, void* scratch) const {
       return ResizeLinearRows_8u(src, srcStep, dst, dstStep, &tables, scratch);
     }
     case Route::kTaps: {
-      static constexpr decltype(&FilterRows_8u_C1) kKernels[] = {FilterRows_8u_C1, FilterRows_8u_C2,
-                                                                 FilterRows_8u_C3,
-                                                                 FilterRows_8u_C4};
+      const FilterKernel& kernel = channels_ == 1   ? FilterRows_8u_C1
+                                   : channels_ == 2 ? FilterRows_8u_C2
+                                   : channels_ == 3 ? FilterRows_8u_C3
+                                                    : FilterRows_8u_C4;
       const AxisTaps lines = {rows, down_.taps, down_.first + first,
                               down_.weights + static_cast<ptrdiff_t>(first) * down_.taps};
-      kKernels[channels_ - 1](src, srcStep, {across_, {}}, lines, dst, dstStep, scratch);
+      kernel(src, srcStep, {across_, {}}, lines, dst, dstStep, scratch);
       return;
     }
     case Route::kLong: {

@@ -6,6 +6,7 @@
 
 #include <stddef.h>
 
+#include "dispatch/Dispatched.h"
 #include "qvAcceleratedLib/CqvAccLib.h"
 
 namespace qv {
@@ -50,8 +51,10 @@ unsigned long long LongScratchBytes(const LongTables& tables);
 //   v = (sum over pairs of taps (w[2n] p[2n] + w[2n + 1] p[2n + 1] >> k') + half) >> d
 // where k' = max(0, k - 8) and d = 14 + k - k' - 6; an odd count has a last tap alone. Then along
 // x, from values with k' = max(0, k - 1) and d = 14 + k - k' + 6, limited to a byte.
-IppStatus LongRows_8u(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
-                      const LongTables* tables, void* scratch);
+extern QV_HIDDEN const Dispatched<IppStatus(const unsigned char* src, int srcStep,
+                                            unsigned char* dst, int dstStep,
+                                            const LongTables* tables, void* scratch)>
+    LongRows_8u;
 
 // Weights in single precision, `taps` a sample.
 struct FloatTaps {
@@ -73,14 +76,17 @@ unsigned long long WeightedScratchBytes(const WeightedTables& tables);
 // y, each sum in the order of its taps and every operation rounded to single precision:
 //   alpha = A + 0.5, truncated and limited to a byte;
 //   colour = C / A + 0.5, the same; 0 where that alpha is 0.
-IppStatus WeightedRows_8u_C4(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
-                             const WeightedTables* tables, void* scratch);
+extern QV_HIDDEN const Dispatched<IppStatus(const unsigned char* src, int srcStep,
+                                            unsigned char* dst, int dstStep,
+                                            const WeightedTables* tables, void* scratch)>
+    WeightedRows_8u_C4;
 
 // Limits the first three bytes of each pixel to the fourth.
-IppStatus LimitToAlpha_8u_C4(unsigned char* srcDst, int srcDstStep, IppiSize size);
+extern QV_HIDDEN const Dispatched<IppStatus(unsigned char* srcDst, int srcDstStep, IppiSize size)>
+    LimitToAlpha_8u_C4;
 
 // Whether the fourth bytes of all pixels are 255.
-bool IsOpaque_8u_C4(const unsigned char* row, ptrdiff_t pixels);
+extern QV_HIDDEN const Dispatched<bool(const unsigned char* row, ptrdiff_t pixels)> IsOpaque_8u_C4;
 
 }  // namespace qv
 

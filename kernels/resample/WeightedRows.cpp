@@ -3,8 +3,8 @@
 // An alpha that is written is at least half a unit, and what C and A of it err by is some 2^-23 of
 // the largest terms, 255 * 255 and 255, for each tap: a colour errs by less than a hundredth of a
 // unit even where terms of both signs leave that little of them.
-#include "kernels/level/Floats.h"
 #include "kernels/level/Level.h"
+#include "kernels/level/PlainFloats.h"
 #include "kernels/resample/ResampleRows.h"
 
 namespace qv::QV_LEVEL {
@@ -116,10 +116,8 @@ QV_INLINE Vec LimitColours(Vec pixels) {
 
 #else
 
-// Sums are assigned one by one: where registers are longer than a float, that rounds them.
 QV_INLINE void AddProduct(float weight, float value, float* sum) {
-  const float product = weight * value;
-  *sum = *sum + product;
+  *sum = RoundToFloat(*sum + RoundToFloat(weight * value));
 }
 
 // A source row as C and A, and each destination pixel's sums of them.
@@ -138,14 +136,14 @@ void FilterAcross(const Byte* row, NamedPixels named, const FloatTaps& x, int wi
 }
 
 Byte ToByte(float x) {
-  const float half = x + 0.5f;
+  const float half = RoundToFloat(x + 0.5f);
   return half < 255 ? (half > 0 ? static_cast<Byte>(half) : Byte{0}) : Byte{255};
 }
 
 void PlainPixel(const float* sums, Byte* dst) {
   dst[3] = ToByte(sums[3]);
   for (int c = 0; c < 3; ++c) {
-    const float quotient = sums[c] / sums[3];
+    const float quotient = RoundToFloat(sums[c] / sums[3]);
     dst[c] = dst[3] == 0 ? Byte{0} : ToByte(quotient);
   }
 }

@@ -10,6 +10,7 @@
 
 #include <stddef.h>
 
+#include "dispatch/Dispatched.h"
 #include "kernels/resize/AxisTaps.h"
 #include "qvAcceleratedLib/CqvAccLib.h"
 
@@ -18,10 +19,7 @@ namespace qv {
 // Area averaging by exactly two on both axes, with the bytes that the filter writes for it:
 // dst[x, y] = (src[2x, 2y] + src[2x + 1, 2y] + src[2x, 2y + 1] + src[2x + 1, 2y + 1] + 2) >> 2.
 // `size` is the destination's.
-IppStatus HalveRows_8u_C1(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
-                          IppiSize size);
-IppStatus HalveRows_8u_C3(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
-                          IppiSize size);
+extern QV_HIDDEN const ImageKernel HalveRows_8u_C1, HalveRows_8u_C3;
 
 // How the samples of a row are interleaved.
 enum class RowLayout { kGray, kTwos, kTriples, kFours, kPairs422 };
@@ -45,24 +43,17 @@ long long AreaScratchBytes(RowLayout layout, const AreaColumns& x, const AxisSpa
 
 // dst = sum over both axes of weight * src, rounded and limited to a byte. At most kMaxTaps taps an
 // axis, and weights within kMostWeight and kLeastWeight.
-IppStatus FilterRows_8u_C1(const unsigned char* src, int srcStep, const FilterColumns& x,
-                           const AxisTaps& y, unsigned char* dst, int dstStep, void* scratch);
-IppStatus FilterRows_8u_C2(const unsigned char* src, int srcStep, const FilterColumns& x,
-                           const AxisTaps& y, unsigned char* dst, int dstStep, void* scratch);
-IppStatus FilterRows_8u_C3(const unsigned char* src, int srcStep, const FilterColumns& x,
-                           const AxisTaps& y, unsigned char* dst, int dstStep, void* scratch);
-IppStatus FilterRows_8u_C4(const unsigned char* src, int srcStep, const FilterColumns& x,
-                           const AxisTaps& y, unsigned char* dst, int dstStep, void* scratch);
-IppStatus FilterRows422_8u_C2(const unsigned char* src, int srcStep, const FilterColumns& x,
-                              const AxisTaps& y, unsigned char* dst, int dstStep, void* scratch);
+using FilterKernel = Dispatched<IppStatus(
+    const unsigned char* src, int srcStep, const FilterColumns& x, const AxisTaps& y,
+    unsigned char* dst, int dstStep, void* scratch)>;
+extern QV_HIDDEN const FilterKernel FilterRows_8u_C1, FilterRows_8u_C2, FilterRows_8u_C3,
+    FilterRows_8u_C4, FilterRows422_8u_C2;
 
 // dst = mean of src over the spans of both axes, rounded.
-IppStatus AreaRows_8u_C1(const unsigned char* src, int srcStep, const AreaColumns& x,
-                         const AxisSpans& y, unsigned char* dst, int dstStep, void* scratch);
-IppStatus AreaRows_8u_C3(const unsigned char* src, int srcStep, const AreaColumns& x,
-                         const AxisSpans& y, unsigned char* dst, int dstStep, void* scratch);
-IppStatus AreaRows422_8u_C2(const unsigned char* src, int srcStep, const AreaColumns& x,
-                            const AxisSpans& y, unsigned char* dst, int dstStep, void* scratch);
+using AreaKernel = Dispatched<IppStatus(
+    const unsigned char* src, int srcStep, const AreaColumns& x, const AxisSpans& y,
+    unsigned char* dst, int dstStep, void* scratch)>;
+extern QV_HIDDEN const AreaKernel AreaRows_8u_C1, AreaRows_8u_C3, AreaRows422_8u_C2;
 
 // The components of a row: component k has its first sample at byte `offset` of a row and the next
 // ones `stride` bytes further. Always inlined, like the next function: row sources of several

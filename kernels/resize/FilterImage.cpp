@@ -34,18 +34,14 @@ WorkLayout BytesLayout(long long bytes) {
 }
 
 // The kernel of the task's layout.
-template <class Columns, class Rows>
-using FilterKernel = IppStatus(const unsigned char* src, int srcStep, const Columns& x,
-                               const Rows& y, unsigned char* dst, int dstStep, void* scratch);
-template <class Columns, class Rows>
+template <class Kernel, class Columns, class Rows>
 IppStatus Run(const FilterTask& task, const Columns& x, const Rows& y, long long scratchBytes,
-              FilterKernel<Columns, Rows>* gray, FilterKernel<Columns, Rows>* triples,
-              FilterKernel<Columns, Rows>* pairs) {
+              const Kernel& gray, const Kernel& triples, const Kernel& pairs) {
   const WorkMemory scratch(BytesLayout(scratchBytes));
   if (!scratch) return StatusMemAllocErr;
-  const auto kernel = task.layout == RowLayout::kGray      ? gray
-                      : task.layout == RowLayout::kTriples ? triples
-                                                           : pairs;
+  const Kernel& kernel = task.layout == RowLayout::kGray      ? gray
+                         : task.layout == RowLayout::kTriples ? triples
+                                                              : pairs;
   return kernel(task.src, task.srcStep, x, y, task.dst, task.dstStep, scratch.At<char>(0));
 }
 

@@ -58,23 +58,30 @@ class GatherPlan {
   }
 
   // The lowest byte of each lane. Returns how far the highest one of any lies from its lowest. The
-  // offsets of a component rise, and the components take turns of at most kTurn bytes; only past the
-  // last byte they do not.
+  // offsets of a component rise, and the components take turns of at most kTurn bytes, but not in
+  // what fills up the last vector.
   int FillLowest() const {
     int widest = 0;
     for (ptrdiff_t n = 0; n < vectors_ * lanes_; ++n) {
       const int* const o = OffsetsOf(n);
-      const int turn = o + kLaneBytes <= picks_.offset + picks_.count ? kTurn : kLaneBytes;
-      const int* const last = o + kLaneBytes - turn;
-      int low = o[0], high = last[0];
-      for (int k = 1; k < turn; ++k) {
-        low = o[k] < low ? o[k] : low;
-        high = last[k] > high ? last[k] : high;
-      }
-      at_[n] = low;
-      if (high - low > widest) widest = high - low;
+      const bool isFull = o + kLaneBytes <= picks_.offset + picks_.count;
+      const int width = isFull ? Reach<kTurn>(o, &at_[n]) : Reach<kLaneBytes>(o, &at_[n]);
+      if (width > widest) widest = width;
     }
     return widest;
+  }
+
+  // From the lowest of the first kCount offsets of a lane to the highest of the last ones.
+  template <int kCount>
+  static int Reach(const int* o, int* lowest) {
+    const int* const last = o + kLaneBytes - kCount;
+    int low = o[0], high = last[0];
+    for (int k = 1; k < kCount; ++k) {
+      low = o[k] < low ? o[k] : low;
+      high = last[k] > high ? last[k] : high;
+    }
+    *lowest = low;
+    return high - low;
   }
 
   void FillPermute(ptrdiff_t lane) const {
@@ -84,16 +91,21 @@ class GatherPlan {
     for (int k = 0; k < kLaneBytes; ++k) index[k] = static_cast<unsigned char>(o[k] - base);
   }
 
-  // Load by load the position within it, or what clears the byte.
+  // Load by load the position within it, or what clears the byte: a top bit, which is set below 0
+  // and above the lane's last byte. Positions are below kMaxLoads * kLaneBytes, so bytes hold them.
   void FillShuffles(ptrdiff_t lane, int loads) const {
     const int* const o = OffsetsOf(lane);
+    const int base = at_[lane];
     unsigned char* index = index_ + (lane / lanes_ * loads * lanes_ + lane % lanes_) * kLaneBytes;
+    // In memory of their own, so that the compiler works on all bytes at once.
+    unsigned char position[kLaneBytes], shuffle[kLaneBytes];
+    for (int k = 0; k < kLaneBytes; ++k) position[k] = static_cast<unsigned char>(o[k] - base);
     for (int l = 0; l < loads; ++l, index += shape_.vectorBytes) {
-      const int base = at_[lane] + l * kLaneBytes;
       for (int k = 0; k < kLaneBytes; ++k) {
-        const auto position = static_cast<unsigned char>(o[k] - base);
-        index[k] = position < kLaneBytes ? position : 0x80;
+        const int p = position[k] - l * kLaneBytes;
+        shuffle[k] = static_cast<unsigned char>(p | ((kLaneBytes - 1 - p) & 0x80));
       }
+      memcpy(index, shuffle, kLaneBytes);
     }
   }
 
@@ -132,14 +144,22 @@ void FillOffsets(const NearestTables& t, int* offset) {
 // row.
 void FillPairs(const LinearTables& t, ptrdiff_t readable, int* offset,
                unsigned short* twiceWeight) {
-  ForEachValue(t, [&](ptrdiff_t k, LinearSides s) {
+  const auto fill = [=](ptrdiff_t k, LinearSides s, int count) {
     const bool onRight = s.weight == kWeightOne;
     const int first = onRight ? s.right : s.left;
-    const int second = first + s.right - s.left;
-    offset[2 * k] = first;
-    offset[2 * k + 1] = second < readable ? second : first;
-    twiceWeight[k] = static_cast<unsigned short>(onRight ? 0 : 2 * s.weight);
-  });
+    const int next = first + s.right - s.left, second = next < readable ? next : first;
+    for (int c = 0; c < count; ++c) {
+      offset[2 * (k + c)] = first + c;
+      offset[2 * (k + c) + 1] = second + c;
+      twiceWeight[k + c] = static_cast<unsigned short>(onRight ? 0 : 2 * s.weight);
+    }
+  };
+  if (t.channels == 2) {
+    ForEachValue(t, [=](ptrdiff_t k, LinearSides s) { fill(k, s, 1); });
+  } else {
+    const int stride = t.pixelStride;
+    for (ptrdiff_t j = 0; j < t.width; ++j) fill(j * stride, SidesOf(t.x, j, stride, 0), stride);
+  }
 }
 
 }  // namespace

@@ -35,7 +35,7 @@ struct ByteGather {
 struct LinearGather {
   ByteGather pairs;
   ptrdiff_t vectors;                  // of pairs
-  ptrdiff_t bare;                     // the first ones of these that are the row's bytes as they are
+  ptrdiff_t bare;                     // of these, the first that are the row's bytes as they are
   const unsigned short* twiceWeight;  // of each value's second byte, below 2^15
 };
 

@@ -160,8 +160,11 @@ static ptrdiff_t LinearStrips(ptrdiff_t vectors, int loads) {
 // False if shuffles do not serve this resize.
 static bool ShuffledRows(const Byte* src, int srcStep, const LinearTables& t, const Blender& blend,
                          Value* first, Value* second, Byte* work) {
-  const auto [g, vectors, plain, twiceWeight] = PlanLinearGather(t, kGatherShape, work);
+  const LinearGather plan = PlanLinearGather(t, kGatherShape, work);
+  const ByteGather g = plan.pairs;
   if (g.loads == 0) return false;
+  const ptrdiff_t vectors = plan.vectors, plain = plan.bare;
+  const Value* const twiceWeight = plan.twiceWeight;
   const ptrdiff_t bytes = ptrdiff_t{t.width} * t.pixelStride;
   const ptrdiff_t strips = LinearStrips(vectors, g.loads);
   const int lastRow = t.y.first[t.height - 1] + t.y.neighbour;

@@ -6,6 +6,8 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#include "dispatch/Dispatched.h"
+
 namespace qv {
 
 // Which source sample each destination column and row takes; both rise.
@@ -37,8 +39,8 @@ struct LinearTables {
 
 constexpr int kWeightOne = 16384;
 
-// A fourth byte of pixels that is interpolated with the others, but not stored. Always inlined, like
-// the next functions: row sources of several levels share this header.
+// A fourth byte of pixels that is interpolated with the others, but not stored. Always inlined,
+// like the next functions: row sources of several levels share this header.
 __attribute__((always_inline)) inline bool DropsFourth(const LinearTables& t) {
   return t.channels == 3 && t.pixelStride == 4;
 }
@@ -79,8 +81,9 @@ __attribute__((always_inline)) inline void ForEachValue(const LinearTables& t, E
 constexpr uint64_t RowsWorkBytes(uint64_t rowBytes) { return 24 * (rowBytes + 128); }
 
 // dst pixel (i, j) = src pixel (y[i], x[j]).
-void NearestRows_8u(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
-                    const NearestTables* tables, void* work);
+extern QV_HIDDEN const Dispatched<void(
+    const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
+    const NearestTables* tables, void* work)> NearestRows_8u;
 
 // With p0, p1 a channel's bytes in the left and the right source column and w = xWeight[j], a
 // source row becomes h = (p1 * w + p0 * (16384 - w) + 128) >> 8, a value with 6 fractional bits;
@@ -88,8 +91,9 @@ void NearestRows_8u(const unsigned char* src, int srcStep, unsigned char* dst, i
 // byte is (d * w + u * (16384 - w) + 524288) >> 20. Each source row is interpolated once. Of
 // four-byte pixels with three channels the fourth byte of the destination is not stored to; whole
 // pixels of the source are read. Nothing is checked.
-void ResizeLinearRows_8u(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
-                         const LinearTables* tables, void* work);
+extern QV_HIDDEN const Dispatched<void(
+    const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
+    const LinearTables* tables, void* work)> ResizeLinearRows_8u;
 
 }  // namespace qv
 

@@ -6,7 +6,7 @@ using namespace qv::test;
 
 namespace {
 
-void CheckChecksum(Case& c, decltype(Crc32_8u)* kernel) {
+void CheckChecksum(Case& c, const ChecksumKernel& kernel) {
   const IppiSize size = c.Size();
   // Lengths around the blocks and unrolled loops, and now and then many blocks.
   const int length = c.IsBench()             ? size.width * size.height

@@ -6,7 +6,7 @@ using namespace qv::test;
 
 namespace {
 
-void CheckAlphaComp(Case& c, decltype(AlphaCompC_8u_C1)* kernel, int pixel) {
+void CheckAlphaComp(Case& c, const AlphaCompKernel& kernel, int pixel) {
   const IppiSize size = c.Size();
   const std::ptrdiff_t bytes = std::ptrdiff_t{size.width} * pixel;
   Image a = c.Source(bytes, size.height);
@@ -24,7 +24,7 @@ void CheckAlphaComp(Case& c, decltype(AlphaCompC_8u_C1)* kernel, int pixel) {
   });
 }
 
-void CheckMergePlus(Case& c, decltype(MergeAlphaPlus_8u_C1)* kernel, int pixel) {
+void CheckMergePlus(Case& c, const MergePlusKernel& kernel, int pixel) {
   const IppiSize size = c.Size();
   const std::ptrdiff_t bytes = std::ptrdiff_t{size.width} * pixel;
   const Image dst = c.Destination(bytes, size.height);

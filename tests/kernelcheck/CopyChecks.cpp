@@ -6,20 +6,18 @@ using namespace qv::test;
 
 namespace {
 
-using CopyKernel = decltype(CopyRows_8u_C1);
-
-void CheckCopy(Case& c, CopyKernel* kernel, int srcPixel, int dstPixel) {
+void CheckCopy(Case& c, const ImageKernel& kernel, int srcPixel, int dstPixel) {
   const IppiSize size = c.Size();
   const Image src = c.Source(std::ptrdiff_t{size.width} * srcPixel, size.height);
   // The last byte that may be touched is the last one stored, not the end of the last pixel.
   const std::ptrdiff_t stored = std::ptrdiff_t{size.width} * dstPixel -
-                                (kernel == CopyChannel_8u_C1C3 ? 2
-                                 : kernel == CopyKeepAlpha_8u_C3AC4 ? 1 : 0);
+                                (&kernel == &CopyChannel_8u_C1C3 ? 2
+                                 : &kernel == &CopyKeepAlpha_8u_C3AC4 ? 1 : 0);
   const Image dst = c.Destination(stored, size.height);
   c.Compare([=] { return kernel(src.data, src.step, dst.data, dst.step, size); });
 }
 
-void CheckMirror(Case& c, decltype(Mirror_8u_C1)* kernel, int pixel) {
+void CheckMirror(Case& c, const MirrorKernel& kernel, int pixel) {
   const IppiSize size = c.Size();
   const Image src = c.Source(std::ptrdiff_t{size.width} * pixel, size.height);
   const Image dst = c.Destination(std::ptrdiff_t{size.width} * pixel, size.height);

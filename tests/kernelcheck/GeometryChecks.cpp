@@ -43,7 +43,7 @@ void CheckWarp(Case& c, int channels) {
   });
 }
 
-void CheckTranspose(Case& c, decltype(Transpose_8u_C1)* kernel, int channels) {
+void CheckTranspose(Case& c, const TransposeKernel& kernel, int channels) {
   IppiSize size = c.Size();
   if (!c.IsBench() && size.height < 1000 && size.width < 1000)
     size.height += c.random.Between(0, 90);

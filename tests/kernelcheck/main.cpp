@@ -78,7 +78,6 @@ bool EveryKernelIsChecked() {
     all = false;                                                                           \
   }
 #include "kernels/Kernels.def"
-#undef QV_KERNEL
   return all;
 }
 

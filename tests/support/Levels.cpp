@@ -1,5 +1,8 @@
 #include "tests/support/Levels.h"
 
+#include <algorithm>
+
+#include "dispatch/Levels.h"
 #include "dispatch/VariantIndex.h"
 #include "qvAcceleratedLib/BandTeam.h"
 #include "qvAcceleratedLib/FloatEnvironment.h"
@@ -34,13 +37,15 @@ const FloatEnvironment kEnvironment;
 
 const std::vector<Level>& BuiltLevels() {
   static const std::vector<Level> levels = [] {
-    // A level uses no carry-less multiplication that the machine lacks.
-    const int folding = kMachine.carrylessLevel;
-    return std::vector<Level>{{"generic", 0, 0, 0},
-                              {"sse2", 2, 0, 0},
-                              {"ssse3", 4, 0, folding > 0 ? 1 : 0},
-                              {"avx2", 4, 1, folding > 0 ? 1 : 0},
-                              {"avx512", 4, 2, folding}};
+    std::vector<Level> built;
+    for (const LevelInfo& level : kLevels) {
+      if (!BuiltLevelSet().Has(level.id)) continue;
+      // A level uses no carry-less multiplication that the machine or the level lacks.
+      const int folding = level.slot < 4 ? 0 : level.wide < 2 ? 1 : 2;
+      built.push_back({level.name, level.slot, level.wide,
+                       std::min(folding, kMachine.carrylessLevel)});
+    }
+    return built;
   }();
   return levels;
 }

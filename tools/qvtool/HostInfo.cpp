@@ -14,10 +14,8 @@ namespace qvtool {
 namespace {
 
 constexpr KernelLevels kKernels[] = {
-#define QV_KERNEL(name, generic, sse2, ssse3, avx2, avx512) \
-  {#name, {#generic, #sse2, #ssse3, #avx2, #avx512}},
+#define QV_KERNEL(name, ...) {#name, QV_LEVEL_SET(__VA_ARGS__)},
 #include "kernels/Kernels.def"
-#undef QV_KERNEL
 };
 
 std::string ClassName(int cpuCode) {
@@ -81,7 +79,6 @@ int AffinityProcessors() {
 
 HostInfo DescribeHost() {
   constexpr const char* kVariants[] = {"generic", "SSE", "SSE2", "SSE3", "SSSE3"};
-  constexpr const char* kWides[] = {"none", "AVX2", "AVX-512"};
   constexpr const char* kCarryless[] = {"none", "16-byte vectors", "64-byte vectors"};
 
   HostInfo host;
@@ -91,13 +88,11 @@ HostInfo DescribeHost() {
   host.variantIndex = qv::VariantIndex;
   host.variant = kVariants[host.variantIndex];
   host.wideLevel = qv::WideLevel;
-  host.wide = kWides[host.wideLevel];
   host.carrylessLevel = qv::CarrylessLevel;
   host.carryless = kCarryless[host.carrylessLevel];
   host.threadBudget = CountBands();
   host.processors = AffinityProcessors();
-  constexpr int kBuiltOfVariant[] = {0, 0, 1, 1, 2};
-  host.builtLevel = kBuiltOfVariant[host.variantIndex] + host.wideLevel;
+  host.level = qv::ServingLevel(qv::BuiltLevelSet(), host.variantIndex, host.wideLevel);
   return host;
 }
 

@@ -6,12 +6,9 @@
 #include <span>
 #include <string>
 
-namespace qvtool {
+#include "dispatch/Levels.h"
 
-// The levels that rows are built for.
-inline constexpr int kBuiltLevels = 5;
-inline constexpr const char* kLevelNames[kBuiltLevels] = {"generic", "sse2", "ssse3", "avx2",
-                                                          "avx512"};
+namespace qvtool {
 
 struct HostInfo {
   int cpuCode;
@@ -19,20 +16,19 @@ struct HostInfo {
   int variantIndex;
   std::string variant;
   int wideLevel;
-  std::string wide;
   int carrylessLevel;
   std::string carryless;
   int threadBudget;
   int processors;  // in this process's affinity mask; 0 if that is not known
-  int builtLevel;  // the level that kernels run at here, an index into kLevelNames
+  qv::LevelId level;  // the highest one that kernels run at here
 };
 
 HostInfo DescribeHost();
 
-// For every built level, the name of the level whose rows serve it.
+// The levels that have rows of their own for a kernel.
 struct KernelLevels {
   const char* name;
-  const char* level[kBuiltLevels];
+  qv::LevelSet own;
 };
 
 std::span<const KernelLevels> AllKernels();

@@ -1,6 +1,5 @@
 // qvtool info: what this processor gets, or what a file holds.
 #include <cstdio>
-#include <cstring>
 
 #include "Command.h"
 #include "HostInfo.h"
@@ -14,8 +13,9 @@ void PrintHost() {
   std::printf("version          %s\n", QVACCELERATEDLIB_VERSION);
   std::printf("processor        class 0x%x: %s\n", host.cpuCode, host.cpuClass.c_str());
   std::printf("variant          %d (%s)\n", host.variantIndex, host.variant.c_str());
-  std::printf("wide level       %d (%s)\n", host.wideLevel, host.wide.c_str());
+  std::printf("wide level       %d\n", host.wideLevel);
   std::printf("carry-less level %d (%s)\n", host.carrylessLevel, host.carryless.c_str());
+  std::printf("built level      %s\n", qv::InfoOf(host.level).name);
   std::printf("thread budget    %d", host.threadBudget);
   if (host.processors > 0)
     std::printf(" (%d in the affinity mask%s)", host.processors,
@@ -23,19 +23,20 @@ void PrintHost() {
   std::printf("\n");
   std::printf(
       "\nRows of each kernel that are written for a level; '-' uses those of the next lower one,\n"
-      "[ ] marks what this processor runs.\n\n%-26s",
+      "[ ] marks what this processor runs.\n\n%-30s",
       "");
-  for (const char* level : kLevelNames) std::printf(" %-9s", level);
+  const qv::LevelSet built = qv::BuiltLevelSet();
+  for (const qv::LevelInfo& level : qv::kLevels)
+    if (built.Has(level.id)) std::printf(" %-9s", level.name);
   std::printf("\n");
   for (const KernelLevels& kernel : AllKernels()) {
-    std::printf("%-26s", kernel.name);
-    // A built level serves itself, or else repeats the name of a lower one.
-    const char* running = kernel.level[host.builtLevel];
-    for (int i = 0; i < kBuiltLevels; ++i) {
-      const bool own = std::strcmp(kernel.level[i], kLevelNames[i]) == 0;
-      const bool here = own && std::strcmp(running, kLevelNames[i]) == 0;
-      std::printf(" %-9s", here ? "[own]" : own ? "own" : "-");
-    }
+    std::printf("%-30s", kernel.name);
+    const qv::LevelId running =
+        qv::ServingLevel(kernel.own & built, host.variantIndex, host.wideLevel);
+    for (const qv::LevelInfo& level : qv::kLevels)
+      if (built.Has(level.id))
+        std::printf(" %-9s", level.id == running         ? "[own]"
+                             : kernel.own.Has(level.id) ? "own" : "-");
     std::printf("\n");
   }
 }

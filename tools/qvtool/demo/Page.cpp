@@ -138,13 +138,12 @@ std::string Page::Summary() const {
 
 std::string Page::Chips() const {
   const HostInfo host = DescribeHost();
-  const std::string level = host.wideLevel > 0 ? host.wide : host.variant;
   std::string text;
   const auto add = [&](const std::string& label, const std::string& value) {
     text += "<li><span>" + label + "</span> " + Escape(value) + "</li>";
   };
   add("Frame", scene_.about);
-  add("Level", level);
+  add("Level", qv::InfoOf(host.level).name);
   add("Threads", std::to_string(host.threadBudget));
   add("Processor", host.cpuClass);
   add("Version", QVACCELERATEDLIB_VERSION);

@@ -1,11 +1,7 @@
 // Single-precision vectors, one value in each 32-bit lane, and what their lanes need as integers.
-// Every operation is rounded by itself, but for the fused ones.
-#ifndef QV_KERNELS_LEVEL_FLOATS_H
-#define QV_KERNELS_LEVEL_FLOATS_H
-
-#include "kernels/level/Level.h"
-
-#if QV_HAS_VECTORS
+// Every operation is rounded by itself.
+#ifndef QV_KERNELS_LEVEL_X86FLOATS_H
+#define QV_KERNELS_LEVEL_X86FLOATS_H
 
 namespace qv::QV_LEVEL {
 
@@ -35,17 +31,11 @@ QV_INLINE Floats128 MulFloat(Floats128 a, Floats128 b) { return _mm_mul_ps(a, b)
 QV_INLINE Floats AsFloats(Vec v) { return reinterpret_cast<Floats>(v); }
 QV_INLINE Vec AsInts(Floats x) { return reinterpret_cast<Vec>(x); }
 
-// kHasFusedMultiply. a * b + c and c - a * b, rounded once.
-Floats FusedMulAdd(Floats a, Floats b, Floats c);
-Floats FusedNegMulAdd(Floats a, Floats b, Floats c);
-
 // Within each 128-bit lane, lanes i0 to i3 of it in this order.
 template <int i0, int i1, int i2, int i3> QV_INLINE Floats ShuffleFloats(Floats x) {
   return QV_OP(shuffle_ps)(x, x, i0 + 4 * i1 + 16 * i2 + 64 * i3);
 }
 
 }  // namespace qv::QV_LEVEL
-
-#endif  // QV_HAS_VECTORS
 
 #endif

@@ -1,4 +1,4 @@
-// The operations that are the same intrinsics at every width, for one vector type. Vectors.h
+// The operations that are the same intrinsics at every width, for one vector type. X86.h
 // includes this for Vec128 and, where that is another type, for Vec: both have the same words.
 //
 // QV_V is the type, QV_V_FLOATS that of single-precision vectors of its width; QV_V_OP(add_epi8) is
