@@ -16,17 +16,6 @@ QV_INLINE Floats ToFloats(Vec x) { return QV_OP(cvtepi32_ps)(x); }
 QV_INLINE Vec NearestInts(Floats x) { return QV_OP(cvtps_epi32)(x); }
 QV_INLINE Vec TruncatedInts(Floats x) { return QV_OP(cvttps_epi32)(x); }
 
-// Four of them at every width.
-using Floats128 = __m128;
-QV_INLINE Floats128 LoadFloats128(const float* p) { return _mm_loadu_ps(p); }
-QV_INLINE void StoreFloats128(float* p, Floats128 x) { _mm_storeu_ps(p, x); }
-QV_INLINE Floats128 SplatFloat128(float x) { return _mm_set1_ps(x); }
-QV_INLINE Floats128 ToFloats128(Vec128 x) { return _mm_cvtepi32_ps(x); }
-#if QV_VEC_BITS > 128
-QV_INLINE Floats128 AddFloat(Floats128 a, Floats128 b) { return _mm_add_ps(a, b); }
-QV_INLINE Floats128 MulFloat(Floats128 a, Floats128 b) { return _mm_mul_ps(a, b); }
-#endif
-
 // The bits as they are.
 QV_INLINE Floats AsFloats(Vec v) { return reinterpret_cast<Floats>(v); }
 QV_INLINE Vec AsInts(Floats x) { return reinterpret_cast<Vec>(x); }

@@ -68,7 +68,10 @@ struct WeightedTables {
   FloatTaps x, y;
 };
 
-// Bytes of scratch memory, aligned to 64: a source row and the ring of filtered ones.
+// Source rows that a level filters along x at once.
+constexpr int kMostRows = 4;
+
+// Bytes of scratch memory, aligned to 64: some source rows and the ring of filtered ones.
 unsigned long long WeightedScratchBytes(const WeightedTables& tables);
 
 // Four-byte pixels whose colours are weighted by their alpha, the fourth byte. With c a colour and

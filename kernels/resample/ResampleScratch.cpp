@@ -13,7 +13,7 @@ unsigned long long LongScratchBytes(const LongTables& t) {
 unsigned long long WeightedScratchBytes(const WeightedTables& t) {
   const long long pixels = NamedBy(t.x.first, t.width, t.x.taps).count;
   return static_cast<unsigned long long>(
-      16 * (PaddedLine(pixels) + PaddedLine(t.width) * t.y.taps));
+      16 * (kMostRows * PaddedLine(pixels) + PaddedLine(t.width) * (t.y.taps + kMostRows - 1)));
 }
 
 }  // namespace qv

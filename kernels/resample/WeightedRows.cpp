@@ -22,49 +22,78 @@ struct Ring {
 
 #if QV_HAS_VECTORS
 
-// C and A of a source row, four pixels at a time; `row` may be read, and `line` written, up to
-// three pixels on.
-QV_INLINE void WeightFour(const Byte* row, float* line) {
-  static constexpr short kColours[8] = {-1, -1, -1, 0, -1, -1, -1, 0};
-  static constexpr short kAlphas[8] = {0, 0, 0, 1, 0, 0, 0, 1};
-  const Vec128 colours = Load128(kColours), alphas = Load128(kAlphas), zero = FromBits32(0);
-  const Vec128 pixels = Load128(row), alpha = ShiftRight32<24>(pixels);
-  const Vec128 twice = Or(alpha, ShiftLeft32<16>(alpha));
-  // Two pixels: their bytes times alpha, or times 1.
-  const auto weigh = [&](Vec128 words, Vec128 factors, float* to) QV_INLINE_LAMBDA {
-    const Vec128 products = MulLow16(words, Or(And(factors, colours), alphas));
-    StoreFloats128(to, ToFloats128(InterleaveLow16(products, zero)));
-    StoreFloats128(to + 4, ToFloats128(InterleaveHigh16(products, zero)));
-  };
-  weigh(InterleaveLow8(pixels, zero), InterleaveLow32(twice, twice), line);
-  weigh(InterleaveHigh8(pixels, zero), InterleaveHigh32(twice, twice), line + 8);
+// Source rows go through the filter along x side by side, each in a 128-bit lane of its own.
+constexpr int kRows = kLanes128;
+static_assert(kRows <= kMostRows);
+
+// A mask of the last 32 bits of each lane.
+constexpr ByteTable kIsAlpha = MakeByteTable([](int i) { return i % 16 < 12 ? 0 : 255; });
+
+// Four pixels of each row, pixel by pixel.
+QV_INLINE void MixPixels(const Byte* const* rows, ptrdiff_t at, Byte* mixed) {
+  Vec128 v[kRows];
+  for (int r = 0; r < kRows; ++r) v[r] = Load128(rows[r] + at);
+  if constexpr (kRows == 1) {
+    Store128(mixed, v[0]);
+  } else if constexpr (kRows == 2) {
+    Store128(mixed, InterleaveLow32(v[0], v[1]));
+    Store128(mixed + 16, InterleaveHigh32(v[0], v[1]));
+  } else {
+    const Vec128 a = InterleaveLow32(v[0], v[1]), b = InterleaveLow32(v[2], v[3]);
+    const Vec128 c = InterleaveHigh32(v[0], v[1]), d = InterleaveHigh32(v[2], v[3]);
+    Store128(mixed, InterleaveLow64(a, b));
+    Store128(mixed + 16, InterleaveHigh64(a, b));
+    Store128(mixed + 32, InterleaveLow64(c, d));
+    Store128(mixed + 48, InterleaveHigh64(c, d));
+  }
 }
 
-void WeightColours(const Byte* row, ptrdiff_t pixels, float* line) {
+// C and A of four pixels.
+QV_INLINE void WeightFour(const Byte* const* rows, ptrdiff_t at, float* line) {
+  Byte mixed[16 * kRows];
+  MixPixels(rows, at, mixed);
+  for (int k = 0; k < 4; ++k) {
+    const Floats values = ToFloats(LoadBytesAs32(mixed + 4 * kRows * k));
+    const Vec alphas = AsInts(ShuffleFloats<3, 3, 3, 3>(values));
+    const Vec factors = Select(Load(kIsAlpha.b), AsInts(SplatFloat(1)), alphas);
+    Store(line + kLanes32 * k, AsInts(MulFloat(values, AsFloats(factors))));
+  }
+}
+
+void WeightColours(const Byte* const* rows, ptrdiff_t pixels, float* line) {
   ptrdiff_t j = 0;
-  for (; j + 4 <= pixels; j += 4) WeightFour(row + 4 * j, line + 4 * j);
+  for (; j + 4 <= pixels; j += 4) WeightFour(rows, 4 * j, line + kLanes32 * j);
   if (j == pixels) return;
-  Byte last[16] = {};
-  memcpy(last, row + 4 * j, static_cast<size_t>(4 * (pixels - j)));
-  WeightFour(last, line + 4 * j);
+  Byte copies[kRows][16] = {};
+  const Byte* last[kRows];
+  for (int r = 0; r < kRows; ++r) {
+    memcpy(copies[r], rows[r] + 4 * j, static_cast<size_t>(4 * (pixels - j)));
+    last[r] = copies[r];
+  }
+  WeightFour(last, 0, line + kLanes32 * j);
 }
 
-void FilterAcross(const Byte* row, NamedPixels named, const FloatTaps& x, int width, float* line,
-                  float* out) {
-  WeightColours(row, named.count, line);
+void FilterAcross(const Byte* const* rows, NamedPixels named, const FloatTaps& x, int width,
+                  float* line, float* const* out) {
+  WeightColours(rows, named.count, line);
   for (ptrdiff_t j = 0; j < width; ++j) {
-    const float* const from = line + 4 * ptrdiff_t{x.first[j] - named.first};
+    const float* const from = line + kLanes32 * ptrdiff_t{x.first[j] - named.first};
     const float* const weights = x.weights + j * x.taps;
-    Floats128 sum = SplatFloat128(0);
+    Floats sum = SplatFloat(0);
     for (ptrdiff_t t = 0; t < x.taps; ++t)
-      sum = AddFloat(sum, MulFloat(SplatFloat128(weights[t]), LoadFloats128(from + 4 * t)));
-    StoreFloats128(out + 4 * j, sum);
+      sum = AddFloat(sum, MulFloat(SplatFloat(weights[t]), LoadFloats(from + kLanes32 * t)));
+    const Vec lanes = AsInts(sum);
+    Store128(out[0] + 4 * j, LowLane(lanes));
+    if constexpr (kRows >= 2) Store128(out[1] + 4 * j, Lane<1>(lanes));
+    if constexpr (kRows == 4) {
+      Store128(out[2] + 4 * j, Lane<2>(lanes));
+      Store128(out[3] + 4 * j, Lane<3>(lanes));
+    }
   }
 }
 
 // Sums as alpha, and as colours where that is above 0; not limited to a byte yet.
 QV_INLINE Vec DivideColours(Floats sums) {
-  static constexpr auto kIsAlpha = MakeByteTable([](int i) { return i % 16 < 12 ? 0 : 255; });
   const Floats half = SplatFloat(0.5f), alphas = ShuffleFloats<3, 3, 3, 3>(sums);
   const Vec alpha = TruncatedInts(AddFloat(alphas, half));
   const Vec colour = TruncatedInts(AddFloat(DivFloat(sums, alphas), half));
@@ -116,13 +145,16 @@ QV_INLINE Vec LimitColours(Vec pixels) {
 
 #else
 
+constexpr int kRows = 1;
+
 QV_INLINE void AddProduct(float weight, float value, float* sum) {
   *sum = RoundToFloat(*sum + RoundToFloat(weight * value));
 }
 
 // A source row as C and A, and each destination pixel's sums of them.
-void FilterAcross(const Byte* row, NamedPixels named, const FloatTaps& x, int width, float* line,
-                 float* out) {
+void FilterAcross(const Byte* const* rows, NamedPixels named, const FloatTaps& x, int width,
+                  float* line, float* const* out) {
+  const Byte* const row = rows[0];
   for (ptrdiff_t k = 0; k < ptrdiff_t{4} * named.count; ++k)
     line[k] = static_cast<float>(k % 4 == 3 ? row[k] : row[k] * row[k | 3]);
   for (ptrdiff_t j = 0; j < width; ++j)
@@ -131,7 +163,7 @@ void FilterAcross(const Byte* row, NamedPixels named, const FloatTaps& x, int wi
       float sum = 0;
       for (ptrdiff_t t = 0; t < x.taps; ++t)
         AddProduct(x.weights[j * x.taps + t], from[4 * t], &sum);
-      out[4 * j + c] = sum;
+      out[0][4 * j + c] = sum;
     }
 }
 
@@ -168,13 +200,22 @@ IppStatus WeightedRows_8u_C4(const Byte* src, int srcStep, Byte* dst, int dstSte
   const WeightedTables& t = *tables;
   const NamedPixels named = NamedBy(t.x.first, t.width, t.x.taps);
   auto* const line = static_cast<float*>(scratch);
-  const Ring ring = {line + 4 * PaddedLine(named.count), 4 * PaddedLine(t.width), t.y.taps};
+  const Ring ring = {line + 4 * kMostRows * PaddedLine(named.count), 4 * PaddedLine(t.width),
+                     t.y.taps + kMostRows - 1};
+  const int last = t.y.first[t.height - 1] + t.y.taps - 1;
   int next = 0;  // source rows before this one are in the ring or not needed any more
   for (int i = 0; i < t.height; ++i) {
     if (next < t.y.first[i]) next = t.y.first[i];
-    for (; next < t.y.first[i] + t.y.taps; ++next)
-      FilterAcross(RowAt(src, srcStep, next) + 4 * ptrdiff_t{named.first}, named, t.x, t.width, line,
-                  ring(next));
+    for (; next < t.y.first[i] + t.y.taps; next += kRows) {
+      const Byte* rows[kRows];
+      float* out[kRows];
+      for (int r = 0; r < kRows; ++r) {
+        const int row = next + r < last ? next + r : last;
+        rows[r] = RowAt(src, srcStep, row) + 4 * ptrdiff_t{named.first};
+        out[r] = ring(next + r);
+      }
+      FilterAcross(rows, named, t.x, t.width, line, out);
+    }
     FilterDown(ring, t.y, i, t.width, RowAt(dst, dstStep, i));
   }
   return StatusOk;
