@@ -15,8 +15,8 @@
 #include <sys/prctl.h>
 #include <unistd.h>
 
-#include "tests/support/Levels.h"
-#include "tests/support/Random.h"
+#include "support/Levels.h"
+#include "support/Random.h"
 
 #include "bench/Peers.h"
 

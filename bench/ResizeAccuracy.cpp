@@ -8,15 +8,17 @@
 #include <vector>
 
 #include "bench/ResizePeers.h"
-#include "tests/support/ExactResize.h"
-#include "tests/support/Levels.h"
-#include "tests/support/Random.h"
+#include "support/Bytes.h"
+#include "support/ExactResize.h"
+#include "support/Levels.h"
 
 namespace bench {
 
 namespace {
 
-using Bytes = std::vector<unsigned char>;
+using qv::test::Bytes;
+using qv::test::Errors;
+using qv::test::Sample;
 
 // How a method may be meant. Peers differ in where samples lie, in whether reductions widen the
 // filter, and in its parameter.
@@ -36,26 +38,22 @@ std::string Text(int code, const Reading& r) {
   return text + parameter;
 }
 
-using Sample = std::vector<std::pair<int, double>>;  // source samples with weights that sum to 1
-
 std::vector<Sample> ExactAxis(int code, const Reading& r, int from, int to) {
   const double step = double(from) / to;
   const double scale = r.widened ? std::max(1.0, step) : 1;
   const double reach = (code == 2 ? 1 : code == 4 ? 2 : r.parameter) * scale;
   std::vector<Sample> axis(to);
   for (int i = 0; i < to; ++i) {
+    if (code == 8) {
+      axis[i] = qv::test::ExactMean(i * step, (i + 1) * step, from);
+      continue;
+    }
+    const double p = r.centred ? (i + 0.5) * step - 0.5 : i * (from - 1.0) / (to - 1);
     double sum = 0;
-    const auto add = [&](int s, double weight) {
+    for (int s = static_cast<int>(std::ceil(p - reach)); s <= p + reach; ++s) {
+      const double weight = qv::test::Kernel(code, (s - p) / scale, r.parameter);
       axis[i].emplace_back(std::clamp(s, 0, from - 1), weight);
       sum += weight;
-    };
-    if (code == 8) {
-      for (int s = static_cast<int>(i * step); s < (i + 1) * step && s < from; ++s)
-        add(s, std::min((i + 1) * step, s + 1.0) - std::max(i * step, double(s)));
-    } else {
-      const double p = r.centred ? (i + 0.5) * step - 0.5 : i * (from - 1.0) / (to - 1);
-      for (int s = static_cast<int>(std::ceil(p - reach)); s <= p + reach; ++s)
-        add(s, qv::test::Kernel(code, (s - p) / scale, r.parameter));
     }
     for (auto& [s, weight] : axis[i]) weight /= sum;
   }
@@ -75,29 +73,19 @@ std::vector<double> ExactImage(const ResizeJob& job, const Reading& r) {
     for (const auto& [s, weight] : y[row])
       for (std::size_t i = 0; i < width; ++i)
         image[row * width + i] += weight * across[s * width + i];
-  for (double& value : image) value = std::clamp(value, 0.0, 255.0);
   return image;
 }
 
-struct Errors {
-  double largest = 0, mean = 0;
-};
-
-// Bytes near the borders are left out: images are continued beyond them in different ways. Where
-// the exact value is limited to black or white everybody is right: those do not count for the mean.
+// Bytes near the borders are left out: images are continued beyond them in different ways.
 Errors ErrorsOf(const ResizeJob& job, const std::vector<double>& exact) {
   constexpr int kReach = 10;  // source samples; no filter here, widened by two, takes more
   const int margin = kReach * std::max(1, job.to.width / job.from.width + 1);
   Errors errors;
-  double count = 0;
   for (int y = margin; y < job.to.height - margin; ++y)
     for (int x = margin; x < job.to.width - margin; ++x) {
       const std::ptrdiff_t i = std::ptrdiff_t{y} * job.to.width + x;
-      const double error = std::fabs(exact[i] - job.dst[i]);
-      errors.largest = std::max(errors.largest, error);
-      if (exact[i] > 0 && exact[i] < 255) errors.mean += error, ++count;
+      errors.Add(exact[i], job.dst[i]);
     }
-  errors.mean /= std::max(count, 1.0);
   return errors;
 }
 
@@ -124,15 +112,15 @@ void Compare(const char* method, const ResizeJob& job) {
     exact.push_back({r, ExactImage(job, r)});
   // Everybody is taken by the reading that fits best.
   const auto report = [&](const std::string& name) {
-    Errors best = {1e9, 1e9};
+    Errors best = {1e9, 1e9, 1};
     Reading reading = {};
     for (const Exact& e : exact) {
       const Errors errors = ErrorsOf(job, e.image);
-      if (errors.mean < best.mean) best = errors, reading = e.reading;
+      if (errors.Mean() < best.Mean()) best = errors, reading = e.reading;
     }
     std::printf("| %s | %dx%d to %dx%d | %s | %.2f | %.3f | %s |\n", method, job.from.width,
                 job.from.height, job.to.width, job.to.height, name.c_str(), best.largest,
-                best.mean, Text(job.code, reading).c_str());
+                best.Mean(), Text(job.code, reading).c_str());
   };
   for (const int threads : {1, 2}) {
     if (threads == 2 && job.code == 8) continue;  // area averaging is never cut into bands
@@ -172,8 +160,7 @@ void PrintResizeAccuracy() {
       "to, which the last column names.\n\n"
       "| method | frame | contender | largest | mean | compared with |\n"
       "| --- | --- | --- | --- | --- | --- |\n");
-  Bytes src(1280 * 720), dst(1280 * 720);
-  qv::test::Random(20268).Fill(src.data(), src.size());
+  Bytes src = qv::test::Noise(1280 * 720, 20268), dst(src.size());
   for (const auto& method : methods)
     for (const auto& pair : pairs)
       if (method.code != 8 || pair.to.width < pair.from.width)

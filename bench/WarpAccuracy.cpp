@@ -9,14 +9,16 @@
 
 #include "bench/Peers.h"
 #include "qvAcceleratedLib/CqvAccLib.h"
-#include "tests/support/ExactResize.h"
-#include "tests/support/Random.h"
+#include "support/Bytes.h"
+#include "support/ExactResize.h"
 
 namespace bench {
 
 namespace {
 
 using Lib = CqvAccLib;
+using qv::test::Bytes;
+using qv::test::Errors;
 
 constexpr IppiSize kSize = {640, 360};
 constexpr int kPixels = kSize.width * kSize.height;
@@ -36,16 +38,10 @@ Matrix InverseOf(const Matrix& m) {
   return inverse;  // up to a factor, which a quotient of its rows does not see
 }
 
-struct Errors {
-  double largest = 0, mean = 0;
-};
-
-// Of destination pixels all of whose taps lie inside the source. Where the exact value is limited
-// to black or white everybody is right: those do not count for the mean.
+// Of destination pixels all of whose taps lie inside the source.
 Errors ErrorsOf(const Matrix& back, int code, double parameter,
-                const std::vector<unsigned char>& src, const std::vector<unsigned char>& dst) {
+                const Bytes& src, const Bytes& dst) {
   Errors errors;
-  double count = 0;
   for (int y = 0; y < kSize.height; ++y)
     for (int x = 0; x < kSize.width; ++x) {
       double p[3];
@@ -60,13 +56,8 @@ Errors ErrorsOf(const Matrix& back, int code, double parameter,
           exact += qv::test::Kernel(code, px - k, parameter) *
                    qv::test::Kernel(code, py - i, parameter) *
                    src[static_cast<std::size_t>(i * kSize.width + k)];
-      const double limited = std::clamp(exact, 0.0, 255.0);
-      const double error =
-          std::fabs(limited - dst[static_cast<std::size_t>(y * kSize.width + x)]);
-      errors.largest = std::max(errors.largest, error);
-      if (limited == exact) errors.mean += error, ++count;
+      errors.Add(exact, dst[static_cast<std::size_t>(y * kSize.width + x)]);
     }
-  errors.mean /= std::max(count, 1.0);
   return errors;
 }
 
@@ -76,18 +67,18 @@ struct Contender {
 };
 
 void Compare(const char* job, const Matrix& m, const std::vector<Contender>& contenders, int code,
-             const std::vector<unsigned char>& noise) {
-  std::vector<unsigned char> src = noise;
+             const Bytes& noise) {
+  Bytes src = noise;
   for (const Contender& contender : contenders) {
-    std::vector<unsigned char> dst(kPixels);
+    Bytes dst(kPixels);
     contender.work(src.data(), dst.data());
-    Errors best = {1e9, 1e9};
+    Errors best = {1e9, 1e9, 1};
     double reading = 0;  // everybody is taken by the kernel that fits best
     for (const double parameter : {-0.5, -0.75}) {
       const Errors errors = ErrorsOf(InverseOf(m), code, parameter, src, dst);
-      if (errors.mean < best.mean) best = errors, reading = parameter;
+      if (errors.Mean() < best.Mean()) best = errors, reading = parameter;
     }
-    std::printf("| %s | %s | %.2f | %.3f |", job, contender.name, best.largest, best.mean);
+    std::printf("| %s | %s | %.2f | %.3f |", job, contender.name, best.largest, best.Mean());
     if (code == 4)
       std::printf(" a = %.2f |\n", reading);
     else
@@ -112,8 +103,7 @@ void PrintWarpAccuracy() {
       "source; cubic kernels are those of Keys 1981, with the parameter that fits best.\n\n"
       "| job | contender | largest | mean | kernel |\n| --- | --- | --- | --- | --- |\n",
       kSize.width, kSize.height);
-  std::vector<unsigned char> noise(kPixels);
-  qv::test::Random(20268).Fill(noise.data(), noise.size());
+  const Bytes noise = qv::test::Noise(kPixels, 20268);
   for (const int code : {2, 4}) {
     const std::string method = code == 2 ? " linear" : " cubic";
     std::vector<Contender> warps = {{"ours", [&](unsigned char* src, unsigned char* dst) {

@@ -10,7 +10,7 @@ if(NOT QV_X86)
   set(QV_BASELINE_FLAGS)
 elseif(CMAKE_SIZEOF_VOID_P EQUAL 4)
   # The oldest processor has no SSE: its doubles are x87 registers, which keep more than a double
-  # holds. Whatever is built for it rounds what it assigns by storing it (see FloatEnvironment.h for
+  # holds. Whatever is built for it rounds what it assigns by storing it (see FloatControl.h for
   # what it does not assign).
   set(QV_BASELINE_FLAGS -march=i686 -mno-mmx -mno-sse -mfpmath=387 -ffloat-store)
   list(PREPEND vector_flags -mfpmath=sse)

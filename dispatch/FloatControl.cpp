@@ -91,8 +91,8 @@ void LeaveDefaultFloatState(const FloatState& before) { SetMxcsr(before.mxcsr, ~
 
 namespace {
 
-// Exceptions trapped (bits 8 to 12 and 15), rounding (22, 23), flush to zero (24), default NaN
-// (25); 0 is what the other processors have.
+// FPCR: exceptions trapped (bits 8 to 12 and 15), rounding (22, 23), flush to zero (24), default
+// NaN (25). With 0 arithmetic is that of the default MXCSR.
 uint64_t SetControl(uint64_t next) {
   uint64_t old;
   __asm__ volatile("mrs %0, fpcr" : "=r"(old));
@@ -108,7 +108,7 @@ FloatState EnterDefaultFloatState() {
   return {SetControl(0), status};
 }
 
-// What was raised meanwhile is nothing to a host that traps on it, which needs an operation for it.
+// Restoring a raised flag does not trap: only an operation that raises it does.
 void LeaveDefaultFloatState(const FloatState& before) {
   __asm__ volatile("msr fpsr, %0" : : "r"(before.status));
   SetControl(before.control);

@@ -89,7 +89,7 @@ CpuidRegisters Cpuid(uint32_t leaf, uint32_t subleaf) {
   return r;
 }
 
-// The caches that a leaf describes: as many sub-leaves as there are, and one of type 0 behind them.
+// The caches that a leaf describes: as many sub-leaves as there are, and one of type 0 after them.
 void ReadCaches(uint32_t leaf, CpuidRegisters (&caches)[kCacheLeaves]) {
   for (CpuidRegisters& cache : caches) {
     cache = Cpuid(leaf, static_cast<uint32_t>(&cache - caches));

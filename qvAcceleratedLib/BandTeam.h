@@ -1,6 +1,6 @@
 // The threads that bands run on: a few for the whole process, whoever calls.
-#ifndef QV_BANDTEAM_H
-#define QV_BANDTEAM_H
+#ifndef QV_QVACCELERATEDLIB_BANDTEAM_H
+#define QV_QVACCELERATEDLIB_BANDTEAM_H
 
 #include <stdint.h>
 

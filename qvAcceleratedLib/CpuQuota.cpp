@@ -183,7 +183,7 @@ int HierarchyCpus(const char* cgroup, const char* mountinfo, Hierarchy hierarchy
   }
 }
 
-// Reads a decimal number and moves the text behind it.
+// Reads a decimal number and moves the text past it.
 bool TakeNumber(const char** text, long long* number) {
   char* end;
   *number = strtoll(*text, &end, 10);

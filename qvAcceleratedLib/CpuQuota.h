@@ -1,6 +1,6 @@
 // How much CPU time the container of this process grants it. Linux only.
-#ifndef QV_CPUQUOTA_H
-#define QV_CPUQUOTA_H
+#ifndef QV_QVACCELERATEDLIB_CPUQUOTA_H
+#define QV_QVACCELERATEDLIB_CPUQUOTA_H
 
 namespace qv {
 

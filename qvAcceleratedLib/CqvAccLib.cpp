@@ -11,6 +11,7 @@
 #include "kernels/geometry/Geometry.h"
 #include "kernels/geometry/Transform.h"
 #include "kernels/resize/Resize.h"
+#include "kernels/resize/ResizeRoute.h"
 #include "qvAcceleratedLib/BandSplit.h"
 #include "qvAcceleratedLib/Settings.h"
 
@@ -191,61 +192,22 @@ IppStatus CqvAccLib::qvYCbCr422ToBGR(qvDataType, const unsigned char* src, int s
 
 // ---- Resizing -----------------------------------------------------------------------------------
 
-namespace {
-
-// As many bands as keep each larger than MinRowsPerBand in the whole source and in the destination.
-Bands PlanResizeBands(int srcHeight, int dstHeight, int budget) {
-  const Bands source = PlanBands(srcHeight, budget);
-  const Bands destination = PlanBands(dstHeight, budget);
-  const int count = source.count < destination.count ? source.count : destination.count;
-  return {count, count > 1 ? dstHeight / count : dstHeight, dstHeight};
-}
-
-// A whole image whose size hardly changes is not worth a filter.
-bool IsNearIdentity(IppiSize srcSize, IppiRect srcRoi, IppiSize dstRoiSize) {
-  const auto differs = [](int a, int b) { return a < b ? b - 1ll > a : a - 1ll > b; };
-  return !differs(srcSize.width, dstRoiSize.width) &&
-         !differs(srcSize.height, dstRoiSize.height) && srcRoi.x == 0 && srcRoi.y == 0 &&
-         srcRoi.width == srcSize.width && srcRoi.height == srcSize.height;
-}
-
-}  // namespace
-
 IppStatus CqvAccLib::qvResize(qvDataType type, const unsigned char* src, IppiSize srcSize,
                               int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                               IppiSize dstRoiSize, double xFactor, double yFactor,
                               int interpolation) {
-  if (IsNearIdentity(srcSize, srcRoi, dstRoiSize)) interpolation = InterpolateNearest;
-  if (interpolation == InterpolateArea) {
-    const FloatEnvironment environment;
-    if (Enlarges(xFactor, yFactor)) interpolation = InterpolateLanczos;
-  }
-  const Bands bands = PlanResizeBands(srcSize.height, dstRoiSize.height, ThreadBudget);
+  const FloatEnvironment environment;
   const int channels = type == OneChannel ? 1 : type == ThreeChannels ? 3 : 0;
-  int bufferBytes = 0;
-  if (bands.count == 1 ||
-      (bands.count > 1 && ResizeBandBufferSize(dstRoiSize, channels, interpolation,
-                                               &bufferBytes) != StatusOk)) {
-    if (channels == 0) return StatusDataTypeErr;
-    const auto kernel = channels == 1 ? Resize_8u_C1 : Resize_8u_C3;
-    const FloatEnvironment environment;
-    return kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoiSize, xFactor, yFactor,
-                  interpolation);
-  }
-  const auto kernel = channels == 1 ? ResizeBand_8u_C1 : ResizeBand_8u_C3;
-  const Band last = bands.Of(bands.count - 1);
-  return RunBands(bands, {Area(dstRoiSize), MethodOf(kernel, interpolation)}, [&](Band band) {
-    const FloatEnvironment environment;
-    const IppiRect part = {0, static_cast<int>(band.first), dstRoiSize.width, band.length};
-    auto* const buffer = new (std::nothrow) unsigned char[static_cast<size_t>(bufferBytes)];
-    const IppStatus status = kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, part, xFactor,
-                                    yFactor, 0, 0, interpolation, buffer);
-    delete[] buffer;
-    // All bands in one piece return what the last of them would.
-    if (status != StatusOk || band.length != dstRoiSize.height) return status;
-    return HasResizeRows(srcSize, srcRoi, static_cast<int>(last.first), last.length, yFactor)
-               ? StatusOk
-               : StatusNothingToDoWarning;
+  // Each band has its rows of the source and of the destination.
+  const int height = srcSize.height < dstRoiSize.height ? srcSize.height : dstRoiSize.height;
+  const ResizeRoute route({src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoiSize, xFactor,
+                           yFactor, interpolation}, channels,
+                          PlanBands(height, ThreadBudget).count);
+  if (route.bands() == 1) return route.RunWhole();
+  const Bands bands = {route.bands(), route.rowsPerBand(), dstRoiSize.height};
+  return RunBands(bands, {Area(dstRoiSize), route.kind()}, [&](Band band) {
+    const FloatEnvironment ofThread;
+    return route.RunRows(static_cast<int>(band.first), band.length);
   });
 }
 

@@ -1,6 +1,6 @@
 // A floating-point environment that does not depend on the host.
-#ifndef QV_FLOATENVIRONMENT_H
-#define QV_FLOATENVIRONMENT_H
+#ifndef QV_QVACCELERATEDLIB_FLOATENVIRONMENT_H
+#define QV_QVACCELERATEDLIB_FLOATENVIRONMENT_H
 
 #include "dispatch/FloatControl.h"
 

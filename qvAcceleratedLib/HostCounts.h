@@ -1,7 +1,7 @@
 // How many CPUs this process may use: the affinity masks of its threads, what its OpenMP runtime
 // found before it bound them, and the CPU quota of its container.
-#ifndef QV_HOSTCOUNTS_H
-#define QV_HOSTCOUNTS_H
+#ifndef QV_QVACCELERATEDLIB_HOSTCOUNTS_H
+#define QV_QVACCELERATEDLIB_HOSTCOUNTS_H
 
 #include "dispatch/Hidden.h"
 

@@ -1,6 +1,6 @@
 // Whether the host runs the calling thread in a parallel region of its own.
-#ifndef QV_HOSTREGION_H
-#define QV_HOSTREGION_H
+#ifndef QV_QVACCELERATEDLIB_HOSTREGION_H
+#define QV_QVACCELERATEDLIB_HOSTREGION_H
 
 #include "dispatch/Hidden.h"
 #include "qvAcceleratedLib/Threads.h"

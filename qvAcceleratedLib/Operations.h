@@ -1,6 +1,6 @@
 // The roll of operations as values: an enumeration to name one by, and their names.
-#ifndef QV_OPERATIONS_H
-#define QV_OPERATIONS_H
+#ifndef QV_QVACCELERATEDLIB_OPERATIONS_H
+#define QV_QVACCELERATEDLIB_OPERATIONS_H
 
 #include "qvAcceleratedLib/CqvAccLib.h"
 

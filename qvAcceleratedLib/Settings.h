@@ -1,6 +1,6 @@
 // Process-wide settings, written once while the library is loaded and only read afterwards.
-#ifndef QV_SETTINGS_H
-#define QV_SETTINGS_H
+#ifndef QV_QVACCELERATEDLIB_SETTINGS_H
+#define QV_QVACCELERATEDLIB_SETTINGS_H
 
 #include "dispatch/Hidden.h"
 

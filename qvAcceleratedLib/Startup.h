@@ -1,6 +1,6 @@
 // What happens once, while the library is loaded.
-#ifndef QV_STARTUP_H
-#define QV_STARTUP_H
+#ifndef QV_QVACCELERATEDLIB_STARTUP_H
+#define QV_QVACCELERATEDLIB_STARTUP_H
 
 namespace qv {
 

@@ -1,6 +1,6 @@
 // What the operating system has for a team of threads: starting one, sleeping, waking, a clock.
-#ifndef QV_THREADS_H
-#define QV_THREADS_H
+#ifndef QV_QVACCELERATEDLIB_THREADS_H
+#define QV_QVACCELERATEDLIB_THREADS_H
 
 #include <stdint.h>
 

@@ -25,8 +25,8 @@ build/bench/bench/qvbench --busy --benchmark_min_time=0.2 --benchmark_repetition
   --benchmark_enable_random_interleaving=true \
   --benchmark_out=build/bench/busy.json --benchmark_out_format=json >/dev/null
 # And at the level that most machines have, with peers told likewise.
-OPENCV_CPU_DISABLE=AVX512F,AVX512-COMMON,AVX512-SKX,AVX512-CNL,AVX512-CLX,AVX512-ICL run --level avx2 \
-  --benchmark_out=build/bench/avx2.json --benchmark_out_format=json >/dev/null
+OPENCV_CPU_DISABLE=AVX512F,AVX512-COMMON,AVX512-SKX,AVX512-CNL,AVX512-CLX,AVX512-ICL \
+  run --level avx2 --benchmark_out=build/bench/avx2.json --benchmark_out_format=json >/dev/null
 scripts/performance.py build/bench/{performance,busy,avx2}.json
 build/bench/bench/qvbench --accuracy >docs/accuracy.md
 echo 'Wrote docs/performance.md, docs/performance-avx2.md and docs/accuracy.md'

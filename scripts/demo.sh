@@ -1,6 +1,6 @@
 #!/bin/sh
-# Builds qvtool and runs its demo; installs what is missing first. The arguments go to the demo, such
-# as --input PHOTO.jpg.
+# Builds qvtool and runs its demo; installs what is missing first. The arguments go to the demo,
+# such as --input PHOTO.jpg.
 #
 #   scripts/demo.sh [--input FILE]
 set -eu

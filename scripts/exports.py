@@ -4,10 +4,10 @@
     scripts/exports.py           writes qvAcceleratedLib/exports/*.def
     scripts/exports.py --check   compares them instead; exit code 1 if they differ
 
-Each member of the class is exported under the name that a MinGW host calls (the Itanium C++ ABI) and
-under the one that a Visual C++ host calls, the second an alias of the first. Clang knows both: it is
-asked for either's name of every member, which come in the order of the header. Names are ABI: a
-changed line is a host that no longer loads.
+Each member of the class is exported under the name that a MinGW host calls (the Itanium C++ ABI)
+and under the one that a Visual C++ host calls, the second an alias of the first. Clang knows both:
+it is asked for either's name of every member, which come in the order of the header. Names are ABI:
+a changed line is a host that no longer loads.
 """
 import json
 import pathlib

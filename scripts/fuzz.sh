@@ -2,7 +2,7 @@
 # Fuzzes the argument space of all operations, with the address and undefined-behaviour sanitizers:
 # every call at all levels and at two budgets, any difference is a fault.
 #
-#   scripts/fuzz.sh SECONDS [FAMILY...]            so many seconds for each family, from the corpus on
+#   scripts/fuzz.sh SECONDS [FAMILY...]            so many seconds for each family, from the corpus
 #   scripts/fuzz.sh --keep SECONDS [FAMILY...]     then replaces the corpus by a minimal one that
 #                                                  reaches as much; regression inputs stay
 #   scripts/fuzz.sh --reproduce FAMILY HEX         describes one call and makes it
@@ -60,7 +60,8 @@ fuzz() {
   mkdir -p "$found" "$faults"
   unpack "$found" "$corpus/$family.txt"
   if ! "$programs/fuzz_$family" -max_len=192 -max_total_time="$seconds" -timeout=20 \
-      -rss_limit_mb=4000 -print_final_stats=1 -artifact_prefix="$faults/" "$found" >"$log" 2>&1; then
+      -rss_limit_mb=4000 -print_final_stats=1 -artifact_prefix="$faults/" "$found" \
+      >"$log" 2>&1; then
     grep -E 'ERROR: [AL]|FAULT|runtime error|SUMMARY' "$log" | head -n 4
     for fault in "$faults"/*; do
       echo "$family: reproduce with"
@@ -70,12 +71,14 @@ fuzz() {
   fi
   calls=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
   reached=$(grep -oE 'cov: [0-9]+' "$log" | tail -n 1)
-  printf '%-12s %8d inputs in %d s, %s edges, no fault\n' "$family" "$calls" "$seconds" "${reached#cov: }"
+  printf '%-12s %8d inputs in %d s, %s edges, no fault\n' \
+    "$family" "$calls" "$seconds" "${reached#cov: }"
 }
 export -f fuzz pack unpack
 export build corpus programs seconds
 status=0
-printf '%s\n' "${families[@]}" | xargs -P "$(nproc)" -I {} bash -euo pipefail -c 'fuzz {}' || status=1
+printf '%s\n' "${families[@]}" |
+  xargs -P "$(nproc)" -I {} bash -euo pipefail -c 'fuzz {}' || status=1
 [ $mode = keep ] && [ $status = 0 ] || exit $status
 
 for family in "${families[@]}"; do

@@ -1,6 +1,6 @@
 #!/bin/bash
-# Runs the library under valgrind's memcheck: nothing undefined is used, nothing beyond its memory is
-# touched, nothing is lost. Installs what is missing first.
+# Runs the library under valgrind's memcheck: nothing undefined is used, nothing beyond its memory
+# is touched, nothing is lost. Installs what is missing first.
 #
 #   scripts/memcheck.sh    all operations in four bands and random calls of all kernels
 #

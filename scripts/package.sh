@@ -1,7 +1,7 @@
 #!/bin/bash
 # Builds the packages: a zip file for each Windows, a tar file and Debian packages for Linux.
 #
-#   scripts/package.sh [PRESET...]      presets release, windows32, windows64; all three without arguments
+#   scripts/package.sh [PRESET...]      of release, windows32 and windows64; all without arguments
 #
 # They come to out/ (QV_OUT names another folder). They hold what the tests of the same preset test.
 set -euo pipefail

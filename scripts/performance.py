@@ -84,7 +84,8 @@ def read_goals():
     goals = {}
     with open(ROOT / "bench" / "goals.csv", newline="") as file:
         for row in list(csv.reader(file))[1:]:
-            labels = PAIRS if row[0].startswith("resize") else PIECES if row[0].endswith("-32") else FRAMES
+            labels = (PAIRS if row[0].startswith("resize")
+                      else PIECES if row[0].endswith("-32") else FRAMES)
             for label, goal in zip(labels, row[1:]):
                 if goal:
                     goals[row[0], label] = float(goal)
@@ -138,7 +139,8 @@ def row(results, busy, job, label, goal):
         "plain": f"{number(plain)} ({plain / ours:.1f}x)" if plain else "",
         "best peer": f"{number(same[0])} {same[1]}" if same else "",
         "nearest peer": f"{number(near[0])} {near[1]}" if near else "",
-        "peer / ours": f"{same[0] / ours:.2f}" if same else f"~{near[0] / ours:.2f}" if near else "",
+        "peer / ours": (f"{same[0] / ours:.2f}" if same
+                        else f"~{near[0] / ours:.2f}" if near else ""),
         "limit / ours": f"{100 * limit / ours:.0f} %" if limit else "",
         "all threads": f"{number(shared)} ({ours / shared:.2f}x)",
         "busy": f"{busy_shared / busy_one:.2f}" if busy_one else "",
@@ -171,7 +173,8 @@ def chart(results, goals):
     width, row, left = 900, 18, 260
     top = max((b[1] for b in bars), default=1)
     scale = (width - left - 220) / top
-    out = [f'<svg xmlns="http://www.w3.org/2000/svg" width="{width}" height="{row * len(bars) + 50}" '
+    out = [f'<svg xmlns="http://www.w3.org/2000/svg" '
+           f'width="{width}" height="{row * len(bars) + 50}" '
            'font-family="sans-serif" font-size="11">',
            '<rect width="100%" height="100%" fill="#fff"/>',
            '<text x="10" y="18" font-size="13">Speed beside the best peer on one thread '
@@ -181,9 +184,12 @@ def chart(results, goals):
         colour = "#2a7" if ratio >= 1 else "#c54"
         name = job.replace("&", "&amp;")
         out.append(f'<text x="{left - 6}" y="{y + 12}" text-anchor="end">{name}</text>'
-                   f'<rect x="{left}" y="{y + 2}" width="{ratio * scale:.1f}" height="{row - 5}" fill="{colour}"/>'
-                   f'<text x="{left + ratio * scale + 4:.1f}" y="{y + 12}">{ratio:.2f} {peer.lstrip("~")}</text>')
-    out.append(f'<line x1="{left + scale:.1f}" x2="{left + scale:.1f}" y1="26" y2="{30 + row * len(bars)}" stroke="#444"/>')
+                   f'<rect x="{left}" y="{y + 2}" width="{ratio * scale:.1f}" height="{row - 5}" '
+                   f'fill="{colour}"/>'
+                   f'<text x="{left + ratio * scale + 4:.1f}" y="{y + 12}">'
+                   f'{ratio:.2f} {peer.lstrip("~")}</text>')
+    out.append(f'<line x1="{left + scale:.1f}" x2="{left + scale:.1f}" '
+               f'y1="26" y2="{30 + row * len(bars)}" stroke="#444"/>')
     out.append("</svg>\n")
     return "\n".join(out)
 
@@ -192,13 +198,14 @@ COLUMNS = {
     "spread": "how far the median repetition lies above the fastest.",
     "plain": "our own plain rows.",
     "best peer": "the fastest that does the same work; *nearest peer* does less or rounds coarser.",
-    "limit / ours": "the time that moving the bytes takes at the speed of that copy, as a share of ours.",
+    "limit / ours": "the time that moving the bytes takes at the speed of that copy, as a share of "
+                    "ours.",
     "all threads": "the library as it comes, and how many times faster than on one thread.",
-    "busy": "the mean time of the library as it comes over that on one thread, both beside as many busy "
-            "loops as there are processors: 1 is as fast, 2 takes twice as long.",
-    "goal here": "the goal of bench/goals.csv times how much slower that copy is here than where the "
-                 "goals were set; a bold figure says by how much the fastest repetition misses it, "
-                 "*fastest* that the median does.",
+    "busy": "the mean time of the library as it comes over that on one thread, both beside as many "
+            "busy loops as there are processors: 1 is as fast, 2 takes twice as long.",
+    "goal here": "the goal of bench/goals.csv times how much slower that copy is here than where "
+                 "the goals were set; a bold figure says by how much the fastest repetition misses "
+                 "it, *fastest* that the median does.",
 }
 
 
@@ -211,8 +218,8 @@ def page(title, results, busy, goals, remarks, without=()):
     columns = [f"- *{head}*: {text}" for head, text in COLUMNS.items() if head not in without]
     return "\n".join([
         f"# {title}", "",
-        "Nanoseconds per destination pixel (checksums: per byte) on one thread, the fastest of interleaved "
-        "repetitions; written by `scripts/bench.sh`.", "",
+        "Nanoseconds per destination pixel (checksums: per byte) on one thread, the fastest of "
+        "interleaved repetitions; written by `scripts/bench.sh`.", "",
         f"- Machine: {cpu}, {context['num_cpus']} CPUs; level {context['levels']}; "
         f"version {context['version']}; measured {context['date'][:10]}.",
         f"- A plain copy of a one-byte frame (memcpy), ns per byte: {copies}.",
@@ -225,14 +232,18 @@ def main():
     goals = read_goals()
     docs = ROOT / "docs"
     docs.joinpath("performance.md").write_text(page("Performance", results, busy, goals, [
-        "- The same at the level of most machines, AVX2: [performance-avx2.md](performance-avx2.md).",
-        "- The same on another maker's processor: [Intel Xeon](performance-intel.md), measured earlier.",
-        "- How close the bytes of resizing and warping are to exact ones: [accuracy.md](accuracy.md).", "",
+        "- The same at the level of most machines, AVX2: "
+        "[performance-avx2.md](performance-avx2.md).",
+        "- The same on another maker's processor: [Intel Xeon](performance-intel.md), measured "
+        "earlier.",
+        "- How close the bytes of resizing and warping are to exact ones: "
+        "[accuracy.md](accuracy.md).", "",
         "![Speed beside the best peer](performance.svg)"]))
-    docs.joinpath("performance-avx2.md").write_text(page("Performance with AVX2", avx2, avx2, goals, [
-        "- What an AVX2 processor has, and no more, is used by the library and by those peers that can "
-        "be told: OpenCV, libyuv, zimg, swscale. The others use what this processor has."],
-        without=("plain", "busy")))
+    remarks = [
+        "- What an AVX2 processor has, and no more, is used by the library and by those peers that "
+        "can be told: OpenCV, libyuv, zimg, swscale. The others use what this processor has."]
+    docs.joinpath("performance-avx2.md").write_text(
+        page("Performance with AVX2", avx2, avx2, goals, remarks, without=("plain", "busy")))
     docs.joinpath("performance.svg").write_text(chart(results, goals))
 
 

@@ -5,9 +5,9 @@
 #   scripts/setup_wine.sh [32] [64]     both without arguments; says nothing when all is there
 #   scripts/setup_wine.sh --stop
 #
-# The 32-bit Wine lives in a small 32-bit Debian of its own in ~/.cache/qvAcceleratedLib (1.6 GB), so that
-# this machine needs no second architecture. To enter it takes the right to change the root folder;
-# exit code 3 says that this machine does not grant it, as inside many containers.
+# The 32-bit Wine lives in a small 32-bit Debian of its own in ~/.cache/qvAcceleratedLib (1.6 GB),
+# so that this machine needs no second architecture. To enter it takes the right to change the root
+# folder; exit code 3 says that this machine does not grant it, as inside many containers.
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 cache=${QV_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/qvAcceleratedLib}

@@ -2,10 +2,10 @@
 # Builds everything and runs the tests; installs what is missing first.
 #
 #   scripts/test.sh          every test, in a release build
-#   scripts/test.sh --all    also: a million random calls of the kernels, images of 70000 x 70000 pixels,
-#                            a minute of each fuzzer, the sanitizers, the demo page in a browser,
-#                            32-bit and ARM Linux, the DLLs of Windows, the packages, planted faults:
-#                            an hour or two
+#   scripts/test.sh --all    also: a million random calls of the kernels, images of 70000 x 70000
+#                            pixels, a minute of each fuzzer, the sanitizers, the demo page in a
+#                            browser, 32-bit and ARM Linux, the DLLs of Windows, the packages,
+#                            planted faults: an hour or two
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 cd "$root"
@@ -41,7 +41,8 @@ kernelcheck() {
   build/release/tests/kernelcheck --calls $((1000000 / kernels + 1))
 }
 large_images() {
-  build/release/tests/unittests --gtest_also_run_disabled_tests --gtest_filter='LargeImages.*BothSides'
+  build/release/tests/unittests --gtest_also_run_disabled_tests \
+    --gtest_filter='LargeImages.*BothSides'
 }
 sanitizers() {
   cmake --preset debug >/dev/null && cmake --build --preset debug &&

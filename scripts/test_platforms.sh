@@ -1,8 +1,8 @@
 #!/bin/bash
-# Tests the 32-bit build of Linux, the one for ARM in QEMU, and the DLLs of Windows in Wine; installs what
-# is missing first.
+# Tests the 32-bit build of Linux, the one for ARM in QEMU, and the DLLs of Windows in Wine;
+# installs what is missing first.
 #
-#   scripts/test_platforms.sh [PRESET...]     linux32, linux-arm64, windows32, windows64; all without arguments
+#   scripts/test_platforms.sh [PRESET...]     of linux32, linux-arm64, windows32, windows64; or all
 #   scripts/test_platforms.sh --quick         the 32-bit DLL with its host programs alone
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -23,15 +23,16 @@ start_wine() {
   return $code
 }
 
+for_windows=(googletest clang lld llvm python3)
 for preset; do
   tests=()
   case $preset in
     linux32)  # without g++-multilib, which cannot be installed beside a compiler for ARM
       "$root/scripts/setup.sh" googletest qemu-user
       "$root/scripts/setup.sh" "g++-$(g++ -dumpversion)-multilib" ;;
-    linux-arm64) "$root/scripts/setup.sh" g++-aarch64-linux-gnu googletest qemu-user ;;
-    windows32) "$root/scripts/setup.sh" g++-mingw-w64-i686-posix googletest clang lld llvm python3 ;;
-    windows64) "$root/scripts/setup.sh" g++-mingw-w64-x86-64-posix googletest clang lld llvm python3 ;;
+    linux-arm64) "$root/scripts/setup.sh" g++-aarch64-linux-gnu googletest qemu-user-static ;;
+    windows32) "$root/scripts/setup.sh" g++-mingw-w64-i686-posix "${for_windows[@]}" ;;
+    windows64) "$root/scripts/setup.sh" g++-mingw-w64-x86-64-posix "${for_windows[@]}" ;;
     *) sed -n '2,6s/^# \{0,1\}//p' "$0" >&2; exit 2 ;;
   esac
   step "$preset: build"
@@ -46,7 +47,7 @@ for preset; do
     windows*)
       trap '"$root/scripts/setup_wine.sh" --stop' EXIT
       if ! start_wine "${preset#windows}"; then
-        step "$preset: SKIPPED what runs in Wine, which this machine cannot have; tests of the files alone"
+        step "$preset: SKIPPED what runs in Wine, which this machine cannot have; files alone"
         tests=(-R '^(export.*|level_symbols)$')
       fi ;;
   esac

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Calls all operations from 16 threads at once under the thread sanitizer. Installs what is missing first.
+# Calls all operations from 16 threads at once under the thread sanitizer. Installs what is missing.
 #
 #   scripts/threadcheck.sh [SECONDS]    60 unless given
 set -euo pipefail

@@ -48,5 +48,7 @@ exec $as_root unshare --mount sh -c '
   mount --rbind /dev "$debian/dev"
   mount --bind "$root" "$debian$root"
   export WINEPREFIX=/root/$(basename "$WINEPREFIX") HOME=/root
-  exec chroot "$debian" sh -c "cd \"\$1\" && run=\$2 && shift 2 && exec sh -c \"\$run\" sh \"\$@\"" sh "$folder" "$run" "$@"
+  exec chroot "$debian" \
+    sh -c "cd \"\$1\" && run=\$2 && shift 2 && exec sh -c \"\$run\" sh \"\$@\"" \
+    sh "$folder" "$run" "$@"
 ' sh "$debian" "$root" "$PWD" "$run" "$@"

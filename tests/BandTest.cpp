@@ -8,25 +8,25 @@
 
 #include "qvAcceleratedLib/BandSplit.h"
 #include "qvAcceleratedLib/Settings.h"
-#include "tests/support/Levels.h"
+#include "support/Levels.h"
 #include "tests/support/Operations.h"
 
 namespace qv::test {
 namespace {
 
-void ExpectHeights(const Bands& bands, const std::vector<int>& heights) {
-  ASSERT_EQ(bands.count, static_cast<int>(heights.size()));
+void ExpectLengths(const Bands& bands, const std::vector<int>& lengths) {
+  ASSERT_EQ(bands.count, static_cast<int>(lengths.size()));
   std::ptrdiff_t first = 0;
   for (int i = 0; i < bands.count; ++i) {
     EXPECT_EQ(bands.Of(i).first, first);
-    EXPECT_EQ(bands.Of(i).length, heights[static_cast<std::size_t>(i)]);
-    first += heights[static_cast<std::size_t>(i)];
+    EXPECT_EQ(bands.Of(i).length, lengths[static_cast<std::size_t>(i)]);
+    first += lengths[static_cast<std::size_t>(i)];
   }
 }
 
 struct BandCase {
   int extent, budget;
-  std::vector<int> heights;
+  std::vector<int> lengths;
 };
 
 TEST(Bands, CutRowsByTheBudgetAndTheFloorOf64) {
@@ -38,7 +38,7 @@ TEST(Bands, CutRowsByTheBudgetAndTheFloorOf64) {
   };
   for (const BandCase& c : cases) {
     SCOPED_TRACE(testing::Message() << c.extent << " by " << c.budget);
-    ExpectHeights(PlanBands(c.extent, c.budget), c.heights);
+    ExpectLengths(PlanBands(c.extent, c.budget), c.lengths);
   }
 }
 
@@ -49,14 +49,14 @@ TEST(Bands, KeepEvenRowsForSubsampledChroma) {
   };
   for (const BandCase& c : cases) {
     SCOPED_TRACE(testing::Message() << c.extent << " by " << c.budget);
-    ExpectHeights(PlanEvenBands(c.extent, c.budget), c.heights);
+    ExpectLengths(PlanEvenBands(c.extent, c.budget), c.lengths);
   }
 }
 
 TEST(Bands, CutASingleRowIntoPiecesOf4096AtLeast) {
-  ExpectHeights(PlanPieces(10000, 2), {5000, 5000});
-  ExpectHeights(PlanPieces(12290, 3), {4096, 4096, 4098});
-  ExpectHeights(PlanPieces(12287, 3), {12287});  // no fewer pieces are tried
+  ExpectLengths(PlanPieces(10000, 2), {5000, 5000});
+  ExpectLengths(PlanPieces(12290, 3), {4096, 4096, 4098});
+  ExpectLengths(PlanPieces(12287, 3), {12287});  // no fewer pieces are tried
 }
 
 #if PTRDIFF_MAX > INT_MAX
@@ -67,7 +67,9 @@ TEST(Bands, LieWhereAnIntWouldOverflow) {
 #endif
 
 TEST(RunBands, ReturnsTheStatusOfTheLastBand) {
-  const auto status = [](Band band) { return band.first == 300 ? StatusOddSizeWarning : StatusSizeErr; };
+  const auto status = [](Band band) {
+    return band.first == 300 ? StatusOddSizeWarning : StatusSizeErr;
+  };
   for (const Sharing sharing : {Sharing::Always, Sharing::OnOneThread}) {
     const UseBudget use(4, sharing);
     EXPECT_EQ(RunBands(Bands{4, 100, 400}, {400, 0}, status), StatusOddSizeWarning);

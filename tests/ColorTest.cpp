@@ -1,14 +1,13 @@
-// qvYCbCr422ToBGR, qvYCbCr420ToBGR, qvYCbCr420 and qvYCbCr422ToYCrCb420 through the public
-// interface: the formulas for every input at every level, odd sizes.
+// qvYCbCr422ToBGR and qvYCbCr420ToBGR: the formulas for every input at every level. Odd sizes are
+// kernelcheck's, statuses the corpus', and the digests of the self-test hold what is split.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
 #include <vector>
 
-#include "tests/support/Bytes.h"
-#include "tests/support/Guarded.h"
-#include "tests/support/Levels.h"
+#include "support/Bytes.h"
+#include "support/Levels.h"
 
 namespace qv::test {
 namespace {
@@ -34,8 +33,6 @@ constexpr Pixel FromPlanes(int y, int cb, int cr) {
           FromSum(76284 * y + 104595 * v - 1187776)};
 }
 
-Pixel At(const Bytes& image, std::size_t at) { return {image[at], image[at + 1], image[at + 2]}; }
-
 // Black and white.
 static_assert(FromPacked(16, 128, 128) == Pixel{0, 0, 0});
 static_assert(FromPacked(235, 128, 128) == Pixel{254, 254, 254});
@@ -43,7 +40,7 @@ static_assert(FromPlanes(16, 128, 128) == Pixel{0, 0, 0});
 static_assert(FromPlanes(235, 128, 128) == Pixel{255, 255, 255});
 
 // One image per Cr, a row per Cb, a column per Y: all 2^24 inputs, each at an even and at an odd
-// pixel. 512 columns are whole vectors; the odd sizes are kernelcheck's.
+// pixel.
 template <class Convert, class Formula>
 void ExpectFormulaForAllInputs(Convert convert, Formula formula) {
   Bytes expected, actual(3 * 512 * 256);
@@ -99,69 +96,6 @@ TEST(YCbCr420ToBGR, IsTheFormulaForAllInputsAtAllLevels) {
         return StatusOk;
       },
       FromPlanes);
-}
-
-TEST(YCbCr422ToBGR, BorrowsCrForAnOddLastPixelAndReadsNothingBehindItsCb) {
-  const GuardedMemory memory;
-  for (const Level& level : AvailableLevels()) {
-    SCOPED_TRACE(level.name);
-    const UseLevel use(level);
-    for (const int width : {3, 5, 17, 65, 129, 131}) {
-      unsigned char* const src = memory.end() - 2 * width;
-      Random(7).Fill(src, static_cast<std::size_t>(2 * width));
-      Bytes dst(static_cast<std::size_t>(3 * width) + 1, 9);
-      ASSERT_EQ(Lib::qvYCbCr422ToBGR(kAnyType, src, 2 * width, dst.data(), 3 * width, {width, 1}),
-                StatusOk);
-      const unsigned char* const last = memory.end() - 2;
-      EXPECT_EQ(At(dst, dst.size() - 4), FromPacked(last[0], last[1], last[-1]));
-      EXPECT_EQ(dst.back(), 9);
-    }
-  }
-}
-
-TEST(YCbCr420ToBGR, LeavesAnOddLastColumnAndRowUnwrittenAndSaysSo) {
-  Bytes luma = Noise(6 * 6), cb = Noise(9), cr = Noise(10);
-  unsigned char* planes[3] = {luma.data(), cb.data(), cr.data()};
-  int steps[3] = {6, 3, 3};
-  const struct {
-    int width, height, status;
-  } cases[] = {{5, 4, 35}, {4, 5, 35}, {5, 5, 35}, {1, 4, 35}, {4, 1, 35}, {6, 6, 0}};
-  for (const auto& c : cases) {
-    Bytes dst(18 * 6, 9);
-    EXPECT_EQ(Lib::qvYCbCr420ToBGR(kAnyType, planes, steps, dst.data(), 18, {c.width, c.height}),
-              c.status);
-    for (int y = 0; y < 6; ++y)
-      for (int x = 0; x < 6; ++x) {
-        const bool written = x < (c.width & ~1) && y < (c.height & ~1);
-        const int block = y / 2 * 3 + x / 2;
-        const Pixel expected =
-            written ? FromPlanes(luma[6 * y + x], cb[block], cr[block]) : Pixel{9, 9, 9};
-        ASSERT_EQ(At(dst, 18 * y + 3 * x), expected)
-            << x << ' ' << y << " of " << c.width << " x " << c.height;
-      }
-  }
-}
-
-// Chroma of the upper row, or of the pairs; odd ends are left alone.
-TEST(YCbCrToPlanes, SplitsWhatItIsGiven) {
-  const Bytes packed = {1, 2, 3, 4, 90, 91, 5, 6, 7, 8, 92, 93, 94, 95, 96, 97, 98, 99};
-  const Bytes luma = {1, 3, 90, 5, 7, 92, 94, 96, 98}, chroma = {2, 4, 90, 90};
-  for (const bool fromPacked : {true, false})
-    for (const int extent : {2, 3}) {
-      Bytes y(9, 0), cb(2, 0), cr(2, 0);
-      unsigned char* planes[3] = {y.data(), cb.data(), cr.data()};
-      if (fromPacked) std::swap(planes[1], planes[2]);
-      int steps[3] = {3, 2, 2};
-      const IppiSize size = {extent, extent};
-      EXPECT_EQ(fromPacked ? Lib::qvYCbCr422ToYCrCb420(kAnyType, packed.data(), 6, planes, steps,
-                                                       size)
-                           : Lib::qvYCbCr420(kAnyType, luma.data(), 3, chroma.data(), 4, planes,
-                                             steps, size),
-                StatusOk);
-      EXPECT_EQ(y, (Bytes{1, 3, 0, 5, 7, 0, 0, 0, 0}));
-      EXPECT_EQ(cb, (Bytes{2, 0}));
-      EXPECT_EQ(cr, (Bytes{4, 0}));
-    }
 }
 
 }  // namespace

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <vector>
 
-#include "tests/support/Bytes.h"
-#include "tests/support/Levels.h"
+#include "support/Bytes.h"
+#include "support/Levels.h"
 
 namespace qv::test {
 namespace {

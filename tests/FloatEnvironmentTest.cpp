@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "qvAcceleratedLib/BandSplit.h"
-#include "tests/support/Levels.h"
+#include "support/Levels.h"
 #include "tests/support/Operations.h"
 
 namespace qv::test {
@@ -101,8 +101,9 @@ class UseControl {
   Control old_;
 };
 
-// All operations, and calls whose numbers are computed with more care than usual: factors and angles
-// that no double holds, denormal ones, matrices of several kinds. Status codes count as well.
+// All operations, and calls whose numbers are computed with more care than usual: factors and
+// angles that no double holds, denormal ones, matrices of several kinds. Status codes count as
+// well.
 std::vector<Operation> OperationsOnNumbers() {
   std::vector<Operation> list = Operations();
   const auto add = [&](std::string name, auto call) {

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "qvAcceleratedLib/Settings.h"
-#include "tests/support/Bytes.h"
-#include "tests/support/Levels.h"
+#include "support/Bytes.h"
+#include "support/Levels.h"
 
 namespace qv::test {
 namespace {
@@ -121,22 +121,6 @@ TEST(MergeAlphaOver, IsTheFormulaForAllAlphasOnBothPathsAtAllLevels) {
         ASSERT_TRUE(p == expected) << accelerated << ' ' << seed << ' ' << level.name;
       }
     }
-}
-
-// The merged alpha may be the foreground's plane (the colours then see the merged alpha) or the
-// background's.
-TEST(MergeAlphaOver, ReadsAliasedAlphaPlanesAfterTheAlphaPass) {
-  const UsePath path(true);
-  for (const auto plane : {&Planes::fgAlpha, &Planes::bgAlpha}) {
-    Planes expected(7);
-    expected.MergeByFormula(plane, true);
-    for (const Level& level : AvailableLevels()) {
-      const UseLevel use(level);
-      Planes p(7);
-      p.Merge(plane);
-      EXPECT_TRUE(p == expected) << level.name;
-    }
-  }
 }
 
 // A step of 0 lays all rows of the alpha planes over each other: the alpha pass goes over the one

@@ -1,11 +1,11 @@
 // Prints the status and a digest of what every call wrote, a line per call, in four bands:
 //   operationdigests [LEVEL]    at the best level of the machine unless one is named
-// The lines are the same whatever surrounds the process.
+// The lines are the same in every environment.
 #include <cinttypes>
 #include <cstdio>
 #include <cstring>
 
-#include "tests/support/Levels.h"
+#include "support/Levels.h"
 #include "tests/support/Operations.h"
 
 int main(int argc, char** argv) {

@@ -1,5 +1,5 @@
-// The taps of the separable filter at positions that no image has, areas that end at a sample, and
-// halving. What whole images become is ResizeAccuracyTest's.
+// The taps of the separable filter at positions that no image has, and areas that end at a sample.
+// What whole images become is ResizeAccuracyTest's.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -8,9 +8,7 @@
 #include <vector>
 
 #include "kernels/resize/AxisTaps.h"
-#include "kernels/resize/Resize.h"
-#include "tests/support/Bytes.h"
-#include "tests/support/ExactResize.h"
+#include "support/Random.h"
 
 namespace qv::test {
 namespace {
@@ -51,51 +49,9 @@ TEST(AxisTaps, AreSoundAtAnyPositions) {
   }
 }
 
-// Each weight is within a rounding of the exact share.
-TEST(AxisTaps, WeighAreasByTheirShares) {
-  Random random(20262);
-  for (int run = 0; run < 2000; ++run) {
-    const int length = random.Between(1, 200);
-    const double inverse =
-        random.OneIn(3) ? random.Between(1, 7) * 0.5 + 0.5 : random.Between(1.0, 6.0);
-    const AxisArea area = {std::max(1, int(length / inverse + random.Between(-1, 2))), inverse,
-                           length};
-    const int taps = AreaTapCount(area);
-    if (taps > kMaxTaps) continue;
-    std::vector<int> first(area.count);
-    std::vector<short> weights(area.count * taps);
-    AxisTaps axis = {area.count, taps, first.data(), weights.data()};
-    BuildAreaTaps(area, &axis);
-    for (int i = 0; i < area.count; ++i) {
-      ASSERT_LE(first[i], length - taps);
-      std::vector<double> dense(taps);
-      for (const auto& [s, w] : ExactMean(i * inverse, (i + 1) * inverse, length))
-        if (s >= first[i] && s < first[i] + taps) dense[s - first[i]] += w;
-      for (int t = 0; t < taps; ++t)
-        ASSERT_NEAR(weights[i * taps + t], dense[t] * 16384, 1.02) << i << ' ' << t;
-    }
-  }
-}
-
 TEST(AxisTaps, AreasThatEndAtASampleEndThere) {
   EXPECT_EQ(AreaTapCount({720, 1 / (720 / 1080.0), 1080}), 2);
   EXPECT_EQ(AreaTapCount({540, 1 / (540 / 1080.0), 1080}), 2);
-}
-
-TEST(Resize, HalvesByMeansOfFour) {
-  const int height = 5;
-  for (const int width : {1, 2, 19, 20, 21, 22, 23, 64, 157}) {
-    const Bytes src = Noise(std::size_t(4) * width * height);
-    Bytes halved(src.size() / 4);
-    EXPECT_EQ(Resize_8u_C1(src.data(), {2 * width, 2 * height}, 2 * width,
-                           {0, 0, 2 * width, 2 * height}, halved.data(), width, {width, height},
-                           0.5, 0.5, 8),
-              StatusOk);
-    for (int i = 0; i < width * height; ++i) {
-      const unsigned char* const p = &src[i / width * 4 * width + i % width * 2];
-      ASSERT_EQ(halved[i], (p[0] + p[1] + p[2 * width] + p[2 * width + 1] + 2) >> 2) << width;
-    }
-  }
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
-// qvResize and qvResizeYUV422 through the public interface: shortcuts, extents, bands and
-// conventions. Statuses are the corpus'; what the kernels write byte for byte is
-// ResizeAccuracyTest's.
+// qvResize through the public interface: shortcuts, extents, bands and conventions. Statuses are
+// the corpus'; what the kernels write byte for byte is ResizeAccuracyTest's.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -8,8 +7,8 @@
 #include <vector>
 
 #include "kernels/resize/Resize.h"
-#include "tests/support/Bytes.h"
-#include "tests/support/Levels.h"
+#include "support/Bytes.h"
+#include "support/Levels.h"
 
 namespace qv::test {
 namespace {
@@ -18,8 +17,6 @@ using Lib = CqvAccLib;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-
-// ---- The front ----------------------------------------------------------------------------------
 
 struct Call {
   IppiSize srcSize;
@@ -209,18 +206,6 @@ TEST(Resize, AveragesMoreRowsThanSumsOf32BitsHold) {
     EXPECT_EQ(mean[0], 85) << level.name;
     EXPECT_EQ(mean[1], 2);
   }
-}
-
-// ---- Packed 4:2:2 -------------------------------------------------------------------------------
-
-TEST(ResizeYUV422, AddressesTheRegionByFourBytesAPixel) {
-  const Bytes src = Noise(400 * 60);
-  Bytes dst(100 * 2 * 50);
-  ASSERT_EQ(Lib::qvResizeYUV422(Type(0), src.data(), {200, 60}, 400, {2, 5, 100, 50}, dst.data(),
-                                200, {100, 50}, 1, 1, 1),
-            StatusOk);
-  for (int y = 0; y < 50; ++y)
-    for (int k = 0; k < 200; ++k) ASSERT_EQ(dst[y * 200 + k], src[(y + 5) * 400 + 8 + k]);
 }
 
 }  // namespace

@@ -3,8 +3,9 @@
 
 #include <algorithm>
 
-#include "tests/support/Bytes.h"
-#include "tests/support/Levels.h"
+#include "support/Bytes.h"
+#include "support/Levels.h"
+#include "tests/support/RandomMatrix.h"
 
 namespace qv::test {
 namespace {
@@ -17,11 +18,8 @@ TEST(Rotate, QuarterTurnsArePermutations) {
     const int channels = random.Pick(1, 3), quarter = random.Pick(90, 180, 270);
     const IppiSize size = {random.Between(1, 70), random.Between(1, 70)};
     const IppiSize to = {random.Between(1, 90), random.Between(1, 90)};
-    const IppiRect from = {random.Between(0, size.width - 1), random.Between(0, size.height - 1),
-                           random.Between(1, 80), random.Between(1, 80)};
-    IppiRect region = {random.Between(0, to.width - 1), random.Between(0, to.height - 1), 0, 0};
-    region.width = random.Between(1, to.width - region.x);
-    region.height = random.Between(1, to.height - region.y);
+    const IppiRect from = RandomRegion(random, size, 1, 10);
+    const IppiRect region = ClippedTo(to, RandomRegion(random, to));
     const int dx = random.Between(-20, 120), dy = random.Between(-20, 120);
     const int srcStep = size.width * channels + random.Between(0, 5);
     const int dstStep = to.width * channels + random.Between(0, 5);

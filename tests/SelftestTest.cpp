@@ -5,7 +5,7 @@
 #include <string>
 
 #include "qvAcceleratedLib/Settings.h"
-#include "tests/support/Levels.h"
+#include "support/Levels.h"
 #include "tools/selftest/Calls.h"
 #include "tools/selftest/Sha256.h"
 

@@ -1,4 +1,5 @@
-// The team of threads among whatever a host does: many threads, forks, signals, no thread to be had.
+// The team of threads among whatever a host does: many threads, forks, signals, no thread to be
+// had.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -8,9 +9,9 @@
 #include <vector>
 
 #include "qvAcceleratedLib/BandSplit.h"
-#include "tests/support/Levels.h"
+#include "support/Levels.h"
+#include "support/Random.h"
 #include "tests/support/Operations.h"
-#include "tests/support/Random.h"
 #include "tests/support/ThreadCount.h"
 
 #if defined(__linux__)
@@ -55,8 +56,8 @@ TEST(Calls, Succeed) {
   }
 }
 
-// 16 threads at a time for QV_TEST_SECONDS (a second unless set), each with some calls in an order of its
-// own, after which another thread takes its place.
+// 16 threads at a time for QV_TEST_SECONDS (a second unless set), each with some calls in an order
+// of its own, after which another thread takes its place.
 TEST(Threads, MayCallAllOperationsAtOnce) {
   constexpr int kBudget = 4, kHostThreads = 16;
   const UseBudget budget(kBudget);

@@ -5,10 +5,10 @@
 #include <cmath>
 #include <random>
 
-#include "tests/support/Bytes.h"
-#include "tests/support/ExactResize.h"
+#include "support/Bytes.h"
+#include "support/ExactResize.h"
+#include "support/Levels.h"
 #include "tests/support/Guarded.h"
-#include "tests/support/Levels.h"
 #include "tests/support/RandomMatrix.h"
 
 namespace qv::test {
@@ -46,9 +46,7 @@ struct Reference {
     if (det * w < 0)
       for (auto& row : p)
         for (Real& v : row) v = -v;
-    part = call.srcRoi;
-    part.width = std::min(part.width, call.srcSize.width - part.x);
-    part.height = std::min(part.height, call.srcSize.height - part.y);
+    part = ClippedTo(call.srcSize, call.srcRoi);
   }
 
   void Position(int x, int y, Real& px, Real& py) const {
@@ -115,19 +113,11 @@ Call RandomCall(Random& random, IppiSize dst) {
   call.srcSize = {random.Between(1, 90), random.Between(1, 90)};
   if (random.OneIn(3)) call.srcSize = {random.Between(100, 400), random.Between(100, 300)};
   call.srcRoi = {0, 0, std::max(2, call.srcSize.width), std::max(2, call.srcSize.height)};
-  if (random.OneIn(2)) {
-    call.srcRoi.x = random.Between(0, call.srcSize.width - 1);
-    call.srcRoi.y = random.Between(0, call.srcSize.height - 1);
-    call.srcRoi.width = random.Between(2, call.srcSize.width + 20);
-    call.srcRoi.height = random.Between(2, call.srcSize.height + 20);
-  }
+  if (random.OneIn(2)) call.srcRoi = RandomRegion(random, call.srcSize, 2, 20);
   call.dstRoi = {0, 0, dst.width, dst.height};
-  if (random.OneIn(2))
-    call.dstRoi = {random.Between(0, dst.width - 1), random.Between(0, dst.height - 1),
-                   random.Between(1, dst.width), random.Between(1, dst.height)};
+  if (random.OneIn(2)) call.dstRoi = RandomRegion(random, dst);
   if (random.OneIn(4)) call.dstRoi.width = random.Between(1, 20);  // less than a vector
-  call.dstRoi.width = std::min(call.dstRoi.width, dst.width - call.dstRoi.x);
-  call.dstRoi.height = std::min(call.dstRoi.height, dst.height - call.dstRoi.y);
+  call.dstRoi = ClippedTo(dst, call.dstRoi);
   call.m = RandomMatrix(random, call.srcRoi, dst, !random.OneIn(3), false);
   return call;
 }
@@ -166,12 +156,12 @@ TEST(Warp, IsWithinOneUnitOfTheReferenceEverywhere) {
   for (const int method : {2, 4}) {
     const Errors& e = errors[method / 2];
     ASSERT_GT(e.count, 100000);
-    EXPECT_LE(e.sum / static_cast<double>(e.count), 0.26);
+    EXPECT_LE(e.Mean(), 0.26);
   }
 }
 
-// A corner of the region that falls upon a whole pixel is written, though quotients of numbers that no
-// double holds place it a little outside.
+// A corner of the region that falls upon a whole pixel is written, though quotients of numbers that
+// no double holds place it a little outside.
 TEST(Warp, CornersOnWholePixelsAreWritten) {
   Bytes src = Noise(40 * 40);
   const IppiRect roi = {7, 5, 20, 18};

@@ -1,5 +1,5 @@
 #!/bin/bash
-# A program prints the same whatever surrounds its process: settings of OpenMP runtimes, a small stack,
+# A program prints the same in every environment: settings of OpenMP runtimes, a small stack,
 # and, if it does not ask for processors, a single one.
 #   check_environment.sh [--one-processor] COMMAND...
 set -u

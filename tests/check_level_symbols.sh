@@ -5,8 +5,8 @@
 set -u
 build=$1
 shift
-# What 32-bit code reads its own address with, and the pointers that MinGW reaches other sources' data
-# through, are the same at every level.
+# What 32-bit code reads its own address with, and the pointers that MinGW reaches other sources'
+# data through, are the same at every level.
 common='__x86\.get_pc_thunk\.|\.refptr\.'
 status=0
 objects=0

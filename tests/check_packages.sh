@@ -1,7 +1,7 @@
 #!/bin/bash
 # Unpacks the packages that scripts/package.sh made and uses each as its users would.
 #
-#   check_packages.sh FOLDER [PRESET...]      presets release, windows32, windows64; all three without
+#   check_packages.sh FOLDER [PRESET...]      of release, windows32 and windows64; all without
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 folder=$(cd "$1" && pwd)
@@ -11,7 +11,8 @@ work=$root/build/consumers
 rm -rf "$work"
 mkdir -p "$work"
 "$root/scripts/setup.sh" pkg-config unzip
-version=$(sed -n 's/^#define QVACCELERATEDLIB_VERSION "\(.*\)"/\1/p' "$root/include/qvAcceleratedLib/CqvAccLib.h")
+version=$(sed -n 's/^#define QVACCELERATEDLIB_VERSION "\(.*\)"/\1/p' \
+  "$root/include/qvAcceleratedLib/CqvAccLib.h")
 consumers=$root/tests/consumers
 
 fail() { echo "FAILED: $*" >&2; exit 1; }
@@ -47,7 +48,7 @@ check_linux() {
     $(PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config --cflags --libs qvAcceleratedLib) \
     -Wl,-rpath,"$prefix/lib"
   quietly "$work/linux-pkgconfig"
-  [ "$(PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config --modversion qvAcceleratedLib)" = "$version" ] ||
+  PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config --exact-version="$version" qvAcceleratedLib ||
     fail 'pkg-config gives another version'
   echo 'Linux, pkg-config: works'
   configure linux-subdirectory "$consumers/subdirectory"
@@ -102,8 +103,8 @@ check_windows() {
 
   # Installed from the build, the DLL is as bare as in the package.
   quietly cmake --install "$root/build/windows$bits" --prefix "$work/installed$bits"
-  "${compiler%-g++*}-objdump" -t "$work/installed$bits/bin/qvAcceleratedLib.dll" | grep -q '^no symbols$' ||
-    fail 'the installed DLL has symbols'
+  "${compiler%-g++*}-objdump" -t "$work/installed$bits/bin/qvAcceleratedLib.dll" |
+    grep -q '^no symbols$' || fail 'the installed DLL has symbols'
 
   configure "windows$bits" "$consumers/package" \
     -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/windows$bits.cmake" \
@@ -113,18 +114,19 @@ check_windows() {
   echo "Windows $bits, MinGW, find_package: works"
 
   # For Visual C++, with the import library that its projects would be given.
-  quietly cmake -S "$consumers/imports" -B "$work/imports$bits" -G Ninja -DCMAKE_PREFIX_PATH="$prefix"
+  quietly cmake -S "$consumers/imports" -B "$work/imports$bits" -G Ninja \
+    -DCMAKE_PREFIX_PATH="$prefix"
   local imports visual=$work/visual$bits functions=(GetStdHandle WriteFile ExitProcess)
   imports=$(<"$work/imports$bits/imports.txt")
   [ "$(realpath "$imports")" = "$(realpath "$prefix/lib/qvAcceleratedLib.lib")" ] ||
     fail "a project of Visual C++ links $imports"
   mkdir "$visual"
   [ "$bits" = 64 ] || functions=(GetStdHandle@4 WriteFile@20 ExitProcess@4)
-  { echo 'LIBRARY kernel32.dll'; echo EXPORTS; printf '%s\n' "${functions[@]}"; } >"$visual/kernel32.def"
+  printf '%s\n' 'LIBRARY kernel32.dll' EXPORTS "${functions[@]}" >"$visual/kernel32.def"
   quietly llvm-dlltool -m "$machine" -k -d "$visual/kernel32.def" -l "$visual/kernel32.lib"
   quietly "$root/tests/hosts/compile_visual.sh" clang++ "$target" "$prefix/include" "$visual"
-  quietly lld-link /nologo /subsystem:console /entry:HostMain /nodefaultlib "/out:$visual/host.exe" \
-    "@$visual/objects" "$visual/kernel32.lib" "$imports"
+  quietly lld-link /nologo /subsystem:console /entry:HostMain /nodefaultlib \
+    "/out:$visual/host.exe" "@$visual/objects" "$visual/kernel32.lib" "$imports"
   cp "$prefix/bin/qvAcceleratedLib.dll" "$visual/"
   quietly "$root/scripts/wine.sh" "$bits" "$visual/host.exe"
   echo "Windows $bits, Visual C++, import library: works"
@@ -134,7 +136,8 @@ for preset; do
   case $preset in
     release) check_linux ;;
     windows32) check_windows 32 x86 i686-w64-mingw32-g++-posix i686-pc-windows-msvc i386 ;;
-    windows64) check_windows 64 x64 x86_64-w64-mingw32-g++-posix x86_64-pc-windows-msvc i386:x86-64 ;;
+    windows64)
+      check_windows 64 x64 x86_64-w64-mingw32-g++-posix x86_64-pc-windows-msvc i386:x86-64 ;;
     *) sed -n '2,4s/^# \{0,1\}//p' "$0" >&2; exit 2 ;;
   esac
 done

@@ -1,5 +1,6 @@
-# 64-bit ARM Linux, by Debian's cross compiler (g++-aarch64-linux-gnu); what is built runs in QEMU's
-# user-mode emulation (qemu-user).
+# 64-bit ARM Linux, by Debian's cross compiler (g++-aarch64-linux-gnu); what is built runs in
+# QEMU's user-mode emulation (qemu-user-static; the programs of qemu-user 7.2 give up in a forked
+# child that starts threads).
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
@@ -10,4 +11,4 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 # The C library of the target lies with the compiler, not where a program looks for it.
-set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64 -L /usr/aarch64-linux-gnu)
+set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64-static -L /usr/aarch64-linux-gnu)

@@ -40,10 +40,10 @@ uint32_t FeedSliced(uint32_t r, const Byte* src, ptrdiff_t length) {
 #if QV_HAS_VECTORS
 
 QV_INLINE uint32_t Feed(uint32_t r, const Byte* src, ptrdiff_t length) {
-  if constexpr (kHasBytePermute) {
+  if constexpr (kHasCarryless && kHasBytePermute) {
     if (CarrylessLevel >= 2 && length >= kFold512Min) return FeedFolded512(r, src, length);
   }
-  if constexpr (kHasByteShuffle) {
+  if constexpr (kHasCarryless && kHasByteShuffle) {
     if (CarrylessLevel >= 1 && length >= kFold128Min) return FeedFolded128(r, src, length);
   }
   return FeedSliced(r, src, length);

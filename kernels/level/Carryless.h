@@ -1,19 +1,24 @@
 // Carry-less multiplication, of polynomials over bits: a feature of the processor beside the level,
 // found by CarrylessLevel, so that functions that use it are compiled for it one by one.
 // QV_CARRYLESS (CarrylessLevel 1 or more, kHasByteShuffle) marks those on a Vec128,
-// QV_CARRYLESS_WIDE (2, kHasBytePermute) those on a Vec. A lambda would not inherit the mark.
+// QV_CARRYLESS_WIDE (2, kHasBytePermute) those on a Vec. A lambda would not inherit the mark. On
+// processors other than x86 kHasCarryless says that there is none.
 #ifndef QV_KERNELS_LEVEL_CARRYLESS_H
 #define QV_KERNELS_LEVEL_CARRYLESS_H
 
-#include <immintrin.h>
-
 #include "kernels/level/Level.h"
+
+#if defined(__SSE2__)
+
+#include <immintrin.h>
 
 #define QV_CARRYLESS __attribute__((target("ssse3,pclmul")))
 #define QV_CARRYLESS_WIDE \
   __attribute__((target("avx512f,avx512bw,avx512vl,avx512dq,avx512vbmi,pclmul,vpclmulqdq")))
 
 namespace qv::QV_LEVEL {
+
+constexpr bool kHasCarryless = true;
 
 // The 128-bit product, in each 128-bit lane, of a 64-bit half of `a` and one of `b`: 0 is the low
 // half, 1 the high one.
@@ -31,5 +36,20 @@ template <int kHalfOfA, int kHalfOfB> Vec MulCarryless(Vec a, Vec b);
 #endif
 
 }  // namespace qv::QV_LEVEL
+
+#else
+
+#define QV_CARRYLESS
+#define QV_CARRYLESS_WIDE
+
+namespace qv::QV_LEVEL {
+
+constexpr bool kHasCarryless = false;
+
+template <int kHalfOfA, int kHalfOfB> Vec128 MulCarryless(Vec128 a, Vec128 b);
+
+}  // namespace qv::QV_LEVEL
+
+#endif
 
 #endif

@@ -19,10 +19,10 @@ struct AxesLayout {
       weights[k] = layout.Add<short>(static_cast<uint64_t>(axes[k].count) * axes[k].taps);
     }
   }
-  void Place(const WorkMemory& memory, AxisTaps (&axes)[3]) const {
+  void Place(char* memory, AxisTaps (&axes)[3]) const {
     for (int k = 0; k < 3; ++k) {
-      axes[k].first = memory.At<int>(at[k]);
-      axes[k].weights = memory.At<short>(weights[k]);
+      axes[k].first = reinterpret_cast<int*>(memory + at[k]);
+      axes[k].weights = reinterpret_cast<short*>(memory + weights[k]);
     }
   }
 };
@@ -70,17 +70,21 @@ AxisTaps PlanTaps(const AxisPositions& positions, int interpolation) {
 
 }  // namespace
 
+uint64_t FilterTapsBytes(const int (&counts)[3], int interpolation) {
+  AxisTaps axes[3];
+  for (int k = 0; k < 3; ++k)
+    axes[k] = {counts[k], TapCount(interpolation, kMaxTaps), nullptr, nullptr};
+  return AxesLayout(axes).layout.bytes();
+}
+
 IppStatus FilterImage(const FilterTask& task, int interpolation, const AxisPositions& x,
-                      const AxisPositions& chroma, const AxisPositions& y) {
+                      const AxisPositions& chroma, const AxisPositions& y, void* tapsMemory) {
   const bool pairs = task.layout == RowLayout::kPairs422;
   const AxisPositions none = {};
   const AxisPositions* const positions[3] = {&x, pairs ? &chroma : &none, &y};
   AxisTaps axes[3];
   for (int k = 0; k < 3; ++k) axes[k] = PlanTaps(*positions[k], interpolation);
-  const AxesLayout layout(axes);
-  const WorkMemory memory(layout.layout);
-  if (!memory) return StatusMemAllocErr;
-  layout.Place(memory, axes);
+  AxesLayout(axes).Place(static_cast<char*>(tapsMemory), axes);
   for (int k = 0; k < 3; ++k) BuildTaps(*positions[k], interpolation, &axes[k]);
   return RunTaps(task, {axes[0], axes[1]}, axes[2]);
 }
@@ -108,7 +112,7 @@ IppStatus AverageImage(const FilterTask& task, const AxisArea& x, const AxisArea
     const AxesLayout layout(axes);
     const WorkMemory memory(layout.layout);
     if (!memory) return StatusMemAllocErr;
-    layout.Place(memory, axes);
+    layout.Place(memory.At<char>(0), axes);
     for (int k = 0; k < 3; ++k) BuildAreaTaps(*areas[k], &axes[k]);
     return RunTaps(task, {axes[0], axes[1]}, axes[2]);
   }

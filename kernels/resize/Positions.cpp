@@ -4,7 +4,7 @@ namespace qv {
 
 namespace {
 
-// Truncated toward zero, limited to 0 .. last; 0 for what is not a number.
+// Truncated toward zero, limited to 0 .. last; 0 for NaN.
 int LimitedIndex(double x, int last) { return x < last ? (x > 0 ? static_cast<int>(x) : 0)
                                                        : (x >= last ? last : 0); }
 
@@ -81,16 +81,16 @@ bool ProjectRegion(BandAxis axis, int start, int size, Span* span) {
   const double end = static_cast<double>(start) + size;
   double low = axis.start * axis.factor + axis.shift;
   double high = (static_cast<double>(axis.start) + axis.length) * axis.factor + axis.shift;
-  // In this form a limit also takes the place of what is not a number, such as 0 times infinity.
+  // In this form a limit also takes the place of NaN, such as 0 times infinity.
   if (!(low > start)) low = start;
   if (!(high < end)) high = end;
   low += 0.4999999999;
   high += 0.4999999999;
   if (!(low < end + 1) || !(high > -1)) return false;
   // Both are now within the range of a 64-bit integer, low within [start, end + 1).
-  const auto first = static_cast<long long>(low), behind = static_cast<long long>(high);
-  if (behind < first) return false;
-  *span = {first, static_cast<int>(behind - first)};
+  const auto first = static_cast<long long>(low), past = static_cast<long long>(high);
+  if (past < first) return false;
+  *span = {first, static_cast<int>(past - first)};
   return true;
 }
 

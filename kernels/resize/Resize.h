@@ -19,6 +19,19 @@ enum Interpolation : int {
   InterpolateLanczos = 16
 };
 
+// The arguments of CqvAccLib::qvResize but for its type.
+struct ResizeCall {
+  const unsigned char* src;
+  IppiSize srcSize;
+  int srcStep;
+  IppiRect srcRoi;
+  unsigned char* dst;
+  int dstStep;
+  IppiSize dstRoiSize;
+  double xFactor, yFactor;
+  int interpolation;
+};
+
 // Whether a factor is above 1, which area averaging cannot do.
 bool Enlarges(double xFactor, double yFactor);
 

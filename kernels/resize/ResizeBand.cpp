@@ -35,48 +35,55 @@ IppStatus RunBand(const ResizeTask& task, const BandAxis& x, const BandAxis& y, 
   }
 }
 
-IppStatus ResizeBand(const unsigned char* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
-                     unsigned char* dst, int dstStep, IppiRect dstRect, double xFactor,
-                     double yFactor, double xShift, double yShift, int interpolation,
-                     unsigned char* buffer, int channels) {
-  if (!src || !dst || !buffer) return StatusNullPtrErr;
+}  // namespace
+
+uint64_t ResizeWorkBytes(int width, int height, int channels, int interpolation) {
+  const int counts[3] = {width, height, 0};
+  const uint64_t rowBytes = static_cast<uint64_t>(width) * channels;
+  switch (interpolation) {
+    case InterpolateNearest: return NearestLayout(counts, rowBytes).all.bytes();
+    case InterpolateLinear: return LinearLayout(counts, rowBytes).all.bytes();
+    default: return FilterLayout(counts, interpolation).all.bytes();
+  }
+}
+
+IppStatus ResizeBand(const ResizeCall& call, int channels, IppiRect dstRect, double xShift,
+                     double yShift, const WorkBuffer& buffer) {
+  const IppiSize srcSize = call.srcSize;
+  const IppiRect srcRoi = call.srcRoi;
+  if (!call.src || !call.dst || !buffer.at) return StatusNullPtrErr;
   if (CheckSource(srcSize, srcRoi) != StatusOk || dstRect.x < 0 || dstRect.y < 0 ||
       dstRect.width < 1 || dstRect.height < 1)
     return StatusSizeErr;
-  if (!AreFactorsPositive(xFactor, yFactor)) return StatusResizeFactorErr;
-  if (!IsInterpolation(interpolation) && interpolation != InterpolateArea)
+  if (!AreFactorsPositive(call.xFactor, call.yFactor)) return StatusResizeFactorErr;
+  if (!IsInterpolation(call.interpolation) && call.interpolation != InterpolateArea)
     return StatusInterpolationErr;
   if (StartsOutside(srcSize, srcRoi)) return StatusNoOverlapWarning;
 
-  const BandAxis x = {srcRoi.x, ClippedLength(srcRoi.x, srcRoi.width, srcSize.width), xFactor,
-                      xShift};
-  const BandAxis y = RowAxis(srcSize, srcRoi, yFactor, yShift);
+  const BandAxis x = {srcRoi.x, ClippedLength(srcRoi.x, srcRoi.width, srcSize.width),
+                      call.xFactor, xShift};
+  const BandAxis y = RowAxis(srcSize, srcRoi, call.yFactor, yShift);
   Span columns, rows;
   if (!ProjectRegion(x, dstRect.x, dstRect.width, &columns) ||
       !ProjectRegion(y, dstRect.y, dstRect.height, &rows))
     return StatusNothingToDoWarning;
-  if (interpolation == InterpolateArea && Enlarges(xFactor, yFactor))
+  if (call.interpolation == InterpolateArea && Enlarges(call.xFactor, call.yFactor))
     return StatusResizeFactorErr;
   if (columns.count == 0 || rows.count == 0) return StatusOk;
 
-  int bufferBytes = 0;  // stays 0 for what the query does not cover: nothing is known of the buffer
-  ResizeBandBufferSize({dstRect.width, dstRect.height}, channels, interpolation, &bufferBytes);
-  const ResizeTask task = {PixelAt(src, srcStep, srcRoi.x, srcRoi.y, channels),
-                           srcStep,
-                           dst + static_cast<ptrdiff_t>(rows.first) * dstStep +
+  const ResizeTask task = {PixelAt(call.src, call.srcStep, srcRoi.x, srcRoi.y, channels),
+                           call.srcStep,
+                           call.dst + static_cast<ptrdiff_t>(rows.first) * call.dstStep +
                                static_cast<ptrdiff_t>(columns.first) * channels,
-                           dstStep,
+                           call.dstStep,
                            channels,
                            columns.count,
                            rows.count,
                            x.length,
                            y.length,
-                           buffer,
-                           static_cast<uint64_t>(bufferBytes)};
-  return RunBand(task, x, y, columns, rows, interpolation);
+                           buffer};
+  return RunBand(task, x, y, columns, rows, call.interpolation);
 }
-
-}  // namespace
 
 bool HasResizeRows(IppiSize srcSize, IppiRect srcRoi, int firstRow, int rows, double yFactor) {
   Span span;
@@ -106,20 +113,33 @@ IppStatus ResizeBandBufferSize(IppiSize dstSize, int channels, int interpolation
   return StatusOk;
 }
 
+namespace {
+
+// In a buffer of which is known what the query says, nothing where it says nothing.
+IppStatus ResizeBuffered(const ResizeCall& call, int channels, IppiRect dstRect, double xShift,
+                         double yShift, unsigned char* buffer) {
+  int bytes = 0;
+  ResizeBandBufferSize({dstRect.width, dstRect.height}, channels, call.interpolation, &bytes);
+  return ResizeBand(call, channels, dstRect, xShift, yShift,
+                    {buffer, static_cast<uint64_t>(bytes)});
+}
+
+}  // namespace
+
 IppStatus ResizeBand_8u_C1(const unsigned char* src, IppiSize srcSize, int srcStep,
                            IppiRect srcRoi, unsigned char* dst, int dstStep, IppiRect dstRect,
                            double xFactor, double yFactor, double xShift, double yShift,
                            int interpolation, unsigned char* buffer) {
-  return ResizeBand(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRect, xFactor, yFactor, xShift,
-                    yShift, interpolation, buffer, 1);
+  return ResizeBuffered({src, srcSize, srcStep, srcRoi, dst, dstStep, {}, xFactor, yFactor,
+                         interpolation}, 1, dstRect, xShift, yShift, buffer);
 }
 
 IppStatus ResizeBand_8u_C3(const unsigned char* src, IppiSize srcSize, int srcStep,
                            IppiRect srcRoi, unsigned char* dst, int dstStep, IppiRect dstRect,
                            double xFactor, double yFactor, double xShift, double yShift,
                            int interpolation, unsigned char* buffer) {
-  return ResizeBand(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRect, xFactor, yFactor, xShift,
-                    yShift, interpolation, buffer, 3);
+  return ResizeBuffered({src, srcSize, srcStep, srcRoi, dst, dstStep, {}, xFactor, yFactor,
+                         interpolation}, 3, dstRect, xShift, yShift, buffer);
 }
 
 }  // namespace qv

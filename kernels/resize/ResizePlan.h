@@ -26,7 +26,7 @@ inline IppStatus CheckSource(IppiSize size, IppiRect roi) {
   return bad ? StatusSizeErr : StatusOk;
 }
 
-// False as well for a factor that is not a number.
+// False as well for NaN.
 inline bool AreFactorsPositive(double xFactor, double yFactor) {
   return xFactor > 0 && yFactor > 0;
 }
@@ -49,8 +49,7 @@ struct ResizeTask {
   int dstStep, channels;
   int width, height;         // to write
   int xLength, yLength;
-  void* buffer = nullptr;    // work memory that the caller has
-  uint64_t bufferBytes = 0;
+  WorkBuffer buffer = {};
 
   RowLayout Layout() const {
     return channels == 1   ? RowLayout::kGray
@@ -62,45 +61,79 @@ struct ResizeTask {
   int Pairs() const { return channels == 2 ? width / 2 : 0; }
 };
 
+// The work memory of each method: tables of the three axes columns, rows and (packed 4:2:2) pairs,
+// and what the row kernels want.
+struct NearestLayout {
+  WorkLayout all;
+  uint64_t index[3], rows;
+
+  NearestLayout(const int (&counts)[3], uint64_t rowBytes) {
+    for (int axis = 0; axis < 3; ++axis) index[axis] = all.Add<int>(counts[axis]);
+    rows = all.Add<char>(RowsWorkBytes(rowBytes));
+  }
+};
+
+struct LinearLayout {
+  WorkLayout all;
+  uint64_t first[3], weight[3], rows;
+
+  LinearLayout(const int (&counts)[3], uint64_t rowBytes) {
+    for (int axis = 0; axis < 3; ++axis) {
+      first[axis] = all.Add<int>(counts[axis]);
+      weight[axis] = all.Add<unsigned short>(counts[axis]);
+    }
+    rows = all.Add<char>(RowsWorkBytes(rowBytes));
+  }
+};
+
+// The rows' own is planned by FilterImage: it depends on the samples that the taps name.
+struct FilterLayout {
+  WorkLayout all;
+  uint64_t position[3], taps;
+
+  FilterLayout(const int (&counts)[3], int interpolation) {
+    for (int axis = 0; axis < 3; ++axis) position[axis] = all.Add<double>(counts[axis]);
+    taps = all.Add<char>(FilterTapsBytes(counts, interpolation));
+  }
+};
+
+// Bytes of a buffer in which a band of up to so many pixels finds all of these, for codes 1, 2, 4
+// and 16.
+uint64_t ResizeWorkBytes(int width, int height, int channels, int interpolation);
+
 // Nearest-neighbour rows. x, y and (packed 4:2:2) chroma fill the indices of the axes' samples.
 template <class X, class Y, class Chroma>
 IppStatus RunNearest(const ResizeTask& task, X x, Y y, Chroma chroma) {
-  WorkLayout layout;
-  const auto columns = layout.Add<int>(task.width), lines = layout.Add<int>(task.height);
-  const auto pairs = layout.Add<int>(task.Pairs());
-  const auto rows = layout.Add<char>(RowsWorkBytes(task.RowBytes()));
-  const WorkMemory work(layout, task.buffer, task.bufferBytes);
+  const NearestLayout layout({task.width, task.height, task.Pairs()}, task.RowBytes());
+  const WorkMemory work(layout.all, task.buffer);
   if (!work) return StatusMemAllocErr;
-  x(work.At<int>(columns));
-  y(work.At<int>(lines));
-  if (task.Pairs() > 0) chroma(work.At<int>(pairs));
-  const NearestTables tables = {task.width,    task.height,
-                                task.xLength,  task.channels,
-                                work.At<int>(columns), work.At<int>(lines), work.At<int>(pairs)};
-  NearestRows_8u(task.src, task.srcStep, task.dst, task.dstStep, &tables, work.At<char>(rows));
+  int* const columns = work.At<int>(layout.index[0]);
+  int* const lines = work.At<int>(layout.index[1]);
+  int* const pairs = work.At<int>(layout.index[2]);
+  x(columns);
+  y(lines);
+  if (task.Pairs() > 0) chroma(pairs);
+  const NearestTables tables = {task.width, task.height, task.xLength, task.channels,
+                                columns,    lines,       pairs};
+  NearestRows_8u(task.src, task.srcStep, task.dst, task.dstStep, &tables,
+                 work.At<char>(layout.rows));
   return StatusOk;
 }
 
 // Linear rows. The functions fill indices and weights.
 template <class X, class Y, class Chroma>
 IppStatus RunLinear(const ResizeTask& task, X x, Y y, Chroma chroma) {
-  WorkLayout layout;
   const int counts[3] = {task.width, task.height, task.Pairs()};
   const int lengths[3] = {task.xLength, task.yLength, task.xLength / 2};
-  uint64_t first[3], weight[3];
-  for (int axis = 0; axis < 3; ++axis) {
-    first[axis] = layout.Add<int>(counts[axis]);
-    weight[axis] = layout.Add<unsigned short>(counts[axis]);
-  }
-  const auto rows = layout.Add<char>(RowsWorkBytes(task.RowBytes()));
-  const WorkMemory work(layout, task.buffer, task.bufferBytes);
+  const LinearLayout layout(counts, task.RowBytes());
+  const WorkMemory work(layout.all, task.buffer);
   if (!work) return StatusMemAllocErr;
   LinearTaps taps[3];
   const auto fill = [&](int axis, auto function) {
-    int* const at = work.At<int>(first[axis]);
-    auto* const w = work.At<unsigned short>(weight[axis]);
-    if (counts[axis] > 0) function(at, w);
-    taps[axis] = {lengths[axis] > 1, at, w};
+    int* const first = work.At<int>(layout.first[axis]);
+    auto* const weight = work.At<unsigned short>(layout.weight[axis]);
+    if (counts[axis] > 0) function(first, weight);
+    taps[axis] = {lengths[axis] > 1, first, weight};
   };
   fill(0, x);
   fill(1, y);
@@ -108,26 +141,30 @@ IppStatus RunLinear(const ResizeTask& task, X x, Y y, Chroma chroma) {
   const LinearTables tables = {task.width,    task.height, task.xLength, task.channels,
                                task.channels, taps[0],     taps[1],      taps[2]};
   ResizeLinearRows_8u(task.src, task.srcStep, task.dst, task.dstStep, &tables,
-                      work.At<char>(rows));
+                      work.At<char>(layout.rows));
   return StatusOk;
 }
 
 // Cubic and Lanczos rows. The functions fill positions.
 template <class X, class Y, class Chroma>
 IppStatus RunFilter(const ResizeTask& task, int interpolation, X x, Y y, Chroma chroma) {
-  WorkLayout layout;
-  const auto columns = layout.Add<double>(task.width), lines = layout.Add<double>(task.height);
-  const auto pairs = layout.Add<double>(task.Pairs());
-  const WorkMemory work(layout, task.buffer, task.bufferBytes);
+  const FilterLayout layout({task.width, task.height, task.Pairs()}, interpolation);
+  const WorkMemory work(layout.all, task.buffer);
   if (!work) return StatusMemAllocErr;
-  x(work.At<double>(columns));
-  y(work.At<double>(lines));
-  if (task.Pairs() > 0) chroma(work.At<double>(pairs));
-  return FilterImage(task.Filter(), interpolation,
-                     {task.width, work.At<double>(columns), task.xLength},
-                     {task.Pairs(), work.At<double>(pairs), task.xLength / 2},
-                     {task.height, work.At<double>(lines), task.yLength});
+  double* const columns = work.At<double>(layout.position[0]);
+  double* const lines = work.At<double>(layout.position[1]);
+  double* const pairs = work.At<double>(layout.position[2]);
+  x(columns);
+  y(lines);
+  if (task.Pairs() > 0) chroma(pairs);
+  return FilterImage(task.Filter(), interpolation, {task.width, columns, task.xLength},
+                     {task.Pairs(), pairs, task.xLength / 2}, {task.height, lines, task.yLength},
+                     work.At<char>(layout.taps));
 }
+
+// A band kernel of one or three channels, whose work memory is `buffer` as far as that reaches.
+IppStatus ResizeBand(const ResizeCall& call, int channels, IppiRect dstRect, double xShift,
+                     double yShift, const WorkBuffer& buffer);
 
 // Nothing to fill: layouts without chroma.
 struct NoChroma {

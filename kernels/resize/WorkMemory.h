@@ -18,22 +18,31 @@ class WorkLayout {
     bytes_ += (count * sizeof(T) + 63) / 64 * 64;
     return at;
   }
-  uint64_t bytes() const { return bytes_; }
+  // What a buffer for it must have, however it is aligned.
+  uint64_t bytes() const { return bytes_ + kAlignment; }
+
+  static constexpr uint64_t kAlignment = 64;
 
  private:
   uint64_t bytes_ = 0;
 };
 
-// The memory of a layout: on the stack if it is small, in a buffer that the caller has if it fits
-// there, else allocated. Null if it cannot be had.
+// Memory that the caller has.
+struct WorkBuffer {
+  void* at = nullptr;
+  uint64_t bytes = 0;
+};
+
+// The memory of a layout: on the stack if it is small, in the caller's buffer if it fits there,
+// else allocated. Null if it cannot be had.
 class WorkMemory {
  public:
-  explicit WorkMemory(const WorkLayout& layout, void* buffer = nullptr, uint64_t bufferBytes = 0) {
-    const uint64_t bytes = layout.bytes() + kAlignment;
+  explicit WorkMemory(const WorkLayout& layout, const WorkBuffer& buffer = {}) {
+    const uint64_t bytes = layout.bytes();
     if (bytes <= sizeof(small_)) {
       base_ = Aligned(small_);
-    } else if (buffer && bytes <= bufferBytes) {
-      base_ = Aligned(buffer);
+    } else if (buffer.at && bytes <= buffer.bytes) {
+      base_ = Aligned(buffer.at);
     } else if (bytes <= PTRDIFF_MAX) {
       owned_ = new (std::nothrow) unsigned char[static_cast<size_t>(bytes)];
       if (owned_) base_ = Aligned(owned_);
@@ -51,9 +60,8 @@ class WorkMemory {
   }
 
  private:
-  static constexpr size_t kAlignment = 64;
-
   static unsigned char* Aligned(void* p) {
+    constexpr size_t kAlignment = WorkLayout::kAlignment;
     auto* const bytes = static_cast<unsigned char*>(p);
     const auto address = reinterpret_cast<uintptr_t>(p);
     return bytes + (kAlignment - address % kAlignment) % kAlignment;

@@ -5,9 +5,9 @@
 #include <cstring>
 #include <memory>
 
+#include "support/Levels.h"
+#include "support/Random.h"
 #include "tests/support/Guarded.h"
-#include "tests/support/Levels.h"
-#include "tests/support/Random.h"
 
 #if defined(__has_include)
 #if __has_include(<sanitizer/asan_interface.h>) && !defined(_WIN32)
@@ -83,7 +83,7 @@ FuzzImage Call::Lay(int step, Part part, bool writable) {
   const unsigned where = in_.Byte();
   Placed image = {arena.begin(), 0, 0, 0, writable, {}};
   if (refused_ || part.bytes < 1 || part.rows < 1) {
-    // Only an address; the unreadable page behind the memory.
+    // Only an address; the unreadable page past the memory.
     images_.push_back(image);
     return {arena.end(), step};
   }
@@ -133,7 +133,7 @@ void Call::Forbid(const Placed& image, bool forbid) const {
     return;
   }
   // From the last row down: making a row readable also does so for the bytes before it in its group
-  // of eight, never for those behind it.
+  // of eight, never for those past it.
   for (std::ptrdiff_t r = image.rows - 1; r >= 0; --r)
     ASAN_UNPOISON_MEMORY_REGION(image.lowest + r * image.stride, image.bytes);
 }

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "qvAcceleratedLib/Operations.h"
+#include "support/Bytes.h"
 #include "tests/fuzz/Contract.h"
 #include "tests/fuzz/Input.h"
-#include "tests/support/Bytes.h"
 
 namespace qv::test {
 
@@ -26,7 +26,7 @@ struct Part {
 
 inline bool IsEmpty(IppiSize size) { return size.width < 1 || size.height < 1; }
 
-// The images lie apart in reserved memory, directly before or behind unreadable pages. What a call
+// The images lie apart in reserved memory, directly before or after unreadable pages. What a call
 // must not touch is unreadable for the address sanitizer, the gaps between rows included, and
 // compared afterwards.
 class Call {
@@ -50,6 +50,14 @@ class Call {
   FuzzImage Source(const char* name, int step, Part part) { return Place(name, step, part, false); }
   FuzzImage Destination(const char* name, int step, Part part) {
     return Place(name, contract::DisjointStep(step, part.bytes, part.rows), part, true);
+  }
+
+  // The same, the step drawn for the bytes of their rows.
+  FuzzImage Source(const char* stepName, const char* name, Part part) {
+    return Source(name, Step(stepName, part.bytes), part);
+  }
+  FuzzImage Destination(const char* stepName, const char* name, Part part) {
+    return Destination(name, Step(stepName, part.bytes), part);
   }
 
   // The same with rows that may overlap.

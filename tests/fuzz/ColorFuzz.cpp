@@ -60,15 +60,14 @@ void FuzzColor(Input& in) {
   if (operation == 0) {
     // Of an odd last pixel two bytes are there, and they suffice.
     const std::ptrdiff_t from = 2 * std::ptrdiff_t{size.width}, to = 3 * std::ptrdiff_t{size.width};
-    const FuzzImage src = call.Source("src null", call.Step("srcStep", from), {from, size.height});
-    const FuzzImage dst = call.Destination("dst null", call.Step("dstStep", to), {to, size.height});
+    const FuzzImage src = call.Source("srcStep", "src null", {from, size.height});
+    const FuzzImage dst = call.Destination("dstStep", "dst null", {to, size.height});
     call.Run(Op::qvYCbCr422ToBGR, status(src.data && dst.data, true), [&] {
       return Lib::qvYCbCr422ToBGR(type, src.data, src.step, dst.data, dst.step, size);
     });
   } else if (operation == 1) {
     const Planes src(in, call, width, height, false);
-    const FuzzImage dst =
-        call.Destination("dst null", call.Step("dstStep", 3 * width), {3 * width, height});
+    const FuzzImage dst = call.Destination("dstStep", "dst null", {3 * width, height});
     int expected = status(src.HasArrays() && dst.data, src.HasPlanes());
     if (expected == StatusOk && (size.width % 2 || size.height % 2))
       expected = StatusOddSizeWarning;
@@ -77,8 +76,7 @@ void FuzzColor(Input& in) {
                                   const_cast<int*>(src.stepArray), dst.data, dst.step, size);
     });
   } else if (operation == 2) {
-    const FuzzImage src =
-        call.Source("src null", call.Step("srcStep", 2 * width), {2 * width, height});
+    const FuzzImage src = call.Source("srcStep", "src null", {2 * width, height});
     const Planes dst(in, call, width, height, true);
     const int expected = status(src.data && dst.HasArrays() && dst.HasPlanes(), true);
     call.Run(Op::qvYCbCr422ToYCrCb420, expected, [&] {
@@ -87,9 +85,8 @@ void FuzzColor(Input& in) {
                                        const_cast<int*>(dst.stepArray), size);
     });
   } else {
-    const FuzzImage luma = call.Source("srcY null", call.Step("srcYStep", width), {width, height});
-    const FuzzImage chroma =
-        call.Source("srcCbCr null", call.Step("srcCbCrStep", width), {width, height / 2});
+    const FuzzImage luma = call.Source("srcYStep", "srcY null", {width, height});
+    const FuzzImage chroma = call.Source("srcCbCrStep", "srcCbCr null", {width, height / 2});
     const Planes dst(in, call, width, height, true);
     const bool pointers = luma.data && chroma.data && dst.HasArrays() && dst.HasPlanes();
     call.Run(Op::qvYCbCr420, status(pointers, true), [&] {

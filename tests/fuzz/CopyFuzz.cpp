@@ -17,8 +17,7 @@ void FuzzLayouts(Input& in, Call& call) {
   const std::ptrdiff_t width = size.width;
   // The last pixel's kept bytes are not touched.
   const std::ptrdiff_t written = to * width - (dup ? 0 : type == 9 ? 2 : type == 14 ? 1 : 0);
-  const FuzzImage src =
-      call.Source("src null", call.Step("srcStep", from * width), {from * width, size.height});
+  const FuzzImage src = call.Source("srcStep", "src null", {from * width, size.height});
   const FuzzImage dst =
       call.Destination("dst null", call.Step("dstStep", to * width), {written, size.height});
   const int expected = !known                   ? StatusDataTypeErr
@@ -43,8 +42,7 @@ void FuzzSet(Input& in, Call& call) {
       type == 4 && contract::MayBeNull(in, "value null") ? nullptr : bytes;
   if (!value) call.Refused();
   const std::ptrdiff_t rowBytes = std::ptrdiff_t{channels} * size.width;
-  const FuzzImage dst =
-      call.Destination("dst null", call.Step("dstStep", rowBytes), {rowBytes, size.height});
+  const FuzzImage dst = call.Destination("dstStep", "dst null", {rowBytes, size.height});
   const int expected = !known                ? StatusDataTypeErr
                        : !dst.data || !value ? StatusNullPtrErr
                        : IsEmpty(size)       ? StatusSizeErr
@@ -59,10 +57,8 @@ void FuzzMirror(Input& in, Call& call) {
   const bool known = type == 2 || type == 4, any = axis >= 0 && axis <= 2;
   const IppiSize size = call.Size(!known || !any, 3);
   const std::ptrdiff_t rowBytes = std::ptrdiff_t{type == 4 ? 3 : 1} * size.width;
-  const FuzzImage src =
-      call.Source("src null", call.Step("srcStep", rowBytes), {rowBytes, size.height});
-  const FuzzImage dst =
-      call.Destination("dst null", call.Step("dstStep", rowBytes), {rowBytes, size.height});
+  const FuzzImage src = call.Source("srcStep", "src null", {rowBytes, size.height});
+  const FuzzImage dst = call.Destination("dstStep", "dst null", {rowBytes, size.height});
   const int expected = !any                     ? StatusOk
                        : !known                 ? StatusDataTypeErr
                        : !src.data || !dst.data ? StatusNullPtrErr
@@ -82,9 +78,8 @@ void FuzzPalette(Input& in, Call& call) {
   const std::ptrdiff_t width = size.width;
   const FuzzImage palette =
       call.Source("palette null", 0, {known ? std::ptrdiff_t{3} << bits : 0, 1});
-  const FuzzImage src = call.Source("src null", call.Step("srcStep", width), {width, size.height});
-  const FuzzImage dst =
-      call.Destination("dst null", call.Step("dstStep", 3 * width), {3 * width, size.height});
+  const FuzzImage src = call.Source("srcStep", "src null", {width, size.height});
+  const FuzzImage dst = call.Destination("dstStep", "dst null", {3 * width, size.height});
   const int expected = !src.data || !dst.data || !palette.data ? StatusNullPtrErr
                        : IsEmpty(size)                         ? StatusSizeErr
                        : !known                                ? StatusOutOfRangeErr

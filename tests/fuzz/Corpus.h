@@ -1,4 +1,4 @@
-// The files of a corpus: an input a line in hexadecimal; text behind # is a remark.
+// The files of a corpus: an input a line in hexadecimal; text after # is a remark.
 #ifndef QV_TESTS_FUZZ_CORPUS_H
 #define QV_TESTS_FUZZ_CORPUS_H
 

@@ -130,7 +130,7 @@ Placed PlaceImages(Input& in, Call& call, const Images& a, int channels) {
   return placed;
 }
 
-// What is refused before the transform is looked at; kAnyStatus behind that.
+// What is refused before the transform is looked at; kAnyStatus after that.
 int Refusal(const Images& a, const Placed& images, int method, bool looksAtMethod) {
   if (!images.src.data || !images.dst.data) return StatusNullPtrErr;
   if (!AreSizesGood(a)) return StatusSizeErr;

@@ -4,6 +4,7 @@
 
 #include "kernels/resize/Resize.h"
 #include "tests/fuzz/Call.h"
+#include "tests/support/ResizeCases.h"
 
 namespace qv::test {
 
@@ -84,25 +85,6 @@ int BandCount(const Arguments& a, int budget) {
   return n;
 }
 
-// The columns or rows written, [first, end), or first beyond end.
-struct Written {
-  long long first, end;
-};
-
-Written WrittenInBands(int origin, int length, double factor, int from, int to) {
-  double low = origin * factor, high = (static_cast<double>(origin) + length) * factor;
-  low = low > from ? low : from;
-  high = high < to ? high : to;
-  return {static_cast<long long>(std::min(low, 0x1p62) + 0.4999999999),
-          static_cast<long long>(std::max(high, -1.0) + 0.4999999999)};
-}
-
-// Extents of a whole image: 0 if there is nothing to write.
-int Extent(int length, double factor, int available) {
-  const double extent = length * factor + 1e-07;
-  return extent >= available ? available : extent >= 1 ? static_cast<int>(extent) : extent >= .5;
-}
-
 // What may be read and written must fit into a test's memory and time.
 void Fit(Arguments& a, int bytesAPixel) {
   const auto shrink = [&](int& width, int& height) {
@@ -159,9 +141,9 @@ void FuzzPixels(Input& in, Call& call) {
   Written columns = {0, 0}, rows = {0, 0};
   if (works && count > 1) {
     const int bandRows = a.dstSize.height / count;
-    columns = WrittenInBands(a.srcRoi.x, a.srcRoi.width, a.xFactor, 0, a.dstSize.width);
-    rows = WrittenInBands(a.srcRoi.y, a.srcRoi.height, a.yFactor, 0, a.dstSize.height);
-    const Written last = WrittenInBands(a.srcRoi.y, a.srcRoi.height, a.yFactor,
+    columns = WrittenInBands(a.srcRoi.x, a.srcRoi.width, a.xFactor, 0, 0, a.dstSize.width);
+    rows = WrittenInBands(a.srcRoi.y, a.srcRoi.height, a.yFactor, 0, 0, a.dstSize.height);
+    const Written last = WrittenInBands(a.srcRoi.y, a.srcRoi.height, a.yFactor, 0,
                                         bandRows * (count - 1), a.dstSize.height);
     if (columns.end < columns.first || last.end < last.first) refusal = StatusNothingToDoWarning;
     if (columns.end <= columns.first || rows.end <= rows.first) columns = rows = {0, 0};
@@ -173,7 +155,7 @@ void FuzzPixels(Input& in, Call& call) {
 
   const std::ptrdiff_t srcBytes = std::ptrdiff_t{channels} * a.srcRoi.width;
   const FuzzImage src =
-      call.Source("src null", call.Step("srcStep", srcBytes),
+      call.Source("srcStep", "src null",
                   {srcBytes, a.srcRoi.height, std::ptrdiff_t{channels} * a.srcRoi.x, a.srcRoi.y});
   const auto width = static_cast<std::ptrdiff_t>(columns.end - columns.first);
   const FuzzImage dst = call.Destination(
@@ -230,10 +212,9 @@ void FuzzPacked(Input& in, Call& call) {
                        dstBytes = std::ptrdiff_t{4} * pairs;
   // The region's first byte is four bytes a pixel to the right.
   const FuzzImage src =
-      call.Source("src null", call.Step("srcStep", srcBytes),
+      call.Source("srcStep", "src null",
                   {srcBytes, a.srcRoi.height, 4 * std::ptrdiff_t{a.srcRoi.x}, a.srcRoi.y});
-  const FuzzImage dst =
-      call.Destination("dst null", call.Step("dstStep", dstBytes), {dstBytes, rows});
+  const FuzzImage dst = call.Destination("dstStep", "dst null", {dstBytes, rows});
   if (!src.data || !dst.data) refusal = StatusNullPtrErr;
   call.Run(Op::qvResizeYUV422, refusal, [&] {
     return Lib::qvResizeYUV422(Type(a.type), src.data, a.srcSize, src.step,

@@ -73,6 +73,6 @@ bool Run() {
 
 extern "C" void __stdcall HostMain() {
   const bool same = Run();
-  if (same) Print("same bytes as everywhere\n");
+  if (same) Print("matches the reference digests\n");
   ExitProcess(same ? 0 : 1);
 }

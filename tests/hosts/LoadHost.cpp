@@ -1,5 +1,5 @@
-// A host that loads the library while it runs: a hundred times, and on a thread that is bound to one
-// processor, which is not the library's concern. Prints how many threads it gets.
+// A host that loads the library while it runs: a hundred times, and on a thread that is bound to
+// one processor, which is not the library's concern. Prints how many threads it gets.
 //
 //   loadhost LIBRARY
 #include <dlfcn.h>
@@ -36,7 +36,8 @@ void* LoadAndCall(const char* path) {
   Require(dup, "qvDup");
   static std::vector<unsigned char> source(1 << 22, 7), copied(3 << 22);
   for (int i = 0; i < 10; ++i)
-    Require(dup(2, source.data(), 2048, copied.data(), 3 * 2048, {2048, 2048}) == StatusOk, "a call");
+    Require(dup(2, source.data(), 2048, copied.data(), 3 * 2048, {2048, 2048}) == StatusOk,
+            "a call");
   Require(copied.front() == 7 && copied.back() == 7, "the bytes");
   return library;
 }

@@ -1,5 +1,5 @@
-// A host that loads the DLL while it runs: often, with its threads at odd stack addresses, and where
-// the DLL cannot make itself stay.
+// A host that loads the DLL while it runs: often, with its threads at odd stack addresses, and
+// where the DLL cannot make itself stay.
 //
 //   loader DLL reload     load, run on several threads, unload; 100 times
 //   loader DLL stack      calls from threads whose stacks are aligned to 4 bytes (32-bit) or are an
@@ -11,26 +11,16 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <vector>
 
-#include "qvAcceleratedLib/CqvAccLib.h"
+#include "tests/hosts/Mirrored.h"
 #include "tests/support/ThreadCount.h"
 
 namespace {
 
-using Mirror = IppStatus(int type, const unsigned char* src, int srcStep, unsigned char* dst,
-                         int dstStep, IppiSize size, IppiAxis axis);
+using hosts::Images;
+using Mirror = decltype(CqvAccLib::qvMirror);
 
-// Of several bands.
-struct Images {
-  int width, height;
-  std::vector<unsigned char> source, mirrored;
-
-  explicit Images(int w = 257, int h = 301)
-      : width(w), height(h), source(static_cast<std::size_t>(w * h)), mirrored(source.size()) {
-    for (std::size_t i = 0; i < source.size(); ++i) source[i] = static_cast<unsigned char>(i * 7 + i / 251);
-  }
-};
+constexpr IppiSize kSize = {257, 301};  // of several bands
 
 void Require(bool condition, const char* what) {
   if (condition) return;
@@ -53,24 +43,9 @@ Mirror* Find(HMODULE library) {
   return mirror;
 }
 
-bool IsMirrored(const Images& images) {
-  const int width = images.width;
-  for (int y = 0; y < images.height; ++y)
-    for (int x = 0; x < width; ++x)
-      if (images.mirrored[static_cast<std::size_t>(y * width + x)] !=
-          images.source[static_cast<std::size_t>(y * width + width - 1 - x)])
-        return false;
-  return true;
-}
-
-IppStatus Call(Mirror* mirror, Images* images) {
-  return mirror(2, images->source.data(), images->width, images->mirrored.data(), images->width,
-                {images->width, images->height}, AxisVertical);
-}
-
 void Run(Mirror* mirror) {
-  Images images;
-  Require(Call(mirror, &images) == StatusOk && IsMirrored(images), "qvMirror");
+  Images images(kSize);
+  Require(images.Call(*mirror) == StatusOk && images.IsMirrored(), "qvMirror");
 }
 
 void Reload(const char* path) {
@@ -90,7 +65,7 @@ Images* odd_images;
 IppStatus odd_status;
 
 extern "C" void CallFromOddStack() {
-  odd_status = Call(odd_mirror, odd_images);
+  odd_status = odd_images->Call(*odd_mirror);
 }
 
 #if defined(__i386__)
@@ -122,8 +97,8 @@ void CallAt(std::size_t offset) {
       "movq %%rbx, %%rsp"
       :
       : "S"(offset), "D"(&CallFromOddStack)
-      : "rbx", "rax", "rcx", "rdx", "r8", "r9", "r10", "r11", "xmm0", "xmm1", "xmm2", "xmm3", "xmm4",
-        "xmm5", "cc", "memory");
+      : "rbx", "rax", "rcx", "rdx", "r8", "r9", "r10", "r11", "xmm0", "xmm1", "xmm2", "xmm3",
+        "xmm4", "xmm5", "cc", "memory");
 #endif
 }
 
@@ -132,14 +107,14 @@ DWORD WINAPI OddThread(void*) {
     odd_images->mirrored.assign(odd_images->mirrored.size(), 0);
     odd_status = StatusBadArgErr;
     CallAt(offset);
-    if (odd_status != StatusOk || !IsMirrored(*odd_images)) return static_cast<DWORD>(offset + 1);
+    if (odd_status != StatusOk || !odd_images->IsMirrored()) return static_cast<DWORD>(offset + 1);
   }
   return 0;
 }
 
 void CallFromOddStacks(const char* path) {
   odd_mirror = Find(Load(path));
-  odd_images = new Images;
+  odd_images = new Images(kSize);
   for (int i = 0; i < 4; ++i) {
     const HANDLE thread = CreateThread(nullptr, 0, OddThread, nullptr, 0, nullptr);
     WaitForSingleObject(thread, INFINITE);
@@ -173,13 +148,13 @@ void LoadUnpinned(const char* path) {
 
 struct Caller {
   Mirror* mirror;
-  Images images{4096, 1024};  // worth a team
+  Images images{{4096, 1024}};  // worth a team
 };
 
 DWORD WINAPI CallOnThread(void* argument) {
   Caller& caller = *static_cast<Caller*>(argument);
   for (int i = 0; i < 4; ++i)
-    if (Call(caller.mirror, &caller.images) != StatusOk) return 1;
+    if (caller.images.Call(*caller.mirror) != StatusOk) return 1;
   return 0;
 }
 
@@ -211,7 +186,7 @@ void CallFromManyThreads(const char* path) {
   RunOnThreads(&caller, 5);
   const DWORD handles = Handles();
   RunOnThreads(&caller, 100);
-  Require(IsMirrored(caller.images), "qvMirror on threads");
+  Require(caller.images.IsMirrored(), "qvMirror on threads");
   Require(Handles() <= handles, "threads leave handles behind");
   const int team = qv::test::ThreadsOfProcess() - before, budget = __builtin_popcountll(cpus);
   std::printf("a team of %d threads on %d processors\n", team, budget);

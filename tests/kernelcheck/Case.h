@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "qvAcceleratedLib/CqvAccLib.h"
+#include "support/Levels.h"
+#include "support/Random.h"
 #include "tests/support/Guarded.h"
-#include "tests/support/Levels.h"
-#include "tests/support/Random.h"
 
 namespace qv::test {
 

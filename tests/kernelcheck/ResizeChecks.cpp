@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <vector>
 
@@ -7,22 +6,12 @@
 #include "kernels/resize/Resize.h"
 #include "kernels/resize/ResizeRows.h"
 #include "tests/kernelcheck/Case.h"
+#include "tests/support/ResizeCases.h"
 
 using namespace qv;
 using namespace qv::test;
 
 namespace {
-
-// From 1/20 to 20, often a ratio of small numbers.
-double AnyFactor(Random& random) {
-  if (random.OneIn(3)) return random.Between(1, 6) / double(random.Between(1, 6));
-  return std::exp(random.Between(-3.0, 3.0));
-}
-
-double Reducing(Random& random) {
-  const double factor = AnyFactor(random);
-  return std::min(factor, 1 / factor);
-}
 
 // Means over more than eight samples of an axis at least are of spans.
 double Strongly(Random& random) { return 1 / random.Between(7.0, 25.0); }
@@ -34,50 +23,27 @@ struct Scaling {
   double atBench;
 };
 
-constexpr Scaling kAny = {AnyFactor, 1.5}, kReducing = {Reducing, 2.0 / 3},
+constexpr Scaling kAny = {RandomFactor, 1.5}, kReducing = {RandomReduction, 2.0 / 3},
                   kStrongly = {Strongly, 0.1}, kHalf = {Half, 0.5};
 
 // A source image, a region of it between guard pages, and a destination of about the scaled size.
-struct ResizeCase {
-  IppiSize srcSize;
-  IppiRect roi;
-  double xFactor, yFactor;
-  IppiSize dstSize;
-};
-
 ResizeCase PlanCase(Case& c, Scaling scaling) {
-  ResizeCase r;
-  r.dstSize = c.Size();
+  IppiSize dst = c.Size();
   if (c.IsBench()) {  // the size asked for is the destination's
-    r.xFactor = r.yFactor = scaling.atBench;
-    r.srcSize = {int(r.dstSize.width / r.xFactor + .5), int(r.dstSize.height / r.yFactor + .5)};
-    r.roi = {0, 0, r.srcSize.width, r.srcSize.height};
-    return r;
+    const double factor = scaling.atBench;
+    const IppiSize src = {int(dst.width / factor + .5), int(dst.height / factor + .5)};
+    return {src, {0, 0, src.width, src.height}, factor, factor, dst};
   }
   // Rows of several strips.
-  if (c.random.OneIn(50)) r.dstSize = {c.random.Between(400, 4000), c.random.Between(1, 6)};
-  r.xFactor = scaling.factor(c.random);
-  r.yFactor = scaling.factor(c.random);
-  const auto source = [&](int size, double factor) {
-    return std::clamp(int(size / factor + c.random.Between(-1.0, 1.0)), 1, 40000);
-  };
-  r.roi = {0, 0, source(r.dstSize.width, r.xFactor), source(r.dstSize.height, r.yFactor)};
-  if (double(r.roi.width) * r.roi.height > 4e6) r.roi.height = 1 + int(4e6 / r.roi.width);
-  r.srcSize = {r.roi.width, r.roi.height};
-  if (c.random.OneIn(3)) {
-    r.roi.x = c.random.Between(0, 40);
-    r.roi.y = c.random.Between(0, 5);
-    r.srcSize.width += r.roi.x + c.random.Between(-3, 40);
-    r.srcSize.height += r.roi.y + c.random.Between(-1, 5);
-    r.srcSize = {std::max(r.srcSize.width, r.roi.x + 1), std::max(r.srcSize.height, r.roi.y + 1)};
-  }
-  return r;
+  if (c.random.OneIn(50)) dst = {c.random.Between(400, 4000), c.random.Between(1, 6)};
+  const double xFactor = scaling.factor(c.random), yFactor = scaling.factor(c.random);
+  return RandomResize(c.random, dst, xFactor, yFactor);
 }
 
 // Only the region is readable: what lies around it in the image must not be touched. The image's
 // first byte is `pixelBytes` a column before it.
 Image MakeSource(Case& c, const ResizeCase& r, int rowBytes, int pixelBytes) {
-  Image region = c.Source(rowBytes, std::min(r.roi.height, r.srcSize.height - r.roi.y));
+  Image region = c.Source(rowBytes, r.Clipped().height);
   region.data -= r.roi.y * std::ptrdiff_t{region.step} + std::ptrdiff_t{r.roi.x} * pixelBytes;
   return region;
 }
@@ -85,7 +51,7 @@ Image MakeSource(Case& c, const ResizeCase& r, int rowBytes, int pixelBytes) {
 // Whole image or, as often, the band kernel.
 void CheckResize(Case& c, int channels, int interpolation, Scaling scaling) {
   const ResizeCase r = PlanCase(c, scaling);
-  const int width = std::min(r.roi.width, r.srcSize.width - r.roi.x);
+  const int width = r.Clipped().width;
   const Image src = MakeSource(c, r, width * channels, channels);
   const Image dst = c.Destination(std::ptrdiff_t{r.dstSize.width} * channels, r.dstSize.height);
   if (c.IsBench() || c.random.OneIn(2)) {
@@ -117,7 +83,7 @@ void CheckResize422(Case& c, int interpolation, Scaling scaling) {
   r.roi.width += r.roi.width % 2;
   r.srcSize.width += r.srcSize.width % 2;
   r.roi.x -= r.roi.x % 2;
-  const int width = std::min(r.roi.width, r.srcSize.width - r.roi.x);
+  const int width = r.Clipped().width;
   const Image src = MakeSource(c, r, width * 2, 4);
   const Image dst = c.Destination(std::ptrdiff_t{r.dstSize.width} * 2, r.dstSize.height);
   c.Compare([=] {

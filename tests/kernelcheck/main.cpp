@@ -18,8 +18,8 @@ const char* const kUsage =
     "usage: kernelcheck [--kernel GLOB] [--level NAME] [--seed N] [--calls N] [--case N]\n"
     "                   [--bench [--size WxH] [--seconds S]] [--list]\n"
     "\n"
-    "Runs each kernel on random calls at every level that this processor has (or at the one named)\n"
-    "and compares each byte of the destinations, and their surroundings, with the plain rows.\n"
+    "Runs each kernel on random calls at every level that this processor has, or at one of\n"
+    "them, and compares each byte of the destinations and around them with the plain rows.\n"
     "  --calls   random calls per kernel (default 2000)\n"
     "  --case    only the call of this number, as a failure line prints it\n"
     "  --bench   time each kernel at each level instead, in ns per pixel\n";

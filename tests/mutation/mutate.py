@@ -1,6 +1,7 @@
 """Plants the faults of faults.txt, one at a time, in copies of the tree; see scripts/mutate.sh.
 
-Exit code: 0 if every fault was found, 1 if one survived, 2 if a fault does not apply or does not build.
+Exit code: 0 if every fault was found, 1 if one survived, 2 if a fault does not apply or does not
+build.
 """
 import concurrent.futures
 import os
@@ -103,7 +104,7 @@ class Copy:
                 continue
             failed = re.search(r"^(?:FAILED: (\S+ at \S+)|\[  FAILED  \] (\S+))", result.stdout,
                                re.M)
-            name = failed.group(1) or failed.group(2) if failed else f"exit code {result.returncode}"
+            name = failed[1] or failed[2] if failed else f"exit code {result.returncode}"
             return f"{command[0].split('/')[1]}: {name.rstrip(':')}"
         return None
 

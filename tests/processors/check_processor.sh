@@ -15,7 +15,8 @@ kernels='*'
 while IFS= read -r kernel; do
   report=$(run "$kernelcheck" --kernel "$kernel" --calls 20) || { echo "$report"; exit 1; }
   grep -qx "chosen: $chosen" <<<"$report" || { echo "expected: $chosen"; echo "$report"; exit 1; }
-  grep -qE "^levels:.* $level\$" <<<"$report" || { echo "expected: $level"; echo "$report"; exit 1; }
+  grep -qE "^levels:.* $level\$" <<<"$report" ||
+    { echo "expected: $level"; echo "$report"; exit 1; }
 done <<<"$kernels"
 echo "$chosen; $(wc -l <<<"$kernels") runs of kernelcheck"
 [ "$level" != avx2 ] || exit 0

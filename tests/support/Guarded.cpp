@@ -24,8 +24,9 @@ GuardedMemory::GuardedMemory(std::size_t capacity)
                                            MEM_COMMIT, PAGE_READWRITE);
 #else
   mapping_ = mmap(nullptr, all, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-  const bool ok = mapping_ != MAP_FAILED && mprotect(static_cast<char*>(mapping_) + kPage, capacity_,
-                                                     PROT_READ | PROT_WRITE) == 0;
+  const bool ok =
+      mapping_ != MAP_FAILED &&
+      mprotect(static_cast<char*>(mapping_) + kPage, capacity_, PROT_READ | PROT_WRITE) == 0;
 #endif
   if (!ok) {
     std::fprintf(stderr, "cannot map %zu bytes of test memory\n", all);

@@ -6,7 +6,7 @@
 
 namespace qv::test {
 
-// A run of memory with an unreadable page directly before and directly behind it. Pages are taken
+// A run of memory with an unreadable page directly before and directly past it. Pages are taken
 // from the system as they are touched, so a large capacity costs nothing.
 class GuardedMemory {
  public:

@@ -6,8 +6,8 @@
 #include <cstring>
 
 #include "qvAcceleratedLib/Operations.h"
-#include "tests/support/Bytes.h"
-#include "tests/support/Random.h"
+#include "support/Bytes.h"
+#include "support/Random.h"
 
 namespace qv::test {
 

@@ -2,11 +2,12 @@
 #ifndef QV_TESTS_SUPPORT_RANDOMMATRIX_H
 #define QV_TESTS_SUPPORT_RANDOMMATRIX_H
 
+#include <algorithm>
 #include <cmath>
 
 #include "kernels/geometry/Geometry.h"
 #include "kernels/geometry/Transform.h"
-#include "tests/support/Random.h"
+#include "support/Random.h"
 
 namespace qv::test {
 
@@ -15,6 +16,19 @@ struct Matrix {
 };
 
 constexpr Matrix kIdentity = {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
+
+// A region that begins in an image, of `least` pixels a side to `beyond` more than the image has.
+inline IppiRect RandomRegion(Random& random, IppiSize image, int least = 1, int beyond = 0) {
+  const int x = random.Between(0, image.width - 1), y = random.Between(0, image.height - 1);
+  return {x, y, random.Between(least, image.width + beyond),
+          random.Between(least, image.height + beyond)};
+}
+
+inline IppiRect ClippedTo(IppiSize image, IppiRect region) {
+  region.width = std::min(region.width, image.width - region.x);
+  region.height = std::min(region.height, image.height - region.y);
+  return region;
+}
 
 // A quadrilateral, maybe mirrored, or a rotation that covers much of the destination; if it may be
 // extreme, now and then something steep, tiny or far off.

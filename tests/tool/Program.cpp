@@ -11,6 +11,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "support/Random.h"
+
 namespace tooltest {
 namespace {
 
@@ -97,11 +99,7 @@ int WaitFor(int process) {
 
 std::string Noise(std::size_t count, unsigned seed) {
   std::string bytes(count, '\0');
-  unsigned state = seed * 2654435761u + 12345;
-  for (char& byte : bytes) {
-    state = state * 1664525u + 1013904223u;
-    byte = static_cast<char>(state >> 24);
-  }
+  qv::test::Random(seed).Fill(reinterpret_cast<unsigned char*>(bytes.data()), count);
   return bytes;
 }
 

@@ -8,13 +8,13 @@
 namespace tooltest {
 namespace {
 
-TEST(SelftestCommand, FindsTheBytesThatAreEverywhere) {
+TEST(SelftestCommand, MatchesTheReferenceDigests) {
   const Workplace place;
   const Outcome outcome = place.Run("selftest");
   EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-  EXPECT_NE(outcome.out.find("all processors: same bytes as everywhere\n"), std::string::npos)
+  EXPECT_NE(outcome.out.find("all processors: matches the reference digests\n"), std::string::npos)
       << outcome.out;
-  EXPECT_NE(outcome.out.find("one processor: same bytes as everywhere\n"), std::string::npos);
+  EXPECT_NE(outcome.out.find("one processor: matches the reference digests\n"), std::string::npos);
   const std::string print = place.Run("selftest --print").out;
   for (const auto& operation : qv::kOperations) {
     const std::size_t end = outcome.out.find(std::string("  ") + operation.name + ", ");

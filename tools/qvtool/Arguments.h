@@ -1,6 +1,6 @@
 // Arguments that several sub-commands take, and the text forms of sizes, regions and colours.
-#ifndef QVTOOL_ARGUMENTS_H
-#define QVTOOL_ARGUMENTS_H
+#ifndef QV_TOOLS_QVTOOL_ARGUMENTS_H
+#define QV_TOOLS_QVTOOL_ARGUMENTS_H
 
 #include <CLI/App.hpp>
 #include <array>

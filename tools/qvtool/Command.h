@@ -34,8 +34,8 @@
 //
 // A callback throws UsageError for arguments that contradict each other (exit code 2) and Error for
 // everything that goes wrong while running (exit code 1).
-#ifndef QVTOOL_COMMAND_H
-#define QVTOOL_COMMAND_H
+#ifndef QV_TOOLS_QVTOOL_COMMAND_H
+#define QV_TOOLS_QVTOOL_COMMAND_H
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>

@@ -1,6 +1,6 @@
 // What ends the tool: one line of text and the exit code that goes with it.
-#ifndef QVTOOL_ERROR_H
-#define QVTOOL_ERROR_H
+#ifndef QV_TOOLS_QVTOOL_ERROR_H
+#define QV_TOOLS_QVTOOL_ERROR_H
 
 #include <stdexcept>
 #include <string>

@@ -1,6 +1,6 @@
 // Frames, or parts of them, of one colour.
-#ifndef QVTOOL_FILLFRAME_H
-#define QVTOOL_FILLFRAME_H
+#ifndef QV_TOOLS_QVTOOL_FILLFRAME_H
+#define QV_TOOLS_QVTOOL_FILLFRAME_H
 
 #include "Arguments.h"
 #include "io/Frame.h"

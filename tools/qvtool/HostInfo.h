@@ -1,7 +1,7 @@
 // What the library finds on this host. The library keeps the level to itself: the tool asks the
 // processor once more, with the same code. The thread budget is the library's own.
-#ifndef QVTOOL_HOSTINFO_H
-#define QVTOOL_HOSTINFO_H
+#ifndef QV_TOOLS_QVTOOL_HOSTINFO_H
+#define QV_TOOLS_QVTOOL_HOSTINFO_H
 
 #include <span>
 #include <string>

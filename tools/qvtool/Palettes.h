@@ -1,6 +1,6 @@
 // Palettes of three-byte entries, blue first.
-#ifndef QVTOOL_PALETTES_H
-#define QVTOOL_PALETTES_H
+#ifndef QV_TOOLS_QVTOOL_PALETTES_H
+#define QV_TOOLS_QVTOOL_PALETTES_H
 
 #include <string>
 #include <vector>

@@ -1,6 +1,6 @@
 // The loop that most sub-commands are: read a frame, work on it, write it.
-#ifndef QVTOOL_PIPELINE_H
-#define QVTOOL_PIPELINE_H
+#ifndef QV_TOOLS_QVTOOL_PIPELINE_H
+#define QV_TOOLS_QVTOOL_PIPELINE_H
 
 #include <functional>
 

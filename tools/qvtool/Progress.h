@@ -1,6 +1,6 @@
 // A progress bar on standard error.
-#ifndef QVTOOL_PROGRESS_H
-#define QVTOOL_PROGRESS_H
+#ifndef QV_TOOLS_QVTOOL_PROGRESS_H
+#define QV_TOOLS_QVTOOL_PROGRESS_H
 
 #include <chrono>
 #include <cstdint>

@@ -1,6 +1,6 @@
 // Rotations and projections of whole frames.
-#ifndef QVTOOL_PROJECTION_H
-#define QVTOOL_PROJECTION_H
+#ifndef QV_TOOLS_QVTOOL_PROJECTION_H
+#define QV_TOOLS_QVTOOL_PROJECTION_H
 
 #include <optional>
 #include <vector>

@@ -15,7 +15,7 @@ bool PrintVerdict(const char* where, const Results& results) {
     std::printf("%s %s", same ? "DIFFERENT bytes than elsewhere from" : "", NameOf(op));
     same = false;
   });
-  std::printf("%s\n", same ? "same bytes as everywhere" : "");
+  std::printf("%s\n", same ? "matches the reference digests" : "");
   std::fflush(stdout);  // another process may be about to write there
   return same;
 }

@@ -5,7 +5,7 @@
 namespace qv::selftest {
 
 // Makes all calls twice, on the processors that the process may use and on one of them alone, for
-// which this program is run once more with the given arguments, a null behind them. Prints the
+// which this program is run once more with the given arguments, a null after them. Prints the
 // digests and whether they are the expected ones. True if they are.
 bool Report(const char* const* onceArguments);
 

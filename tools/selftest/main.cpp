@@ -1,4 +1,4 @@
-// qvselftest: whether the library gives the same bytes here as everywhere.
+// qvselftest: whether the library's bytes match the reference digests.
 //
 //   qvselftest          the digests of all operations and the verdict; 0 if all are as expected
 //   qvselftest --print  the text of Expected.inc, for a change of bytes that is meant

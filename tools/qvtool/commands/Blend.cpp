@@ -72,8 +72,8 @@ void Configure(CLI::App& app) {
   AddInteger(app, "--alpha1", options->alpha1, 0, 255, "Alpha of all of IN (128)");
   AddInteger(app, "--alpha2", options->alpha2, 0, 255, "Alpha of all of SECOND (255)");
   app.footer(
-      "The premultiplied operations take pictures that are scaled by their alphas already. Bytes of\n"
-      "an alpha plane are composed like those of colours.");
+      "The premultiplied operations take pictures that are scaled by their alphas already. Bytes\n"
+      "of an alpha plane are composed like those of colours.");
   app.callback([options] { Run(*options); });
 }
 

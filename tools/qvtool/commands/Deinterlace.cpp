@@ -89,12 +89,12 @@ void Configure(CLI::App& app) {
   AddInteger(app, "--centre-weight", options->centreWeight, 0, 256,
              "Weight of a row in its own result, in 1/256; its neighbours share the rest (128)");
   AddChoice<unsigned>(app, "--mode", options->mode, {{"0", 0}, {"1", 1}, {"4", 4}, {"16", 16}},
-                      "Rows that are filtered (0): with 0 and 1 all but the first and the last, with "
-                      "4 and 16 all but the last");
+                      "Rows that are filtered (0): with 0 and 1 all but the first and the last, "
+                      "with 4 and 16 all but the last");
   app.footer(
       "Other rows stay as they are: modes 1 and 4, which leave the last row to the caller, give\n"
-      "the frames of 0 and 16. With 4 and 16 the first row is its own upper neighbour. Every plane\n"
-      "is filtered on its own grid.");
+      "the frames of 0 and 16. With 4 and 16 the first row is its own upper neighbour. Every\n"
+      "plane is filtered on its own grid.");
 }
 
 const Command command{"deinterlace", "Smooth the combing of interlaced frames", Configure};

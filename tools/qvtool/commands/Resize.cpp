@@ -103,8 +103,8 @@ void Configure(CLI::App& app) {
                     "How (cubic); area is the one for strong reductions");
   AddRegion(app, options->region);
   app.footer(
-      "Planes of chroma are resized each on its own grid. Area enlarges as lanczos does; packed yuyv\n"
-      "frames take cubic for both.");
+      "Planes of chroma are resized each on its own grid. Area enlarges as lanczos does; packed\n"
+      "yuyv frames take cubic for both.");
 }
 
 const Command command{"resize", "Scale frames, or a part of them, to another size", Configure};

@@ -1,4 +1,4 @@
-// qvtool selftest: whether the library gives the same bytes here as everywhere.
+// qvtool selftest: whether the library's bytes match the reference digests.
 #include "Command.h"
 #include "tools/selftest/Report.h"
 
@@ -26,7 +26,7 @@ void Configure(CLI::App& app) {
 }
 
 const Command command{
-    "selftest", "Check that all operations give the same bytes here as everywhere", Configure};
+    "selftest", "Check the bytes of all operations against the reference digests", Configure};
 
 }  // namespace
 }  // namespace qvtool

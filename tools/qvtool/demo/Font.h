@@ -1,7 +1,7 @@
 // A bitmap font of 5 x 7 dots: capital letters (small ones are drawn as capitals), digits and the
 // commonest signs.
-#ifndef QVTOOL_DEMO_FONT_H
-#define QVTOOL_DEMO_FONT_H
+#ifndef QV_TOOLS_QVTOOL_DEMO_FONT_H
+#define QV_TOOLS_QVTOOL_DEMO_FONT_H
 
 #include <string_view>
 

@@ -1,6 +1,6 @@
 // How long calls take.
-#ifndef QVTOOL_DEMO_MEASURE_H
-#define QVTOOL_DEMO_MEASURE_H
+#ifndef QV_TOOLS_QVTOOL_DEMO_MEASURE_H
+#define QV_TOOLS_QVTOOL_DEMO_MEASURE_H
 
 #include "demo/Panel.h"
 

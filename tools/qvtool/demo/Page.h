@@ -1,6 +1,6 @@
 // The page that shows the panels, and the pictures beside it.
-#ifndef QVTOOL_DEMO_PAGE_H
-#define QVTOOL_DEMO_PAGE_H
+#ifndef QV_TOOLS_QVTOOL_DEMO_PAGE_H
+#define QV_TOOLS_QVTOOL_DEMO_PAGE_H
 
 #include <filesystem>
 #include <map>

@@ -1,6 +1,6 @@
 // The frame of the demo page: everything but the panels.
-#ifndef QVTOOL_DEMO_PAGETEXT_H
-#define QVTOOL_DEMO_PAGETEXT_H
+#ifndef QV_TOOLS_QVTOOL_DEMO_PAGETEXT_H
+#define QV_TOOLS_QVTOOL_DEMO_PAGETEXT_H
 
 namespace qvtool::demo {
 
@@ -127,9 +127,9 @@ and the pictures before and after.</p>
 <tbody>
 @SUMMARY@</tbody></table></div>
 @CARDS@
-<footer>Times are those of the fastest of several runs on the machine that made this page, with memory and
-threads warm. Pictures are scaled down to fit the page, unless their caption speaks of a detail;
-they lie beside it in full size as PNG files.</footer>
+<footer>Times are those of the fastest of several runs on the machine that made this page, with
+memory and threads warm. Pictures are scaled down to fit the page, unless their caption speaks of a
+detail; they lie beside it in full size as PNG files.</footer>
 </main>
 <dialog id="large"><img alt=""></dialog>
 <script>

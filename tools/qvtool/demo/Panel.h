@@ -28,8 +28,8 @@
 //   }  // namespace qvtool::demo
 //
 // Add runs and times the calls before it looks at the pictures.
-#ifndef QVTOOL_DEMO_PANEL_H
-#define QVTOOL_DEMO_PANEL_H
+#ifndef QV_TOOLS_QVTOOL_DEMO_PANEL_H
+#define QV_TOOLS_QVTOOL_DEMO_PANEL_H
 
 #include <functional>
 #include <optional>

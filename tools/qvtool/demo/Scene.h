@@ -1,6 +1,6 @@
 // The frames that the demo works on.
-#ifndef QVTOOL_DEMO_SCENE_H
-#define QVTOOL_DEMO_SCENE_H
+#ifndef QV_TOOLS_QVTOOL_DEMO_SCENE_H
+#define QV_TOOLS_QVTOOL_DEMO_SCENE_H
 
 #include <string>
 

@@ -1,8 +1,8 @@
 // A test card of 1920 x 1080 in the manner of television engineers: colour bars, a grey staircase,
 // ramps, line gratings, a zone plate, text in several sizes, and a bar that moves from field to
 // field.
-#ifndef QVTOOL_DEMO_TESTCARD_H
-#define QVTOOL_DEMO_TESTCARD_H
+#ifndef QV_TOOLS_QVTOOL_DEMO_TESTCARD_H
+#define QV_TOOLS_QVTOOL_DEMO_TESTCARD_H
 
 #include "io/Frame.h"
 

@@ -1,6 +1,6 @@
 // Pictures as they are put into the page.
-#ifndef QVTOOL_DEMO_THUMBNAIL_H
-#define QVTOOL_DEMO_THUMBNAIL_H
+#ifndef QV_TOOLS_QVTOOL_DEMO_THUMBNAIL_H
+#define QV_TOOLS_QVTOOL_DEMO_THUMBNAIL_H
 
 #include <string>
 

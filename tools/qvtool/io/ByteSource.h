@@ -1,6 +1,6 @@
 // Bytes from a file or from standard input, with a look ahead so that their format can be told.
-#ifndef QVTOOL_IO_BYTESOURCE_H
-#define QVTOOL_IO_BYTESOURCE_H
+#ifndef QV_TOOLS_QVTOOL_IO_BYTESOURCE_H
+#define QV_TOOLS_QVTOOL_IO_BYTESOURCE_H
 
 #include <cstdint>
 #include <cstdio>

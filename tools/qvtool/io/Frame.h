@@ -1,6 +1,6 @@
 // A picture in memory: one to four planes of 8-bit samples.
-#ifndef QVTOOL_IO_FRAME_H
-#define QVTOOL_IO_FRAME_H
+#ifndef QV_TOOLS_QVTOOL_IO_FRAME_H
+#define QV_TOOLS_QVTOOL_IO_FRAME_H
 
 #include <cstddef>
 #include <memory>

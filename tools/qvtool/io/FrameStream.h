@@ -1,6 +1,6 @@
 // Frames in and out: what all file formats have in common, and the choice between them.
-#ifndef QVTOOL_IO_FRAMESTREAM_H
-#define QVTOOL_IO_FRAMESTREAM_H
+#ifndef QV_TOOLS_QVTOOL_IO_FRAMESTREAM_H
+#define QV_TOOLS_QVTOOL_IO_FRAMESTREAM_H
 
 #include <memory>
 #include <optional>

@@ -1,6 +1,6 @@
 // JPEG pictures to and from memory.
-#ifndef QVTOOL_IO_JPEGFILE_H
-#define QVTOOL_IO_JPEGFILE_H
+#ifndef QV_TOOLS_QVTOOL_IO_JPEGFILE_H
+#define QV_TOOLS_QVTOOL_IO_JPEGFILE_H
 
 #include <span>
 #include <string>

@@ -1,6 +1,6 @@
 // How the pixels of a frame lie in memory: the planes and their subsampling.
-#ifndef QVTOOL_IO_LAYOUT_H
-#define QVTOOL_IO_LAYOUT_H
+#ifndef QV_TOOLS_QVTOOL_IO_LAYOUT_H
+#define QV_TOOLS_QVTOOL_IO_LAYOUT_H
 
 #include <span>
 #include <string>

@@ -1,6 +1,6 @@
 // A file that appears under its name only once it is complete.
-#ifndef QVTOOL_IO_OUTPUTFILE_H
-#define QVTOOL_IO_OUTPUTFILE_H
+#ifndef QV_TOOLS_QVTOOL_IO_OUTPUTFILE_H
+#define QV_TOOLS_QVTOOL_IO_OUTPUTFILE_H
 
 #include <cstdio>
 #include <string>

@@ -1,6 +1,6 @@
 // PNG pictures to and from memory.
-#ifndef QVTOOL_IO_PNGFILE_H
-#define QVTOOL_IO_PNGFILE_H
+#ifndef QV_TOOLS_QVTOOL_IO_PNGFILE_H
+#define QV_TOOLS_QVTOOL_IO_PNGFILE_H
 
 #include <span>
 #include <string>

@@ -1,6 +1,6 @@
 // Headerless frames: the planes of one frame after the other, rows without padding.
-#ifndef QVTOOL_IO_RAWFRAMES_H
-#define QVTOOL_IO_RAWFRAMES_H
+#ifndef QV_TOOLS_QVTOOL_IO_RAWFRAMES_H
+#define QV_TOOLS_QVTOOL_IO_RAWFRAMES_H
 
 #include "io/FrameStream.h"
 

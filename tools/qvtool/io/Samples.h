@@ -1,6 +1,6 @@
 // The colours of a part of a frame as three bytes a pixel, whatever the layout, and back.
-#ifndef QVTOOL_IO_SAMPLES_H
-#define QVTOOL_IO_SAMPLES_H
+#ifndef QV_TOOLS_QVTOOL_IO_SAMPLES_H
+#define QV_TOOLS_QVTOOL_IO_SAMPLES_H
 
 #include "io/Frame.h"
 

@@ -1,6 +1,6 @@
 // Turns the status of an operation into an Error.
-#ifndef QVTOOL_IO_STATUS_H
-#define QVTOOL_IO_STATUS_H
+#ifndef QV_TOOLS_QVTOOL_IO_STATUS_H
+#define QV_TOOLS_QVTOOL_IO_STATUS_H
 
 #include "qvAcceleratedLib/CqvAccLib.h"
 

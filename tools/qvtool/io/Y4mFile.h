@@ -1,6 +1,6 @@
 // Y4M: uncompressed video with a line of text before the stream and before every frame.
-#ifndef QVTOOL_IO_Y4MFILE_H
-#define QVTOOL_IO_Y4MFILE_H
+#ifndef QV_TOOLS_QVTOOL_IO_Y4MFILE_H
+#define QV_TOOLS_QVTOOL_IO_Y4MFILE_H
 
 #include "io/FrameStream.h"
 

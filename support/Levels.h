@@ -1,6 +1,6 @@
 // The built levels, and how a test makes the library run one of them.
-#ifndef QV_TESTS_SUPPORT_LEVELS_H
-#define QV_TESTS_SUPPORT_LEVELS_H
+#ifndef QV_SUPPORT_LEVELS_H
+#define QV_SUPPORT_LEVELS_H
 
 #include <vector>
 
@@ -33,7 +33,8 @@ class UseLevel {
   Level old_;
 };
 
-// Sets ThreadBudget for a scope, and has every call cut and shared accordingly, however short it is.
+// Sets ThreadBudget for a scope, and has every call cut and shared accordingly, however short it
+// is.
 class UseBudget {
  public:
   explicit UseBudget(int budget, Sharing sharing = Sharing::Always);

@@ -1,4 +1,4 @@
-#include "tests/support/Levels.h"
+#include "support/Levels.h"
 
 #include <algorithm>
 

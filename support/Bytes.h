@@ -1,21 +1,23 @@
 // What most tests of the public interface begin with: buffers of noise, and types by their number.
-#ifndef QV_TESTS_SUPPORT_BYTES_H
-#define QV_TESTS_SUPPORT_BYTES_H
+#ifndef QV_SUPPORT_BYTES_H
+#define QV_SUPPORT_BYTES_H
 
 #include <vector>
 
 #include "qvAcceleratedLib/CqvAccLib.h"
-#include "tests/support/Random.h"
+#include "support/Random.h"
 
 namespace qv::test {
 
 using Bytes = std::vector<unsigned char>;
 
-inline Bytes Noise(std::size_t n) {
+inline Bytes Noise(std::size_t n, std::uint64_t seed) {
   Bytes bytes(n);
-  Random(n).Fill(bytes.data(), n);
+  Random(seed).Fill(bytes.data(), n);
   return bytes;
 }
+
+inline Bytes Noise(std::size_t n) { return Noise(n, n); }
 
 // Any number, known as a type or not.
 constexpr CqvAccLib::qvDataType Type(int value) {

@@ -1,6 +1,6 @@
 // What resampling would give without rounding: weights in double precision.
-#ifndef QV_TESTS_SUPPORT_EXACTRESIZE_H
-#define QV_TESTS_SUPPORT_EXACTRESIZE_H
+#ifndef QV_SUPPORT_EXACTRESIZE_H
+#define QV_SUPPORT_EXACTRESIZE_H
 
 #include <algorithm>
 #include <cmath>
@@ -34,7 +34,7 @@ inline double Kernel(int code, double x) { return Kernel(code, x, code == 4 ? -0
 
 inline Sample ExactTaps(int code, double position, int length) {
   const int taps = code == 2 ? 2 : code == 4 ? 4 : 6;
-  // Also no number is far before the first sample.
+  // NaN, too, is far before the first sample.
   const double clamped = position > -10 ? std::min(position, length + 10.0) : -10;
   const int first = static_cast<int>(std::floor(clamped)) - taps / 2 + 1;
   Sample sample;
@@ -57,9 +57,19 @@ inline Sample ExactMean(double from, double to, int length) {
   return sample;
 }
 
+// Of bytes. Where the exact value is limited to black or white everybody is right: those do not
+// count for the mean.
 struct Errors {
   double largest = 0, sum = 0;
   long long count = 0;
+
+  double Mean() const { return sum / static_cast<double>(std::max(count, 1LL)); }
+
+  void Add(double exact, int byte) {
+    const double limited = std::clamp(exact, 0.0, 255.0), error = std::fabs(limited - byte);
+    largest = std::max(largest, error);
+    if (limited > 0 && limited < 255) sum += error, ++count;
+  }
 
   // Compares a byte with the sum over its samples; the first ones are `pixel` bytes apart.
   void Add(const unsigned char* src, std::ptrdiff_t step, int pixel, const Sample& x,
@@ -67,10 +77,7 @@ struct Errors {
     double exact = 0;
     for (const auto& [sy, wy] : y)
       for (const auto& [sx, wx] : x) exact += wy * wx * src[sy * step + std::ptrdiff_t{sx} * pixel];
-    exact = std::clamp(exact, 0.0, 255.0);
-    const double error = std::fabs(exact - byte);
-    largest = std::max(largest, error);
-    if (exact > 0 && exact < 255) sum += error, ++count;
+    Add(exact, byte);
   }
 };
 

@@ -1,6 +1,6 @@
 // A small generator for tests: the same numbers on every platform.
-#ifndef QV_TESTS_SUPPORT_RANDOM_H
-#define QV_TESTS_SUPPORT_RANDOM_H
+#ifndef QV_SUPPORT_RANDOM_H
+#define QV_SUPPORT_RANDOM_H
 
 #include <cstddef>
 #include <cstdint>
