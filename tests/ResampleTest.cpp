@@ -8,8 +8,8 @@
 
 #include "gtest/gtest.h"
 #include "qvAcceleratedLib/Resample.h"
-#include "tests/support/Levels.h"
-#include "tests/support/Random.h"
+#include "support/Levels.h"
+#include "support/Random.h"
 
 namespace qv::test {
 namespace {
@@ -187,9 +187,155 @@ TEST(Resample, IsAccurate) {
     if (filter != 1) {
       EXPECT_LE(errors.sum / errors.count, 0.26);
     }
-    RecordProperty("largest_" + std::to_string(filter), std::to_string(double(errors.largest)));
-    std::printf("filter %d: largest %.3f mean %.4f\n", filter, double(errors.largest), double(errors.sum / std::max(1ll, errors.count)));
   }
+}
+
+// Weights of more than 14 bits, and pairs of them that are cut short.
+TEST(Resample, IsAccurateInReductionsOfAnySize) {
+  Random random(7);
+  for (const int filter : {2, 4, 8, 16, 32})
+    for (const int ratio : {9, 100, 1500, 20000}) {
+      Errors errors;
+      Job job;
+      job.options.filter = filter;
+      job.options.pixels = random.Pick(0, 1, 2, 3, 5);
+      const bool across = random.OneIn(2);
+      job.from = {across ? ratio * 3 + 7 : 5, across ? 5 : ratio * 3 + 7};
+      job.to = {across ? 3 : 9, across ? 9 : 3};
+      job.Fill(random);
+      ASSERT_EQ(job.Run(), StatusOk);
+      Compare(job, errors);
+      EXPECT_LE(errors.largest, 0.8) << filter << ", " << ratio;
+    }
+}
+
+// Ties go to the later sample, and what is rational is computed without error.
+TEST(Resample, NearestTakesTheSampleThatThePositionLiesIn) {
+  for (const int from : {1, 2, 3, 5, 7, 12, 97, 640})
+    for (const int to : {1, 2, 3, 4, 6, 10, 11, 96, 1280}) {
+      Job job;
+      job.options.filter = 1;
+      job.from = {from, 1};
+      job.to = {to, 1};
+      for (int k = 0; k < from; ++k) job.src.push_back(static_cast<unsigned char>(k * 37));
+      job.dst.resize(std::size_t(to));
+      ASSERT_EQ(job.Run(), StatusOk);
+      for (int i = 0; i < to; ++i)
+        ASSERT_EQ(job.dst[i], job.src[(2 * i + 1) * from / (2 * to)]) << from << ' ' << to;
+    }
+}
+
+// Chroma that lies to the left of its pair of luma samples, brought to where luma is and back.
+TEST(Resample, PhasesPlaceChroma) {
+  Job job;
+  job.options.filter = 2;
+  job.options.srcPhaseX = -0.25;
+  job.from = {4, 1};
+  job.to = {8, 1};
+  job.src = {10, 50, 90, 210};
+  job.dst.resize(8);
+  ASSERT_EQ(job.Run(), StatusOk);
+  EXPECT_EQ(job.dst, (Bytes{10, 30, 50, 70, 90, 150, 210, 210}));
+  std::swap(job.options.srcPhaseX, job.options.dstPhaseX);
+  std::swap(job.from, job.to);
+  std::swap(job.src, job.dst);
+  job.options.narrow = 1;
+  ASSERT_EQ(job.Run(), StatusOk);
+  EXPECT_EQ(job.dst, (Bytes{10, 50, 90, 210}));
+}
+
+// Opaque pixels are those of three channels, transparent ones are nothing, and one colour stays one
+// whatever the alpha: no fringes.
+TEST(Resample, AlphaWeighsColours) {
+  Random random(11);
+  for (int run = 0; run < 200; ++run) {
+    Job job = RandomJob(random, random.Pick(1, 2, 4, 8, 16, 32));
+    job.options.pixels = 5;
+    job.Fill(random);
+    for (std::size_t k = 3; k < job.src.size(); k += 4) job.src[k] = 255;
+    ASSERT_EQ(job.Run(), StatusOk);
+    Job plain = job;
+    plain.options.pixels = 2;
+    plain.Fill(random);
+    for (std::size_t k = 0; k < plain.src.size(); ++k) plain.src[k] = job.src[k / 3 * 4 + k % 3];
+    ASSERT_EQ(plain.Run(), StatusOk);
+    for (std::size_t k = 0; k < job.dst.size(); ++k)
+      ASSERT_EQ(job.dst[k], k % 4 == 3 ? 255 : plain.dst[k / 4 * 3 + k % 4]);
+
+    for (std::size_t k = 0; k < job.src.size(); ++k)
+      job.src[k] = static_cast<unsigned char>(k % 4 == 3 ? random.Pick(0, 1, 2, 99, 255) : 50 + k % 4);
+    ASSERT_EQ(job.Run(), StatusOk);
+    if (job.options.filter != 1) {
+      for (std::size_t k = 0; k < job.dst.size(); k += k % 4 == 2 ? 2 : 1)
+        ASSERT_EQ(job.dst[k], job.dst[k | 3] == 0 ? 0 : 50 + k % 4) << run;
+      for (std::size_t k = 3; k < job.src.size(); k += 4) job.src[k] = 0;
+      ASSERT_EQ(job.Run(), StatusOk);
+      EXPECT_EQ(job.dst, Bytes(job.dst.size(), 0));
+    }
+  }
+}
+
+// Every wrong argument with every other one: the earlier check counts, and nothing is written.
+TEST(Resample, RefusesInOrder) {
+  constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+  constexpr double kInfinite = std::numeric_limits<double>::infinity();
+  struct Call {
+    ResampleImages images;
+    ResampleOptions options;
+    bool hasOptions;
+  };
+  struct Wrong {
+    IppStatus status;
+    int order;
+    void (*spoil)(Call&);
+  };
+  static const Wrong wrongs[] = {
+      {StatusNullPtrErr, 0, [](Call& c) { c.images.src = nullptr; }},
+      {StatusNullPtrErr, 0, [](Call& c) { c.images.dst = nullptr; }},
+      {StatusNullPtrErr, 0, [](Call& c) { c.hasOptions = false; }},
+      {StatusDataTypeErr, 1, [](Call& c) { c.options.pixels = 6; }},
+      {StatusDataTypeErr, 1, [](Call& c) { c.options.pixels = -1; }},
+      {StatusSizeErr, 2, [](Call& c) { c.images.srcSize.width = 0; }},
+      {StatusSizeErr, 2, [](Call& c) { c.images.srcSize.height = -1; }},
+      {StatusSizeErr, 2, [](Call& c) { c.images.dstSize.width = INT32_MAX; }},
+      {StatusSizeErr, 2, [](Call& c) { c.images.dstSize.height = INT32_MIN; }},
+      {StatusStepErr, 3, [](Call& c) { c.images.dstStep = 9; }},
+      {StatusStepErr, 3, [](Call& c) { c.images.dstStep = -9; }},
+      {StatusStepErr, 3, [](Call& c) { c.images.dstStep = 0; }},
+      {StatusInterpolationErr, 4, [](Call& c) { c.options.filter = 3; }},
+      {StatusInterpolationErr, 4, [](Call& c) { c.options.filter = -1; }},
+      {StatusOutOfRangeErr, 5, [](Call& c) { c.options.position = 2; }},
+      {StatusOutOfRangeErr, 5, [](Call& c) { c.options.narrow = -1; }},
+      {StatusOutOfRangeErr, 5, [](Call& c) { c.options.srcPhaseX = kNone; }},
+      {StatusOutOfRangeErr, 5, [](Call& c) { c.options.dstPhaseX = 1.001; }},
+      {StatusOutOfRangeErr, 5, [](Call& c) { c.options.srcPhaseY = -kInfinite; }},
+      {StatusOutOfRangeErr, 5, [](Call& c) { c.options.cubic = 0.001; }},
+      {StatusOutOfRangeErr, 5, [](Call& c) { c.options.cubic = kNone; }},
+      {StatusRectErr, 6, [](Call& c) { c.options.width = kNone; }},
+      {StatusRectErr, 6, [](Call& c) { c.options.height = -1; }},
+      {StatusRectErr, 6, [](Call& c) { c.options.x = kInfinite; }},
+      {StatusRectErr, 6, [](Call& c) { c.options.y = kNone; }},
+      {StatusRectErr, 6, [](Call& c) { c.options.height = 2147483649.0; }},
+      {StatusNoOverlapWarning, 7, [](Call& c) { c.options.y = 500001; }},
+      {StatusNoOverlapWarning, 7, [](Call& c) { c.options.y = -400000; }},
+      {StatusResizeFactorErr, 8, [](Call& c) { c.options.x = 0.5; c.options.width = 1e6; }},
+  };
+  Bytes src(1), dst(1 << 10, 77);
+  for (const Wrong& first : wrongs)
+    for (const Wrong& second : wrongs) {
+      // The source is not read, so it need not be there.
+      Call c = {{src.data(), {10, 500000}, 10, dst.data(), {10, 10}, 20}, {}, true};
+      c.options.pixels = 1;
+      c.options.width = 10;
+      c.options.height = 400000;
+      const bool isFirst = first.order <= second.order;
+      (isFirst ? second : first).spoil(c);
+      (isFirst ? first : second).spoil(c);
+      const IppStatus got = Resample(c.images, c.hasOptions ? &c.options : nullptr);
+      ASSERT_EQ(got, (isFirst ? first : second).status)
+          << &first - wrongs << ' ' << &second - wrongs;
+    }
+  EXPECT_EQ(dst, Bytes(1 << 10, 77));
 }
 
 }  // namespace

@@ -22,10 +22,7 @@ IppStatus CheckImages(const ResampleImages& images, int channels) {
   if (from.width < 1 || from.height < 1 || to.width < 1 || to.height < 1) return StatusSizeErr;
   const int64_t srcBytes = int64_t{from.width} * channels, dstBytes = int64_t{to.width} * channels;
   if (srcBytes > INT32_MAX || dstBytes > INT32_MAX) return StatusSizeErr;
-  if ((from.height > 1 && IsShorterThanRow(images.srcStep, srcBytes)) ||
-      (to.height > 1 && IsShorterThanRow(images.dstStep, dstBytes)))
-    return StatusStepErr;
-  return StatusOk;
+  return to.height > 1 && IsShorterThanRow(images.dstStep, dstBytes) ? StatusStepErr : StatusOk;
 }
 
 bool IsFilter(int code) {

@@ -193,6 +193,20 @@ void FilterDown(const Ring& ring, const FloatTaps& y, int i, int width, Byte* ds
 
 #endif
 
+bool IsPieceOpaque(const Byte* row, ptrdiff_t pixels) {
+  Byte all = 255;
+  ptrdiff_t k = 0;
+#if QV_HAS_VECTORS
+  Vec both = Splat8(255);
+  for (; k + kVecBytes <= 4 * pixels; k += kVecBytes) both = And(both, Load(row + k));
+  Byte bytes[kVecBytes];
+  Store(bytes, both);
+  for (int b = 3; b < kVecBytes; b += 4) all &= bytes[b];
+#endif
+  for (; k < 4 * pixels; k += 4) all &= row[k + 3];
+  return all == 255;
+}
+
 }  // namespace
 
 IppStatus WeightedRows_8u_C4(const Byte* src, int srcStep, Byte* dst, int dstStep,
@@ -236,17 +250,10 @@ IppStatus LimitToAlpha_8u_C4(Byte* srcDst, int srcDstStep, IppiSize size) {
 }
 
 bool IsOpaque_8u_C4(const Byte* row, ptrdiff_t pixels) {
-  Byte all = 255;
-  ptrdiff_t k = 3;
-#if QV_HAS_VECTORS
-  Vec both = Splat8(255);
-  for (; k + kVecBytes <= 4 * pixels + 3; k += kVecBytes) both = And(both, Load(row + k - 3));
-  Byte bytes[kVecBytes];
-  Store(bytes, both);
-  for (int b = 3; b < kVecBytes; b += 4) all &= bytes[b];
-#endif
-  for (; k < 4 * pixels; k += 4) all &= row[k];
-  return all == 255;
+  constexpr ptrdiff_t kPiece = 256;  // most rows that are not opaque show it early
+  for (ptrdiff_t j = 0; j < pixels; j += kPiece)
+    if (!IsPieceOpaque(row + 4 * j, pixels - j < kPiece ? pixels - j : kPiece)) return false;
+  return true;
 }
 
 }  // namespace qv::QV_LEVEL
