@@ -51,11 +51,11 @@ IppStatus CqvAccLib::qvCopy(qvDataType type, const unsigned char* src, int srcSt
                             unsigned char* dst, int dstStep, IppiSize size) {
   const ImageKernel* const kernel = FindCopyKernel(type);
   if (!kernel) return StatusDataTypeErr;
-  if (size.height != 1 || type != OneChannel || ThreadBudget <= 1 || srcStep != dstStep)
-    return RunOnRows(*kernel, PlanBands(size.height, ThreadBudget), src, srcStep, dst, dstStep,
-                     size);
+  const int budget = CallBudget();
+  if (size.height != 1 || type != OneChannel || budget <= 1 || srcStep != dstStep)
+    return RunOnRows(*kernel, PlanBands(size.height, budget), src, srcStep, dst, dstStep, size);
   // A single row cannot be cut into rows: a long one is cut into pieces of columns.
-  const Bands pieces = PlanPieces(size.width, ThreadBudget);
+  const Bands pieces = PlanPieces(size.width, budget);
   return RunBands(pieces, {Area(size), MethodOf(*kernel)}, [&](Band band) {
     return (*kernel)(band.At(src, 1), srcStep, band.At(dst, 1), dstStep, {band.length, 1});
   });
@@ -63,14 +63,14 @@ IppStatus CqvAccLib::qvCopy(qvDataType type, const unsigned char* src, int srcSt
 
 IppStatus CqvAccLib::qvDup(qvDataType, const unsigned char* src, int srcStep, unsigned char* dst,
                            int dstStep, IppiSize size) {
-  return RunOnRows(DupGray_8u_C1C3, PlanBands(size.height, ThreadBudget), src, srcStep, dst,
+  return RunOnRows(DupGray_8u_C1C3, PlanBands(size.height, CallBudget()), src, srcStep, dst,
                    dstStep, size);
 }
 
 IppStatus CqvAccLib::qvSet(qvDataType type, const unsigned char* const value, unsigned char* dst,
                            int dstStep, IppiSize size) {
   if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
-  const Bands bands = PlanBands(size.height, ThreadBudget);
+  const Bands bands = PlanBands(size.height, CallBudget());
   return RunBands(bands, {Area(size), static_cast<uintptr_t>(type)}, [&](Band band) {
     unsigned char* const first = band.At(dst, dstStep);
     const IppiSize bandSize = {size.width, band.length};
@@ -88,13 +88,13 @@ IppStatus CqvAccLib::qvMirror(qvDataType type, const unsigned char* src, int src
     return kernel(src, srcStep, dst, dstStep, size.width, size.height, axis);
   if (axis == AxisHorizontal) {
     const int pixelBytes = type == OneChannel ? 1 : 3;
-    const Bands strips = PlanBands(size.width, ThreadBudget);
+    const Bands strips = PlanBands(size.width, CallBudget());
     return RunBands(strips, {Area(size), MethodOf(kernel)}, [&](Band band) {
       return kernel(band.At(src, pixelBytes), srcStep, band.At(dst, pixelBytes), dstStep,
                     band.length, size.height, axis);
     });
   }
-  const Bands bands = PlanBands(size.height, ThreadBudget);
+  const Bands bands = PlanBands(size.height, CallBudget());
   return RunBands(bands, {Area(size), MethodOf(kernel)}, [&](Band band) {
     return kernel(band.At(src, srcStep), srcStep, band.At(dst, dstStep), dstStep, size.width,
                   band.length, axis);
@@ -104,7 +104,7 @@ IppStatus CqvAccLib::qvMirror(qvDataType type, const unsigned char* src, int src
 IppStatus CqvAccLib::qvLUTPalette(qvDataType, const unsigned char* src, int srcStep,
                                   unsigned char* dst, int dstStep, IppiSize size,
                                   const unsigned char* palette, int bitSize) {
-  const Bands bands = PlanBands(size.height, ThreadBudget);
+  const Bands bands = PlanBands(size.height, CallBudget());
   return RunBands(bands, {Area(size), 0}, [&](Band band) {
     return LookupPalette_8u_C1C3(band.At(src, srcStep), srcStep, band.At(dst, dstStep), dstStep,
                                  size.width, band.length, palette, bitSize);
@@ -114,7 +114,7 @@ IppStatus CqvAccLib::qvLUTPalette(qvDataType, const unsigned char* src, int srcS
 IppStatus CqvAccLib::qvMulCScale(qvDataType type, unsigned char value, unsigned char* srcDst,
                                  int srcDstStep, IppiSize size) {
   if (type != ScalePlane) return StatusDataTypeErr;
-  const Bands bands = PlanBands(size.height, ThreadBudget);
+  const Bands bands = PlanBands(size.height, CallBudget());
   return RunBands(bands, {Area(size), 0}, [&](Band band) {
     unsigned char* const first = band.At(srcDst, srcDstStep);
     return MulScale_8u_C1I(first, srcDstStep, value, first, srcDstStep, size.width, band.length);
@@ -153,7 +153,7 @@ struct PlanesFrom {
 IppStatus CqvAccLib::qvYCbCr420(qvDataType, const unsigned char* srcY, int srcYStep,
                                 const unsigned char* srcCbCr, int srcCbCrStep,
                                 unsigned char** const dst, int* const dstStep, IppiSize size) {
-  const Bands bands = PlanEvenBands(size.height, ThreadBudget);
+  const Bands bands = PlanEvenBands(size.height, CallBudget());
   return RunBands(bands, {Area(size), 0}, [&](Band band) {
     const PlanesFrom planes(dst, dstStep, band.first);
     return YCbCrInterleavedTo420_8u_P2P3(band.At(srcY, srcYStep), srcYStep,
@@ -166,7 +166,7 @@ IppStatus CqvAccLib::qvYCbCr420(qvDataType, const unsigned char* srcY, int srcYS
 IppStatus CqvAccLib::qvYCbCr422ToYCrCb420(qvDataType, const unsigned char* src, int srcStep,
                                           unsigned char** const dst, int* const dstStep,
                                           IppiSize size) {
-  const Bands bands = PlanEvenBands(size.height, ThreadBudget);
+  const Bands bands = PlanEvenBands(size.height, CallBudget());
   return RunBands(bands, {Area(size), 0}, [&](Band band) {
     const PlanesFrom planes(dst, dstStep, band.first);
     return YCbCr422ToYCrCb420_8u_C2P3(band.At(src, srcStep), srcStep, planes.array, dstStep,
@@ -176,7 +176,7 @@ IppStatus CqvAccLib::qvYCbCr422ToYCrCb420(qvDataType, const unsigned char* src, 
 
 IppStatus CqvAccLib::qvYCbCr420ToBGR(qvDataType, unsigned char** const src, int* const srcStep,
                                      unsigned char* dst, int dstStep, IppiSize size) {
-  const Bands bands = PlanEvenBands(size.height, ThreadBudget);
+  const Bands bands = PlanEvenBands(size.height, CallBudget());
   return RunBands(bands, {Area(size), 0}, [&](Band band) {
     const PlanesFrom planes(src, srcStep, band.first);
     return YCbCr420ToBGR_8u_P3C3(planes.array, srcStep, band.At(dst, dstStep), dstStep,
@@ -186,7 +186,7 @@ IppStatus CqvAccLib::qvYCbCr420ToBGR(qvDataType, unsigned char** const src, int*
 
 IppStatus CqvAccLib::qvYCbCr422ToBGR(qvDataType, const unsigned char* src, int srcStep,
                                      unsigned char* dst, int dstStep, IppiSize size) {
-  return RunOnRows(YCbCr422ToBGR_8u_C2C3, PlanEvenBands(size.height, ThreadBudget), src, srcStep,
+  return RunOnRows(YCbCr422ToBGR_8u_C2C3, PlanEvenBands(size.height, CallBudget()), src, srcStep,
                    dst, dstStep, size);
 }
 
@@ -202,7 +202,7 @@ IppStatus CqvAccLib::qvResize(qvDataType type, const unsigned char* src, IppiSiz
   const int height = srcSize.height < dstRoiSize.height ? srcSize.height : dstRoiSize.height;
   const ResizeRoute route({src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoiSize, xFactor,
                            yFactor, interpolation}, channels,
-                          PlanBands(height, ThreadBudget).count);
+                          PlanBands(height, CallBudget()).count);
   if (route.bands() == 1) return route.RunWhole();
   const Bands bands = {route.bands(), route.rowsPerBand(), dstRoiSize.height};
   return RunBands(bands, {Area(dstRoiSize), route.kind()}, [&](Band band) {
@@ -241,7 +241,7 @@ namespace {
 // that.
 Bands PlanRegionBands(IppiRect roi) {
   const int rows = roi.y > 0 ? INT32_MAX - roi.y + 1 : INT32_MAX;
-  return PlanBands(roi.height < rows ? roi.height : rows, ThreadBudget);
+  return PlanBands(roi.height < rows ? roi.height : rows, CallBudget());
 }
 
 // The rows that a band is. Pointers stay: the warp works in absolute coordinates.
@@ -305,7 +305,7 @@ IppStatus CqvAccLib::qvAlphaCompC(qvDataType type, const unsigned char* src1, in
                                   IppiSize size, IppiAlphaType alphaType) {
   if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
   const auto& kernel = type == OneChannel ? AlphaCompC_8u_C1 : AlphaCompC_8u_C3;
-  const Bands bands = PlanBands(size.height, ThreadBudget);
+  const Bands bands = PlanBands(size.height, CallBudget());
   return RunBands(bands, {Area(size), MethodOf(kernel, alphaType)}, [&](Band band) {
     return kernel(band.At(src1, src1Step), src1Step, alpha1, band.At(src2, src2Step), src2Step,
                   alpha2, band.At(dst, dstStep), dstStep, {size.width, band.length}, alphaType);
@@ -319,7 +319,7 @@ IppStatus CqvAccLib::qvMergeAlphaOver(qvDataType, unsigned char* fg, int fgStep,
                                       int height) {
   // However many empty rows there are.
   if (width < 1 && (rowBytes < 1 || !HostProcessorInfo)) return StatusOk;
-  const Bands bands = PlanBands(height, ThreadBudget);
+  const Bands bands = PlanBands(height, CallBudget());
   return RunBands(bands, {1ll * width * height, 0}, [&](Band band) {
     unsigned char* const f = band.At(fg, fgStep);
     const unsigned char* const fa = band.At(fgAlpha, fgAlphaStep);
@@ -341,7 +341,7 @@ IppStatus CqvAccLib::qvMergeAlphaPlus(qvDataType type, unsigned char* srcDst, in
   if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
   if (width < 1) return StatusOk;
   const auto& kernel = type == OneChannel ? MergeAlphaPlus_8u_C1 : MergeAlphaPlus_8u_C3;
-  const Bands bands = PlanBands(height, ThreadBudget);
+  const Bands bands = PlanBands(height, CallBudget());
   return RunBands(bands, {1ll * width * height, MethodOf(kernel)}, [&](Band band) {
     return kernel(band.At(srcDst, srcDstStep), srcDstStep, band.At(src, srcStep), srcStep,
                   band.At(alpha, alphaStep), alphaStep, width, band.length);
@@ -356,7 +356,8 @@ IppStatus CqvAccLib::qvDeinterlace(qvDataType type, const unsigned char* src, in
   const int rowBytes = type == OneChannel ? size.width : srcStep;
   // Rows that reach into the next one are overwritten there, which strips would do in any order.
   const bool overlap = dstStep < rowBytes && -static_cast<long long>(dstStep) < rowBytes;
-  const Bands strips = PlanBands(rowBytes, overlap && ThreadBudget > 1 ? 1 : ThreadBudget);
+  const int budget = CallBudget();
+  const Bands strips = PlanBands(rowBytes, overlap && budget > 1 ? 1 : budget);
   return RunBands(strips, {1ll * rowBytes * size.height, 0}, [&](Band band) {
     return Deinterlace_8u(band.At(src, 1), srcStep, band.At(dst, 1), dstStep, band.length,
                           size.height, centreWeight, mode);
