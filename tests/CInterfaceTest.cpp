@@ -12,7 +12,7 @@
 #include "dispatch/VariantIndex.h"
 #include "qvAcceleratedLib/Operations.h"
 #include "qvAcceleratedLib/qv.h"
-#include "tests/support/Bytes.h"
+#include "support/Bytes.h"
 #include "tests/support/Levels.h"
 #include "tests/support/Operations.h"
 
