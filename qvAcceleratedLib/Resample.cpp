@@ -9,7 +9,7 @@ namespace {
 
 // Each band has scratch memory of its own, all of it obtained before anything is written.
 IppStatus RunPlanned(const Resampling& plan, IppiSize size) {
-  const Bands bands = PlanBands(size.height, ThreadBudget);
+  const Bands bands = PlanBands(size.height, CallBudget());
   const uint64_t bytes = (plan.ScratchBytes() + 63) / 64 * 64;
   WorkLayout layout;
   layout.Add<char>(bytes * static_cast<unsigned>(bands.count));

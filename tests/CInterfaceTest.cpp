@@ -13,7 +13,7 @@
 #include "qvAcceleratedLib/Operations.h"
 #include "qvAcceleratedLib/qv.h"
 #include "support/Bytes.h"
-#include "tests/support/Levels.h"
+#include "support/Levels.h"
 #include "tests/support/Operations.h"
 
 namespace qv::test {

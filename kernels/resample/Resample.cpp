@@ -1,10 +1,6 @@
 // Checks, and the choice of rows.
 #include "kernels/resample/Resample.h"
 
-#include <math.h>
-
-#include "kernels/resize/Resize.h"
-
 namespace qv {
 
 namespace {

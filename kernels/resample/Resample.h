@@ -9,6 +9,7 @@
 #include "kernels/resample/ResampleRows.h"
 #include "kernels/resample/SampleAxis.h"
 #include "kernels/resize/Filter.h"
+#include "kernels/resize/Resize.h"
 #include "kernels/resize/ResizeRows.h"
 
 namespace qv {

@@ -90,6 +90,14 @@ static int FromPlanes(Function f) {
   return ((int (*)(int, const Byte* const*, const int*, Out, int, Size))f)(
       0, sources, steps, destination, kStep, size);
 }
+static int Resample(Function f) {
+  const struct { int codes[4]; double numbers[9]; } options = {
+      {2, 16, 0, 0}, {0.5, 0, 11.5, 7.75, -0.25, 0, 0, 0.5, 0}};
+  const Size to = {6, 12};
+  return ((int (*)(In, Size, int, Out, Size, int, In))f)(source, size, kStep, destination, to,
+                                                         kStep, &options);
+}
+
 static int Resize(Function f) {
   const Size to = {6, 12};
   return ((int (*)(int, In, Size, int, Rect, Out, int, Size, double, double, int))f)(
@@ -178,6 +186,7 @@ static const struct {
     {"qv_levels", Word, 0xa9508c53},
     {"qv_set_level", SetName, 0xfd9d3644},
     {"qv_set_thread_limit", SetNumber, 0x59244d42},
+    {"qv_resample", Resample, 0x4f1fcd27},
 };
 
 static Function Find(const char* path, const char* name) {
