@@ -19,6 +19,22 @@ using namespace qv;
 
 CqvAccLib& CqvAccLib::operator=(const CqvAccLib&) { return *this; }
 
+namespace {
+
+// The kernel or function for a type of one or of three channels; null for any other type.
+template <class Kernel>
+Kernel* KernelOf(int type, Kernel& oneChannel, Kernel& threeChannels) {
+  switch (type) {
+    case CqvAccLib::OneChannel: return &oneChannel;
+    case CqvAccLib::ThreeChannels: return &threeChannels;
+    default: return nullptr;
+  }
+}
+
+constexpr long long Area(IppiSize size) { return 1ll * size.width * size.height; }
+
+}  // namespace
+
 // ---- Copy, fill, mirror, palette, scale ---------------------------------------------------------
 
 namespace {
@@ -34,11 +50,9 @@ const ImageKernel* FindCopyKernel(int type) {
   }
 }
 
-constexpr long long Area(IppiSize size) { return 1ll * size.width * size.height; }
-
 // The kernel on bands of rows, both images moving on by their steps.
-IppStatus RunOnRows(const ImageKernel& kernel, const Bands& bands, const unsigned char* src, int srcStep,
-                    unsigned char* dst, int dstStep, IppiSize size) {
+IppStatus RunOnRows(const ImageKernel& kernel, const Bands& bands, const unsigned char* src,
+                    int srcStep, unsigned char* dst, int dstStep, IppiSize size) {
   return RunBands(bands, {Area(size), MethodOf(kernel)}, [&](Band band) {
     return kernel(band.At(src, srcStep), srcStep, band.At(dst, dstStep), dstStep,
                   {size.width, band.length});
@@ -69,35 +83,33 @@ IppStatus CqvAccLib::qvDup(qvDataType, const unsigned char* src, int srcStep, un
 
 IppStatus CqvAccLib::qvSet(qvDataType type, const unsigned char* const value, unsigned char* dst,
                            int dstStep, IppiSize size) {
-  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
-  const Bands bands = PlanBands(size.height, CallBudget());
-  return RunBands(bands, {Area(size), static_cast<uintptr_t>(type)}, [&](Band band) {
-    unsigned char* const first = band.At(dst, dstStep);
-    const IppiSize bandSize = {size.width, band.length};
-    return type == OneChannel ? SetPixels_8u_C1(value[0], first, dstStep, bandSize)
-                              : SetPixels_8u_C3(value, first, dstStep, bandSize);
-  });
+  const auto fill = [&](const auto& kernel, const auto& pixel) {
+    const Bands bands = PlanBands(size.height, CallBudget());
+    return RunBands(bands, {Area(size), MethodOf(kernel)}, [&](Band band) {
+      return kernel(pixel, band.At(dst, dstStep), dstStep, {size.width, band.length});
+    });
+  };
+  switch (type) {
+    case OneChannel: return fill(SetPixels_8u_C1, *value);
+    case ThreeChannels: return fill(SetPixels_8u_C3, value);
+    default: return StatusDataTypeErr;
+  }
 }
 
 IppStatus CqvAccLib::qvMirror(qvDataType type, const unsigned char* src, int srcStep,
                               unsigned char* dst, int dstStep, IppiSize size, IppiAxis axis) {
   if (axis != AxisHorizontal && axis != AxisVertical && axis != AxisBoth) return StatusOk;
-  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
-  const auto& kernel = type == OneChannel ? Mirror_8u_C1 : Mirror_8u_C3;
-  if (axis == AxisBoth)  // bands would trade places
-    return kernel(src, srcStep, dst, dstStep, size.width, size.height, axis);
-  if (axis == AxisHorizontal) {
-    const int pixelBytes = type == OneChannel ? 1 : 3;
-    const Bands strips = PlanBands(size.width, CallBudget());
-    return RunBands(strips, {Area(size), MethodOf(kernel)}, [&](Band band) {
-      return kernel(band.At(src, pixelBytes), srcStep, band.At(dst, pixelBytes), dstStep,
-                    band.length, size.height, axis);
-    });
-  }
-  const Bands bands = PlanBands(size.height, CallBudget());
-  return RunBands(bands, {Area(size), MethodOf(kernel)}, [&](Band band) {
-    return kernel(band.At(src, srcStep), srcStep, band.At(dst, dstStep), dstStep, size.width,
-                  band.length, axis);
+  const auto* const kernel = KernelOf(type, Mirror_8u_C1, Mirror_8u_C3);
+  if (!kernel) return StatusDataTypeErr;
+  // Rows trade places within strips of columns; about both axes, no cut leaves each band its own.
+  const bool strips = axis == AxisHorizontal;
+  const int pixelBytes = type == OneChannel ? 1 : 3;
+  const int srcMove = strips ? pixelBytes : srcStep, dstMove = strips ? pixelBytes : dstStep;
+  const Bands bands = PlanBands(strips ? size.width : size.height,
+                                axis == AxisBoth ? 1 : CallBudget());
+  return RunBands(bands, {Area(size), MethodOf(*kernel)}, [&](Band band) {
+    return (*kernel)(band.At(src, srcMove), srcStep, band.At(dst, dstMove), dstStep,
+                     strips ? band.length : size.width, strips ? size.height : band.length, axis);
   });
 }
 
@@ -228,8 +240,8 @@ IppStatus CqvAccLib::qvRotate(qvDataType type, const unsigned char* src, IppiSiz
                               int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                               IppiRect dstRoi, double angle, double xShift, double yShift,
                               int interpolation) {
-  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
-  const auto kernel = type == OneChannel ? Rotate_8u_C1 : Rotate_8u_C3;
+  const auto kernel = KernelOf(type, Rotate_8u_C1, Rotate_8u_C3);
+  if (!kernel) return StatusDataTypeErr;
   const FloatEnvironment environment;
   return kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, angle, xShift, yShift,
                 interpolation);
@@ -255,8 +267,8 @@ IppStatus CqvAccLib::qvWarpPerspective(qvDataType type, const unsigned char* src
                                        int srcStep, IppiRect srcRoi, unsigned char* dst,
                                        int dstStep, IppiRect dstRoi, const double coeffs[3][3],
                                        int interpolation) {
-  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
-  const auto kernel = type == OneChannel ? WarpPerspective_8u_C1 : WarpPerspective_8u_C3;
+  const auto kernel = KernelOf(type, WarpPerspective_8u_C1, WarpPerspective_8u_C3);
+  if (!kernel) return StatusDataTypeErr;
   const Bands bands = PlanRegionBands(dstRoi);
   const Work work = {1ll * dstRoi.width * dstRoi.height, MethodOf(kernel, interpolation)};
   return RunFloatBands(bands, work, [&](Band band) {
@@ -303,12 +315,12 @@ IppStatus CqvAccLib::qvAlphaCompC(qvDataType type, const unsigned char* src1, in
                                   unsigned char alpha1, const unsigned char* src2, int src2Step,
                                   unsigned char alpha2, unsigned char* dst, int dstStep,
                                   IppiSize size, IppiAlphaType alphaType) {
-  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
-  const auto& kernel = type == OneChannel ? AlphaCompC_8u_C1 : AlphaCompC_8u_C3;
+  const auto* const kernel = KernelOf(type, AlphaCompC_8u_C1, AlphaCompC_8u_C3);
+  if (!kernel) return StatusDataTypeErr;
   const Bands bands = PlanBands(size.height, CallBudget());
-  return RunBands(bands, {Area(size), MethodOf(kernel, alphaType)}, [&](Band band) {
-    return kernel(band.At(src1, src1Step), src1Step, alpha1, band.At(src2, src2Step), src2Step,
-                  alpha2, band.At(dst, dstStep), dstStep, {size.width, band.length}, alphaType);
+  return RunBands(bands, {Area(size), MethodOf(*kernel, alphaType)}, [&](Band band) {
+    return (*kernel)(band.At(src1, src1Step), src1Step, alpha1, band.At(src2, src2Step), src2Step,
+                     alpha2, band.At(dst, dstStep), dstStep, {size.width, band.length}, alphaType);
   });
 }
 
@@ -321,30 +333,27 @@ IppStatus CqvAccLib::qvMergeAlphaOver(qvDataType, unsigned char* fg, int fgStep,
   if (width < 1 && (rowBytes < 1 || !HostProcessorInfo)) return StatusOk;
   const Bands bands = PlanBands(height, CallBudget());
   return RunBands(bands, {1ll * width * height, 0}, [&](Band band) {
-    unsigned char* const f = band.At(fg, fgStep);
-    const unsigned char* const fa = band.At(fgAlpha, fgAlphaStep);
-    const unsigned char* const b = band.At(bg, bgStep);
-    const unsigned char* const ba = band.At(bgAlpha, bgAlphaStep);
-    unsigned char* const merged = band.At(dstAlpha, fgAlphaStep);
-    if (!HostProcessorInfo)
-      return MergeAlphaOverPlain_8u(f, fgStep, fa, fgAlphaStep, b, bgStep, ba, bgAlphaStep, merged,
-                                    width, band.length);
+    const auto merge = [&](const auto& kernel, auto... extents) {
+      return kernel(band.At(fg, fgStep), fgStep, band.At(fgAlpha, fgAlphaStep), fgAlphaStep,
+                    band.At(bg, bgStep), bgStep, band.At(bgAlpha, bgAlphaStep), bgAlphaStep,
+                    band.At(dstAlpha, fgAlphaStep), extents..., band.length);
+    };
+    if (!HostProcessorInfo) return merge(MergeAlphaOverPlain_8u, width);
     const FloatEnvironment environment;
-    return MergeAlphaOver_8u(f, fgStep, fa, fgAlphaStep, b, bgStep, ba, bgAlphaStep, merged,
-                             rowBytes, width, band.length);
+    return merge(MergeAlphaOver_8u, rowBytes, width);
   });
 }
 
 IppStatus CqvAccLib::qvMergeAlphaPlus(qvDataType type, unsigned char* srcDst, int srcDstStep,
                                       unsigned char* src, int srcStep, unsigned char* alpha,
                                       int alphaStep, int width, int height) {
-  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
+  const auto* const kernel = KernelOf(type, MergeAlphaPlus_8u_C1, MergeAlphaPlus_8u_C3);
+  if (!kernel) return StatusDataTypeErr;
   if (width < 1) return StatusOk;
-  const auto& kernel = type == OneChannel ? MergeAlphaPlus_8u_C1 : MergeAlphaPlus_8u_C3;
   const Bands bands = PlanBands(height, CallBudget());
-  return RunBands(bands, {1ll * width * height, MethodOf(kernel)}, [&](Band band) {
-    return kernel(band.At(srcDst, srcDstStep), srcDstStep, band.At(src, srcStep), srcStep,
-                  band.At(alpha, alphaStep), alphaStep, width, band.length);
+  return RunBands(bands, {1ll * width * height, MethodOf(*kernel)}, [&](Band band) {
+    return (*kernel)(band.At(srcDst, srcDstStep), srcDstStep, band.At(src, srcStep), srcStep,
+                     band.At(alpha, alphaStep), alphaStep, width, band.length);
   });
 }
 

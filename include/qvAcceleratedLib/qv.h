@@ -88,6 +88,16 @@ enum qv_status {
   QV_STATUS_ODD_SIZE_WARNING = 35       // an odd last column or row was left unwritten
 };
 
+// How resizing, rotation and warping make a pixel from those around its place in the source. Which
+// of these an operation takes is said there; its parameter is an int.
+enum qv_interpolation {
+  QV_INTERPOLATE_NEAREST = 1,
+  QV_INTERPOLATE_LINEAR = 2,
+  QV_INTERPOLATE_CUBIC = 4,
+  QV_INTERPOLATE_AREA = 8,
+  QV_INTERPOLATE_LANCZOS = 16
+};
+
 // Which way qv_mirror flips.
 enum qv_axis {
   QV_AXIS_HORIZONTAL = 0,  // about the horizontal axis: top to bottom

@@ -53,7 +53,7 @@ bool InvertFor(const double c[3][3], double x, double y, double m[3][3]) {
 }  // namespace
 
 WarpPlan::WarpPlan(const double coeffs[3][3], const Corners& source, const Corners& destination,
-                   WarpMethod method)
+                   IppiInterpolation method)
     : base_{-static_cast<long long>(kOffset + kCentre) -
                 static_cast<long long>(source.x0) * (1 << kWarpBits),
             -static_cast<long long>(kOffset + kCentre) -
@@ -64,9 +64,9 @@ WarpPlan::WarpPlan(const double coeffs[3][3], const Corners& source, const Corne
       destination_(destination),
       // Positions are truncated to what the method tells apart: a whole pixel, a step of the
       // position, a phase of the cubic table. Half of that makes it rounding to nearest.
-      bias_(method == WarpNearest  ? kOne / 2
-            : method == WarpLinear ? 0.5
-                                   : kOne / kCubicPhases / 2),
+      bias_(method == InterpolateNearest  ? kOne / 2
+            : method == InterpolateLinear ? 0.5
+                                          : kOne / kCubicPhases / 2),
       affine_(coeffs[2][0] == 0 && coeffs[2][1] == 0),
       rows_{0, -1} {
   regular_ = InvertFor(coeffs, (source.x0 + source.x1) / 2, (source.y0 + source.y1) / 2, m_);

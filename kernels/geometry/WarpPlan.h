@@ -38,7 +38,7 @@ class WarpPlan {
   // Coefficients as qvWarpPerspective takes them; already checked. The destination's corners are
   // ints.
   WarpPlan(const double coeffs[3][3], const Corners& source, const Corners& destination,
-           WarpMethod method);
+           IppiInterpolation method);
 
   // Rows outside of this have an empty span.
   PixelRange Rows() const { return rows_; }

@@ -2,22 +2,14 @@
 // destination samples have in the source (in double precision, once for all levels) and hand the
 // tables to the rows of this processor's level; all levels write the same bytes.
 //
-// Interpolation codes: 1 nearest neighbour, 2 linear, 4 cubic, 8 area averaging (reduction only),
-// 16 Lanczos. `channels` interleaved bytes a pixel.
+// Interpolation codes are those of IppiInterpolation; area averaging only reduces. `channels`
+// interleaved bytes a pixel.
 #ifndef QV_KERNELS_RESIZE_RESIZE_H
 #define QV_KERNELS_RESIZE_RESIZE_H
 
 #include "qvAcceleratedLib/CqvAccLib.h"
 
 namespace qv {
-
-enum Interpolation : int {
-  InterpolateNearest = 1,
-  InterpolateLinear = 2,
-  InterpolateCubic = 4,
-  InterpolateArea = 8,
-  InterpolateLanczos = 16
-};
 
 // The arguments of CqvAccLib::qvResize but for its type.
 struct ResizeCall {
