@@ -6,6 +6,7 @@
 #include "kernels/copy/Copy.h"
 #include "kernels/deinterlace/Deinterlace.h"
 #include "kernels/geometry/Geometry.h"
+#include "kernels/resample/ResampleRows.h"
 #include "kernels/resize/Filter.h"
 #include "kernels/resize/ResizeRows.h"
 #include "kernels/yuv/Yuv.h"

@@ -759,6 +759,85 @@ QV_API(int) qv_rgb_to_yuv(int rgb_layout, const unsigned char* src, int src_step
                           unsigned char* const planes[], const int steps[], qv_size size,
                           int matrix, int range, int siting);
 
+// ---- Resampling ---------------------------------------------------------------------------------
+
+// What a pixel is, its bytes side by side.
+enum qv_pixels {
+  QV_PIXELS_ONE = 0,            // one byte: grey, or a plane of whatever
+  QV_PIXELS_TWO = 1,            // two: interleaved chroma (NV12), or grey and something else
+  QV_PIXELS_THREE = 2,          // three
+  QV_PIXELS_FOUR = 3,           // four, all alike
+  QV_PIXELS_PREMULTIPLIED = 4,  // three colours, multiplied by the alpha that is the fourth
+  QV_PIXELS_STRAIGHT = 5        // three colours as they are, and alpha
+};
+
+// The filters are those of enum qv_interpolation and this one.
+enum { QV_INTERPOLATE_MITCHELL = 32 };
+
+// Which positions in the source the destination's pixels have.
+enum qv_position {
+  QV_POSITION_CENTRES = 0,  // region and destination cover each other, edge on edge
+  QV_POSITION_CORNERS = 1   // the centres of their corner pixels fall on each other
+};
+
+// All zero: one byte a pixel, linear, by centres, widened, the whole source.
+typedef struct qv_resample_options {
+  int pixels;    // enum qv_pixels
+  int filter;    // enum qv_interpolation or QV_INTERPOLATE_MITCHELL; 0 stands for linear
+  int position;  // enum qv_position
+  int narrow;    // 1: the filter keeps its width in reductions, which may alias
+  // The region that becomes the destination, in source pixels from the source's left and top edge.
+  // It may begin and end within pixels and reach beyond the source. All four 0: the whole source.
+  double region_x, region_y, region_width, region_height;
+  // Where samples lie within what a pixel covers, in pixels to the right of or below its middle; -0.25
+  // for chroma of half the width whose samples lie on the left one of two luma samples.
+  double src_phase_x, src_phase_y, dst_phase_x, dst_phase_y;
+  double cubic;  // Keys' a, from -1 up to below 0; 0 stands for -0.5
+} qv_resample_options;
+
+// Resizes a region of src_size pixels' image into all dst_size pixels of dst.
+//
+// Positions. Source pixel s has its centre at s. With S and L where the region begins and how long
+// it is, N pixels of the destination, p the phase of the source and q that of the destination, pixel
+// i of an axis reads the source at
+//   centres   S + (i + 0.5 + q) * L / N - 0.5 - p
+//   corners   S + (i + q) * (L - 1) / (N - 1) - p;  N = 1: S + (L - 1) / 2 - p
+// Its step is L / N or (L - 1) / (N - 1), 0 if N is 1.
+//
+// Filters. A byte is the sum over both axes of the source's bytes times the filter's value at their
+// distance x from the position, these values divided by their sum; limited to 0 .. 255:
+//   linear    1 - |x| up to a distance of 1
+//   cubic     Keys 1981 with the parameter a, up to 2
+//   Lanczos   sinc(x) sinc(x / 3) up to 3
+//   Mitchell  Mitchell and Netravali 1988 with B = C = 1/3, up to 2
+// Unless narrow is 1, they are widened by a step above 1: the distance is divided by it, so that
+// every source pixel counts. Area is the mean over one step around the position, each source pixel
+// by its share, whatever `narrow` says. Nearest is pixel floor(position + 0.5), the later one on a
+// tie. Pixels around the region are read as far as the filter reaches: parts of an image that are resized one by
+// one fit together. Beyond the source lie copies of its edge pixels.
+//
+// Alpha. Premultiplied: like four bytes, and colours are limited to the alpha. Straight: alpha is
+// filtered like any byte; colours are weighted by alpha, the filtered colour * alpha divided by the
+// filtered alpha, so that no colour of transparent pixels shows; 0 where the alpha written is 0. Rows
+// that come from opaque rows alone are exactly those of three bytes, with alpha 255. Nearest copies
+// pixels as they are.
+//
+// Each byte is within one unit of the exact result, on average within 0.26. The result does not depend
+// on threads. Source and destination must not overlap; steps may be negative.
+//
+// Returns QV_STATUS_NULL_PTR_ERR (-8) if src, dst or options is null; QV_STATUS_DATA_TYPE_ERR (-2)
+// for unknown pixels; QV_STATUS_SIZE_ERR (-6) if a width or height is below 1 or a row has more than
+// 2^31 - 1 bytes; QV_STATUS_STEP_ERR (-14) if rows of dst overlap; QV_STATUS_INTERPOLATION_ERR (-22)
+// for an unknown filter; QV_STATUS_OUT_OF_RANGE_ERR (-11) for an unknown position, a `narrow` other
+// than 0 and 1, a phase outside -1 .. 1, or `cubic` outside -1 .. 0; QV_STATUS_RECT_ERR (-57) if a
+// number of the region is not finite or beyond 2^31, or its width or height is not above 0 (with
+// corners below 1); QV_STATUS_NO_OVERLAP_WARNING (29) if it lies outside the source;
+// QV_STATUS_RESIZE_FACTOR_ERR (-23) if a step is above 65536 in area or a widened filter;
+// QV_STATUS_MEM_ALLOC_ERR (-9). Nothing is written unless it returns QV_STATUS_OK.
+QV_API(int) qv_resample(const unsigned char* src, qv_size src_size, int src_step,
+                        unsigned char* dst, qv_size dst_size, int dst_step,
+                        const qv_resample_options* options);
+
 #if defined(__cplusplus)
 }  // extern "C"
 #endif

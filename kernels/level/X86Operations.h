@@ -46,6 +46,9 @@ template <int n> QV_INLINE QV_V ShiftRightSigned16(QV_V v) { return QV_V_OP(srai
 template <int n> QV_INLINE QV_V ShiftLeft32(QV_V v) { return QV_V_OP(slli_epi32)(v, n); }
 template <int n> QV_INLINE QV_V ShiftRight32(QV_V v) { return QV_V_OP(srli_epi32)(v, n); }
 template <int n> QV_INLINE QV_V ShiftRightSigned32(QV_V v) { return QV_V_OP(srai_epi32)(v, n); }
+QV_INLINE QV_V ShiftRightSigned32(QV_V v, int n) {
+  return QV_V_OP(sra_epi32)(v, _mm_cvtsi32_si128(n));
+}
 template <int n> QV_INLINE QV_V ShiftLeft64(QV_V v) { return QV_V_OP(slli_epi64)(v, n); }
 template <int n> QV_INLINE QV_V ShiftRight64(QV_V v) { return QV_V_OP(srli_epi64)(v, n); }
 

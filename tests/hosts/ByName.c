@@ -90,6 +90,14 @@ static int FromPlanes(Function f) {
   return ((int (*)(int, const Byte* const*, const int*, Out, int, Size))f)(
       0, sources, steps, destination, kStep, size);
 }
+static int Resample(Function f) {
+  const struct { int codes[4]; double numbers[9]; } options = {
+      {2, 16, 0, 0}, {0.5, 0, 11.5, 7.75, -0.25, 0, 0, 0.5, 0}};
+  const Size to = {6, 12};
+  return ((int (*)(In, Size, int, Out, Size, int, In))f)(source, size, kStep, destination, to,
+                                                         kStep, &options);
+}
+
 static int Resize(Function f) {
   const Size to = {6, 12};
   return ((int (*)(int, In, Size, int, Rect, Out, int, Size, double, double, int))f)(
@@ -201,6 +209,7 @@ static const struct {
     {"qv_row_bytes", RowBytes, 0xa3c8aa33},
     {"qv_source_position", Position, 0x7439fa8e},
     {"qv_warp_source_position", WarpPosition, 0xc275eaa8},
+    {"qv_resample", Resample, 0x4f1fcd27},
 };
 
 static Function Find(const char* path, const char* name) {
