@@ -651,6 +651,209 @@ QV_API(int) qv_warp_source_position(qv_rect src_roi, const double coeffs[9], dou
 
 // Operations that the class does not have, a family a section.
 
+// Luma and chroma to pixels, and back.
+
+// Layouts of luma and chroma: their planes, in the order in which they are passed, and the rows
+// of a frame of w x h pixels. cw is (w + 1) / 2 and ch is (h + 1) / 2, rounded down: an odd last
+// column or row has chroma of its own.
+enum qv_yuv_layout {
+  QV_YUV_I420 = 0,  // Y: h rows of w bytes; Cb, Cr: ch rows of cw
+  QV_YUV_YV12 = 1,  // the same with Cr before Cb
+  QV_YUV_NV12 = 2,  // Y: h rows of w bytes; ch rows of cw pairs Cb, Cr
+  QV_YUV_NV21 = 3,  // the same with pairs Cr, Cb
+  QV_YUV_YUYV = 4,  // one plane: h rows of cw groups Y0, Cb, Y1, Cr
+  QV_YUV_UYVY = 5,  // one plane: h rows of cw groups Cb, Y0, Cr, Y1
+  QV_YUV_I422 = 6,  // Y: h rows of w bytes; Cb, Cr: h rows of cw
+  QV_YUV_I444 = 7   // Y, Cb, Cr: h rows of w bytes
+};
+
+// Layouts of pixels: their bytes in address order.
+enum qv_rgb_layout {
+  QV_RGB_BGR = 0,
+  QV_RGB_RGB = 1,
+  QV_RGB_BGRA = 2,
+  QV_RGB_RGBA = 3,
+  QV_RGB_GREY = 4  // one byte
+};
+
+// The weights of red and blue in luma; that of green is Kg = 1 - Kr - Kb.
+enum qv_yuv_matrix {
+  QV_BT601 = 0,  // Kr = .299,  Kb = .114   (ITU-R BT.601)
+  QV_BT709 = 1,  // Kr = .2126, Kb = .0722  (ITU-R BT.709)
+  QV_BT2020 = 2  // Kr = .2627, Kb = .0593  (ITU-R BT.2020, non-constant luminance)
+};
+
+// What the bytes of samples stand for. Every byte is accepted, those outside the range included.
+enum qv_yuv_range {
+  QV_STUDIO_RANGE = 0,  // Y = 16 + 219 y, Cb = 128 + 224 u, Cr = 128 + 224 v
+  QV_FULL_RANGE = 1     // Y = 255 y, Cb = 128 + 255 u, Cr = 128 + 255 v (JFIF)
+};
+
+// Where chroma lies in layouts that have one sample for two columns. Those that also have one
+// for two rows have it midway between the two, unless it is repeated.
+enum qv_chroma_siting {
+  QV_CHROMA_REPEATED = 0,  // anywhere: one sample serves a block, and is made of its mean
+  QV_CHROMA_LEFT = 1,      // on the left one of two pixels (MPEG-2 and later)
+  QV_CHROMA_CENTRE = 2     // between the two (MPEG-1, JPEG)
+};
+
+// Converts luma and chroma to pixels. `planes` and `steps` have as many entries as the layout
+// has planes, `dst` is the first pixel's first byte. With R, G, B in 0 .. 1:
+//   R = y + 2 (1 - Kr) v
+//   G = y - 2 (1 - Kr) Kr / Kg v - 2 (1 - Kb) Kb / Kg u
+//   B = y + 2 (1 - Kb) u
+// and bytes of 255 R, 255 G and 255 B, limited to 0 .. 255. Each byte is within 0.54 of the
+// exact value (a perfect rounding: 0.50), and every grey (Cb = Cr = 128) is rounded correctly. A
+// fourth byte becomes 255. Grey is 255 y: chroma is not read then, and its planes may be null.
+//
+// Chroma that is not repeated is interpolated linearly, without being rounded before it is
+// converted: a column that has no sample of its own takes the mean of its two neighbours (left)
+// or 3 parts of the nearer and 1 of the farther (centre), a row of a layout with half as many
+// rows of chroma 3 parts of the nearer and 1 of the farther. Beyond the edge lies the sample of
+// the edge.
+//
+// The arithmetic is that of integers. With a # k = (256 a * k) >> 16, where 256 times interpolated
+// chroma is a whole number too, and coefficients round(2^14 * exact), so all sums in 64ths of a
+// byte:
+//   B = clamp((Y # y - 16 # y + Cb # bb - 128 # bb + 32) >> 6)
+//   G = clamp((Y # y - 16 # y - Cb # gb + 128 # gb - Cr # gr + 128 # gr + 32) >> 6)
+//   R = clamp((Y # y - 16 # y + Cr # rr - 128 # rr + 32) >> 6)
+// and without 16 # y in full range.
+//                      y     bb     gb     gr     rr
+//   studio  BT.601   19077  33050   6419  13320  26149
+//           BT.709   19077  34610   3494   8731  29372
+//           BT.2020  19077  35091   3069  10657  27503
+//   full    BT.601   16384  29032   5638  11700  22970
+//           BT.709   16384  30402   3069   7670  25802
+//           BT.2020  16384  30825   2696   9361  24160
+//
+// Source and destination must not overlap. Nothing is written unless the status is 0.
+// Returns QV_STATUS_DATA_TYPE_ERR (-2) if yuv_layout or rgb_layout is none of the above;
+// QV_STATUS_BAD_ARG_ERR (-5) if matrix, range or siting is none; QV_STATUS_NULL_PTR_ERR (-8) if
+// planes, steps, dst or a plane that is read is null; QV_STATUS_SIZE_ERR (-6) if width or height
+// is below 1.
+QV_API(int) qv_yuv_to_rgb(int yuv_layout, const unsigned char* const planes[], const int steps[],
+                          int rgb_layout, unsigned char* dst, int dst_step, qv_size size,
+                          int matrix, int range, int siting);
+
+// Converts pixels to luma and chroma:
+//   y = Kr R + Kg G + Kb B
+//   u = (B - y) / (2 (1 - Kb)),  v = (R - y) / (2 (1 - Kr))
+// Each byte is within 0.52 of the exact value; of a grey, Y is rounded correctly and Cb = Cr =
+// 128. Alpha is not looked at. A grey byte counts as R = G = B.
+//
+// Chroma is made of the mean of the pixels that it serves, 2 x 2 or 2 x 1 (repeated, centre), or
+// of the column that it lies on and the ones beside it as 1 : 2 : 1 (left), without rounding
+// between. Beyond the edge lies the pixel of the edge. The groups of an odd width end with a
+// luma that no pixel has: it repeats the one before.
+//
+// The arithmetic: coefficients round(2^16 * exact), but those of G such that a grey comes out as
+// one; all sums in 256ths of a byte, and 256 times a mean is a whole number too:
+//   Y  = (R # yr + G # yg + B # yb + h) >> 8,  h = 16 * 256 + 129 or, in full range, 128
+//   Cb = (B # c - G # (c - ur) - R # ur + 128 * 256 + 127) >> 8
+//   Cr = (R # c - G # (c - vb) - B # vb + 128 * 256 + 127) >> 8
+//                     yr     yg     yb      c     ur     vb
+//   studio  BT.601   16829  33039   6416  28784   9714   4681
+//           BT.709   11966  40254   4064  28784   6596   2639
+//           BT.2020  14786  38160   3338  28784   8038   2315
+//   full    BT.601   19595  38470   7471  32768  11058   5329
+//           BT.709   13933  46871   4732  32768   7509   3005
+//           BT.2020  17216  44434   3886  32768   9151   2635
+//
+// What is lost on the way from pixels to 4:4:4 samples and back: at most 2 units of a byte in
+// studio range and 1 in full range, with every matrix; it is the rounding of the samples, exact
+// arithmetic would lose as much.
+//
+// Source and destination must not overlap. Nothing is written unless the status is 0.
+// Returns QV_STATUS_DATA_TYPE_ERR (-2) if rgb_layout or yuv_layout is none of the above;
+// QV_STATUS_BAD_ARG_ERR (-5) if matrix, range or siting is none; QV_STATUS_NULL_PTR_ERR (-8) if
+// src, planes, steps or a plane is null; QV_STATUS_SIZE_ERR (-6) if width or height is below 1.
+QV_API(int) qv_rgb_to_yuv(int rgb_layout, const unsigned char* src, int src_step, int yuv_layout,
+                          unsigned char* const planes[], const int steps[], qv_size size,
+                          int matrix, int range, int siting);
+
+// ---- Resampling ---------------------------------------------------------------------------------
+
+// What a pixel is, its bytes side by side.
+enum qv_pixels {
+  QV_PIXELS_ONE = 0,            // one byte: grey, or a plane of whatever
+  QV_PIXELS_TWO = 1,            // two: interleaved chroma (NV12), or grey and something else
+  QV_PIXELS_THREE = 2,          // three
+  QV_PIXELS_FOUR = 3,           // four, all alike
+  QV_PIXELS_PREMULTIPLIED = 4,  // three colours, multiplied by the alpha that is the fourth
+  QV_PIXELS_STRAIGHT = 5        // three colours as they are, and alpha
+};
+
+enum qv_filter {
+  QV_FILTER_DEFAULT = 0,   // linear
+  QV_FILTER_NEAREST = 1,   // the sample that the position lies in
+  QV_FILTER_LINEAR = 2,    // 1 - |x| up to a distance of 1
+  QV_FILTER_CUBIC = 4,     // Keys 1981, with the parameter `cubic`
+  QV_FILTER_AREA = 8,      // the mean over what a destination pixel covers
+  QV_FILTER_LANCZOS = 16,  // sinc(x) sinc(x / 3) up to a distance of 3
+  QV_FILTER_MITCHELL = 32  // Mitchell and Netravali 1988, B = C = 1/3
+};
+
+// Which positions in the source the destination's pixels have.
+enum qv_position {
+  QV_POSITION_CENTRES = 0,  // region and destination cover each other, edge on edge
+  QV_POSITION_CORNERS = 1   // the centres of their corner pixels fall on each other
+};
+
+// All zero: one byte a pixel, linear, by centres, widened, the whole source.
+typedef struct qv_resample_options {
+  int pixels;    // enum qv_pixels
+  int filter;    // enum qv_filter
+  int position;  // enum qv_position
+  int narrow;    // 1: the filter keeps its width in reductions, which may alias
+  // The region that becomes the destination, in source pixels from the source's left and top edge.
+  // It may begin and end within pixels and reach beyond the source. All four 0: the whole source.
+  double region_x, region_y, region_width, region_height;
+  // Where samples lie within what a pixel covers, in pixels to the right of or below its middle; -0.25
+  // for chroma of half the width whose samples lie on the left one of two luma samples.
+  double src_phase_x, src_phase_y, dst_phase_x, dst_phase_y;
+  double cubic;  // Keys' a, from -1 up to below 0; 0 stands for -0.5
+} qv_resample_options;
+
+// Resizes a region of src_size pixels' image into all dst_size pixels of dst.
+//
+// Positions. Source pixel s has its centre at s. With S and L where the region begins and how long
+// it is, N pixels of the destination, p the phase of the source and q that of the destination, pixel
+// i of an axis reads the source at
+//   centres   S + (i + 0.5 + q) * L / N - 0.5 - p
+//   corners   S + (i + q) * (L - 1) / (N - 1) - p;  N = 1: S + (L - 1) / 2 - p
+// Its step is L / N or (L - 1) / (N - 1), 0 if N is 1.
+//
+// Filters. A byte is the sum over both axes of the source's bytes times the filter's value at their
+// distance from the position, these divided by their sum; limited to 0 .. 255. Unless narrow is 1,
+// filters are widened by a step above 1: the distance is divided by it, so that every source pixel
+// counts. Area is the mean over one step around the position, each source pixel by its share,
+// whatever `narrow` says. Nearest is pixel floor(position + 0.5), the later one on a tie. Pixels
+// around the region are read as far as the filter reaches: parts of an image that are resized one by
+// one fit together. Beyond the source lie copies of its edge pixels.
+//
+// Alpha. Premultiplied: like four bytes, and colours are limited to the alpha. Straight: alpha is
+// filtered like any byte; colours are weighted by alpha, the filtered colour * alpha divided by the
+// filtered alpha, so that no colour of transparent pixels shows; 0 where the alpha written is 0. Rows
+// that come from opaque rows alone are exactly those of three bytes, with alpha 255. Nearest copies
+// pixels as they are.
+//
+// Each byte is within one unit of the exact result, on average within 0.26. The result does not depend
+// on threads. Source and destination must not overlap; steps may be negative.
+//
+// Returns QV_STATUS_NULL_PTR_ERR (-8) if src, dst or options is null; QV_STATUS_DATA_TYPE_ERR (-2)
+// for unknown pixels; QV_STATUS_SIZE_ERR (-6) if a width or height is below 1 or a row has more than
+// 2^31 - 1 bytes; QV_STATUS_STEP_ERR (-14) if rows of dst overlap; QV_STATUS_INTERPOLATION_ERR (-22)
+// for an unknown filter; QV_STATUS_OUT_OF_RANGE_ERR (-11) for an unknown position, a `narrow` other
+// than 0 and 1, a phase outside -1 .. 1, or `cubic` outside -1 .. 0; QV_STATUS_RECT_ERR (-57) if a
+// number of the region is not finite or beyond 2^31, or its width or height is not above 0 (with
+// corners below 1); QV_STATUS_NO_OVERLAP_WARNING (29) if it lies outside the source;
+// QV_STATUS_RESIZE_FACTOR_ERR (-23) if a step is above 65536 in area or a widened filter;
+// QV_STATUS_MEM_ALLOC_ERR (-9). Nothing is written unless it returns QV_STATUS_OK.
+QV_API(int) qv_resample(const unsigned char* src, qv_size src_size, int src_step,
+                        unsigned char* dst, qv_size dst_size, int dst_step,
+                        const qv_resample_options* options);
+
 #if defined(__cplusplus)
 }  // extern "C"
 #endif

@@ -90,6 +90,14 @@ static int FromPlanes(Function f) {
   return ((int (*)(int, const Byte* const*, const int*, Out, int, Size))f)(
       0, sources, steps, destination, kStep, size);
 }
+static int Resample(Function f) {
+  const struct { int codes[4]; double numbers[9]; } options = {
+      {2, 16, 0, 0}, {0.5, 0, 11.5, 7.75, -0.25, 0, 0, 0.5, 0}};
+  const Size to = {6, 12};
+  return ((int (*)(In, Size, int, Out, Size, int, In))f)(source, size, kStep, destination, to,
+                                                         kStep, &options);
+}
+
 static int Resize(Function f) {
   const Size to = {6, 12};
   return ((int (*)(int, In, Size, int, Rect, Out, int, Size, double, double, int))f)(
@@ -134,6 +142,14 @@ static int Plus(Function f) {
 static int Deinterlace(Function f) {
   return ((int (*)(int, In, int, Out, int, Size, unsigned, unsigned))f)(
       2, source, kStep, destination, kStep, size, 128, 0);
+}
+static int ToPixels(Function f) {
+  return ((int (*)(int, const Byte* const*, const int*, int, Out, int, Size, int, int, int))f)(
+      0, sources, steps, 0, destination, kStep, size, 0, 0, 1);
+}
+static int ToSamples(Function f) {
+  return ((int (*)(int, In, int, int, Byte* const*, const int*, Size, int, int, int))f)(
+      0, source, kStep, 0, planes, steps, size, 1, 1, 2);
 }
 static int Text(Function f) { return ((const char* (*)(int))f)(-6)[0]; }
 static int Word(Function f) { return ((const char* (*)(void))f)()[0] != 0; }
@@ -188,9 +204,12 @@ static const struct {
     {"qv_levels", Word, 0xa9508c53},
     {"qv_set_level", SetName, 0xfd9d3644},
     {"qv_set_thread_limit", SetNumber, 0x59244d42},
+    {"qv_yuv_to_rgb", ToPixels, 0xfb475781},
+    {"qv_rgb_to_yuv", ToSamples, 0x50f59d79},
     {"qv_row_bytes", RowBytes, 0xa3c8aa33},
     {"qv_source_position", Position, 0x7439fa8e},
     {"qv_warp_source_position", WarpPosition, 0xc275eaa8},
+    {"qv_resample", Resample, 0x4f1fcd27},
 };
 
 static Function Find(const char* path, const char* name) {
