@@ -784,15 +784,8 @@ enum qv_pixels {
   QV_PIXELS_STRAIGHT = 5        // three colours as they are, and alpha
 };
 
-enum qv_filter {
-  QV_FILTER_DEFAULT = 0,   // linear
-  QV_FILTER_NEAREST = 1,   // the sample that the position lies in
-  QV_FILTER_LINEAR = 2,    // 1 - |x| up to a distance of 1
-  QV_FILTER_CUBIC = 4,     // Keys 1981, with the parameter `cubic`
-  QV_FILTER_AREA = 8,      // the mean over what a destination pixel covers
-  QV_FILTER_LANCZOS = 16,  // sinc(x) sinc(x / 3) up to a distance of 3
-  QV_FILTER_MITCHELL = 32  // Mitchell and Netravali 1988, B = C = 1/3
-};
+// The filters are those of enum qv_interpolation and this one.
+enum { QV_INTERPOLATE_MITCHELL = 32 };
 
 // Which positions in the source the destination's pixels have.
 enum qv_position {
@@ -803,7 +796,7 @@ enum qv_position {
 // All zero: one byte a pixel, linear, by centres, widened, the whole source.
 typedef struct qv_resample_options {
   int pixels;    // enum qv_pixels
-  int filter;    // enum qv_filter
+  int filter;    // enum qv_interpolation or QV_INTERPOLATE_MITCHELL; 0 stands for linear
   int position;  // enum qv_position
   int narrow;    // 1: the filter keeps its width in reductions, which may alias
   // The region that becomes the destination, in source pixels from the source's left and top edge.
@@ -825,11 +818,15 @@ typedef struct qv_resample_options {
 // Its step is L / N or (L - 1) / (N - 1), 0 if N is 1.
 //
 // Filters. A byte is the sum over both axes of the source's bytes times the filter's value at their
-// distance from the position, these divided by their sum; limited to 0 .. 255. Unless narrow is 1,
-// filters are widened by a step above 1: the distance is divided by it, so that every source pixel
-// counts. Area is the mean over one step around the position, each source pixel by its share,
-// whatever `narrow` says. Nearest is pixel floor(position + 0.5), the later one on a tie. Pixels
-// around the region are read as far as the filter reaches: parts of an image that are resized one by
+// distance x from the position, these values divided by their sum; limited to 0 .. 255:
+//   linear    1 - |x| up to a distance of 1
+//   cubic     Keys 1981 with the parameter a, up to 2
+//   Lanczos   sinc(x) sinc(x / 3) up to 3
+//   Mitchell  Mitchell and Netravali 1988 with B = C = 1/3, up to 2
+// Unless narrow is 1, they are widened by a step above 1: the distance is divided by it, so that
+// every source pixel counts. Area is the mean over one step around the position, each source pixel
+// by its share, whatever `narrow` says. Nearest is pixel floor(position + 0.5), the later one on a
+// tie. Pixels around the region are read as far as the filter reaches: parts of an image that are resized one by
 // one fit together. Beyond the source lie copies of its edge pixels.
 //
 // Alpha. Premultiplied: like four bytes, and colours are limited to the alpha. Straight: alpha is
