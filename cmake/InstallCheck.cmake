@@ -10,13 +10,17 @@ function(qv_install_needs target component file)
     endif()" COMPONENT ${component})
 endfunction()
 
-qv_install_needs(qvAcceleratedLib runtime $<TARGET_FILE:qvAcceleratedLib>)
-qv_install_needs(qvAcceleratedLib development $<TARGET_FILE:qvAcceleratedLib>)
+foreach(library qvAcceleratedLib qvAcceleratedLibC)
+  qv_install_needs(${library} runtime $<TARGET_FILE:${library}>)
+  qv_install_needs(${library} development $<TARGET_FILE:${library}>)
+endforeach()
 if(WIN32)
   find_program(QV_LLVM_DLLTOOL NAMES llvm-dlltool llvm-dlltool-14)
   if(QV_LLVM_DLLTOOL)
-    qv_install_needs(qvVisualImports development
+    qv_install_needs(qvAcceleratedLibVisualImports development
       ${PROJECT_BINARY_DIR}/qvAcceleratedLib/qvAcceleratedLib.lib)
+    qv_install_needs(qvAcceleratedLibCVisualImports development
+      ${PROJECT_BINARY_DIR}/bindings/c/qvAcceleratedLibC.lib)
   endif()
 endif()
 if(QV_BUILD_TOOLS)

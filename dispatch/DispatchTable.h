@@ -40,7 +40,7 @@ struct WideForwarder<Own, Result(Args...)> {
     return table;
   }();
 
-  static Result Forward(Args... args) { return kTable.rows[WideLevel](args...); }
+  static Result Forward(Args... args) { return kTable.rows[Current(WideLevel)](args...); }
 };
 
 template <class Own>

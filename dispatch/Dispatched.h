@@ -18,7 +18,7 @@ template <class Result, class... Args>
 struct Dispatched<Result(Args...)> {
   using Rows = Result(Args...);
 
-  Result operator()(Args... args) const { return slot[VariantIndex](args...); }
+  Result operator()(Args... args) const { return slot[Current(VariantIndex)](args...); }
 
   Rows* slot[kSlots];
 };

@@ -1,6 +1,8 @@
 // Which implementation of the kernels this processor gets, and what its rows choose by. All values
-// are written once, while the library is loaded, and only read afterwards; until then kernels run
-// their generic rows. Bytes never depend on LastCacheBytes and QuickGathers.
+// are written while the library is loaded; until then kernels run their generic rows. A host may
+// lower the first three later, one after the other and while calls run: whatever the mixture, the
+// processor can do it, and what a kernel writes is the same. Bytes never depend on LastCacheBytes
+// and QuickGathers.
 #ifndef QV_DISPATCH_VARIANTINDEX_H
 #define QV_DISPATCH_VARIANTINDEX_H
 
@@ -21,6 +23,9 @@ extern QV_HIDDEN int WideLevel;
 // there as well), 2 VPCLMULQDQ on 64-byte vectors (WideLevel 2 is there as well). Always 0 unless
 // VariantIndex is 4.
 extern QV_HIDDEN int CarrylessLevel;
+
+// One of these three as it is at the moment.
+static inline int Current(const int& value) { return __atomic_load_n(&value, __ATOMIC_RELAXED); }
 
 // Whether there is MXCSR to set: 1 or 0. Slot 1 does not say so, being also that of two classes of
 // processors without SSE.

@@ -6,8 +6,10 @@
 #include "kernels/copy/Copy.h"
 #include "kernels/deinterlace/Deinterlace.h"
 #include "kernels/geometry/Geometry.h"
+#include "kernels/resample/ResampleRows.h"
 #include "kernels/resize/Filter.h"
 #include "kernels/resize/ResizeRows.h"
+#include "kernels/yuv/Yuv.h"
 
 #define QV_DECLARE_ROWS(level, slot, wide, kernel) \
   namespace level { decltype(qv::kernel)::Rows kernel; }

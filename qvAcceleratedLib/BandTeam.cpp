@@ -148,6 +148,12 @@ void Live(void* self) {
   }
 }
 
+// Threads that the budget has room for now; there may be more, from before it was lowered.
+int MostHelpers() {
+  const int helpers = ThreadBudget.load(memory_order_relaxed) - 1;
+  return helpers < kMostThreads ? helpers : kMostThreads;
+}
+
 // The threads that a call has been offered to.
 class Helpers {
  public:
@@ -158,7 +164,8 @@ class Helpers {
   // Offers the call to `wanted` idle threads: those that are awake, then as many as it may wake or
   // start.
   void Enlist(int wanted, int mayWake, Ticks now) {
-    const int size = team.size.load(memory_order_acquire);
+    const int started = team.size.load(memory_order_acquire), most = MostHelpers();
+    const int size = started < most ? started : most;
     for (int i = 0; i < size && wanted > 0; ++i) wanted -= Offer(i, kAwake);
     if (wanted > mayWake) wanted = mayWake;
     for (int i = 0; i < size && wanted > 0; ++i) {
@@ -221,7 +228,7 @@ class Helpers {
         now - team.refusedAt.load(memory_order_relaxed) < kBeforeRetry)
       return;
     if (team.starting.exchange(true, memory_order_acquire)) return;
-    const int most = ThreadBudget - 1 < kMostThreads ? ThreadBudget - 1 : kMostThreads;
+    const int most = MostHelpers();
     bool started = true;
     for (int i = team.size.load(memory_order_relaxed); started && wanted > 0 && i < most; ++i) {
       Member& member = team.members[i];

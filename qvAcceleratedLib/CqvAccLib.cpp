@@ -19,6 +19,22 @@ using namespace qv;
 
 CqvAccLib& CqvAccLib::operator=(const CqvAccLib&) { return *this; }
 
+namespace {
+
+// The kernel or function for a type of one or of three channels; null for any other type.
+template <class Kernel>
+Kernel* KernelOf(int type, Kernel& oneChannel, Kernel& threeChannels) {
+  switch (type) {
+    case CqvAccLib::OneChannel: return &oneChannel;
+    case CqvAccLib::ThreeChannels: return &threeChannels;
+    default: return nullptr;
+  }
+}
+
+constexpr long long Area(IppiSize size) { return 1ll * size.width * size.height; }
+
+}  // namespace
+
 // ---- Copy, fill, mirror, palette, scale ---------------------------------------------------------
 
 namespace {
@@ -34,11 +50,9 @@ const ImageKernel* FindCopyKernel(int type) {
   }
 }
 
-constexpr long long Area(IppiSize size) { return 1ll * size.width * size.height; }
-
 // The kernel on bands of rows, both images moving on by their steps.
-IppStatus RunOnRows(const ImageKernel& kernel, const Bands& bands, const unsigned char* src, int srcStep,
-                    unsigned char* dst, int dstStep, IppiSize size) {
+IppStatus RunOnRows(const ImageKernel& kernel, const Bands& bands, const unsigned char* src,
+                    int srcStep, unsigned char* dst, int dstStep, IppiSize size) {
   return RunBands(bands, {Area(size), MethodOf(kernel)}, [&](Band band) {
     return kernel(band.At(src, srcStep), srcStep, band.At(dst, dstStep), dstStep,
                   {size.width, band.length});
@@ -51,11 +65,11 @@ IppStatus CqvAccLib::qvCopy(qvDataType type, const unsigned char* src, int srcSt
                             unsigned char* dst, int dstStep, IppiSize size) {
   const ImageKernel* const kernel = FindCopyKernel(type);
   if (!kernel) return StatusDataTypeErr;
-  if (size.height != 1 || type != OneChannel || ThreadBudget <= 1 || srcStep != dstStep)
-    return RunOnRows(*kernel, PlanBands(size.height, ThreadBudget), src, srcStep, dst, dstStep,
-                     size);
+  const int budget = CallBudget();
+  if (size.height != 1 || type != OneChannel || budget <= 1 || srcStep != dstStep)
+    return RunOnRows(*kernel, PlanBands(size.height, budget), src, srcStep, dst, dstStep, size);
   // A single row cannot be cut into rows: a long one is cut into pieces of columns.
-  const Bands pieces = PlanPieces(size.width, ThreadBudget);
+  const Bands pieces = PlanPieces(size.width, budget);
   return RunBands(pieces, {Area(size), MethodOf(*kernel)}, [&](Band band) {
     return (*kernel)(band.At(src, 1), srcStep, band.At(dst, 1), dstStep, {band.length, 1});
   });
@@ -63,48 +77,46 @@ IppStatus CqvAccLib::qvCopy(qvDataType type, const unsigned char* src, int srcSt
 
 IppStatus CqvAccLib::qvDup(qvDataType, const unsigned char* src, int srcStep, unsigned char* dst,
                            int dstStep, IppiSize size) {
-  return RunOnRows(DupGray_8u_C1C3, PlanBands(size.height, ThreadBudget), src, srcStep, dst,
+  return RunOnRows(DupGray_8u_C1C3, PlanBands(size.height, CallBudget()), src, srcStep, dst,
                    dstStep, size);
 }
 
 IppStatus CqvAccLib::qvSet(qvDataType type, const unsigned char* const value, unsigned char* dst,
                            int dstStep, IppiSize size) {
-  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
-  const Bands bands = PlanBands(size.height, ThreadBudget);
-  return RunBands(bands, {Area(size), static_cast<uintptr_t>(type)}, [&](Band band) {
-    unsigned char* const first = band.At(dst, dstStep);
-    const IppiSize bandSize = {size.width, band.length};
-    return type == OneChannel ? SetPixels_8u_C1(value[0], first, dstStep, bandSize)
-                              : SetPixels_8u_C3(value, first, dstStep, bandSize);
-  });
+  const auto fill = [&](const auto& kernel, const auto& pixel) {
+    const Bands bands = PlanBands(size.height, CallBudget());
+    return RunBands(bands, {Area(size), MethodOf(kernel)}, [&](Band band) {
+      return kernel(pixel, band.At(dst, dstStep), dstStep, {size.width, band.length});
+    });
+  };
+  switch (type) {
+    case OneChannel: return fill(SetPixels_8u_C1, *value);
+    case ThreeChannels: return fill(SetPixels_8u_C3, value);
+    default: return StatusDataTypeErr;
+  }
 }
 
 IppStatus CqvAccLib::qvMirror(qvDataType type, const unsigned char* src, int srcStep,
                               unsigned char* dst, int dstStep, IppiSize size, IppiAxis axis) {
   if (axis != AxisHorizontal && axis != AxisVertical && axis != AxisBoth) return StatusOk;
-  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
-  const auto& kernel = type == OneChannel ? Mirror_8u_C1 : Mirror_8u_C3;
-  if (axis == AxisBoth)  // bands would trade places
-    return kernel(src, srcStep, dst, dstStep, size.width, size.height, axis);
-  if (axis == AxisHorizontal) {
-    const int pixelBytes = type == OneChannel ? 1 : 3;
-    const Bands strips = PlanBands(size.width, ThreadBudget);
-    return RunBands(strips, {Area(size), MethodOf(kernel)}, [&](Band band) {
-      return kernel(band.At(src, pixelBytes), srcStep, band.At(dst, pixelBytes), dstStep,
-                    band.length, size.height, axis);
-    });
-  }
-  const Bands bands = PlanBands(size.height, ThreadBudget);
-  return RunBands(bands, {Area(size), MethodOf(kernel)}, [&](Band band) {
-    return kernel(band.At(src, srcStep), srcStep, band.At(dst, dstStep), dstStep, size.width,
-                  band.length, axis);
+  const auto* const kernel = KernelOf(type, Mirror_8u_C1, Mirror_8u_C3);
+  if (!kernel) return StatusDataTypeErr;
+  // Rows trade places within strips of columns; about both axes, no cut leaves each band its own.
+  const bool strips = axis == AxisHorizontal;
+  const int pixelBytes = type == OneChannel ? 1 : 3;
+  const int srcMove = strips ? pixelBytes : srcStep, dstMove = strips ? pixelBytes : dstStep;
+  const Bands bands = PlanBands(strips ? size.width : size.height,
+                                axis == AxisBoth ? 1 : CallBudget());
+  return RunBands(bands, {Area(size), MethodOf(*kernel)}, [&](Band band) {
+    return (*kernel)(band.At(src, srcMove), srcStep, band.At(dst, dstMove), dstStep,
+                     strips ? band.length : size.width, strips ? size.height : band.length, axis);
   });
 }
 
 IppStatus CqvAccLib::qvLUTPalette(qvDataType, const unsigned char* src, int srcStep,
                                   unsigned char* dst, int dstStep, IppiSize size,
                                   const unsigned char* palette, int bitSize) {
-  const Bands bands = PlanBands(size.height, ThreadBudget);
+  const Bands bands = PlanBands(size.height, CallBudget());
   return RunBands(bands, {Area(size), 0}, [&](Band band) {
     return LookupPalette_8u_C1C3(band.At(src, srcStep), srcStep, band.At(dst, dstStep), dstStep,
                                  size.width, band.length, palette, bitSize);
@@ -114,7 +126,7 @@ IppStatus CqvAccLib::qvLUTPalette(qvDataType, const unsigned char* src, int srcS
 IppStatus CqvAccLib::qvMulCScale(qvDataType type, unsigned char value, unsigned char* srcDst,
                                  int srcDstStep, IppiSize size) {
   if (type != ScalePlane) return StatusDataTypeErr;
-  const Bands bands = PlanBands(size.height, ThreadBudget);
+  const Bands bands = PlanBands(size.height, CallBudget());
   return RunBands(bands, {Area(size), 0}, [&](Band band) {
     unsigned char* const first = band.At(srcDst, srcDstStep);
     return MulScale_8u_C1I(first, srcDstStep, value, first, srcDstStep, size.width, band.length);
@@ -153,7 +165,7 @@ struct PlanesFrom {
 IppStatus CqvAccLib::qvYCbCr420(qvDataType, const unsigned char* srcY, int srcYStep,
                                 const unsigned char* srcCbCr, int srcCbCrStep,
                                 unsigned char** const dst, int* const dstStep, IppiSize size) {
-  const Bands bands = PlanEvenBands(size.height, ThreadBudget);
+  const Bands bands = PlanEvenBands(size.height, CallBudget());
   return RunBands(bands, {Area(size), 0}, [&](Band band) {
     const PlanesFrom planes(dst, dstStep, band.first);
     return YCbCrInterleavedTo420_8u_P2P3(band.At(srcY, srcYStep), srcYStep,
@@ -166,7 +178,7 @@ IppStatus CqvAccLib::qvYCbCr420(qvDataType, const unsigned char* srcY, int srcYS
 IppStatus CqvAccLib::qvYCbCr422ToYCrCb420(qvDataType, const unsigned char* src, int srcStep,
                                           unsigned char** const dst, int* const dstStep,
                                           IppiSize size) {
-  const Bands bands = PlanEvenBands(size.height, ThreadBudget);
+  const Bands bands = PlanEvenBands(size.height, CallBudget());
   return RunBands(bands, {Area(size), 0}, [&](Band band) {
     const PlanesFrom planes(dst, dstStep, band.first);
     return YCbCr422ToYCrCb420_8u_C2P3(band.At(src, srcStep), srcStep, planes.array, dstStep,
@@ -176,7 +188,7 @@ IppStatus CqvAccLib::qvYCbCr422ToYCrCb420(qvDataType, const unsigned char* src, 
 
 IppStatus CqvAccLib::qvYCbCr420ToBGR(qvDataType, unsigned char** const src, int* const srcStep,
                                      unsigned char* dst, int dstStep, IppiSize size) {
-  const Bands bands = PlanEvenBands(size.height, ThreadBudget);
+  const Bands bands = PlanEvenBands(size.height, CallBudget());
   return RunBands(bands, {Area(size), 0}, [&](Band band) {
     const PlanesFrom planes(src, srcStep, band.first);
     return YCbCr420ToBGR_8u_P3C3(planes.array, srcStep, band.At(dst, dstStep), dstStep,
@@ -186,7 +198,7 @@ IppStatus CqvAccLib::qvYCbCr420ToBGR(qvDataType, unsigned char** const src, int*
 
 IppStatus CqvAccLib::qvYCbCr422ToBGR(qvDataType, const unsigned char* src, int srcStep,
                                      unsigned char* dst, int dstStep, IppiSize size) {
-  return RunOnRows(YCbCr422ToBGR_8u_C2C3, PlanEvenBands(size.height, ThreadBudget), src, srcStep,
+  return RunOnRows(YCbCr422ToBGR_8u_C2C3, PlanEvenBands(size.height, CallBudget()), src, srcStep,
                    dst, dstStep, size);
 }
 
@@ -198,11 +210,9 @@ IppStatus CqvAccLib::qvResize(qvDataType type, const unsigned char* src, IppiSiz
                               int interpolation) {
   const FloatEnvironment environment;
   const int channels = type == OneChannel ? 1 : type == ThreeChannels ? 3 : 0;
-  // Each band has its rows of the source and of the destination.
-  const int height = srcSize.height < dstRoiSize.height ? srcSize.height : dstRoiSize.height;
   const ResizeRoute route({src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoiSize, xFactor,
                            yFactor, interpolation}, channels,
-                          PlanBands(height, ThreadBudget).count);
+                          ResizeBands(srcSize, dstRoiSize, CallBudget()));
   if (route.bands() == 1) return route.RunWhole();
   const Bands bands = {route.bands(), route.rowsPerBand(), dstRoiSize.height};
   return RunBands(bands, {Area(dstRoiSize), route.kind()}, [&](Band band) {
@@ -228,8 +238,8 @@ IppStatus CqvAccLib::qvRotate(qvDataType type, const unsigned char* src, IppiSiz
                               int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                               IppiRect dstRoi, double angle, double xShift, double yShift,
                               int interpolation) {
-  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
-  const auto kernel = type == OneChannel ? Rotate_8u_C1 : Rotate_8u_C3;
+  const auto kernel = KernelOf(type, Rotate_8u_C1, Rotate_8u_C3);
+  if (!kernel) return StatusDataTypeErr;
   const FloatEnvironment environment;
   return kernel(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, angle, xShift, yShift,
                 interpolation);
@@ -241,7 +251,7 @@ namespace {
 // that.
 Bands PlanRegionBands(IppiRect roi) {
   const int rows = roi.y > 0 ? INT32_MAX - roi.y + 1 : INT32_MAX;
-  return PlanBands(roi.height < rows ? roi.height : rows, ThreadBudget);
+  return PlanBands(roi.height < rows ? roi.height : rows, CallBudget());
 }
 
 // The rows that a band is. Pointers stay: the warp works in absolute coordinates.
@@ -255,8 +265,8 @@ IppStatus CqvAccLib::qvWarpPerspective(qvDataType type, const unsigned char* src
                                        int srcStep, IppiRect srcRoi, unsigned char* dst,
                                        int dstStep, IppiRect dstRoi, const double coeffs[3][3],
                                        int interpolation) {
-  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
-  const auto kernel = type == OneChannel ? WarpPerspective_8u_C1 : WarpPerspective_8u_C3;
+  const auto kernel = KernelOf(type, WarpPerspective_8u_C1, WarpPerspective_8u_C3);
+  if (!kernel) return StatusDataTypeErr;
   const Bands bands = PlanRegionBands(dstRoi);
   const Work work = {1ll * dstRoi.width * dstRoi.height, MethodOf(kernel, interpolation)};
   return RunFloatBands(bands, work, [&](Band band) {
@@ -303,12 +313,12 @@ IppStatus CqvAccLib::qvAlphaCompC(qvDataType type, const unsigned char* src1, in
                                   unsigned char alpha1, const unsigned char* src2, int src2Step,
                                   unsigned char alpha2, unsigned char* dst, int dstStep,
                                   IppiSize size, IppiAlphaType alphaType) {
-  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
-  const auto& kernel = type == OneChannel ? AlphaCompC_8u_C1 : AlphaCompC_8u_C3;
-  const Bands bands = PlanBands(size.height, ThreadBudget);
-  return RunBands(bands, {Area(size), MethodOf(kernel, alphaType)}, [&](Band band) {
-    return kernel(band.At(src1, src1Step), src1Step, alpha1, band.At(src2, src2Step), src2Step,
-                  alpha2, band.At(dst, dstStep), dstStep, {size.width, band.length}, alphaType);
+  const auto* const kernel = KernelOf(type, AlphaCompC_8u_C1, AlphaCompC_8u_C3);
+  if (!kernel) return StatusDataTypeErr;
+  const Bands bands = PlanBands(size.height, CallBudget());
+  return RunBands(bands, {Area(size), MethodOf(*kernel, alphaType)}, [&](Band band) {
+    return (*kernel)(band.At(src1, src1Step), src1Step, alpha1, band.At(src2, src2Step), src2Step,
+                     alpha2, band.At(dst, dstStep), dstStep, {size.width, band.length}, alphaType);
   });
 }
 
@@ -319,32 +329,29 @@ IppStatus CqvAccLib::qvMergeAlphaOver(qvDataType, unsigned char* fg, int fgStep,
                                       int height) {
   // However many empty rows there are.
   if (width < 1 && (rowBytes < 1 || !HostProcessorInfo)) return StatusOk;
-  const Bands bands = PlanBands(height, ThreadBudget);
+  const Bands bands = PlanBands(height, CallBudget());
   return RunBands(bands, {1ll * width * height, 0}, [&](Band band) {
-    unsigned char* const f = band.At(fg, fgStep);
-    const unsigned char* const fa = band.At(fgAlpha, fgAlphaStep);
-    const unsigned char* const b = band.At(bg, bgStep);
-    const unsigned char* const ba = band.At(bgAlpha, bgAlphaStep);
-    unsigned char* const merged = band.At(dstAlpha, fgAlphaStep);
-    if (!HostProcessorInfo)
-      return MergeAlphaOverPlain_8u(f, fgStep, fa, fgAlphaStep, b, bgStep, ba, bgAlphaStep, merged,
-                                    width, band.length);
+    const auto merge = [&](const auto& kernel, auto... extents) {
+      return kernel(band.At(fg, fgStep), fgStep, band.At(fgAlpha, fgAlphaStep), fgAlphaStep,
+                    band.At(bg, bgStep), bgStep, band.At(bgAlpha, bgAlphaStep), bgAlphaStep,
+                    band.At(dstAlpha, fgAlphaStep), extents..., band.length);
+    };
+    if (!HostProcessorInfo) return merge(MergeAlphaOverPlain_8u, width);
     const FloatEnvironment environment;
-    return MergeAlphaOver_8u(f, fgStep, fa, fgAlphaStep, b, bgStep, ba, bgAlphaStep, merged,
-                             rowBytes, width, band.length);
+    return merge(MergeAlphaOver_8u, rowBytes, width);
   });
 }
 
 IppStatus CqvAccLib::qvMergeAlphaPlus(qvDataType type, unsigned char* srcDst, int srcDstStep,
                                       unsigned char* src, int srcStep, unsigned char* alpha,
                                       int alphaStep, int width, int height) {
-  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
+  const auto* const kernel = KernelOf(type, MergeAlphaPlus_8u_C1, MergeAlphaPlus_8u_C3);
+  if (!kernel) return StatusDataTypeErr;
   if (width < 1) return StatusOk;
-  const auto& kernel = type == OneChannel ? MergeAlphaPlus_8u_C1 : MergeAlphaPlus_8u_C3;
-  const Bands bands = PlanBands(height, ThreadBudget);
-  return RunBands(bands, {1ll * width * height, MethodOf(kernel)}, [&](Band band) {
-    return kernel(band.At(srcDst, srcDstStep), srcDstStep, band.At(src, srcStep), srcStep,
-                  band.At(alpha, alphaStep), alphaStep, width, band.length);
+  const Bands bands = PlanBands(height, CallBudget());
+  return RunBands(bands, {1ll * width * height, MethodOf(*kernel)}, [&](Band band) {
+    return (*kernel)(band.At(srcDst, srcDstStep), srcDstStep, band.At(src, srcStep), srcStep,
+                     band.At(alpha, alphaStep), alphaStep, width, band.length);
   });
 }
 
@@ -356,7 +363,8 @@ IppStatus CqvAccLib::qvDeinterlace(qvDataType type, const unsigned char* src, in
   const int rowBytes = type == OneChannel ? size.width : srcStep;
   // Rows that reach into the next one are overwritten there, which strips would do in any order.
   const bool overlap = dstStep < rowBytes && -static_cast<long long>(dstStep) < rowBytes;
-  const Bands strips = PlanBands(rowBytes, overlap && ThreadBudget > 1 ? 1 : ThreadBudget);
+  const int budget = CallBudget();
+  const Bands strips = PlanBands(rowBytes, overlap && budget > 1 ? 1 : budget);
   return RunBands(strips, {1ll * rowBytes * size.height, 0}, [&](Band band) {
     return Deinterlace_8u(band.At(src, 1), srcStep, band.At(dst, 1), dstStep, band.length,
                           size.height, centreWeight, mode);

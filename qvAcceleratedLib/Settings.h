@@ -1,6 +1,9 @@
-// Process-wide settings, written once while the library is loaded and only read afterwards.
+// Process-wide settings, written while the library is loaded; a host may change the thread budget
+// later, whatever calls run meanwhile.
 #ifndef QV_QVACCELERATEDLIB_SETTINGS_H
 #define QV_QVACCELERATEDLIB_SETTINGS_H
+
+#include <atomic>
 
 #include "dispatch/Hidden.h"
 
@@ -8,7 +11,14 @@ namespace qv {
 
 // How many bands an operation may be cut into: the number of CPUs that the process may use.
 // Initially 1, never less.
-extern QV_HIDDEN int ThreadBudget;
+extern QV_HIDDEN std::atomic<int> ThreadBudget;
+
+// The budget of a call that the calling thread makes: ThreadBudget, or its own limit if that is
+// lower. An operation asks once.
+QV_HIDDEN int CallBudget();
+
+// The limit of the calling thread; 0 for none. False if the system has no place for it.
+QV_HIDDEN bool SetThreadLimit(int limit);
 
 // What the host says of its processor: 0 keeps qvMergeAlphaOver on its plain path, anything else
 // selects the accelerated one. Initially 0.

@@ -43,7 +43,7 @@ constinit Bed beds[kBeds];
 
 Bed& BedOf(const void* address) { return beds[reinterpret_cast<uintptr_t>(address) / 64 % kBeds]; }
 
-constinit DWORD markSlot = TLS_OUT_OF_INDEXES;
+constinit DWORD slot = TLS_OUT_OF_INDEXES;
 constinit uint64_t countsPerSecond = 1;  // of the clock; never changes while the system runs
 
 }  // namespace
@@ -89,14 +89,26 @@ Ticks Now() {
                             counts % countsPerSecond * kTicksPerSecond / countsPerSecond);
 }
 
-bool IsMarked() { return markSlot != TLS_OUT_OF_INDEXES && TlsGetValue(markSlot) != nullptr; }
+namespace {
 
-void SetMark(bool marked) {
-  if (markSlot != TLS_OUT_OF_INDEXES) TlsSetValue(markSlot, marked ? &markSlot : nullptr);
+// Twice the number, and one for the mark.
+uintptr_t Slot() {
+  return slot != TLS_OUT_OF_INDEXES ? reinterpret_cast<uintptr_t>(TlsGetValue(slot)) : 0;
 }
 
+void SetSlot(uintptr_t value) {
+  if (slot != TLS_OUT_OF_INDEXES) TlsSetValue(slot, reinterpret_cast<void*>(value));
+}
+
+}  // namespace
+
+bool IsMarked() { return Slot() & 1; }
+void SetMark(bool marked) { SetSlot((Slot() & ~uintptr_t{1}) | marked); }
+int ThreadNumber() { return static_cast<int>(Slot() >> 1); }
+void SetThreadNumber(int number) { SetSlot(static_cast<uintptr_t>(number) << 1 | (Slot() & 1)); }
+
 void PrepareThreads() {
-  markSlot = TlsAlloc();
+  slot = TlsAlloc();
   LARGE_INTEGER frequency;
   if (QueryPerformanceFrequency(&frequency))
     countsPerSecond = static_cast<uint64_t>(frequency.QuadPart);
@@ -106,6 +118,7 @@ void PrepareThreads() {
 
 namespace {
 constinit thread_local bool mark = false;
+constinit thread_local int number = 0;
 }
 
 #if defined(__linux__)
@@ -158,6 +171,8 @@ Ticks Now() {
 
 bool IsMarked() { return mark; }
 void SetMark(bool marked) { mark = marked; }
+int ThreadNumber() { return number; }
+void SetThreadNumber(int newNumber) { number = newNumber; }
 void PrepareThreads() {}
 
 #endif

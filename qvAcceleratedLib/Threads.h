@@ -48,11 +48,13 @@ constexpr Ticks kTicksPerSecond = 1000000000 / 64;
 constexpr Ticks TicksOfMicroseconds(unsigned us) { return us * 1000 / 64; }
 QV_HIDDEN Ticks Now();
 
-// A mark on the calling thread, initially false. On Windows it takes a slot of the process that is
-// asked for at start-up, not thread-local storage of the compiler's, which would need notifications
-// of threads; without a slot the mark stays false.
+// A mark and a number, 0 or above, that the calling thread carries; initially false and 0. On
+// Windows they take a slot of the process that is asked for at start-up, not thread-local storage
+// of the compiler's, which would need notifications of threads; without a slot they stay so.
 QV_HIDDEN bool IsMarked();
 QV_HIDDEN void SetMark(bool marked);
+QV_HIDDEN int ThreadNumber();
+QV_HIDDEN void SetThreadNumber(int number);
 
 // Once, before anything else of this.
 QV_HIDDEN void PrepareThreads();

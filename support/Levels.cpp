@@ -41,9 +41,8 @@ const std::vector<Level>& BuiltLevels() {
     for (const LevelInfo& level : kLevels) {
       if (!BuiltLevelSet().Has(level.id)) continue;
       // A level uses no carry-less multiplication that the machine or the level lacks.
-      const int folding = level.slot < 4 ? 0 : level.wide < 2 ? 1 : 2;
       built.push_back({level.name, level.slot, level.wide,
-                       std::min(folding, kMachine.carrylessLevel)});
+                       std::min(CarrylessLevelFor(level), kMachine.carrylessLevel)});
     }
     return built;
   }();

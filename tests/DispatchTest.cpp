@@ -212,7 +212,7 @@ template <LevelId... kOwn>
 struct Telling {
   using Rows = int();
   static constexpr LevelSet kLevels{kOwn...};
-  static constexpr Rows* kRows[] = {
+  static constexpr Rows* kRows[kLevelCount] = {
 #define QV_TELL(name, slot, wide, argument) \
   kLevels.Has(LevelId::name) ? Tell<LevelId::name> : nullptr,
       QV_EACH_LEVEL(QV_TELL, )

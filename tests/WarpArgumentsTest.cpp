@@ -88,15 +88,15 @@ TEST(Warp, PlanarLayouts) {
   const IppiRect all = {0, 0, w, h};
   for (int i = 0; i < 4; ++i)
     ASSERT_EQ(WarpAffineCore(src[i], {w, h}, w, all, &expected[std::size_t(i) * w * h], w, all,
-                             LayoutOneChannel, c, 4),
+                             Layout::kGray, c, 4),
               StatusOk);
-  ASSERT_EQ(WarpAffineCore(src, {w, h}, w, all, dst, w, all, LayoutFourPlanes, c, 4), StatusOk);
+  ASSERT_EQ(WarpAffineCore(src, {w, h}, w, all, dst, w, all, Layout::kFourPlanes, c, 4), StatusOk);
   EXPECT_EQ(out, expected);
   src[3] = nullptr;
-  EXPECT_EQ(WarpAffineCore(src, {w, h}, w, all, dst, w, all, LayoutThreePlanes, c, 4), StatusOk);
-  EXPECT_EQ(WarpAffineCore(src, {w, h}, w, all, dst, w, all, LayoutFourPlanes, c, 4),
+  EXPECT_EQ(WarpAffineCore(src, {w, h}, w, all, dst, w, all, Layout::kThreePlanes, c, 4), StatusOk);
+  EXPECT_EQ(WarpAffineCore(src, {w, h}, w, all, dst, w, all, Layout::kFourPlanes, c, 4),
             StatusNullPtrErr);
-  EXPECT_EQ(RotateCore(src, {w, h}, w, all, dst, w, all, LayoutFourPlanes, 90, 0, 5, 4),
+  EXPECT_EQ(RotateCore(src, {w, h}, w, all, dst, w, all, Layout::kFourPlanes, 90, 0, 5, 4),
             StatusNullPtrErr);
 }
 

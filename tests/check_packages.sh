@@ -25,6 +25,15 @@ has() {
   for file; do [ -s "$unpacked/$file" ] || fail "the package has no $file"; done
 }
 
+# run NAME [COMMAND...]: the consumers that are built there.
+run() {
+  local name=$1
+  shift
+  for program in "$work/$name"/{consumer,camera}*; do
+    case $program in *.exe | *consumer | *camera) quietly "$@" "$program" ;; esac
+  done
+}
+
 # configure NAME SOURCE [OPTION...]: builds a consumer as $work/NAME.
 configure() {
   local name=$1 source=$2
@@ -37,10 +46,10 @@ check_linux() {
   local name=qvAcceleratedLib-$version-linux-x64
   tar -C "$work" -xzf "$folder/$name.tar.gz"
   local prefix=$work/$name
-  has "$prefix" bin/qvtool lib/pkgconfig/qvAcceleratedLib.pc include/qvAcceleratedLib/CqvAccLib.h \
+  has "$prefix" bin/qvtool lib/pkgconfig/qvAcceleratedLib{,C}.pc include/qvAcceleratedLib/{CqvAccLib,qv}.h \
     share/doc/qvAcceleratedLib/LICENSE share/doc/qvAcceleratedLib/README.md
   configure linux-package "$consumers/package" -DCMAKE_PREFIX_PATH="$prefix"
-  quietly "$work/linux-package/consumer"
+  run linux-package
   echo 'Linux, find_package: works'
   # The words that pkg-config prints are arguments.
   # shellcheck disable=SC2046
@@ -48,11 +57,16 @@ check_linux() {
     $(PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config --cflags --libs qvAcceleratedLib) \
     -Wl,-rpath,"$prefix/lib"
   quietly "$work/linux-pkgconfig"
+  # shellcheck disable=SC2046
+  quietly gcc "$root/examples/camera.c" -o "$work/linux-pkgconfig-c" \
+    $(PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config --cflags --libs qvAcceleratedLibC) \
+    -Wl,-rpath,"$prefix/lib"
+  quietly "$work/linux-pkgconfig-c"
   PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config --exact-version="$version" qvAcceleratedLib ||
     fail 'pkg-config gives another version'
   echo 'Linux, pkg-config: works'
   configure linux-subdirectory "$consumers/subdirectory"
-  quietly "$work/linux-subdirectory/consumer"
+  run linux-subdirectory
   echo 'Linux, add_subdirectory: works'
 
   # Nothing is installed from a tree in which not all is built; what is missing is named.
@@ -74,11 +88,11 @@ check_linux() {
   quietly dpkg-deb --extract "$(file "$runtime")" "$work/runtime"
   local brought
   brought=$(cd "$work/runtime/usr" && find . ! -type d | LC_ALL=C sort | paste -sd' ')
-  local so=./lib/libqvAcceleratedLib.so
-  [ "$brought" = "$so.${version%%.*} $so.$version ./share/doc/$runtime/copyright" ] ||
+  local so=./lib/libqvAcceleratedLib.so c=./lib/libqvAcceleratedLibC.so major=${version%%.*}
+  [ "$brought" = "$so.$major $so.$version $c.$major $c.$version ./share/doc/$runtime/copyright" ] ||
     fail "$runtime brings $brought"
   configure linux-debian "$consumers/package" -DCMAKE_PREFIX_PATH="$work/debian/usr"
-  quietly "$work/linux-debian/consumer"
+  run linux-debian
   quietly "$work/debian/usr/bin/qvtool" info
   # The library needs the runtimes of C and C++, and nothing else; the others need the library.
   depends() { dpkg-deb --field "$(file "$1")" Depends | tr ',' '\n' | sed 's/^ *//'; }
@@ -96,30 +110,34 @@ check_windows() {
   local bits=$1 name=qvAcceleratedLib-$version-windows-$2 compiler=$3 target=$4 machine=$5
   quietly unzip -q "$folder/$name.zip" -d "$work"
   local prefix=$work/$name
-  has "$prefix" bin/qvAcceleratedLib.dll lib/libqvAcceleratedLib.dll.a lib/qvAcceleratedLib.lib \
-    include/qvAcceleratedLib/CqvAccLib.h README.md LICENSE
+  has "$prefix" {bin/qvAcceleratedLib,bin/qvAcceleratedLibC}.dll lib/libqvAcceleratedLib{,C}.dll.a \
+    lib/qvAcceleratedLib{,C}.lib include/qvAcceleratedLib/{CqvAccLib,qv}.h README.md LICENSE
   "$root/tests/check_dll.sh" "${compiler%-g++*}-objdump" "$prefix/bin/qvAcceleratedLib.dll" \
     "$root/qvAcceleratedLib/exports/windows$bits.def" >/dev/null
 
   # Installed from the build, the DLL is as bare as in the package.
   quietly cmake --install "$root/build/windows$bits" --prefix "$work/installed$bits"
-  "${compiler%-g++*}-objdump" -t "$work/installed$bits/bin/qvAcceleratedLib.dll" |
-    grep -q '^no symbols$' || fail 'the installed DLL has symbols'
+  local dll
+  for dll in "$work/installed$bits"/bin/qvAcceleratedLib{,C}.dll; do
+    "${compiler%-g++*}-objdump" -t "$dll" | grep -q '^no symbols$' ||
+      fail "the installed $dll has symbols"
+  done
 
   configure "windows$bits" "$consumers/package" \
     -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/windows$bits.cmake" \
     -DqvAcceleratedLib_DIR="$prefix/lib/cmake/qvAcceleratedLib"
-  cp "$prefix/bin/qvAcceleratedLib.dll" "$work/windows$bits/"
-  quietly "$root/scripts/wine.sh" "$bits" "$work/windows$bits/consumer.exe"
+  cp "$prefix"/bin/*.dll "$work/windows$bits/"
+  run "windows$bits" "$root/scripts/wine.sh" "$bits"
   echo "Windows $bits, MinGW, find_package: works"
 
   # For Visual C++, with the import library that its projects would be given.
   quietly cmake -S "$consumers/imports" -B "$work/imports$bits" -G Ninja \
     -DCMAKE_PREFIX_PATH="$prefix"
-  local imports visual=$work/visual$bits functions=(GetStdHandle WriteFile ExitProcess)
-  imports=$(<"$work/imports$bits/imports.txt")
-  [ "$(realpath "$imports")" = "$(realpath "$prefix/lib/qvAcceleratedLib.lib")" ] ||
-    fail "a project of Visual C++ links $imports"
+  local imports c_imports visual=$work/visual$bits
+  local functions=(GetStdHandle WriteFile ExitProcess)
+  { read -r imports; read -r c_imports; } <"$work/imports$bits/imports.txt"
+  [ "$(realpath "$imports" "$c_imports")" = "$(realpath "$prefix"/lib/qvAcceleratedLib{,C}.lib)" ] ||
+    fail "a project of Visual C++ links $imports and $c_imports"
   mkdir "$visual"
   [ "$bits" = 64 ] || functions=(GetStdHandle@4 WriteFile@20 ExitProcess@4)
   printf '%s\n' 'LIBRARY kernel32.dll' EXPORTS "${functions[@]}" >"$visual/kernel32.def"

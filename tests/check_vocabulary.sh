@@ -3,7 +3,8 @@
 # kernels/level/ alone: row sources ask the vocabulary.
 set -u
 kernels=$1
-intrinsics='\b_mm[0-9]*_|\b__m(64|128|256|512)|\b__mmask|\b_MM_|\b__builtin_ia32_|\w*intrin\.h|\barm_\w+\.h'
+headers='\w*intrin\.h|\barm_\w+\.h'
+intrinsics="\b_mm[0-9]*_|\b__m(64|128|256|512)|\b__mmask|\b_MM_|\b__builtin_ia32_|$headers"
 macros='\b__(MMX|SSE|SSSE|AVX|FMA|F16C|BMI|GFNI|V?PCLMUL|POPCNT|ARM|aarch64|x86_64|i386|amd64)'
 others='\bQV_(V_)?(BITS_)?OP\b|\b__attribute__\(\(target|\basm\b'
 grep -qrE "$intrinsics" "$kernels/level" || { echo "no intrinsics in $kernels/level"; exit 1; }

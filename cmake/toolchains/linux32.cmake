@@ -6,4 +6,5 @@ set(CMAKE_CXX_FLAGS_INIT "-m32 -march=i686")
 # The kernel's headers, which serve both word sizes. Debian's g++-multilib has a link to them, but
 # cannot be installed beside a compiler for another processor.
 string(APPEND CMAKE_CXX_FLAGS_INIT " -idirafter /usr/include/x86_64-linux-gnu")
+set(CMAKE_C_FLAGS_INIT "${CMAKE_CXX_FLAGS_INIT}")
 set(CMAKE_LIBRARY_ARCHITECTURE i386-linux-gnu)

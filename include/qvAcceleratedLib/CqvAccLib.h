@@ -74,6 +74,16 @@ enum IppStatus : int {
   StatusOddSizeWarning = 35       // an odd last column or row was left unwritten
 };
 
+// How resizing, rotation and warping make a pixel from those around its place in the source. Which
+// of these an operation takes is said there; its parameter is an int.
+enum IppiInterpolation : int {
+  InterpolateNearest = 1,
+  InterpolateLinear = 2,
+  InterpolateCubic = 4,
+  InterpolateArea = 8,
+  InterpolateLanczos = 16
+};
+
 // Which way qvMirror flips.
 enum IppiAxis : int {
   AxisHorizontal = 0,   // about the horizontal axis: top to bottom

@@ -18,32 +18,28 @@
 #define QV_KERNELS_GEOMETRY_GEOMETRY_H
 
 #include "dispatch/Dispatched.h"
+#include "kernels/Layout.h"
 #include "kernels/geometry/WarpSource.h"
 #include "qvAcceleratedLib/CqvAccLib.h"
 
 namespace qv {
 
-// Planar layouts take arrays of plane pointers in place of the image pointers.
-enum GeometryLayout {
-  LayoutOneChannel = 0,
-  LayoutThreeChannels = 1,
-  LayoutThreePlanes = 3,
-  LayoutFourPlanes = 5
-};
+// Images are grey, of triples, or planar; planar ones are given by arrays of plane pointers in
+// place of the image pointers.
 
 // qvWarpPerspective (CqvAccLib.h), and the same with the affine matrix
 // [[c00, c01, c02], [c10, c11, c12]].
 IppStatus WarpPerspectiveCore(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
-                              void* dst, int dstStep, IppiRect dstRoi, int layout,
+                              void* dst, int dstStep, IppiRect dstRoi, Layout layout,
                               const double coeffs[3][3], int interpolation);
 IppStatus WarpAffineCore(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi, void* dst,
-                         int dstStep, IppiRect dstRoi, int layout, const double coeffs[2][3],
+                         int dstStep, IppiRect dstRoi, Layout layout, const double coeffs[2][3],
                          int interpolation);
 
 // qvRotate. Quarter turns with whole shifts do not look at the interpolation, check the planes
 // before the regions and return StatusNoOverlapWarning for a source region outside of the image.
 IppStatus RotateCore(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi, void* dst,
-                     int dstStep, IppiRect dstRoi, int layout, double angle, double xShift,
+                     int dstStep, IppiRect dstRoi, Layout layout, double angle, double xShift,
                      double yShift, int interpolation);
 
 IppStatus WarpPerspective_8u_C1(const unsigned char* src, IppiSize srcSize, int srcStep,

@@ -12,7 +12,7 @@ struct GeometryImages {
   const unsigned char* src[4];
   unsigned char* dst[4];
   int count;
-  int channels;
+  Layout layout;  // of each
 };
 
 // Pointers, sizes, regions and steps, in this order.
@@ -27,9 +27,9 @@ inline IppStatus CheckRegions(const void* src, IppiSize srcSize, int srcStep, Ip
 }
 
 // The images behind the pointers; StatusNullPtrErr if a plane is null.
-inline IppStatus FindImages(const void* src, void* dst, int layout, GeometryImages& images) {
-  images.channels = layout == LayoutThreeChannels ? 3 : 1;
-  images.count = layout == LayoutThreePlanes ? 3 : layout == LayoutFourPlanes ? 4 : 1;
+inline IppStatus FindImages(const void* src, void* dst, Layout layout, GeometryImages& images) {
+  images.count = PlaneCount(layout);
+  images.layout = layout;
   if (images.count == 1) {
     images.src[0] = static_cast<const unsigned char*>(src);
     images.dst[0] = static_cast<unsigned char*>(dst);

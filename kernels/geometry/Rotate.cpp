@@ -22,29 +22,31 @@ long long ToWhole(double shift) {
 
 // The kernels turn by walking along rows or columns from the source pixel of one corner.
 void TurnImage(const unsigned char* src, ptrdiff_t srcStep, unsigned char* dst, ptrdiff_t dstStep,
-               int channels, int quarter, const PixelBox& box, long long dx, long long dy) {
+               Layout layout, int quarter, const PixelBox& box, long long dx, long long dy) {
   const IppiSize size = {static_cast<int>(box.x1 - box.x0 + 1),
                          static_cast<int>(box.y1 - box.y0 + 1)};
+  const int pixelBytes = PixelBytes(layout);
   const auto source = [=](long long x, long long y) {
-    return src + static_cast<ptrdiff_t>(y) * srcStep + static_cast<ptrdiff_t>(x) * channels;
+    return src + static_cast<ptrdiff_t>(y) * srcStep + static_cast<ptrdiff_t>(x) * pixelBytes;
   };
   const auto target = [=](long long y) {
-    return dst + static_cast<ptrdiff_t>(y) * dstStep + static_cast<ptrdiff_t>(box.x0) * channels;
+    return dst + static_cast<ptrdiff_t>(y) * dstStep + static_cast<ptrdiff_t>(box.x0) * pixelBytes;
   };
   const int from = static_cast<int>(srcStep), to = static_cast<int>(dstStep);
-  const TransposeKernel& transpose = channels == 3 ? Transpose_8u_C3 : Transpose_8u_C1;
+  const bool triples = layout == Layout::kTriples;
+  const TransposeKernel& transpose = triples ? Transpose_8u_C3 : Transpose_8u_C1;
   if (quarter == 90)  // (x', y') is source (dy - y', x' - dx): columns of the source upwards
     transpose(source(dy - box.y1, box.x0 - dx), from, target(box.y1), -to, size);
   else if (quarter == 270)  // (y' - dy, dx - x'): rows of the source from the last one
     transpose(source(box.y0 - dy, dx - box.x0), -from, target(box.y0), to, size);
   else  // (dx - x', dy - y')
-    (channels == 3 ? Mirror_8u_C3 : Mirror_8u_C1)(source(dx - box.x1, dy - box.y1), from,
-                                                  target(box.y0), to, size.width, size.height,
-                                                  AxisBoth);
+    (triples ? Mirror_8u_C3 : Mirror_8u_C1)(source(dx - box.x1, dy - box.y1), from,
+                                            target(box.y0), to, size.width, size.height,
+                                            AxisBoth);
 }
 
 IppStatus TurnQuarters(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi, void* dst,
-                       int dstStep, IppiRect dstRoi, int layout, int quarter, double xShift,
+                       int dstStep, IppiRect dstRoi, Layout layout, int quarter, double xShift,
                        double yShift) {
   const IppStatus status = CheckRegions(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi);
   if (status != StatusOk) return status;
@@ -72,7 +74,7 @@ IppStatus TurnQuarters(const void* src, IppiSize srcSize, int srcStep, IppiRect 
   if (box.x1 < box.x0 || box.y1 < box.y0) return StatusNoOverlapWarning;
 
   for (int i = 0; i < images.count; ++i)
-    TurnImage(images.src[i], srcStep, images.dst[i], dstStep, images.channels, quarter, box, dx,
+    TurnImage(images.src[i], srcStep, images.dst[i], dstStep, images.layout, quarter, box, dx,
               dy);
   return StatusOk;
 }
@@ -80,7 +82,7 @@ IppStatus TurnQuarters(const void* src, IppiSize srcSize, int srcStep, IppiRect 
 }  // namespace
 
 IppStatus RotateCore(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi, void* dst,
-                     int dstStep, IppiRect dstRoi, int layout, double angle, double xShift,
+                     int dstStep, IppiRect dstRoi, Layout layout, double angle, double xShift,
                      double yShift, int interpolation) {
   const double a = ReduceAngle(angle);
   if ((a == 90 || a == 180 || a == 270) && xShift == floor(xShift) && yShift == floor(yShift))
@@ -95,14 +97,14 @@ IppStatus RotateCore(const void* src, IppiSize srcSize, int srcStep, IppiRect sr
 IppStatus Rotate_8u_C1(const unsigned char* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
                        unsigned char* dst, int dstStep, IppiRect dstRoi, double angle,
                        double xShift, double yShift, int interpolation) {
-  return RotateCore(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, LayoutOneChannel, angle,
+  return RotateCore(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, Layout::kGray, angle,
                     xShift, yShift, interpolation);
 }
 
 IppStatus Rotate_8u_C3(const unsigned char* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
                        unsigned char* dst, int dstStep, IppiRect dstRoi, double angle,
                        double xShift, double yShift, int interpolation) {
-  return RotateCore(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, LayoutThreeChannels,
+  return RotateCore(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, Layout::kTriples,
                     angle, xShift, yShift, interpolation);
 }
 

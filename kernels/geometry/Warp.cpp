@@ -48,9 +48,10 @@ bool AreApart(const double quad[4][2], const Corners& rect) {
 // Whether anything was written.
 bool WarpTiles(const WarpPlan& plan, const GeometryImages& images, const Corners& part,
                WarpSource source, int srcStep, int dstStep) {
-  const WarpKernel& kernel = images.channels == 3 ? WarpRow_8u_C3 : WarpRow_8u_C1;
+  const int pixelBytes = PixelBytes(images.layout);
+  const WarpKernel& kernel = images.layout == Layout::kTriples ? WarpRow_8u_C3 : WarpRow_8u_C1;
   const bool pays =
-      WarpAhead::Pays(static_cast<long long>(source.width) * source.height * images.channels);
+      WarpAhead::Pays(static_cast<long long>(source.width) * source.height * pixelBytes);
   bool any = false;
   const PixelRange rows = plan.Rows();
   // The last row and the last column may be the largest int there is: steps are wider.
@@ -82,7 +83,7 @@ bool WarpTiles(const WarpPlan& plan, const GeometryImages& images, const Corners
         const int count = plan.Segments(y0 + i, first, last, segments);
         for (int k = 0; k < images.count; ++k) {
           source.first = images.src[k] + static_cast<ptrdiff_t>(part.y0) * srcStep +
-                         static_cast<ptrdiff_t>(part.x0) * images.channels;
+                         static_cast<ptrdiff_t>(part.x0) * pixelBytes;
           kernel(&source, segments, count, first, last,
                  images.dst[k] + static_cast<ptrdiff_t>(y0 + i) * dstStep);
         }
@@ -102,12 +103,12 @@ IppStatus CheckTransform(const double coeffs[3][3], const double quad[4][2], boo
 }
 
 IppStatus Warp(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi, void* dst,
-               int dstStep, IppiRect dstRoi, int layout, const double coeffs[3][3],
+               int dstStep, IppiRect dstRoi, Layout layout, const double coeffs[3][3],
                int interpolation, bool isAffine) {
   const IppStatus status = CheckRegions(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi);
   if (status != StatusOk) return status;
   const int method = interpolation & 0x7FFFFFFF;
-  if (method != WarpNearest && method != WarpLinear && method != WarpCubic)
+  if (method != InterpolateNearest && method != InterpolateLinear && method != InterpolateCubic)
     return StatusInterpolationErr;
   GeometryImages images;
   if (FindImages(src, dst, layout, images) != StatusOk) return StatusNullPtrErr;
@@ -118,7 +119,7 @@ IppStatus Warp(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi, 
   if (part.width < 1 || part.height < 1) return isAffine ? StatusNoOverlapWarning : StatusRectErr;
 
   const WarpSource source = {nullptr, srcStep, part.width, part.height,
-                             static_cast<WarpMethod>(method)};
+                             static_cast<IppiInterpolation>(method)};
   const Corners sampled = CornersOf(part), destination = NumberedCorners(dstRoi);
   const WarpPlan plan(coeffs, sampled, destination, source.method);
   if (WarpTiles(plan, images, sampled, source, srcStep, dstStep)) return StatusOk;
@@ -128,14 +129,14 @@ IppStatus Warp(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi, 
 }  // namespace
 
 IppStatus WarpPerspectiveCore(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
-                              void* dst, int dstStep, IppiRect dstRoi, int layout,
+                              void* dst, int dstStep, IppiRect dstRoi, Layout layout,
                               const double coeffs[3][3], int interpolation) {
   return Warp(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, layout, coeffs, interpolation,
               false);
 }
 
 IppStatus WarpAffineCore(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi, void* dst,
-                         int dstStep, IppiRect dstRoi, int layout, const double coeffs[2][3],
+                         int dstStep, IppiRect dstRoi, Layout layout, const double coeffs[2][3],
                          int interpolation) {
   const double projective[3][3] = {{coeffs[0][0], coeffs[0][1], coeffs[0][2]},
                                    {coeffs[1][0], coeffs[1][1], coeffs[1][2]},
@@ -148,14 +149,14 @@ IppStatus WarpPerspective_8u_C1(const unsigned char* src, IppiSize srcSize, int 
                                 IppiRect srcRoi, unsigned char* dst, int dstStep, IppiRect dstRoi,
                                 const double coeffs[3][3], int interpolation) {
   return WarpPerspectiveCore(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi,
-                             LayoutOneChannel, coeffs, interpolation);
+                             Layout::kGray, coeffs, interpolation);
 }
 
 IppStatus WarpPerspective_8u_C3(const unsigned char* src, IppiSize srcSize, int srcStep,
                                 IppiRect srcRoi, unsigned char* dst, int dstStep, IppiRect dstRoi,
                                 const double coeffs[3][3], int interpolation) {
   return WarpPerspectiveCore(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi,
-                             LayoutThreeChannels, coeffs, interpolation);
+                             Layout::kTriples, coeffs, interpolation);
 }
 
 }  // namespace qv

@@ -38,14 +38,15 @@ class WarpAhead {
   }
 
   void Fetch(const GeometryImages& images, int step) {
+    const int pixelBytes = PixelBytes(images.layout);
     const ptrdiff_t end = end_ - y_ < perStep_ ? end_ : y_ + perStep_;
     for (; y_ < end; ++y_) {
       const long long high0 = low_[0] + extent_[0], high1 = low_[1] + extent_[1];
       const long long low = (low_[0] > low_[1] ? low_[0] : low_[1]) >> kBits;
       const long long high = (high0 < high1 ? high0 : high1) >> kBits;
       for (int i = 0; i < 2; ++i) low_[i] += slope_[i];
-      const long long from = (low > first_ ? low : first_) * images.channels;
-      const long long to = (high < last_ ? high : last_) * images.channels;
+      const long long from = (low > first_ ? low : first_) * pixelBytes;
+      const long long to = (high < last_ ? high : last_) * pixelBytes;
       if (from > to) continue;
       for (int k = 0; k < images.count; ++k) {
         const unsigned char* const row = images.src[k] + y_ * step;

@@ -90,9 +90,9 @@ QV_INLINE void SampleCubic(const WarpSource& s, long long px, long long py, Byte
 
 template <int kChannels>
 QV_INLINE void SamplePixel(const WarpSource& s, long long px, long long py, Byte* out) {
-  if (s.method == WarpNearest)
+  if (s.method == InterpolateNearest)
     SampleNearest<kChannels>(s, px, py, out);
-  else if (s.method == WarpLinear)
+  else if (s.method == InterpolateLinear)
     SampleLinear<kChannels>(s, px, py, out);
   else
     SampleCubic<kChannels>(s, px, py, out);

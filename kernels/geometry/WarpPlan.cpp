@@ -53,7 +53,7 @@ bool InvertFor(const double c[3][3], double x, double y, double m[3][3]) {
 }  // namespace
 
 WarpPlan::WarpPlan(const double coeffs[3][3], const Corners& source, const Corners& destination,
-                   WarpMethod method)
+                   IppiInterpolation method)
     : base_{-static_cast<long long>(kOffset + kCentre) -
                 static_cast<long long>(source.x0) * (1 << kWarpBits),
             -static_cast<long long>(kOffset + kCentre) -
@@ -64,9 +64,9 @@ WarpPlan::WarpPlan(const double coeffs[3][3], const Corners& source, const Corne
       destination_(destination),
       // Positions are truncated to what the method tells apart: a whole pixel, a step of the
       // position, a phase of the cubic table. Half of that makes it rounding to nearest.
-      bias_(method == WarpNearest  ? kOne / 2
-            : method == WarpLinear ? 0.5
-                                   : kOne / kCubicPhases / 2),
+      bias_(method == InterpolateNearest  ? kOne / 2
+            : method == InterpolateLinear ? 0.5
+                                          : kOne / kCubicPhases / 2),
       affine_(coeffs[2][0] == 0 && coeffs[2][1] == 0),
       rows_{0, -1} {
   regular_ = InvertFor(coeffs, (source.x0 + source.x1) / 2, (source.y0 + source.y1) / 2, m_);
@@ -76,6 +76,17 @@ WarpPlan::WarpPlan(const double coeffs[3][3], const Corners& source, const Corne
     for (int i = 0; i < 9; ++i) m_[i / 3][i % 3] /= w;
   }
   FindRows(coeffs);
+}
+
+bool WarpSourcePosition(const double coeffs[3][3], const Corners& source, double x, double y,
+                        double position[2]) {
+  double m[3][3];
+  if (!InvertFor(coeffs, (source.x0 + source.x1) / 2, (source.y0 + source.y1) / 2, m))
+    return false;
+  const double w = m[2][0] * x + m[2][1] * y + m[2][2];
+  if (!(w > 0)) return false;
+  for (int i = 0; i < 2; ++i) position[i] = (m[i][0] * x + m[i][1] * y + m[i][2]) / w;
+  return true;
 }
 
 // The rows that the image of the source's rectangle, tolerance included, can touch.

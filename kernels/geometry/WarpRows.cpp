@@ -103,11 +103,11 @@ QV_INLINE Vec PairWeights(Vec fraction) {
 }
 
 // False if a pixel needs bytes that cannot be fetched, or taps beyond the edge.
-template <WarpMethod kMethod, int kChannels, bool kInside>
+template <IppiInterpolation kMethod, int kChannels, bool kInside>
 QV_INLINE bool Prepare(const View& view, Vec px, Vec py, Prepared& out) {
   if constexpr (!kInside) px = Clamp32(px, view.highX), py = Clamp32(py, view.highY);
   Vec ix = ShiftRightSigned32<kWarpBits>(px), iy = ShiftRightSigned32<kWarpBits>(py);
-  if constexpr (kMethod == WarpLinear) {
+  if constexpr (kMethod == InterpolateLinear) {
     // On the last pixel the pair is the one before it, with all the weight on its second half.
     if constexpr (!kInside) ix = Min32(ix, view.lastX), iy = Min32(iy, view.lastY);
     Store(out.x, PairWeights(Sub32(px, ShiftLeft32<kWarpBits>(ix))));
@@ -115,7 +115,7 @@ QV_INLINE bool Prepare(const View& view, Vec px, Vec py, Prepared& out) {
   }
   // Its sign tells: the fetch ends behind its row, or there is no tap before or behind.
   Vec bad = Zero();
-  if constexpr (kMethod == WarpCubic) {
+  if constexpr (kMethod == InterpolateCubic) {
     const Vec one = Splat32(1), mask = Splat32((kCubicPhases - 1) * 8);  // entries are 8 bytes
     Store(out.x, And(ShiftRight32<kWarpBits - kCubicBits - 3>(px), mask));
     Store(out.y, And(ShiftRight32<kWarpBits - kCubicBits - 3>(py), mask));
@@ -126,7 +126,7 @@ QV_INLINE bool Prepare(const View& view, Vec px, Vec py, Prepared& out) {
   Store(out.offset, OffsetOf<kChannels>(view, ix, iy));
   if constexpr (kInside) return true;
   constexpr int kFetched =
-      kMethod == WarpNearest || kChannels == 1 ? 4 : kMethod == WarpLinear ? 8 : 16;
+      kMethod == InterpolateNearest || kChannels == 1 ? 4 : kMethod == InterpolateLinear ? 8 : 16;
   constexpr int kPixels = (kFetched + kChannels - 1) / kChannels;
   bad = Or(bad, Sub32(Add32(view.lastX, Splat32(2 - kPixels)), ix));
   return !AnyNegative32(bad);
@@ -208,14 +208,15 @@ QV_INLINE void FinishCubic(const View& view, const Prepared& p, Byte* out) {
 
 // Where fetches would pass the end of a row, or taps the edges: the bytes that count are brought
 // together first. Out of line, to keep the loop around it tight.
-template <WarpMethod kMethod, int kChannels, bool kGathers>
+template <IppiInterpolation kMethod, int kChannels, bool kGathers>
 __attribute__((noinline)) void FinishAtEdge(const WarpSource& s, const View& view, Vec px, Vec py,
                                             const Prepared& p, Byte* out) {
-  if constexpr (kMethod == WarpNearest) {
+  if constexpr (kMethod == InterpolateNearest) {
     for (int i = 0; i < kLanes32; ++i)
       memcpy(out + kChannels * i, view.first + p.offset[i], kChannels);
   } else {
-    constexpr int kRows = kMethod == WarpLinear ? 2 : 4, kApart = kMethod == WarpLinear ? 8 : 16;
+    constexpr bool kLinear = kMethod == InterpolateLinear;
+    constexpr int kRows = kLinear ? 2 : 4, kApart = kLinear ? 8 : 16;
     Byte taps[kRows][kApart * kLanes32] = {};
     int x[kLanes32], y[kLanes32];
     Store(x, ShiftRightSigned32<kWarpBits>(Clamp32(px, view.highX)));
@@ -223,10 +224,10 @@ __attribute__((noinline)) void FinishAtEdge(const WarpSource& s, const View& vie
     Prepared near = p;
     for (int i = 0; i < kLanes32; ++i) {
       near.offset[i] = kApart * i;
-      const bool isBeyond = kMethod == WarpCubic && (x[i] < 1 || x[i] > s.width - 3);
+      const bool isBeyond = kMethod == InterpolateCubic && (x[i] < 1 || x[i] > s.width - 3);
       for (int r = 0; r < kRows; ++r) {
         Byte* const to = taps[r] + kApart * i;
-        if constexpr (kMethod == WarpLinear) {
+        if constexpr (kMethod == InterpolateLinear) {
           memcpy(to, view.first + p.offset[i] + r * view.stepBytes, 2 * kChannels);
         } else if (isBeyond) {
           for (int k = 0; k < 4; ++k)
@@ -239,7 +240,7 @@ __attribute__((noinline)) void FinishAtEdge(const WarpSource& s, const View& vie
     View nearby = view;
     nearby.first = taps[0];
     nearby.stepBytes = sizeof taps[0];
-    if constexpr (kMethod == WarpLinear)
+    if constexpr (kMethod == InterpolateLinear)
       FinishLinear<kChannels, kGathers>(nearby, near, out);
     else
       FinishCubic<kChannels, kGathers>(nearby, near, out);
@@ -248,7 +249,7 @@ __attribute__((noinline)) void FinishAtEdge(const WarpSource& s, const View& vie
 
 // Columns begin .. begin + n - 1 of a run, at which `positions` stand. A run of less than a vector
 // is sampled aside, and the last vector of any other one overlaps the one before it.
-template <WarpMethod kMethod, int kChannels, bool kGathers, bool kInside, class Positions>
+template <IppiInterpolation kMethod, int kChannels, bool kGathers, bool kInside, class Positions>
 QV_INLINE void SampleRun(const WarpSource& s, const View& view, int begin, int n, Byte* out,
                          Positions positions) {
   constexpr int kMost = kWarpBlock / kLanes32;
@@ -271,9 +272,9 @@ QV_INLINE void SampleRun(const WarpSource& s, const View& view, int begin, int n
       positions.MoveTo(begin + i);
       FinishAtEdge<kMethod, kChannels, kGathers>(s, view, positions.At(0), positions.At(1),
                                                  prepared[k], to);
-    } else if constexpr (kMethod == WarpNearest) {
+    } else if constexpr (kMethod == InterpolateNearest) {
       FinishNearest<kChannels, kGathers>(view, prepared[k], to);
-    } else if constexpr (kMethod == WarpLinear) {
+    } else if constexpr (kMethod == InterpolateLinear) {
       FinishLinear<kChannels, kGathers>(view, prepared[k], to);
     } else {
       FinishCubic<kChannels, kGathers>(view, prepared[k], to);
@@ -282,7 +283,7 @@ QV_INLINE void SampleRun(const WarpSource& s, const View& view, int begin, int n
   if (n < kLanes32) memcpy(out, part, static_cast<size_t>(n) * kChannels);
 }
 
-template <WarpMethod kMethod, int kChannels, bool kGathers>
+template <IppiInterpolation kMethod, int kChannels, bool kGathers>
 void WarpRowVectors(const WarpSource& s, const WarpSegment* segments, int count, int first,
                     int last, Byte* dst) {
   const View view = MakeView(s);
@@ -326,12 +327,12 @@ void WarpRowVectors(const WarpSource& s, const WarpSegment* segments, int count,
 template <int kChannels, bool kGathers>
 QV_INLINE void WarpRowBy(const WarpSource& s, const WarpSegment* segments, int count, int first,
                          int last, Byte* dst) {
-  if (s.method == WarpNearest)
-    WarpRowVectors<WarpNearest, kChannels, kGathers>(s, segments, count, first, last, dst);
-  else if (s.method == WarpLinear)
-    WarpRowVectors<WarpLinear, kChannels, kGathers>(s, segments, count, first, last, dst);
+  if (s.method == InterpolateNearest)
+    WarpRowVectors<InterpolateNearest, kChannels, kGathers>(s, segments, count, first, last, dst);
+  else if (s.method == InterpolateLinear)
+    WarpRowVectors<InterpolateLinear, kChannels, kGathers>(s, segments, count, first, last, dst);
   else
-    WarpRowVectors<WarpCubic, kChannels, kGathers>(s, segments, count, first, last, dst);
+    WarpRowVectors<InterpolateCubic, kChannels, kGathers>(s, segments, count, first, last, dst);
 }
 
 #endif

@@ -12,6 +12,7 @@
 #define QV_KERNELS_GEOMETRY_WARPSOURCE_H
 
 #include "dispatch/Hidden.h"
+#include "qvAcceleratedLib/CqvAccLib.h"
 
 namespace qv {
 
@@ -19,8 +20,6 @@ constexpr int kWarpBits = 14;
 
 // Columns that a segment may cover at most. Segments cover aligned runs of a power of two.
 constexpr int kWarpBlock = 128;
-
-enum WarpMethod { WarpNearest = 1, WarpLinear = 2, WarpCubic = 4 };
 
 struct WarpSegment {
   int first;          // destination column, a multiple of `count`
@@ -37,7 +36,7 @@ struct WarpSource {
   const unsigned char* first;  // first pixel that may be sampled
   int step;
   int width, height;           // pixels that may be sampled; taps outside take the nearest of these
-  WarpMethod method;
+  IppiInterpolation method;    // nearest, linear or cubic
 };
 
 // Keys' cubic (KeysCubic.h) at phase i / kCubicPhases: weights of taps -1, 0, 1, 2 times

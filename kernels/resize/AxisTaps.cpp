@@ -210,7 +210,7 @@ void BuildAreaTaps(const AxisArea& area, AxisTaps* taps) {
     if (to > last + 1.0) to = last + 1.0;
     const int window = first < length - kept ? first : length - kept;
     const double scale = 1 / (to - from);
-    float exact[kMaxTaps] = {};
+    float exact[kMaxAreaTaps] = {};
     for (int s = first; s <= last; ++s) {
       const double low = from > s ? from : s, high = to < s + 1.0 ? to : s + 1.0;
       exact[s - window] = static_cast<float>((high - low) * scale);

@@ -51,10 +51,13 @@ struct AxisArea {
 // The most source samples that one interval touches.
 int AreaTapCount(const AxisArea& area);
 
-// Most taps per axis that the filter takes. Area averaging over more goes through spans.
-constexpr int kMaxTaps = 8;
+// Most taps per axis that the filter takes.
+constexpr int kMaxTaps = 12;
 
-// The intervals as taps, for an AreaTapCount() of up to kMaxTaps; taps->taps is AreaTapCount().
+// Most taps per axis of area averaging by the filter. Over more it goes through spans.
+constexpr int kMaxAreaTaps = 8;
+
+// The intervals as taps, for an AreaTapCount() of up to kMaxAreaTaps; taps->taps is AreaTapCount().
 void BuildAreaTaps(const AxisArea& area, AxisTaps* taps);
 
 // One interval of any length: source samples first .. last, the two ends with their own shares

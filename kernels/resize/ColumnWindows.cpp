@@ -128,7 +128,9 @@ bool PlanWindowsOf(const FilterColumns& x, const WindowShape& shape, const Filte
   const auto fill = windows->pairs == 1   ? FillWindows<kLayout, 1>
                     : windows->pairs == 2 ? FillWindows<kLayout, 2>
                     : windows->pairs == 3 ? FillWindows<kLayout, 3>
-                                          : FillWindows<kLayout, 4>;
+                    : windows->pairs == 4 ? FillWindows<kLayout, 4>
+                    : windows->pairs == 5 ? FillWindows<kLayout, 5>
+                                          : FillWindows<kLayout, 6>;
   return fill(x, shape, start, padded, lastBase, *windows);
 }
 
@@ -140,6 +142,10 @@ bool PlanWindows(RowLayout layout, const FilterColumns& x, const WindowShape& sh
   switch (layout) {
     case RowLayout::kGray:
       return PlanWindowsOf<RowLayout::kGray>(x, shape, scratch, memory, windows);
+    case RowLayout::kTwos:
+      return PlanWindowsOf<RowLayout::kTwos>(x, shape, scratch, memory, windows);
+    case RowLayout::kFours:
+      return PlanWindowsOf<RowLayout::kFours>(x, shape, scratch, memory, windows);
     case RowLayout::kTriples:
       return PlanWindowsOf<RowLayout::kTriples>(x, shape, scratch, memory, windows);
     default: return PlanWindowsOf<RowLayout::kPairs422>(x, shape, scratch, memory, windows);
@@ -149,7 +155,7 @@ bool PlanWindows(RowLayout layout, const FilterColumns& x, const WindowShape& sh
 PaddedTaps PadTaps(const AxisTaps& taps, long long first, void** memory) {
   PaddedTaps padded;
   padded.count = (ptrdiff_t{taps.count} + 7) / 8 * 8;
-  padded.kept = taps.taps <= 4 ? 4 : 8;
+  padded.kept = taps.taps <= 4 ? 4 : taps.taps <= 8 ? 8 : 16;
   padded.weights = static_cast<short*>(*memory);
   padded.first = reinterpret_cast<int*>(padded.weights + padded.count * padded.kept);
   *memory = padded.first + padded.count;

@@ -35,12 +35,12 @@ struct ColumnWindows {
 bool PlanWindows(RowLayout layout, const FilterColumns& x, const WindowShape& shape,
                  const FilterScratch& scratch, void* memory, ColumnWindows* windows);
 
-// Taps for reading four source samples at a time, or eight if there are more than four taps:
-// positions from sample `first` and weights with zeros up to that count; samples past the end, up
+// Taps for reading four source samples at a time, eight if there are more than four taps or
+// sixteen if there are more than eight: positions from sample `first` and weights with zeros up to that count; samples past the end, up
 // to a multiple of eight, have no weight.
 struct PaddedTaps {
   ptrdiff_t count;
-  int kept;  // 4 or 8
+  int kept;  // 4, 8 or 16
   int* first;
   short* weights;
 };

@@ -22,7 +22,7 @@ namespace qv {
 extern QV_HIDDEN const ImageKernel HalveRows_8u_C1, HalveRows_8u_C3;
 
 // How the samples of a row are interleaved.
-enum class RowLayout { kGray, kTriples, kPairs422 };
+enum class RowLayout { kGray, kTwos, kTriples, kFours, kPairs422 };
 
 // Taps along x: of all components, or for 4:2:2 of the luma samples (two a pair) and of the chroma
 // samples (one a pair); there the luma count is twice the chroma count. No other layout reads
@@ -46,7 +46,8 @@ long long AreaScratchBytes(RowLayout layout, const AreaColumns& x, const AxisSpa
 using FilterKernel = Dispatched<IppStatus(
     const unsigned char* src, int srcStep, const FilterColumns& x, const AxisTaps& y,
     unsigned char* dst, int dstStep, void* scratch)>;
-extern QV_HIDDEN const FilterKernel FilterRows_8u_C1, FilterRows_8u_C3, FilterRows422_8u_C2;
+extern QV_HIDDEN const FilterKernel FilterRows_8u_C1, FilterRows_8u_C2, FilterRows_8u_C3,
+    FilterRows_8u_C4, FilterRows422_8u_C2;
 
 // dst = mean of src over the spans of both axes, rounded.
 using AreaKernel = Dispatched<IppStatus(
@@ -62,12 +63,14 @@ struct RowComponent {
 };
 
 __attribute__((always_inline)) constexpr int ComponentCount(RowLayout layout) {
-  return layout == RowLayout::kGray ? 1 : 3;
+  return layout == RowLayout::kGray   ? 1
+         : layout == RowLayout::kTwos  ? 2
+         : layout == RowLayout::kFours ? 4
+                                       : 3;
 }
 
 __attribute__((always_inline)) constexpr RowComponent Component(RowLayout layout, int k) {
-  if (layout == RowLayout::kGray) return {0, 1};
-  if (layout == RowLayout::kTriples) return {k, 3};
+  if (layout != RowLayout::kPairs422) return {k, ComponentCount(layout)};
   return k == 0 ? RowComponent{0, 2} : RowComponent{2 * k - 1, 4};
 }
 
@@ -84,11 +87,9 @@ __attribute__((always_inline)) inline ValueTaps TapsOfValue(const FilterColumns&
   constexpr bool kPairs = kLayout == RowLayout::kPairs422;
   const bool isChroma = kPairs && k % 2 != 0;
   const AxisTaps& taps = isChroma ? x.chroma : x.luma;
-  const ptrdiff_t i = kLayout == RowLayout::kGray ? k
-                      : kPairs                    ? (isChroma ? k / 4 : k / 2)
-                                                  : k / 3;
-  const int stride = kLayout == RowLayout::kGray ? 1 : kPairs ? (isChroma ? 4 : 2) : 3;
-  const ptrdiff_t offset = kLayout == RowLayout::kTriples ? k - 3 * i : isChroma ? k % 4 : 0;
+  const int stride = !kPairs ? ComponentCount(kLayout) : isChroma ? 4 : 2;
+  const ptrdiff_t i = k / stride;
+  const ptrdiff_t offset = !kPairs || isChroma ? k % stride : 0;
   return {taps.taps, stride, ptrdiff_t{taps.first[i]} * stride + offset,
           taps.weights + i * taps.taps};
 }
@@ -96,9 +97,8 @@ __attribute__((always_inline)) inline ValueTaps TapsOfValue(const FilterColumns&
 // Bytes of a destination row.
 template <RowLayout kLayout>
 __attribute__((always_inline)) inline ptrdiff_t ValueCount(const FilterColumns& x) {
-  return kLayout == RowLayout::kGray      ? ptrdiff_t{x.luma.count}
-         : kLayout == RowLayout::kTriples ? ptrdiff_t{3} * x.luma.count
-                                          : ptrdiff_t{4} * x.chroma.count;
+  return kLayout == RowLayout::kPairs422 ? ptrdiff_t{4} * x.chroma.count
+                                         : ptrdiff_t{ComponentCount(kLayout)} * x.luma.count;
 }
 
 // How FilterRows carves its scratch memory, in bytes from its 64-byte aligned start. The sizes hold

@@ -108,7 +108,9 @@ void FilterByWindows(const Byte* const* lines, int rows, ptrdiff_t ahead,
     case 1: return FilterWindowRows<1, kSecond>(lines, rows, ahead, windows, first, end, out);
     case 2: return FilterWindowRows<2, kSecond>(lines, rows, ahead, windows, first, end, out);
     case 3: return FilterWindowRows<3, kSecond>(lines, rows, ahead, windows, first, end, out);
-    default: return FilterWindowRows<4, kSecond>(lines, rows, ahead, windows, first, end, out);
+    case 4: return FilterWindowRows<4, kSecond>(lines, rows, ahead, windows, first, end, out);
+    case 5: return FilterWindowRows<5, kSecond>(lines, rows, ahead, windows, first, end, out);
+    default: return FilterWindowRows<6, kSecond>(lines, rows, ahead, windows, first, end, out);
   }
 }
 

@@ -49,7 +49,9 @@ QV_INLINE void FilterDown(const short* const* rows, const short* weights, int ta
     case 2: return FilterDownTaps<2>(rows, weights, dst, count);
     case 4: return FilterDownTaps<4>(rows, weights, dst, count);
     case 6: return FilterDownTaps<6>(rows, weights, dst, count);
-    default: return FilterDownTaps<8>(rows, weights, dst, count);
+    case 8: return FilterDownTaps<8>(rows, weights, dst, count);
+    case 10: return FilterDownTaps<10>(rows, weights, dst, count);
+    default: return FilterDownTaps<12>(rows, weights, dst, count);
   }
 }
 

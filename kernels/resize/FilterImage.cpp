@@ -108,7 +108,7 @@ IppStatus AverageImage(const FilterTask& task, const AxisArea& x, const AxisArea
     axes[k] = {areas[k]->count, AreaTapCount(*areas[k]), nullptr, nullptr};
     if (axes[k].taps > most) most = axes[k].taps;
   }
-  if (most <= kMaxTaps) {
+  if (most <= kMaxAreaTaps) {
     const AxesLayout layout(axes);
     const WorkMemory memory(layout.layout);
     if (!memory) return StatusMemAllocErr;

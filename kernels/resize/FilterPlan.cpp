@@ -24,7 +24,7 @@ long long EndOfSamples(const AxisTaps& taps) {
 FilterScratch PlanFilterScratch(RowLayout layout, const FilterColumns& x, const AxisTaps& y) {
   FilterScratch s = {};
   long long first = x.luma.first[0], end = EndOfSamples(x.luma), samples = end - first;
-  int pixelBytes = layout == RowLayout::kGray ? 1 : 3, taps = x.luma.taps;
+  int pixelBytes = ComponentCount(layout), taps = x.luma.taps;
   long long values = static_cast<long long>(x.luma.count) * pixelBytes;
   if (layout == RowLayout::kPairs422) {
     const long long chromaFirst = x.chroma.first[0], chromaEnd = EndOfSamples(x.chroma);
@@ -48,7 +48,7 @@ FilterScratch PlanFilterScratch(RowLayout layout, const FilterColumns& x, const 
   s.ring = take(s.ringBytes * s.ringRows);
   s.copy = take(kBatchRows * kCopyBytes);
   // For each value its first tap's offset, indices and weights of its pairs of taps, and for every
-  // fourth one a window a pair; or up to four or eight weights and an offset.
+  // fourth one a window a pair; or up to 16 weights and an offset.
   s.columns = take(RoundUp(values) * (4 + (taps + 1) / 2 * 9));
   s.words = take(2 * (samples + kReadAhead));
   s.line = take(2 * RoundUp(values + kWritePast));

@@ -5,11 +5,11 @@
 // shifted right by 8, rounding down): from kAcrossLeast to kAcrossMost. Along y every product is
 // rounded to 5 fractional bits by (h * w + 2^14) >> 15, and (sum + 16) >> 5 is the result.
 //
-// Error, in units of the result, beyond that of the weights: 1/64 from x, 1/64 for each of at most
-// 8 taps along y; together at most 0.15, as an independent error at most 0.03 root mean square. An
+// Error, in units of the result, beyond that of the weights: 1/64 from x, 1/64 for each tap along y;
+// with 8 of them together at most 0.15, as an independent error at most 0.03 root mean square. An
 // error of weights of half a unit each, 8 taps, adds at most 255 * 8 / 32768 = 0.07 on each axis.
 // So the result is never more than 0.5 + 0.3 from the exact value, and on average not more than
-// 0.25 + 0.03^2.
+// 0.25 + 0.03^2; with 12 taps, 0.5 + 0.4 and 0.25 + 0.04^2.
 #include "kernels/resize/Filter.h"
 #include "kernels/level/Level.h"
 
@@ -179,9 +179,19 @@ IppStatus FilterRows_8u_C1(const Byte* src, int srcStep, const FilterColumns& x,
   return FilterRows<RowLayout::kGray>(src, srcStep, x, y, dst, dstStep, scratch);
 }
 
+IppStatus FilterRows_8u_C2(const Byte* src, int srcStep, const FilterColumns& x,
+                           const AxisTaps& y, Byte* dst, int dstStep, void* scratch) {
+  return FilterRows<RowLayout::kTwos>(src, srcStep, x, y, dst, dstStep, scratch);
+}
+
 IppStatus FilterRows_8u_C3(const Byte* src, int srcStep, const FilterColumns& x,
                            const AxisTaps& y, Byte* dst, int dstStep, void* scratch) {
   return FilterRows<RowLayout::kTriples>(src, srcStep, x, y, dst, dstStep, scratch);
+}
+
+IppStatus FilterRows_8u_C4(const Byte* src, int srcStep, const FilterColumns& x,
+                           const AxisTaps& y, Byte* dst, int dstStep, void* scratch) {
+  return FilterRows<RowLayout::kFours>(src, srcStep, x, y, dst, dstStep, scratch);
 }
 
 IppStatus FilterRows422_8u_C2(const Byte* src, int srcStep, const FilterColumns& x,

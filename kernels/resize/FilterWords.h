@@ -33,7 +33,7 @@ QV_INLINE void WidenSamples(const Byte* from, int stride, short* words, ptrdiff_
   for (; i < count; ++i) words[i] = from[i * stride];
 }
 
-// Four or eight words are read at each sample's first tap.
+// Four, eight or sixteen words are read at each sample's first tap.
 template <int kTaps>
 QV_INLINE Vec128 FourSums(const short* line, const int* first, const short* weights) {
   if constexpr (kTaps == 4) {
@@ -43,8 +43,12 @@ QV_INLINE Vec128 FourSums(const short* line, const int* first, const short* weig
                            MulAddPairs16(cd, Load128(weights + 8)));
   } else {
     Vec128 s[4];
-    for (int i = 0; i < 4; ++i)
-      s[i] = MulAddPairs16(Load128(line + first[i]), Load128(weights + 8 * i));
+    for (int i = 0; i < 4; ++i) {
+      const short* const w = weights + kTaps * i;
+      s[i] = MulAddPairs16(Load128(line + first[i]), Load128(w));
+      if constexpr (kTaps == 16)
+        s[i] = Add32(s[i], MulAddPairs16(Load128(line + first[i] + 8), Load128(w + 8)));
+    }
     return AddNeighbours32(AddNeighbours32(s[0], s[1]), AddNeighbours32(s[2], s[3]));
   }
 }
@@ -64,8 +68,10 @@ QV_INLINE void FilterComponent(const Byte* from, RowComponent component, ptrdiff
   WidenSamples(from + component.offset, component.stride, words, samples);
   if (taps.kept == 4)
     FilterWords<4>(words, taps, out);
-  else
+  else if (taps.kept == 8)
     FilterWords<8>(words, taps, out);
+  else
+    FilterWords<16>(words, taps, out);
 }
 
 // The components of a filtered row, one line behind the other, to their places in a ring row: lines

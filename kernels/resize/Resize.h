@@ -2,22 +2,14 @@
 // destination samples have in the source (in double precision, once for all levels) and hand the
 // tables to the rows of this processor's level; all levels write the same bytes.
 //
-// Interpolation codes: 1 nearest neighbour, 2 linear, 4 cubic, 8 area averaging (reduction only),
-// 16 Lanczos. `channels` interleaved bytes a pixel.
+// Interpolation codes are those of IppiInterpolation; area averaging only reduces. `channels`
+// interleaved bytes a pixel.
 #ifndef QV_KERNELS_RESIZE_RESIZE_H
 #define QV_KERNELS_RESIZE_RESIZE_H
 
 #include "qvAcceleratedLib/CqvAccLib.h"
 
 namespace qv {
-
-enum Interpolation : int {
-  InterpolateNearest = 1,
-  InterpolateLinear = 2,
-  InterpolateCubic = 4,
-  InterpolateArea = 8,
-  InterpolateLanczos = 16
-};
 
 // The arguments of CqvAccLib::qvResize but for its type.
 struct ResizeCall {
@@ -74,6 +66,14 @@ IppStatus ResizeBand_8u_C3(const unsigned char* src, IppiSize srcSize, int srcSt
                            IppiRect srcRoi, unsigned char* dst, int dstStep, IppiRect dstRect,
                            double xFactor, double yFactor, double xShift, double yShift,
                            int interpolation, unsigned char* buffer);
+
+// Where the destination pixel (x, y) of a call of either kind reads, the bands' without shifts, in
+// pixels of the source, whole numbers being their middles: the pixel that code 1 reads, the middle
+// of what code 8 covers, the position between the taps of the other codes. Pointers and steps are
+// not looked at. Statuses: those of the kernel, then StatusOutOfRangeErr for a pixel that is not
+// written.
+IppStatus WholeSourcePosition(const ResizeCall& call, int x, int y, double position[2]);
+IppStatus BandSourcePosition(const ResizeCall& call, int x, int y, double position[2]);
 
 // Whether a band without shifts, of a call whose other arguments are good, reaches the projected
 // region with its rows: StatusNothingToDoWarning of the band kernels if not.

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "qvAcceleratedLib/Operations.h"
+#include "qvAcceleratedLib/Resample.h"
 #include "support/Bytes.h"
 #include "support/Random.h"
 
@@ -199,6 +200,34 @@ void AddResizes(List& list) {
                     }});
 }
 
+// Each kind of pixel; filters of few taps, of many along x, and of one.
+void AddResampling(List& list) {
+  for (int pixels = 0; pixels <= 5; ++pixels)
+    for (const int filter : {1, 2, 8, 16, kMitchell}) {
+      const int bytes = std::min(pixels + 1, 4);
+      const auto resized = [=](IppiSize s) {
+        return IppiSize{filter == 16 ? s.width / 4 : s.width * 2 / 3,
+                        s.height * 3 / 2};
+      };
+      list.push_back({Name("qv_resample", pixels, filter),
+                      [=](IppiSize s) {
+                        const IppiSize to = resized(s);
+                        return Shapes{{bytes * s.width, s.height, false},
+                                      {bytes * to.width, to.height, true}};
+                      },
+                      [=](const Plane* p, IppiSize s) {
+                        ResampleOptions options = {};
+                        options.pixels = pixels;
+                        options.filter = filter;
+                        options.x = 0.25;
+                        options.width = s.width - 0.75;
+                        options.height = s.height;
+                        return Resample({p[0].data, s, p[0].step, p[1].data, resized(s), p[1].step},
+                                        &options);
+                      }});
+    }
+}
+
 void AddGeometry(List& list) {
   static constexpr double kShear[3][3] = {{1.01, 0.125, -2.5}, {-0.001, 1.125, 7}, {0, 0, 1}};
   static constexpr double kTilt[3][3] = {{1.01, 0.125, -2.5}, {-0.001, 1.125, 7}, {1e-7, 0, 1}};
@@ -339,6 +368,7 @@ const List& Operations() {
     AddChecksums(all);
     AddConversions(all);
     AddResizes(all);
+    AddResampling(all);
     AddGeometry(all);
     AddCompositions(all);
     RequireAllOf(all);

@@ -26,11 +26,11 @@ IppiRect InPlane(const IppiRect& region, const PlaneShape& shape) {
 }  // namespace
 
 void AddProjectionOptions(CLI::App& app, ProjectionOptions& options) {
-  AddChoice<Sampling>(app, "--method", options.method,
-                      {{"nearest", Sampling::Nearest},
-                       {"linear", Sampling::Linear},
-                       {"cubic", Sampling::Cubic}},
-                      "How (cubic)");
+  AddChoice<IppiInterpolation>(app, "--method", options.method,
+                               {{"nearest", InterpolateNearest},
+                                {"linear", InterpolateLinear},
+                                {"cubic", InterpolateCubic}},
+                               "How (cubic)");
   app.add_option_function<std::string>(
          "--background",
          [&options](const std::string& text) {
@@ -77,7 +77,7 @@ void PrepareCanvas(const ProjectionOptions& options, const Frame& in, IppiSize s
 
 void Project(const ProjectionOptions& options, const Frame& in, const IppiRect& region,
              const Projection& projection, Frame& out) {
-  const int method = static_cast<int>(options.method);
+  const int method = options.method;
   const LayoutInfo& info = in.Info();
   const Plane& colour = in.PlaneAt(0);
   const Plane& canvas = out.PlaneAt(0);
@@ -133,7 +133,7 @@ void Rotate(const ProjectionOptions& options, const Frame& in, double angle, boo
     const PlaneShape& shape = in.Info().plane[i];
     const Projection map = turn.Between(shape);
     const IppiRect whole = {0, 0, from.columns, from.rows}, canvas = {0, 0, to.columns, to.rows};
-    const int method = static_cast<int>(options.method);
+    const int method = options.method;
     if (shape.shiftX == shape.shiftY) {
       Check("qvRotate", CqvAccLib::qvRotate(from.Type("moving pixels"), from.data, from.Size(),
                                             from.step, whole, to.data, to.step, canvas, angle,

@@ -10,12 +10,9 @@
 
 namespace qvtool {
 
-// The codes that the warping operations know their methods by.
-enum class Sampling { Nearest = 1, Linear = 2, Cubic = 4 };
-
 // What sub-commands that move pixels have in common: --method and --background.
 struct ProjectionOptions {
-  Sampling method = Sampling::Cubic;
+  IppiInterpolation method = InterpolateCubic;
   Colour background = Colour::Parse("--background", "#000000");
   bool isOpaque = false;  // a background was asked for
 };

@@ -8,16 +8,13 @@
 namespace qvtool {
 namespace {
 
-// The codes that qvResize knows its methods by.
-enum class Method { Nearest = 1, Linear = 2, Cubic = 4, Area = 8, Lanczos = 16 };
-
 struct Options {
   InputSpec input;
   OutputSpec output;
   std::optional<IppiSize> size;
   std::optional<double> factor;
   std::optional<IppiRect> region;
-  Method method = Method::Cubic;
+  IppiInterpolation method = InterpolateCubic;
 };
 
 double ParseFactor(const std::string& text) {
@@ -41,7 +38,7 @@ int Scaled(int length, double factor) {
 }
 
 // Every plane goes from the grid it has in the one frame to the grid it has in the other.
-void ResizePlane(const Plane& from, const Plane& to, bool packed, Method method) {
+void ResizePlane(const Plane& from, const Plane& to, bool packed, IppiInterpolation method) {
   const IppiRect all = {0, 0, from.columns, from.rows};
   const double xFactor = static_cast<double>(to.columns) / from.columns;
   const double yFactor = static_cast<double>(to.rows) / from.rows;
@@ -51,11 +48,11 @@ void ResizePlane(const Plane& from, const Plane& to, bool packed, Method method)
                                     {2 * from.columns, from.rows}, from.step,
                                     {0, 0, 2 * from.columns, from.rows}, to.data, to.step,
                                     {2 * to.columns, to.rows}, xFactor, yFactor,
-                                    static_cast<int>(method)));
+                                    method));
   } else {
     Check("qvResize", CqvAccLib::qvResize(from.Type("resizing"), from.data, from.Size(), from.step,
                                           all, to.data, to.step, to.Size(), xFactor, yFactor,
-                                          static_cast<int>(method)));
+                                          method));
   }
 }
 
@@ -94,13 +91,13 @@ void Configure(CLI::App& app) {
          "--factor", [options](const std::string& text) { options->factor = ParseFactor(text); },
          "Result over source, both ways: 0.5 halves")
       ->type_name("NUMBER");
-  AddChoice<Method>(app, "--method", options->method,
-                    {{"nearest", Method::Nearest},
-                     {"linear", Method::Linear},
-                     {"cubic", Method::Cubic},
-                     {"area", Method::Area},
-                     {"lanczos", Method::Lanczos}},
-                    "How (cubic); area is the one for strong reductions");
+  AddChoice<IppiInterpolation>(app, "--method", options->method,
+                               {{"nearest", InterpolateNearest},
+                                {"linear", InterpolateLinear},
+                                {"cubic", InterpolateCubic},
+                                {"area", InterpolateArea},
+                                {"lanczos", InterpolateLanczos}},
+                               "How (cubic); area is the one for strong reductions");
   AddRegion(app, options->region);
   app.footer(
       "Planes of chroma are resized each on its own grid. Area enlarges as lanczos does; packed\n"
