@@ -1,6 +1,7 @@
 #include "bench/Bench.h"
 #include "bench/ResizeAccuracy.h"
 #include "bench/WarpAccuracy.h"
+#include "bench/YuvAccuracy.h"
 
 #include <benchmark/benchmark.h>
 
@@ -155,6 +156,7 @@ int main(int argc, char** argv) {
   if (argc == 2 && std::string(argv[1]) == "--accuracy") {
     bench::PrintResizeAccuracy();
     bench::PrintWarpAccuracy();
+    bench::PrintYuvAccuracy();
     return 0;
   }
   if (argc > 1 && std::string(argv[1]) == "--busy") {

@@ -26,7 +26,7 @@ int main(void) {
 
   Require(qv_ycbcr422_to_bgr(0, camera[0], sizeof camera[0], frame[0], sizeof frame[0], size));
   Require(qv_resize(QV_THREE_CHANNELS, frame[0], size, sizeof frame[0], all, small[0],
-                    sizeof small[0], small_size, 1 / 3.0, 1 / 3.0, 8));
+                    sizeof small[0], small_size, 1 / 3.0, 1 / 3.0, QV_INTERPOLATE_AREA));
   unsigned int sum = 0;
   Require(qv_crc32(0, small[0], sizeof small, &sum));
   printf("%d x %d pixels, CRC-32 %08x\n", small_size.width, small_size.height, sum);

@@ -9,6 +9,7 @@
 #include "kernels/resample/ResampleRows.h"
 #include "kernels/resize/Filter.h"
 #include "kernels/resize/ResizeRows.h"
+#include "kernels/yuv/Yuv.h"
 
 #define QV_DECLARE_ROWS(level, slot, wide, kernel) \
   namespace level { decltype(qv::kernel)::Rows kernel; }

@@ -57,6 +57,11 @@ constexpr Bands PlanBands(int extent, int budget) {
   return {count, count > 1 ? extent / count : extent, extent};
 }
 
+// How many bands a resize may have: each has its rows of the source and of the destination.
+constexpr int ResizeBands(IppiSize srcSize, IppiSize dstSize, int budget) {
+  return PlanBands(srcSize.height < dstSize.height ? srcSize.height : dstSize.height, budget).count;
+}
+
 // The same with bands that start on even rows, for images with subsampled chroma.
 constexpr Bands PlanEvenBands(int extent, int budget) {
   Bands bands = PlanBands(extent, budget);

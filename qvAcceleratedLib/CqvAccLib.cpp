@@ -210,11 +210,9 @@ IppStatus CqvAccLib::qvResize(qvDataType type, const unsigned char* src, IppiSiz
                               int interpolation) {
   const FloatEnvironment environment;
   const int channels = type == OneChannel ? 1 : type == ThreeChannels ? 3 : 0;
-  // Each band has its rows of the source and of the destination.
-  const int height = srcSize.height < dstRoiSize.height ? srcSize.height : dstRoiSize.height;
   const ResizeRoute route({src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoiSize, xFactor,
                            yFactor, interpolation}, channels,
-                          PlanBands(height, CallBudget()).count);
+                          ResizeBands(srcSize, dstRoiSize, CallBudget()));
   if (route.bands() == 1) return route.RunWhole();
   const Bands bands = {route.bands(), route.rowsPerBand(), dstRoiSize.height};
   return RunBands(bands, {Area(dstRoiSize), route.kind()}, [&](Band band) {

@@ -1,6 +1,7 @@
 // The functions of C: those of the roll do what the class does, and what there is beside them.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstring>
@@ -40,7 +41,8 @@ class Arguments {
     else if constexpr (std::is_pointer_v<T>)
       return reinterpret_cast<T>(Pointer<std::remove_const_t<std::remove_pointer_t<T>>>());
     else
-      return static_cast<T>(random_.OneIn(3) ? random_.Between(-9, 90) : 1 << random_.Between(0, 4));
+      return static_cast<T>(random_.OneIn(3) ? random_.Between(-9, 90)
+                                             : 1 << random_.Between(0, 4));
   }
 
   // What there is around the pointers once a call has been made of that: the same each time.
@@ -94,12 +96,12 @@ T* InC(T* pointer) { return pointer; }
 
 // Whether a call of the class has succeeded.
 template <class... Parameters, class Function>
-bool Compare(int seed, IppStatus (*operation)(Parameters...), Function* function, const char* name) {
+bool Compare(int seed, IppStatus (*operation)(Parameters...), Function* function,
+             const char* name) {
   Arguments drawn(seed);
   const std::tuple<Parameters...> arguments{drawn.Draw<Parameters>()...};
   int status = 0, statusInC = 0;
-  const Bytes expected =
-      drawn.After([&] { status = std::apply(operation, arguments); });
+  const Bytes expected = drawn.After([&] { status = std::apply(operation, arguments); });
   const Bytes got = drawn.After([&] {
     statusInC = std::apply([&](auto... a) { return function(InC(a)...); }, arguments);
   });
@@ -156,6 +158,86 @@ TEST(CInterface, LowersTheLevel) {
   }
   done = true;
   other.join();
+}
+
+// On a slope the byte says where it was read: 5 units a column and 3 a row, of 40 x 30 pixels. In
+// several bands a resize places its pixels differently.
+TEST(CInterface, TellsWherePixelsAreRead) {
+  constexpr int kWidth = 24, kHeight = 40 * 5;
+  const qv_size srcSize = {kWidth, kHeight}, dstSize = {48, 300};
+  const qv_rect roi = {3, 20, 20, 170};
+  Bytes src(kWidth * kHeight);
+  for (int y = 0; y < kHeight; ++y)
+    for (int x = 0; x < kWidth; ++x)
+      src[static_cast<std::size_t>(kWidth * y + x)] = static_cast<unsigned char>(5 * x + y / 2);
+  const auto expectByte = [&](int byte, const double* position, const char* what, int x, int y) {
+    const double px = std::clamp(position[0], 3.0, 22.0), py = std::clamp(position[1], 20.0, 189.0);
+    EXPECT_NEAR(byte, 5 * px + py / 2 - .25, 1.3) << what << " at " << x << ", " << y;
+  };
+  const double coeffs[9] = {1.5, 0.1, 2, -0.05, 1.25, 4, 0.001, 0, 1};
+  for (const int threads : {1, 3}) {
+    EXPECT_EQ(qv_set_thread_limit(threads), QV_STATUS_OK);
+    const UseBudget budget(3);
+    for (const int code : {1, 2, 4, 8, 16}) {
+      Bytes dst(48 * 300);
+      const double xFactor = code == 8 ? 0.6 : 1.9, yFactor = code == 8 ? 0.7 : 1.5;
+      ASSERT_EQ(qv_resize(QV_ONE_CHANNEL, src.data(), srcSize, kWidth, roi, dst.data(), 48, dstSize,
+                          xFactor, yFactor, code),
+                QV_STATUS_OK);
+      int written = 0;
+      for (int y = 0; y < 300; ++y)
+        for (int x = 0; x < 48; ++x) {
+          double at[2] = {-99, -99};
+          const int status =
+              qv_source_position(srcSize, roi, dstSize, xFactor, yFactor, code, x, y, at);
+          const int byte = dst[static_cast<std::size_t>(48 * y + x)];
+          written += status == QV_STATUS_OK;
+          if (status == QV_STATUS_OK) {
+            expectByte(byte, at, "resize", x, y);
+          } else {
+            EXPECT_EQ(status, QV_STATUS_OUT_OF_RANGE_ERR);
+            EXPECT_EQ(byte, 0);
+            EXPECT_EQ(at[0], -99);
+          }
+        }
+      EXPECT_GT(written, 1000) << code;
+    }
+    Bytes warped(48 * 300);
+    ASSERT_EQ(qv_warp_perspective(QV_ONE_CHANNEL, src.data(), srcSize, kWidth, roi, warped.data(),
+                                  48, {0, 0, 48, 300}, coeffs, 2),
+              QV_STATUS_OK);
+    for (int y = 0; y < 300; ++y)
+      for (int x = 0; x < 48; ++x) {
+        double at[2];
+        ASSERT_EQ(qv_warp_source_position(roi, coeffs, x, y, at), QV_STATUS_OK);
+        const bool inside = at[0] >= 3 && at[0] <= 22 && at[1] >= 20 && at[1] <= 189;
+        const int byte = warped[static_cast<std::size_t>(48 * y + x)];
+        EXPECT_EQ(byte > 0, inside) << x << ", " << y;
+        if (inside) expectByte(byte, at, "warp", x, y);
+      }
+  }
+  EXPECT_EQ(qv_set_thread_limit(0), QV_STATUS_OK);
+  double at[2];
+  EXPECT_EQ(qv_source_position(srcSize, roi, dstSize, 1, 1, 2, 0, 0, nullptr),
+            QV_STATUS_NULL_PTR_ERR);
+  EXPECT_EQ(qv_source_position(srcSize, roi, {0, 1}, 1, 1, 2, 0, 0, at), QV_STATUS_SIZE_ERR);
+  EXPECT_EQ(qv_source_position(srcSize, roi, dstSize, 1, 1, 3, 0, 0, at),
+            QV_STATUS_INTERPOLATION_ERR);
+  const double flat[9] = {};
+  EXPECT_EQ(qv_warp_source_position(roi, flat, 0, 0, at), QV_STATUS_COEFF_ERR);
+}
+
+TEST(CInterface, CountsBytesOfRows) {
+  const struct {
+    int layout, width, bytes;
+  } cases[] = {{QV_LAYOUT_GREY, 7, 7},          {QV_LAYOUT_BGR, 7, 21},
+               {QV_LAYOUT_RGBA, 7, 28},         {QV_LAYOUT_YUYV, 7, 16},
+               {QV_LAYOUT_UYVY, 8, 16},         {QV_LAYOUT_NV12, 7, 7},
+               {QV_LAYOUT_I444, INT32_MAX, INT32_MAX}};
+  for (const auto& c : cases) EXPECT_EQ(qv_row_bytes(c.layout, c.width), c.bytes) << c.layout;
+  EXPECT_EQ(qv_row_bytes(QV_LAYOUT_BGR, INT32_MAX / 3 + 1), QV_STATUS_SIZE_ERR);
+  EXPECT_EQ(qv_row_bytes(QV_LAYOUT_BGR, 0), QV_STATUS_SIZE_ERR);
+  for (const int other : {0, 14, -1}) EXPECT_EQ(qv_row_bytes(other, 4), QV_STATUS_DATA_TYPE_ERR);
 }
 
 // Bytes of resizing tell one band from several.

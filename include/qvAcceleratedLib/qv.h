@@ -571,8 +571,8 @@ QV_API(const char*) qv_status_text(int status);
 // process may use processors. The library has one less of its own, for all calls together; those
 // that a lower number leaves over sleep. The number takes effect on calls that begin later; it may
 // be set at any time, by any thread, whatever calls other threads make meanwhile.
-// qv_set_threads returns QV_STATUS_OUT_OF_RANGE_ERR (-11), and changes nothing, for a number below 1
-// or above QV_MOST_THREADS.
+// qv_set_threads returns QV_STATUS_OUT_OF_RANGE_ERR (-11), and changes nothing, for a number below
+// 1 or above QV_MOST_THREADS.
 #define QV_MOST_THREADS 256
 QV_API(int) qv_threads(void);
 QV_API(int) qv_set_threads(int threads);
@@ -580,25 +580,197 @@ QV_API(int) qv_set_threads(int threads);
 // Limits the calls that the calling thread makes from now on to so many threads, itself included; 0
 // for no limit. A limit above qv_threads has no effect. A call that works in bands makes the bytes
 // that it makes where qv_threads is the limit (see qv_resize).
-// Returns QV_STATUS_OUT_OF_RANGE_ERR (-11) for a number below 0; QV_STATUS_MEM_ALLOC_ERR (-9) if the
-// system has no place for it (Windows, when its slots of thread-local storage are used up). The
+// Returns QV_STATUS_OUT_OF_RANGE_ERR (-11) for a number below 0; QV_STATUS_MEM_ALLOC_ERR (-9) if
+// the system has no place for it (Windows, when its slots of thread-local storage are used up). The
 // thread keeps the limit that it had then.
 QV_API(int) qv_set_thread_limit(int threads);
 
-// The level of vectors that calls run at: "generic" (plain code), "sse2", "ssse3", "avx2", "avx512";
-// at first the highest that the processor has. And all that it has, from the lowest on, with a space
-// between each two. The bytes are the same at every level, so there is no reason to change it but
-// to find out whether a fault comes from the level: qv_set_level lowers it, for all calls that begin
-// later and for the rest of those that are being made. It may be called at any time by any thread.
-// It returns QV_STATUS_NULL_PTR_ERR (-8) if level is null; QV_STATUS_OUT_OF_RANGE_ERR (-11), and
-// changes nothing, for a name that is none of qv_levels or stands above the present one.
+// The level of vectors that calls run at: "generic" (plain code), "sse2", "ssse3", "avx2",
+// "avx512"; at first the highest that the processor has. And all that it has, from the lowest on,
+// with a space between each two. The bytes are the same at every level, so there is no reason to
+// change it but to find out whether a fault comes from the level: qv_set_level lowers it, for all
+// calls that begin later and for the rest of those that are being made. It may be called at any
+// time by any thread. It returns QV_STATUS_NULL_PTR_ERR (-8) if level is null;
+// QV_STATUS_OUT_OF_RANGE_ERR (-11), and changes nothing, for a name that is none of qv_levels or
+// stands above the present one.
 QV_API(const char*) qv_level(void);
 QV_API(const char*) qv_levels(void);
 QV_API(int) qv_set_level(const char* level);
 
+// ---- Rows and positions -------------------------------------------------------------------------
+
+// How the pixels of an image lie in memory, in address order. Packed and two-plane ones have their
+// chroma in pairs; 420 has one chroma sample for 2 x 2 pixels, 422 one for two side by side.
+enum qv_layout {
+  QV_LAYOUT_GREY = 1,   // one byte
+  QV_LAYOUT_BGR = 2,    // three bytes
+  QV_LAYOUT_RGB = 3,
+  QV_LAYOUT_BGRA = 4,   // four bytes, the last one alpha
+  QV_LAYOUT_RGBA = 5,
+  QV_LAYOUT_YUYV = 6,   // packed 4:2:2: Y0 Cb Y1 Cr
+  QV_LAYOUT_UYVY = 7,   // packed 4:2:2: Cb Y0 Cr Y1
+  QV_LAYOUT_I420 = 8,   // planes Y, Cb, Cr
+  QV_LAYOUT_YV12 = 9,   // planes Y, Cr, Cb; 4:2:0 as well
+  QV_LAYOUT_NV12 = 10,  // planes Y and Cb Cr; 4:2:0
+  QV_LAYOUT_NV21 = 11,  // planes Y and Cr Cb; 4:2:0
+  QV_LAYOUT_I422 = 12,  // planes Y, Cb, Cr
+  QV_LAYOUT_I444 = 13   // planes Y, Cb, Cr
+};
+
+// Bytes of a row of so many pixels without padding; of the first plane where there are several.
+// Packed 4:2:2 has whole groups of four bytes.
+// Returns QV_STATUS_DATA_TYPE_ERR (-2) for any other layout; QV_STATUS_SIZE_ERR (-6) if width is
+// below 1 or the bytes are more than an int can count.
+QV_API(int) qv_row_bytes(int layout, int width);
+
+// Where qv_resize, called now by this thread with these arguments, reads for the pixel (x, y) of
+// dst: position[0] across and position[1] down, in pixels of the source image, a whole number being
+// the middle of one. For code 1 that is the pixel that is read; for code 8 the middle of what the
+// pixel covers; for the others the position between the taps, which may lie outside the region,
+// whose edge pixels are then read. The result depends on qv_threads and the thread's limit as
+// qv_resize does. Takes time in proportion to x and y.
+// Returns QV_STATUS_NULL_PTR_ERR (-8) if position is null; QV_STATUS_SIZE_ERR (-6) if dst_roi_size
+// has a width or height below 1; what qv_resize returns of these arguments, but for pointers; then
+// QV_STATUS_OUT_OF_RANGE_ERR (-11) if qv_resize does not write the pixel. Nothing is written then.
+QV_API(int) qv_source_position(qv_size src_size, qv_rect src_roi, qv_size dst_roi_size,
+                               double x_factor, double y_factor, int interpolation, int x, int y,
+                               double position[2]);
+
+// Where a warp by this matrix reads for the pixel (x, y) of dst, any point between pixels included:
+// the (X, Y) that the matrix carries there, see qv_warp_perspective. (X, Y) may lie outside
+// src_roi; the warp writes nothing then. The kernels' own positions differ by less than 2^-11
+// pixel.
+// Returns QV_STATUS_NULL_PTR_ERR (-8) if coeffs or position is null; QV_STATUS_SIZE_ERR (-6) if
+// src_roi has an origin below 0 or a width or height below 1; QV_STATUS_COEFF_ERR (-56), with
+// nothing written, if the matrix cannot be inverted or carries nothing of the source's side of its
+// horizon there.
+QV_API(int) qv_warp_source_position(qv_rect src_roi, const double coeffs[9], double x, double y,
+                                    double position[2]);
+
 // ---- Beyond the class ---------------------------------------------------------------------------
 
-// Functions that the class does not have.
+// Operations that the class does not have, a family a section.
+
+// Luma and chroma to pixels, and back.
+
+// Layouts of luma and chroma: their planes, in the order in which they are passed, and the rows
+// of a frame of w x h pixels. cw is (w + 1) / 2 and ch is (h + 1) / 2, rounded down: an odd last
+// column or row has chroma of its own.
+enum qv_yuv_layout {
+  QV_YUV_I420 = 0,  // Y: h rows of w bytes; Cb, Cr: ch rows of cw
+  QV_YUV_YV12 = 1,  // the same with Cr before Cb
+  QV_YUV_NV12 = 2,  // Y: h rows of w bytes; ch rows of cw pairs Cb, Cr
+  QV_YUV_NV21 = 3,  // the same with pairs Cr, Cb
+  QV_YUV_YUYV = 4,  // one plane: h rows of cw groups Y0, Cb, Y1, Cr
+  QV_YUV_UYVY = 5,  // one plane: h rows of cw groups Cb, Y0, Cr, Y1
+  QV_YUV_I422 = 6,  // Y: h rows of w bytes; Cb, Cr: h rows of cw
+  QV_YUV_I444 = 7   // Y, Cb, Cr: h rows of w bytes
+};
+
+// Layouts of pixels: their bytes in address order.
+enum qv_rgb_layout {
+  QV_RGB_BGR = 0,
+  QV_RGB_RGB = 1,
+  QV_RGB_BGRA = 2,
+  QV_RGB_RGBA = 3,
+  QV_RGB_GREY = 4  // one byte
+};
+
+// The weights of red and blue in luma; that of green is Kg = 1 - Kr - Kb.
+enum qv_yuv_matrix {
+  QV_BT601 = 0,  // Kr = .299,  Kb = .114   (ITU-R BT.601)
+  QV_BT709 = 1,  // Kr = .2126, Kb = .0722  (ITU-R BT.709)
+  QV_BT2020 = 2  // Kr = .2627, Kb = .0593  (ITU-R BT.2020, non-constant luminance)
+};
+
+// What the bytes of samples stand for. Every byte is accepted, those outside the range included.
+enum qv_yuv_range {
+  QV_STUDIO_RANGE = 0,  // Y = 16 + 219 y, Cb = 128 + 224 u, Cr = 128 + 224 v
+  QV_FULL_RANGE = 1     // Y = 255 y, Cb = 128 + 255 u, Cr = 128 + 255 v (JFIF)
+};
+
+// Where chroma lies in layouts that have one sample for two columns. Those that also have one
+// for two rows have it midway between the two, unless it is repeated.
+enum qv_chroma_siting {
+  QV_CHROMA_REPEATED = 0,  // anywhere: one sample serves a block, and is made of its mean
+  QV_CHROMA_LEFT = 1,      // on the left one of two pixels (MPEG-2 and later)
+  QV_CHROMA_CENTRE = 2     // between the two (MPEG-1, JPEG)
+};
+
+// Converts luma and chroma to pixels. `planes` and `steps` have as many entries as the layout
+// has planes, `dst` is the first pixel's first byte. With R, G, B in 0 .. 1:
+//   R = y + 2 (1 - Kr) v
+//   G = y - 2 (1 - Kr) Kr / Kg v - 2 (1 - Kb) Kb / Kg u
+//   B = y + 2 (1 - Kb) u
+// and bytes of 255 R, 255 G and 255 B, limited to 0 .. 255. Each byte is within 0.54 of the
+// exact value (a perfect rounding: 0.50), and every grey (Cb = Cr = 128) is rounded correctly. A
+// fourth byte becomes 255. Grey is 255 y: chroma is not read then, and its planes may be null.
+//
+// Chroma that is not repeated is interpolated linearly, without being rounded before it is
+// converted: a column that has no sample of its own takes the mean of its two neighbours (left)
+// or 3 parts of the nearer and 1 of the farther (centre), a row of a layout with half as many
+// rows of chroma 3 parts of the nearer and 1 of the farther. Beyond the edge lies the sample of
+// the edge.
+//
+// The arithmetic is that of integers. With a # k = (256 a * k) >> 16, where 256 times interpolated
+// chroma is a whole number too, and coefficients round(2^14 * exact), so all sums in 64ths of a
+// byte:
+//   B = clamp((Y # y - 16 # y + Cb # bb - 128 # bb + 32) >> 6)
+//   G = clamp((Y # y - 16 # y - Cb # gb + 128 # gb - Cr # gr + 128 # gr + 32) >> 6)
+//   R = clamp((Y # y - 16 # y + Cr # rr - 128 # rr + 32) >> 6)
+// and without 16 # y in full range.
+//                      y     bb     gb     gr     rr
+//   studio  BT.601   19077  33050   6419  13320  26149
+//           BT.709   19077  34610   3494   8731  29372
+//           BT.2020  19077  35091   3069  10657  27503
+//   full    BT.601   16384  29032   5638  11700  22970
+//           BT.709   16384  30402   3069   7670  25802
+//           BT.2020  16384  30825   2696   9361  24160
+//
+// Source and destination must not overlap. Nothing is written unless the status is 0.
+// Returns QV_STATUS_DATA_TYPE_ERR (-2) if yuv_layout or rgb_layout is none of the above;
+// QV_STATUS_BAD_ARG_ERR (-5) if matrix, range or siting is none; QV_STATUS_NULL_PTR_ERR (-8) if
+// planes, steps, dst or a plane that is read is null; QV_STATUS_SIZE_ERR (-6) if width or height
+// is below 1.
+QV_API(int) qv_yuv_to_rgb(int yuv_layout, const unsigned char* const planes[], const int steps[],
+                          int rgb_layout, unsigned char* dst, int dst_step, qv_size size,
+                          int matrix, int range, int siting);
+
+// Converts pixels to luma and chroma:
+//   y = Kr R + Kg G + Kb B
+//   u = (B - y) / (2 (1 - Kb)),  v = (R - y) / (2 (1 - Kr))
+// Each byte is within 0.52 of the exact value; of a grey, Y is rounded correctly and Cb = Cr =
+// 128. Alpha is not looked at. A grey byte counts as R = G = B.
+//
+// Chroma is made of the mean of the pixels that it serves, 2 x 2 or 2 x 1 (repeated, centre), or
+// of the column that it lies on and the ones beside it as 1 : 2 : 1 (left), without rounding
+// between. Beyond the edge lies the pixel of the edge. The groups of an odd width end with a
+// luma that no pixel has: it repeats the one before.
+//
+// The arithmetic: coefficients round(2^16 * exact), but those of G such that a grey comes out as
+// one; all sums in 256ths of a byte, and 256 times a mean is a whole number too:
+//   Y  = (R # yr + G # yg + B # yb + h) >> 8,  h = 16 * 256 + 129 or, in full range, 128
+//   Cb = (B # c - G # (c - ur) - R # ur + 128 * 256 + 127) >> 8
+//   Cr = (R # c - G # (c - vb) - B # vb + 128 * 256 + 127) >> 8
+//                     yr     yg     yb      c     ur     vb
+//   studio  BT.601   16829  33039   6416  28784   9714   4681
+//           BT.709   11966  40254   4064  28784   6596   2639
+//           BT.2020  14786  38160   3338  28784   8038   2315
+//   full    BT.601   19595  38470   7471  32768  11058   5329
+//           BT.709   13933  46871   4732  32768   7509   3005
+//           BT.2020  17216  44434   3886  32768   9151   2635
+//
+// What is lost on the way from pixels to 4:4:4 samples and back: at most 2 units of a byte in
+// studio range and 1 in full range, with every matrix; it is the rounding of the samples, exact
+// arithmetic would lose as much.
+//
+// Source and destination must not overlap. Nothing is written unless the status is 0.
+// Returns QV_STATUS_DATA_TYPE_ERR (-2) if rgb_layout or yuv_layout is none of the above;
+// QV_STATUS_BAD_ARG_ERR (-5) if matrix, range or siting is none; QV_STATUS_NULL_PTR_ERR (-8) if
+// src, planes, steps or a plane is null; QV_STATUS_SIZE_ERR (-6) if width or height is below 1.
+QV_API(int) qv_rgb_to_yuv(int rgb_layout, const unsigned char* src, int src_step, int yuv_layout,
+                          unsigned char* const planes[], const int steps[], qv_size size,
+                          int matrix, int range, int siting);
 
 // ---- Resampling ---------------------------------------------------------------------------------
 

@@ -50,23 +50,6 @@ QV_INLINE void TakeLuma(const Byte* src, Byte* luma, ptrdiff_t width) {
 
 // ---- Vector rows --------------------------------------------------------------------------------
 
-// Bytes 0, 2, 4, ... or 1, 3, 5, ... of two vectors that follow each other.
-QV_INLINE Vec EvenBytes(Vec low, Vec high) {
-  if constexpr (kHasBytePermute) {
-    static constexpr ByteTable index = MakeByteTable([](int i) { return 2 * i; });
-    return PermuteBytes2(low, Load(index.b), high);
-  }
-  return PackBytesInOrder(And(low, Splat16(0xff)), And(high, Splat16(0xff)));
-}
-
-QV_INLINE Vec OddBytes(Vec low, Vec high) {
-  if constexpr (kHasBytePermute) {
-    static constexpr ByteTable index = MakeByteTable([](int i) { return 2 * i + 1; });
-    return PermuteBytes2(low, Load(index.b), high);
-  }
-  return PackBytesInOrder(ShiftRight16<8>(low), ShiftRight16<8>(high));
-}
-
 QV_INLINE void SplitPairs(const Byte* src, Byte* even, Byte* odd, ptrdiff_t count) {
   const auto block = [=](ptrdiff_t j) {
     const Vec low = Load(src + 2 * j), high = Load(src + 2 * j + kVecBytes);

@@ -78,6 +78,17 @@ WarpPlan::WarpPlan(const double coeffs[3][3], const Corners& source, const Corne
   FindRows(coeffs);
 }
 
+bool WarpSourcePosition(const double coeffs[3][3], const Corners& source, double x, double y,
+                        double position[2]) {
+  double m[3][3];
+  if (!InvertFor(coeffs, (source.x0 + source.x1) / 2, (source.y0 + source.y1) / 2, m))
+    return false;
+  const double w = m[2][0] * x + m[2][1] * y + m[2][2];
+  if (!(w > 0)) return false;
+  for (int i = 0; i < 2; ++i) position[i] = (m[i][0] * x + m[i][1] * y + m[i][2]) / w;
+  return true;
+}
+
 // The rows that the image of the source's rectangle, tolerance included, can touch.
 void WarpPlan::FindRows(const double coeffs[3][3]) {
   double low = destination_.y0, high = destination_.y1;

@@ -18,6 +18,11 @@ struct Footprint {
   double x, y, rows, slope[2], half[2];
 };
 
+// Where a warp by the matrix, of the rectangle `source`, reads for the destination's (x, y). False
+// where the matrix cannot be inverted or (x, y) is not in front of it.
+bool WarpSourcePosition(const double coeffs[3][3], const Corners& source, double x, double y,
+                        double position[2]);
+
 // The warp of the region `source` of an image (clipped to it) into the region `destination`.
 //
 // The area written: a destination pixel (x, y) belongs to it if its position in the source,

@@ -25,6 +25,7 @@
 
 #include "kernels/level/Blocks.h"
 #include "kernels/level/ByteTables.h"
+#include "kernels/level/EvenOdd.h"
 #include "kernels/level/Pixels.h"
 #include "kernels/level/ShortRows.h"
 #endif

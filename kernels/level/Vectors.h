@@ -21,6 +21,7 @@ void StoreLimited32(void* p, Vec v);
 // lanes of 16 bits, or of 32, each to the low end of its lane; the 128 bits at p to every lane.
 Vec LoadHalves(const void* low, const void* high);
 void StoreLowHalf(void* p, Vec v);
+void StreamStoreLowHalf(void* p, Vec v);  // of 64 bits not past the caches
 Vec LoadBytesAs16(const void* p);
 Vec LoadBytesAs32(const void* p);
 Vec LoadSplat128(const void* p);
@@ -48,6 +49,12 @@ Vec HighLaneTwice(Vec v);
 // The vector's low half as the low halves of all 128-bit lanes, its high half as the high ones:
 // InterleaveLow8 and InterleaveHigh8 of two such vectors are those of the whole vectors.
 Vec DealHalves(Vec v);
+// 128-bit lanes 0, 2, ... or 1, 3, ... of those of `a` and then of `b`.
+Vec JoinEvenLanes(Vec a, Vec b);
+Vec JoinOddLanes(Vec a, Vec b);
+// The low halves of `a` and `b`, or the high ones (of four lanes).
+Vec JoinLowHalves(Vec a, Vec b);
+Vec JoinHighHalves(Vec a, Vec b);
 // Three vectors' 128-bit lanes in turns: a0 b0 c0 a1 b1 c1 (not defined for four lanes).
 void LanesInTurns(Vec& a, Vec& b, Vec& c);
 
@@ -99,9 +106,6 @@ Vec PermuteBytes2(Vec low, Vec index, Vec high);
 Vec PermuteBytesPart(unsigned long long mask, Vec v, Vec index);
 Vec PermuteBytesPart2(unsigned long long mask, Vec low, Vec index, Vec high);
 Vec PermuteBytesOver(Vec base, unsigned long long mask, Vec v, Vec index);
-// Of 64-byte vectors: 128-bit lanes 0 and 2, or 1 and 3, of `a` and then of `b`.
-Vec JoinEvenLanes(Vec a, Vec b);
-Vec JoinOddLanes(Vec a, Vec b);
 
 // kHasGather. Gather32: 32 bits for each 32-bit lane, from base + offset bytes. Gather64<h>: 64 for
 // lanes 2 h and 2 h + 1 of each 128-bit lane of `offset`.

@@ -25,8 +25,10 @@ QV_INLINE QV_V Sub16(QV_V a, QV_V b) { return QV_V_OP(sub_epi16)(a, b); }
 QV_INLINE QV_V Sub32(QV_V a, QV_V b) { return QV_V_OP(sub_epi32)(a, b); }
 QV_INLINE QV_V AddSaturated8(QV_V a, QV_V b) { return QV_V_OP(adds_epu8)(a, b); }
 QV_INLINE QV_V SubSaturated8(QV_V a, QV_V b) { return QV_V_OP(subs_epu8)(a, b); }
-// Averages: (a + b + 1) / 2 of bytes, truncated.
+QV_INLINE QV_V AddSaturatedSigned16(QV_V a, QV_V b) { return QV_V_OP(adds_epi16)(a, b); }
+// Averages: (a + b + 1) / 2 of bytes, or of unsigned 16-bit lanes, truncated.
 QV_INLINE QV_V AverageUp8(QV_V a, QV_V b) { return QV_V_OP(avg_epu8)(a, b); }
+QV_INLINE QV_V AverageUp16(QV_V a, QV_V b) { return QV_V_OP(avg_epu16)(a, b); }
 
 QV_INLINE QV_V MulLow16(QV_V a, QV_V b) { return QV_V_OP(mullo_epi16)(a, b); }
 QV_INLINE QV_V MulHighUnsigned16(QV_V a, QV_V b) { return QV_V_OP(mulhi_epu16)(a, b); }
@@ -40,6 +42,7 @@ QV_INLINE QV_V SumOctets(QV_V v) { return QV_V_OP(sad_epu8)(v, QV_V_BITS_OP(setz
 
 template <int n> QV_INLINE QV_V ShiftLeft16(QV_V v) { return QV_V_OP(slli_epi16)(v, n); }
 template <int n> QV_INLINE QV_V ShiftRight16(QV_V v) { return QV_V_OP(srli_epi16)(v, n); }
+template <int n> QV_INLINE QV_V ShiftRightSigned16(QV_V v) { return QV_V_OP(srai_epi16)(v, n); }
 template <int n> QV_INLINE QV_V ShiftLeft32(QV_V v) { return QV_V_OP(slli_epi32)(v, n); }
 template <int n> QV_INLINE QV_V ShiftRight32(QV_V v) { return QV_V_OP(srli_epi32)(v, n); }
 template <int n> QV_INLINE QV_V ShiftRightSigned32(QV_V v) { return QV_V_OP(srai_epi32)(v, n); }

@@ -84,6 +84,8 @@ QV_INLINE void StoreLimited32(void* p, Vec v) {
 QV_INLINE Vec DealHalves(Vec v) { return _mm256_permute4x64_epi64(v, 0xD8); }
 QV_INLINE Vec LowLaneTwice(Vec v) { return _mm256_permute4x64_epi64(v, 0x44); }
 QV_INLINE Vec HighLaneTwice(Vec v) { return _mm256_permute4x64_epi64(v, 0xEE); }
+QV_INLINE Vec JoinEvenLanes(Vec a, Vec b) { return _mm256_permute2x128_si256(a, b, 0x20); }
+QV_INLINE Vec JoinOddLanes(Vec a, Vec b) { return _mm256_permute2x128_si256(a, b, 0x31); }
 QV_INLINE void LanesInTurns(Vec& a, Vec& b, Vec& c) {
   const Vec first = _mm256_permute2x128_si256(a, b, 0x20);
   const Vec second = _mm256_blend_epi32(c, a, 0xF0);
@@ -97,6 +99,9 @@ QV_INLINE Vec LoadHalves(const void* low, const void* high) {
 }
 QV_INLINE void StoreLowHalf(void* p, Vec v) {
   Store128(p, Lane<0>(v));
+}
+QV_INLINE void StreamStoreLowHalf(void* p, Vec v) {
+  _mm_stream_si128(static_cast<__m128i*>(p), Lane<0>(v));
 }
 QV_INLINE Vec LoadBytesAs16(const void* p) {
   return _mm256_cvtepu8_epi16(Load128(p));

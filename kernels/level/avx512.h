@@ -69,6 +69,8 @@ QV_INLINE Vec PermuteBytesOver(Vec base, unsigned long long mask, Vec v, Vec ind
 
 QV_INLINE Vec JoinEvenLanes(Vec a, Vec b) { return _mm512_shuffle_i32x4(a, b, 0x88); }
 QV_INLINE Vec JoinOddLanes(Vec a, Vec b) { return _mm512_shuffle_i32x4(a, b, 0xDD); }
+QV_INLINE Vec JoinLowHalves(Vec a, Vec b) { return _mm512_shuffle_i32x4(a, b, 0x44); }
+QV_INLINE Vec JoinHighHalves(Vec a, Vec b) { return _mm512_shuffle_i32x4(a, b, 0xEE); }
 
 QV_INLINE Vec LoadPart(const void* p, unsigned long long mask) {
   return _mm512_maskz_loadu_epi8(mask, p);
@@ -127,6 +129,9 @@ QV_INLINE Vec LoadHalves(const void* low, const void* high) {
 }
 QV_INLINE void StoreLowHalf(void* p, Vec v) {
   _mm256_storeu_si256(static_cast<__m256i*>(p), _mm512_castsi512_si256(v));
+}
+QV_INLINE void StreamStoreLowHalf(void* p, Vec v) {
+  _mm256_stream_si256(static_cast<__m256i*>(p), _mm512_castsi512_si256(v));
 }
 QV_INLINE Vec LoadBytesAs16(const void* p) {
   return _mm512_cvtepu8_epi16(_mm256_loadu_si256(static_cast<const __m256i*>(p)));

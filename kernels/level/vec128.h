@@ -55,12 +55,15 @@ QV_INLINE void StoreLowBytes32(void* p, Vec v) {
 QV_INLINE Vec DealHalves(Vec v) { return v; }
 QV_INLINE Vec LowLaneTwice(Vec v) { return v; }
 QV_INLINE Vec HighLaneTwice(Vec v) { return v; }
+QV_INLINE Vec JoinEvenLanes(Vec a, Vec) { return a; }
+QV_INLINE Vec JoinOddLanes(Vec, Vec b) { return b; }
 QV_INLINE void LanesInTurns(Vec&, Vec&, Vec&) {}
 
 QV_INLINE Vec LoadHalves(const void* low, const void* high) {
   return InterleaveLow64(Load64(low), Load64(high));
 }
 QV_INLINE void StoreLowHalf(void* p, Vec v) { Store64(p, v); }
+QV_INLINE void StreamStoreLowHalf(void* p, Vec v) { StoreLowHalf(p, v); }
 QV_INLINE Vec LoadBytesAs16(const void* p) { return InterleaveLow8(Load64(p), Zero()); }
 QV_INLINE Vec LoadBytesAs32(const void* p) {
   return InterleaveLow16(InterleaveLow8(Load32(p), Zero()), Zero());

@@ -18,9 +18,25 @@ double Rounded(double x) {
 #endif
 }
 
-double AlignedStep(Axis axis) {
+// Positions one step after the other, added up in doubles.
+struct Walk {
+  double at, step;
+
+  double Next() {
+    const double here = at;
+    at = Rounded(at + step);
+    return here;
+  }
+};
+
+Walk NearestWalk(Axis axis) {
+  const double step = Rounded(1 / axis.factor);
+  return {Rounded(0.5 * step), step};
+}
+
+Walk AlignedWalk(Axis axis) {
   const double scaled = Rounded(axis.length * axis.factor);
-  return scaled > 1 ? Rounded((axis.length - 1) / (scaled - 1)) : 0;
+  return {0, scaled > 1 ? Rounded((axis.length - 1) / (scaled - 1)) : 0};
 }
 
 // A position of 0 or more as two neighbouring samples.
@@ -51,30 +67,31 @@ int WrittenExtent(Axis axis, int available) {
 }
 
 void NearestIndices(Axis axis, int count, int* index) {
-  const double step = Rounded(1 / axis.factor);
-  double position = Rounded(0.5 * step);
-  for (int i = 0; i < count; ++i) {
-    index[i] = LimitedIndex(position, axis.length - 1);
-    position = Rounded(position + step);
-  }
+  Walk walk = NearestWalk(axis);
+  for (int i = 0; i < count; ++i) index[i] = LimitedIndex(walk.Next(), axis.length - 1);
 }
 
 void AlignedPositions(Axis axis, int count, double* position) {
-  const double step = AlignedStep(axis);
-  double x = 0;
-  for (int i = 0; i < count; ++i) {
-    position[i] = x;
-    x = Rounded(x + step);
-  }
+  Walk walk = AlignedWalk(axis);
+  for (int i = 0; i < count; ++i) position[i] = walk.Next();
+}
+
+int NearestIndex(Axis axis, int i) {
+  Walk walk = NearestWalk(axis);
+  while (--i >= 0) walk.Next();
+  return LimitedIndex(walk.Next(), axis.length - 1);
+}
+
+double AlignedPosition(Axis axis, int i) {
+  Walk walk = AlignedWalk(axis);
+  while (--i >= 0) walk.Next();
+  return walk.Next();
 }
 
 void AlignedTaps(Axis axis, int count, int* index, unsigned short* weight) {
-  const double step = AlignedStep(axis);
-  double position = 0;
-  for (int i = 0; i < count; ++i) {
-    SplitPosition(position, axis.length - 1, index + i, weight + i);
-    position = Rounded(position + step);
-  }
+  Walk walk = AlignedWalk(axis);
+  for (int i = 0; i < count; ++i)
+    SplitPosition(walk.Next(), axis.length - 1, index + i, weight + i);
 }
 
 bool ProjectRegion(BandAxis axis, int start, int size, Span* span) {

@@ -28,6 +28,10 @@ void NearestIndices(Axis axis, int count, int* index);
 // The corner-aligned positions: i accumulated steps of (L - 1) / (L * F - 1).
 void AlignedPositions(Axis axis, int count, double* position);
 
+// Sample `i` of either, found by adding up to it.
+int NearestIndex(Axis axis, int i);
+double AlignedPosition(Axis axis, int i);
+
 // The corner-aligned positions split into an index and the weight of the next sample, out of
 // 16384: trunc(fraction * 16384 + 1e-07), the fraction in single precision. A position on the
 // last sample is the one before with the full weight, unless there is no other sample.

@@ -67,6 +67,14 @@ IppStatus ResizeBand_8u_C3(const unsigned char* src, IppiSize srcSize, int srcSt
                            double xFactor, double yFactor, double xShift, double yShift,
                            int interpolation, unsigned char* buffer);
 
+// Where the destination pixel (x, y) of a call of either kind reads, the bands' without shifts, in
+// pixels of the source, whole numbers being their middles: the pixel that code 1 reads, the middle
+// of what code 8 covers, the position between the taps of the other codes. Pointers and steps are
+// not looked at. Statuses: those of the kernel, then StatusOutOfRangeErr for a pixel that is not
+// written.
+IppStatus WholeSourcePosition(const ResizeCall& call, int x, int y, double position[2]);
+IppStatus BandSourcePosition(const ResizeCall& call, int x, int y, double position[2]);
+
 // Whether a band without shifts, of a call whose other arguments are good, reaches the projected
 // region with its rows: StatusNothingToDoWarning of the band kernels if not.
 bool HasResizeRows(IppiSize srcSize, IppiRect srcRoi, int firstRow, int rows, double yFactor);

@@ -85,6 +85,36 @@ IppStatus ResizeBand(const ResizeCall& call, int channels, IppiRect dstRect, dou
   return RunBand(task, x, y, columns, rows, call.interpolation);
 }
 
+IppStatus BandSourcePosition(const ResizeCall& call, int x, int y, double position[2]) {
+  const IppiSize srcSize = call.srcSize, dstSize = call.dstRoiSize;
+  const IppiRect srcRoi = call.srcRoi;
+  if (CheckSource(srcSize, srcRoi) != StatusOk) return StatusSizeErr;
+  if (!AreFactorsPositive(call.xFactor, call.yFactor)) return StatusResizeFactorErr;
+  if (!IsInterpolation(call.interpolation)) return StatusInterpolationErr;
+  if (StartsOutside(srcSize, srcRoi)) return StatusNoOverlapWarning;
+  const BandAxis axes[] = {
+      {srcRoi.x, ClippedLength(srcRoi.x, srcRoi.width, srcSize.width), call.xFactor, 0},
+      RowAxis(srcSize, srcRoi, call.yFactor, 0)};
+  const int pixel[] = {x, y}, sizes[] = {dstSize.width, dstSize.height};
+  double found[2];
+  for (int i = 0; i < 2; ++i) {
+    Span written;
+    if (!ProjectRegion(axes[i], 0, sizes[i], &written)) return StatusNothingToDoWarning;
+    if (pixel[i] < written.first || pixel[i] >= written.first + written.count)
+      return StatusOutOfRangeErr;
+    const Span one = {pixel[i], 1};
+    int index;
+    if (call.interpolation == InterpolateNearest)
+      BandNearestIndices(axes[i], one, &index), found[i] = index;
+    else
+      BandPositions(axes[i], one, &found[i]);
+    found[i] += axes[i].start;
+  }
+  position[0] = found[0];
+  position[1] = found[1];
+  return StatusOk;
+}
+
 bool HasResizeRows(IppiSize srcSize, IppiRect srcRoi, int firstRow, int rows, double yFactor) {
   Span span;
   return ProjectRegion(RowAxis(srcSize, srcRoi, yFactor, 0), firstRow, rows, &span);

@@ -35,10 +35,14 @@ IppStatus RunWhole(const ResizeTask& task, Axis x, Axis y, int interpolation) {
   }
 }
 
-IppStatus ResizeImage(const unsigned char* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
-                      unsigned char* dst, int dstStep, IppiSize dstRoiSize, double xFactor,
-                      double yFactor, int interpolation, int channels) {
-  if (!src || !dst) return StatusNullPtrErr;
+// A call whose arguments are good: what is read, what is written, and how.
+struct WholePlan {
+  Axis x, y;
+  int width, height, interpolation;
+};
+
+IppStatus PlanWhole(IppiSize srcSize, IppiRect srcRoi, IppiSize dstRoiSize, double xFactor,
+                    double yFactor, int interpolation, WholePlan* plan) {
   if (CheckSource(srcSize, srcRoi) != StatusOk) return StatusSizeErr;
   if (StartsOutside(srcSize, srcRoi)) return StatusNoOverlapWarning;
   if (dstRoiSize.width < 1 || dstRoiSize.height < 1) return StatusSizeErr;
@@ -50,20 +54,52 @@ IppStatus ResizeImage(const unsigned char* src, IppiSize srcSize, int srcStep, I
   }
   const Axis x = {ClippedLength(srcRoi.x, srcRoi.width, srcSize.width), xFactor};
   const Axis y = {ClippedLength(srcRoi.y, srcRoi.height, srcSize.height), yFactor};
+  *plan = {x, y, WrittenExtent(x, dstRoiSize.width), WrittenExtent(y, dstRoiSize.height),
+           interpolation};
+  return plan->width == 0 || plan->height == 0 ? StatusEmptyOutputErr : StatusOk;
+}
+
+IppStatus ResizeImage(const unsigned char* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
+                      unsigned char* dst, int dstStep, IppiSize dstRoiSize, double xFactor,
+                      double yFactor, int interpolation, int channels) {
+  if (!src || !dst) return StatusNullPtrErr;
+  WholePlan plan;
+  const IppStatus status =
+      PlanWhole(srcSize, srcRoi, dstRoiSize, xFactor, yFactor, interpolation, &plan);
+  if (status != StatusOk) return status;
   const ResizeTask task = {PixelAt(src, srcStep, srcRoi.x, srcRoi.y, channels),
                            srcStep,
                            dst,
                            dstStep,
                            channels,
-                           WrittenExtent(x, dstRoiSize.width),
-                           WrittenExtent(y, dstRoiSize.height),
-                           x.length,
-                           y.length};
-  if (task.width == 0 || task.height == 0) return StatusEmptyOutputErr;
-  return RunWhole(task, x, y, interpolation);
+                           plan.width,
+                           plan.height,
+                           plan.x.length,
+                           plan.y.length};
+  return RunWhole(task, plan.x, plan.y, plan.interpolation);
+}
+
+// In the region; area averaging stands in the middle of what it covers.
+double PositionOf(Axis axis, int i, int interpolation) {
+  switch (interpolation) {
+    case InterpolateNearest: return NearestIndex(axis, i);
+    case InterpolateArea: return (i + 0.5) / axis.factor - 0.5;
+    default: return AlignedPosition(axis, i);
+  }
 }
 
 }  // namespace
+
+IppStatus WholeSourcePosition(const ResizeCall& call, int x, int y, double position[2]) {
+  WholePlan plan;
+  const IppStatus status = PlanWhole(call.srcSize, call.srcRoi, call.dstRoiSize, call.xFactor,
+                                     call.yFactor, call.interpolation, &plan);
+  if (status != StatusOk) return status;
+  if (x < 0 || x >= plan.width || y < 0 || y >= plan.height) return StatusOutOfRangeErr;
+  position[0] = call.srcRoi.x + PositionOf(plan.x, x, plan.interpolation);
+  position[1] = call.srcRoi.y + PositionOf(plan.y, y, plan.interpolation);
+  return StatusOk;
+}
 
 bool Enlarges(double xFactor, double yFactor) { return xFactor > 1 || yFactor > 1; }
 

@@ -33,6 +33,12 @@ class ResizeRoute {
   IppStatus RunWhole() const;
   IppStatus RunRows(int first, int length) const;
 
+  // See WholeSourcePosition.
+  IppStatus SourcePosition(int x, int y, double position[2]) const {
+    return bands_ > 1 ? BandSourcePosition(call_, x, y, position)
+                      : WholeSourcePosition(call_, x, y, position);
+  }
+
  private:
   ResizeCall call_;
   int channels_, bands_;

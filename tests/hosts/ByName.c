@@ -153,11 +153,29 @@ static int Deinterlace(Function f) {
   return ((int (*)(int, In, int, Out, int, Size, unsigned, unsigned))f)(
       2, source, kStep, destination, kStep, size, 128, 0);
 }
+static int ToPixels(Function f) {
+  return ((int (*)(int, const Byte* const*, const int*, int, Out, int, Size, int, int, int))f)(
+      0, sources, steps, 0, destination, kStep, size, 0, 0, 1);
+}
+static int ToSamples(Function f) {
+  return ((int (*)(int, In, int, int, Byte* const*, const int*, Size, int, int, int))f)(
+      0, source, kStep, 0, planes, steps, size, 1, 1, 2);
+}
 static int Text(Function f) { return ((const char* (*)(int))f)(-6)[0]; }
 static int Word(Function f) { return ((const char* (*)(void))f)()[0] != 0; }
 static int Number(Function f) { return ((int (*)(void))f)() > 0; }
 static int SetName(Function f) { return ((int (*)(const char*))f)("no level"); }
 static int SetNumber(Function f) { return ((int (*)(int))f)(2); }
+
+static int RowBytes(Function f) { return ((int (*)(int, int))f)(2, 11); }
+static int Position(Function f) {
+  const Size to = {6, 12};
+  return ((int (*)(Size, Rect, Size, double, double, int, int, int, double*))f)(
+      size, whole, to, 0.5, 1.5, 1, 3, 4, numbers);
+}
+static int WarpPosition(Function f) {
+  return ((int (*)(Rect, const double*, double, double, double*))f)(whole, shift, 3.5, 4, numbers);
+}
 
 static const struct {
   const char* name;
@@ -196,6 +214,11 @@ static const struct {
     {"qv_levels", Word, 0xa9508c53},
     {"qv_set_level", SetName, 0xfd9d3644},
     {"qv_set_thread_limit", SetNumber, 0x59244d42},
+    {"qv_yuv_to_rgb", ToPixels, 0xfb475781},
+    {"qv_rgb_to_yuv", ToSamples, 0x50f59d79},
+    {"qv_row_bytes", RowBytes, 0xa3c8aa33},
+    {"qv_source_position", Position, 0x7439fa8e},
+    {"qv_warp_source_position", WarpPosition, 0xc275eaa8},
     {"qv_resample", Resample, 0x24bbbfe5},
 };
 

@@ -1,14 +1,12 @@
 #include "HostInfo.h"
 
-#include <vector>
-
 #if defined(__linux__)
 #include <sched.h>
 #endif
 
 #include "dispatch/ProcessorInfo.h"
 #include "dispatch/VariantIndex.h"
-#include "qvAcceleratedLib/CqvAccLib.h"
+#include "qvAcceleratedLib/qv.h"
 
 namespace qvtool {
 namespace {
@@ -45,28 +43,6 @@ std::string ClassName(int cpuCode) {
   }
 }
 
-// Into how many bands the library cuts an image that is high enough, which is its thread budget.
-// The class does not say; but a resize returns the status of its last band, and that is 1 where the
-// projected region ends above the band. So the height at which the status changes tells where the
-// last band begins.
-int CountBands() {
-  constexpr int kMost = 512, kRows = 65 * kMost;
-  std::vector<unsigned char> source(2 * kRows), destination(kRows);
-  const auto reachesLastBand = [&](int rows) {
-    return CqvAccLib::qvResize(CqvAccLib::OneChannel, source.data(), {1, 2 * kRows}, 1,
-                               {0, 0, 1, 2 * kRows}, destination.data(), 1, {1, kRows}, 1,
-                               (rows + .5) / (2 * kRows), 2) == StatusOk;
-  };
-  int above = 0, within = kRows;
-  while (within - above > 1) {
-    const int middle = (above + within) / 2;
-    (reachesLastBand(middle) ? within : above) = middle;
-  }
-  for (int count = kMost; count > 1; --count)
-    if ((count - 1) * (kRows / count) == within) return count;
-  return 1;
-}
-
 int AffinityProcessors() {
 #if defined(__linux__)
   cpu_set_t set;
@@ -90,7 +66,7 @@ HostInfo DescribeHost() {
   host.wideLevel = qv::WideLevel;
   host.carrylessLevel = qv::CarrylessLevel;
   host.carryless = kCarryless[host.carrylessLevel];
-  host.threadBudget = CountBands();
+  host.threadBudget = qv_threads();
   host.processors = AffinityProcessors();
   host.level = qv::ServingLevel(qv::BuiltLevelSet(), host.variantIndex, host.wideLevel);
   return host;

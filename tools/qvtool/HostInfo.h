@@ -1,5 +1,6 @@
 // What the library finds on this host. The library keeps the level to itself: the tool asks the
-// processor once more, with the same code. The thread budget is the library's own.
+// processor once more, with the same code. The thread budget is
+// the C library's, which counts as the class's does.
 #ifndef QV_TOOLS_QVTOOL_HOSTINFO_H
 #define QV_TOOLS_QVTOOL_HOSTINFO_H
 

@@ -6,9 +6,6 @@
 
 namespace qvtool {
 
-// The meaning of a status, in a few words.
-const char* Meaning(IppStatus status);
-
 // Throws an Error that names the operation when the status is below 0; warnings pass.
 void Check(const char* operation, IppStatus status);
 
