@@ -653,28 +653,15 @@ QV_API(int) qv_warp_source_position(qv_rect src_roi, const double coeffs[9], dou
 
 // Luma and chroma to pixels, and back.
 
-// Layouts of luma and chroma: their planes, in the order in which they are passed, and the rows
-// of a frame of w x h pixels. cw is (w + 1) / 2 and ch is (h + 1) / 2, rounded down: an odd last
-// column or row has chroma of its own.
-enum qv_yuv_layout {
-  QV_YUV_I420 = 0,  // Y: h rows of w bytes; Cb, Cr: ch rows of cw
-  QV_YUV_YV12 = 1,  // the same with Cr before Cb
-  QV_YUV_NV12 = 2,  // Y: h rows of w bytes; ch rows of cw pairs Cb, Cr
-  QV_YUV_NV21 = 3,  // the same with pairs Cr, Cb
-  QV_YUV_YUYV = 4,  // one plane: h rows of cw groups Y0, Cb, Y1, Cr
-  QV_YUV_UYVY = 5,  // one plane: h rows of cw groups Cb, Y0, Cr, Y1
-  QV_YUV_I422 = 6,  // Y: h rows of w bytes; Cb, Cr: h rows of cw
-  QV_YUV_I444 = 7   // Y, Cb, Cr: h rows of w bytes
-};
-
-// Layouts of pixels: their bytes in address order.
-enum qv_rgb_layout {
-  QV_RGB_BGR = 0,
-  QV_RGB_RGB = 1,
-  QV_RGB_BGRA = 2,
-  QV_RGB_RGBA = 3,
-  QV_RGB_GREY = 4  // one byte
-};
+// Layouts are those of qv_layout: pixels have one of QV_LAYOUT_GREY to QV_LAYOUT_RGBA, luma and
+// chroma one of QV_LAYOUT_YUYV to QV_LAYOUT_I444. Planes are passed in the order named there. Of a
+// frame of w x h pixels, the luma plane has h rows of w bytes. With cw = (w + 1) / 2 and
+// ch = (h + 1) / 2, rounded down, so that an odd last column or row has chroma of its own:
+//   I420, YV12  ch rows of cw bytes in either plane of chroma
+//   NV12, NV21  ch rows of cw pairs
+//   I422        h rows of cw bytes in either plane of chroma
+//   I444        h rows of w bytes
+//   YUYV, UYVY  h rows of cw groups of four bytes
 
 // The weights of red and blue in luma; that of green is Kg = 1 - Kr - Kb.
 enum qv_yuv_matrix {
@@ -728,7 +715,7 @@ enum qv_chroma_siting {
 //           BT.2020  16384  30825   2696   9361  24160
 //
 // Source and destination must not overlap. Nothing is written unless the status is 0.
-// Returns QV_STATUS_DATA_TYPE_ERR (-2) if yuv_layout or rgb_layout is none of the above;
+// Returns QV_STATUS_DATA_TYPE_ERR (-2) if yuv_layout or rgb_layout is none of those;
 // QV_STATUS_BAD_ARG_ERR (-5) if matrix, range or siting is none; QV_STATUS_NULL_PTR_ERR (-8) if
 // planes, steps, dst or a plane that is read is null; QV_STATUS_SIZE_ERR (-6) if width or height
 // is below 1.
@@ -765,7 +752,7 @@ QV_API(int) qv_yuv_to_rgb(int yuv_layout, const unsigned char* const planes[], c
 // arithmetic would lose as much.
 //
 // Source and destination must not overlap. Nothing is written unless the status is 0.
-// Returns QV_STATUS_DATA_TYPE_ERR (-2) if rgb_layout or yuv_layout is none of the above;
+// Returns QV_STATUS_DATA_TYPE_ERR (-2) if rgb_layout or yuv_layout is none of those;
 // QV_STATUS_BAD_ARG_ERR (-5) if matrix, range or siting is none; QV_STATUS_NULL_PTR_ERR (-8) if
 // src, planes, steps or a plane is null; QV_STATUS_SIZE_ERR (-6) if width or height is below 1.
 QV_API(int) qv_rgb_to_yuv(int rgb_layout, const unsigned char* src, int src_step, int yuv_layout,

@@ -170,8 +170,15 @@ QV_INLINE const Byte* FirstOf(const SampleRows& rows) {
 }
 
 QV_INLINE void LoadGroups(const Byte* groups, bool lumaFirst, Vec& luma, Vec& pairs) {
-  const Vec low = Load(groups), high = Load(groups + kVecBytes);
-  const Vec even = EvenBytes(low, high), odd = OddBytes(low, high);
+  Vec low, high, even, odd;
+  LoadPacked(groups, low, high);
+  if constexpr (kHasBytePermute) {
+    even = EvenBytes(low, high);
+    odd = OddBytes(low, high);
+  } else {  // lanes are loaded such that they are in order when they are packed
+    even = PackUnsigned16(And(low, Splat16(0xff)), And(high, Splat16(0xff)));
+    odd = PackUnsigned16(ShiftRight16<8>(low), ShiftRight16<8>(high));
+  }
   luma = lumaFirst ? even : odd;
   pairs = lumaFirst ? odd : even;
 }

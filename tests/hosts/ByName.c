@@ -155,11 +155,11 @@ static int Deinterlace(Function f) {
 }
 static int ToPixels(Function f) {
   return ((int (*)(int, const Byte* const*, const int*, int, Out, int, Size, int, int, int))f)(
-      0, sources, steps, 0, destination, kStep, size, 0, 0, 1);
+      8, sources, steps, 2, destination, kStep, size, 0, 0, 1);
 }
 static int ToSamples(Function f) {
   return ((int (*)(int, In, int, int, Byte* const*, const int*, Size, int, int, int))f)(
-      0, source, kStep, 0, planes, steps, size, 1, 1, 2);
+      2, source, kStep, 8, planes, steps, size, 1, 1, 2);
 }
 static int Text(Function f) { return ((const char* (*)(int))f)(-6)[0]; }
 static int Word(Function f) { return ((const char* (*)(void))f)()[0] != 0; }
