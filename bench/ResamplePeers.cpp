@@ -78,8 +78,8 @@ std::vector<ResizePeer> ResamplePeers([[maybe_unused]] const ResampleJob& r) {
   if (channels == 1 && code != 8) peers.push_back({"zimg", ZimgResize(r.job)});
 #endif
 #if defined(QV_BENCH_VIPS)
-  // Reductions by more than four are means over whole pixels first.
-  const bool shrinks = from.width > 4 * to.width;
+  // Reductions by four and more are means over whole pixels first.
+  const bool shrinks = from.width >= 4 * to.width;
   if (code > 1 && code != 8)
     peers.push_back({shrinks ? "~libvips, shrunk first" : "libvips", [=] { VipsResize(r); }});
 #endif
