@@ -653,28 +653,15 @@ QV_API(int) qv_warp_source_position(qv_rect src_roi, const double coeffs[9], dou
 
 // Luma and chroma to pixels, and back.
 
-// Layouts of luma and chroma: their planes, in the order in which they are passed, and the rows
-// of a frame of w x h pixels. cw is (w + 1) / 2 and ch is (h + 1) / 2, rounded down: an odd last
-// column or row has chroma of its own.
-enum qv_yuv_layout {
-  QV_YUV_I420 = 0,  // Y: h rows of w bytes; Cb, Cr: ch rows of cw
-  QV_YUV_YV12 = 1,  // the same with Cr before Cb
-  QV_YUV_NV12 = 2,  // Y: h rows of w bytes; ch rows of cw pairs Cb, Cr
-  QV_YUV_NV21 = 3,  // the same with pairs Cr, Cb
-  QV_YUV_YUYV = 4,  // one plane: h rows of cw groups Y0, Cb, Y1, Cr
-  QV_YUV_UYVY = 5,  // one plane: h rows of cw groups Cb, Y0, Cr, Y1
-  QV_YUV_I422 = 6,  // Y: h rows of w bytes; Cb, Cr: h rows of cw
-  QV_YUV_I444 = 7   // Y, Cb, Cr: h rows of w bytes
-};
-
-// Layouts of pixels: their bytes in address order.
-enum qv_rgb_layout {
-  QV_RGB_BGR = 0,
-  QV_RGB_RGB = 1,
-  QV_RGB_BGRA = 2,
-  QV_RGB_RGBA = 3,
-  QV_RGB_GREY = 4  // one byte
-};
+// Layouts are those of qv_layout: pixels have one of QV_LAYOUT_GREY to QV_LAYOUT_RGBA, luma and
+// chroma one of QV_LAYOUT_YUYV to QV_LAYOUT_I444. Planes are passed in the order named there. Of a
+// frame of w x h pixels, the luma plane has h rows of w bytes. With cw = (w + 1) / 2 and
+// ch = (h + 1) / 2, rounded down, so that an odd last column or row has chroma of its own:
+//   I420, YV12  ch rows of cw bytes in either plane of chroma
+//   NV12, NV21  ch rows of cw pairs
+//   I422        h rows of cw bytes in either plane of chroma
+//   I444        h rows of w bytes
+//   YUYV, UYVY  h rows of cw groups of four bytes
 
 // The weights of red and blue in luma; that of green is Kg = 1 - Kr - Kb.
 enum qv_yuv_matrix {
@@ -728,7 +715,7 @@ enum qv_chroma_siting {
 //           BT.2020  16384  30825   2696   9361  24160
 //
 // Source and destination must not overlap. Nothing is written unless the status is 0.
-// Returns QV_STATUS_DATA_TYPE_ERR (-2) if yuv_layout or rgb_layout is none of the above;
+// Returns QV_STATUS_DATA_TYPE_ERR (-2) if yuv_layout or rgb_layout is none of those;
 // QV_STATUS_BAD_ARG_ERR (-5) if matrix, range or siting is none; QV_STATUS_NULL_PTR_ERR (-8) if
 // planes, steps, dst or a plane that is read is null; QV_STATUS_SIZE_ERR (-6) if width or height
 // is below 1.
@@ -765,7 +752,7 @@ QV_API(int) qv_yuv_to_rgb(int yuv_layout, const unsigned char* const planes[], c
 // arithmetic would lose as much.
 //
 // Source and destination must not overlap. Nothing is written unless the status is 0.
-// Returns QV_STATUS_DATA_TYPE_ERR (-2) if rgb_layout or yuv_layout is none of the above;
+// Returns QV_STATUS_DATA_TYPE_ERR (-2) if rgb_layout or yuv_layout is none of those;
 // QV_STATUS_BAD_ARG_ERR (-5) if matrix, range or siting is none; QV_STATUS_NULL_PTR_ERR (-8) if
 // src, planes, steps or a plane is null; QV_STATUS_SIZE_ERR (-6) if width or height is below 1.
 QV_API(int) qv_rgb_to_yuv(int rgb_layout, const unsigned char* src, int src_step, int yuv_layout,
@@ -784,15 +771,8 @@ enum qv_pixels {
   QV_PIXELS_STRAIGHT = 5        // three colours as they are, and alpha
 };
 
-enum qv_filter {
-  QV_FILTER_DEFAULT = 0,   // linear
-  QV_FILTER_NEAREST = 1,   // the sample that the position lies in
-  QV_FILTER_LINEAR = 2,    // 1 - |x| up to a distance of 1
-  QV_FILTER_CUBIC = 4,     // Keys 1981, with the parameter `cubic`
-  QV_FILTER_AREA = 8,      // the mean over what a destination pixel covers
-  QV_FILTER_LANCZOS = 16,  // sinc(x) sinc(x / 3) up to a distance of 3
-  QV_FILTER_MITCHELL = 32  // Mitchell and Netravali 1988, B = C = 1/3
-};
+// The filters are those of enum qv_interpolation and this one.
+enum { QV_INTERPOLATE_MITCHELL = 32 };
 
 // Which positions in the source the destination's pixels have.
 enum qv_position {
@@ -803,7 +783,7 @@ enum qv_position {
 // All zero: one byte a pixel, linear, by centres, widened, the whole source.
 typedef struct qv_resample_options {
   int pixels;    // enum qv_pixels
-  int filter;    // enum qv_filter
+  int filter;    // enum qv_interpolation or QV_INTERPOLATE_MITCHELL; 0 stands for linear
   int position;  // enum qv_position
   int narrow;    // 1: the filter keeps its width in reductions, which may alias
   // The region that becomes the destination, in source pixels from the source's left and top edge.
@@ -825,11 +805,15 @@ typedef struct qv_resample_options {
 // Its step is L / N or (L - 1) / (N - 1), 0 if N is 1.
 //
 // Filters. A byte is the sum over both axes of the source's bytes times the filter's value at their
-// distance from the position, these divided by their sum; limited to 0 .. 255. Unless narrow is 1,
-// filters are widened by a step above 1: the distance is divided by it, so that every source pixel
-// counts. Area is the mean over one step around the position, each source pixel by its share,
-// whatever `narrow` says. Nearest is pixel floor(position + 0.5), the later one on a tie. Pixels
-// around the region are read as far as the filter reaches: parts of an image that are resized one by
+// distance x from the position, these values divided by their sum; limited to 0 .. 255:
+//   linear    1 - |x| up to a distance of 1
+//   cubic     Keys 1981 with the parameter a, up to 2
+//   Lanczos   sinc(x) sinc(x / 3) up to 3
+//   Mitchell  Mitchell and Netravali 1988 with B = C = 1/3, up to 2
+// Unless narrow is 1, they are widened by a step above 1: the distance is divided by it, so that
+// every source pixel counts. Area is the mean over one step around the position, each source pixel
+// by its share, whatever `narrow` says. Nearest is pixel floor(position + 0.5), the later one on a
+// tie. Pixels around the region are read as far as the filter reaches: parts of an image that are resized one by
 // one fit together. Beyond the source lie copies of its edge pixels.
 //
 // Alpha. Premultiplied: like four bytes, and colours are limited to the alpha. Straight: alpha is
