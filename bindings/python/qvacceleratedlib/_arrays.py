@@ -116,7 +116,7 @@ def in_place(image: Image, out: Optional[Image], channels: Sequence[int],
         copy, address, step = target(out, image.shape, image, *sources)
         np.copyto(copy, image)
         return copy, (address, step) + described[2:]
-    separate(out, argument, *sources)
+    separate(out, "out", *sources)
     return out, described
 
 
