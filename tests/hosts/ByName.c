@@ -149,6 +149,26 @@ static int Plus(Function f) {
   return ((int (*)(int, Out, int, In, int, In, int, int, int))f)(4, destination, kStep, source, kStep,
                                                                  alpha, kStep, kWidth, kHeight);
 }
+static int LayOver(Function f) {
+  return ((int (*)(int, Out, int, Size, int, In, int, Size, In, int, int, int, int, int))f)(
+      3, destination, kStep, size, 3, source, kStep, size, alpha, kStep, -2, 3, 200, 0);
+}
+static int Bob(Function f) {
+  return ((int (*)(In, int, Out, int, Out, int, Size, int, int))f)(
+      source, kStep, destination, kStep, destination + kStep * 10, kStep, size, 1, 100);
+}
+static int Weave(Function f) {
+  return ((int (*)(In, int, In, int, Out, int, Size, int))f)(source, kStep, alpha, kStep,
+                                                             destination, kStep, size, 1);
+}
+static int Invert(Function f) { return ((int (*)(const double*, double*))f)(shift, numbers); }
+static int Canvas(Function f) {
+  int canvas[2] = {0, 0};
+  const int status = ((int (*)(Size, double, int*, double*))f)(size, 90.0, canvas, numbers);
+  numbers[2] = canvas[0], numbers[3] = canvas[1];
+  return status;
+}
+
 static int Deinterlace(Function f) {
   return ((int (*)(int, In, int, Out, int, Size, unsigned, unsigned))f)(
       2, source, kStep, destination, kStep, size, 128, 0);
