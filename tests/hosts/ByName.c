@@ -240,6 +240,11 @@ static const struct {
     {"qv_source_position", Position, 0x7439fa8e},
     {"qv_warp_source_position", WarpPosition, 0xc275eaa8},
     {"qv_resample", Resample, 0x24bbbfe5},
+    {"qv_over", LayOver, 0x5e759869},
+    {"qv_deinterlace_bob", Bob, 0x41aea9e7},
+    {"qv_weave", Weave, 0x2eb18795},
+    {"qv_invert_transform", Invert, 0xc3ad1273},
+    {"qv_rotation_canvas", Canvas, 0x3057ed4f},
 };
 
 static Function Find(const char* path, const char* name) {
