@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "bench/ResizePeers.h"
+#include "qvAcceleratedLib/Resample.h"
 #include "support/Bytes.h"
 #include "support/ExactResize.h"
 #include "support/Levels.h"
@@ -131,6 +132,10 @@ void Compare(const char* method, const ResizeJob& job) {
                         double(job.to.height) / job.from.height, job.code);
     report(threads == 1 ? "ours" : "ours, two bands");
   }
+  qv::ResampleOptions options = {};
+  options.filter = job.code;
+  qv::Resample({job.src, job.from, job.from.width, job.dst, job.to, job.to.width}, &options);
+  report("ours, qv_resample");
   for (const ResizePeer& peer : ResizePeers(job)) {
     std::fill_n(job.dst, job.to.width * job.to.height, 0);
     peer.work();

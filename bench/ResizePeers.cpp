@@ -23,8 +23,6 @@ extern "C" {
 
 namespace bench {
 
-namespace {
-
 #if defined(QV_BENCH_ZIMG)
 // A graph for one plane of bytes.
 std::function<void()> ZimgResize(const ResizeJob& job) {
@@ -43,10 +41,11 @@ std::function<void()> ZimgResize(const ResizeJob& job) {
   zimg_graph_builder_params_default(&params, ZIMG_API_VERSION);
   params.resample_filter = code == 1   ? ZIMG_RESIZE_POINT
                            : code == 2 ? ZIMG_RESIZE_BILINEAR
-                           : code == 4 ? ZIMG_RESIZE_BICUBIC
-                                       : ZIMG_RESIZE_LANCZOS;
-  params.filter_param_a = code == 4 ? 0 : 3;
-  params.filter_param_b = 0.5;
+                           : code == 16 ? ZIMG_RESIZE_LANCZOS
+                                        : ZIMG_RESIZE_BICUBIC;
+  const bool mitchell = code == 32;
+  params.filter_param_a = mitchell ? 1.0 / 3 : code == 4 ? 0 : 3;
+  params.filter_param_b = mitchell ? 1.0 / 3 : 0.5;
   params.cpu_type = IsLimited() ? ZIMG_CPU_X86_AVX2 : ZIMG_CPU_AUTO_64B;
   const std::shared_ptr<zimg_filter_graph> graph(zimg_filter_graph_build(&in, &out, &params),
                                                  zimg_filter_graph_free);
@@ -64,6 +63,8 @@ std::function<void()> ZimgResize(const ResizeJob& job) {
   };
 }
 #endif
+
+namespace {
 
 #if defined(QV_BENCH_SWSCALE)
 std::function<void()> SwsResize(AVPixelFormat format, int code, IppiSize from,

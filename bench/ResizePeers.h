@@ -25,6 +25,18 @@ struct ResizePeer {
   std::function<void()> work;
 };
 
+// What zimg does with a plane: widened for reductions.
+std::function<void()> ZimgResize(const ResizeJob& job);
+
+// One whose filters are widened for reductions, between pixel centres, of one to four channels; code
+// 32 is Mitchell's filter. `weighted` for four of which the last is the alpha that weighs colours.
+struct ResampleJob {
+  ResizeJob job;
+  bool weighted;
+};
+
+std::vector<ResizePeer> ResamplePeers(const ResampleJob& job);
+
 // The peers found that do this job, or (those with a leading "~") one much like it.
 std::vector<ResizePeer> ResizePeers(const ResizeJob& job);
 

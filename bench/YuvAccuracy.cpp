@@ -83,8 +83,8 @@ void PrintToSamples(Frames& f, int matrix, int range, const char* contender, Con
   Errors errors, trip;
   for (std::size_t i = 0; i < kAll; ++i) errors.Add(f.Samples(i), ExactYuv(colors, f.Pixel(i)));
   PrintRow("to samples", matrix, range, contender, errors);
-  YuvToRgb(QV_YUV_I444, f.plane, f.step, QV_RGB_BGRA, f.pixels.data(), 4 * kSide, kSize, matrix,
-           range, QV_CHROMA_REPEATED);
+  YuvToRgb(QV_LAYOUT_I444, f.plane, f.step, QV_LAYOUT_BGRA, f.pixels.data(), 4 * kSide, kSize,
+           matrix, range, QV_CHROMA_REPEATED);
   for (std::size_t i = 0; i < kAll; ++i)
     trip.Add(f.Pixel(i), {double(i & 255), double(i >> 8 & 255), double(i >> 16)});
   PrintRow("and back", matrix, range, contender, trip);
@@ -104,8 +104,8 @@ void PrintYuvAccuracy() {
   for (int i = 0; i < 6; ++i) {
     const int matrix = i % 3, range = i / 3;
     PrintToPixels(frames, matrix, range, "ours", [=](Frames& f) {
-      YuvToRgb(QV_YUV_I444, f.plane, f.step, QV_RGB_BGRA, f.pixels.data(), 4 * kSide, kSize, matrix,
-               range, QV_CHROMA_REPEATED);
+      YuvToRgb(QV_LAYOUT_I444, f.plane, f.step, QV_LAYOUT_BGRA, f.pixels.data(), 4 * kSide, kSize,
+               matrix, range, QV_CHROMA_REPEATED);
     });
 #if defined(QV_BENCH_LIBYUV)
     const libyuv::YuvConstants* const constants[] = {
@@ -117,8 +117,8 @@ void PrintYuvAccuracy() {
     });
 #endif
     PrintToSamples(frames, matrix, range, "ours", [=](Frames& f) {
-      RgbToYuv(QV_RGB_BGRA, f.pixels.data(), 4 * kSide, QV_YUV_I444, f.plane, f.step, kSize, matrix,
-               range, QV_CHROMA_REPEATED);
+      RgbToYuv(QV_LAYOUT_BGRA, f.pixels.data(), 4 * kSide, QV_LAYOUT_I444, f.plane, f.step, kSize,
+               matrix, range, QV_CHROMA_REPEATED);
     });
 #if defined(QV_BENCH_LIBYUV)
     if (i == 0)

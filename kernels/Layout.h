@@ -6,6 +6,7 @@ namespace qv {
 
 enum class Layout {
   kGray,            // one byte a pixel
+  kPairs,           // two interleaved bytes
   kTriples,         // three interleaved bytes
   kQuads,           // four interleaved bytes
   kTriplesOfQuads,  // the first three of four interleaved bytes; the fourth is not stored to
@@ -21,6 +22,7 @@ __attribute__((always_inline)) constexpr int PixelBytes(Layout layout) {
     case Layout::kTriples: return 3;
     case Layout::kQuads:
     case Layout::kTriplesOfQuads: return 4;
+    case Layout::kPairs:
     case Layout::kPairs422: return 2;
     default: return 1;
   }

@@ -208,10 +208,11 @@ IppStatus CqvAccLib::qvResize(qvDataType type, const unsigned char* src, IppiSiz
                               int srcStep, IppiRect srcRoi, unsigned char* dst, int dstStep,
                               IppiSize dstRoiSize, double xFactor, double yFactor,
                               int interpolation) {
+  if (type != OneChannel && type != ThreeChannels) return StatusDataTypeErr;
   const FloatEnvironment environment;
-  const int channels = type == OneChannel ? 1 : type == ThreeChannels ? 3 : 0;
   const ResizeRoute route({src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoiSize, xFactor,
-                           yFactor, interpolation}, channels,
+                           yFactor, interpolation},
+                          type == OneChannel ? Layout::kGray : Layout::kTriples,
                           ResizeBands(srcSize, dstRoiSize, CallBudget()));
   if (route.bands() == 1) return route.RunWhole();
   const Bands bands = {route.bands(), route.rowsPerBand(), dstRoiSize.height};

@@ -24,33 +24,39 @@ struct YuvPlaces {
   bool halfWidth, halfHeight;
 };
 
+// From QV_LAYOUT_YUYV to QV_LAYOUT_I444.
 constexpr YuvPlaces kYuvLayouts[] = {
+    {1, {0, 0, 2}, {0, 1, 4}, {0, 3, 4}, true, false},   // YUYV
+    {1, {0, 1, 2}, {0, 0, 4}, {0, 2, 4}, true, false},   // UYVY
     {3, {0, 0, 1}, {1, 0, 1}, {2, 0, 1}, true, true},    // I420
     {3, {0, 0, 1}, {2, 0, 1}, {1, 0, 1}, true, true},    // YV12
     {2, {0, 0, 1}, {1, 0, 2}, {1, 1, 2}, true, true},    // NV12
     {2, {0, 0, 1}, {1, 1, 2}, {1, 0, 2}, true, true},    // NV21
-    {1, {0, 0, 2}, {0, 1, 4}, {0, 3, 4}, true, false},   // YUYV
-    {1, {0, 1, 2}, {0, 0, 4}, {0, 2, 4}, true, false},   // UYVY
     {3, {0, 0, 1}, {1, 0, 1}, {2, 0, 1}, true, false},   // I422
     {3, {0, 0, 1}, {1, 0, 1}, {2, 0, 1}, false, false},  // I444
 };
+constexpr int kFirstYuv = QV_LAYOUT_YUYV;
 
 struct RgbBytes {
   int channels;
   bool redFirst;
 };
 
-constexpr RgbBytes kRgbLayouts[] = {{3, false}, {3, true}, {4, false}, {4, true}, {1, false}};
+// From QV_LAYOUT_GREY to QV_LAYOUT_RGBA.
+constexpr RgbBytes kRgbLayouts[] = {{1, false}, {3, false}, {3, true}, {4, false}, {4, true}};
+constexpr int kFirstRgb = QV_LAYOUT_GREY;
 
-constexpr bool IsBelow(int value, std::size_t count) {
-  return value >= 0 && static_cast<std::size_t>(value) < count;
+// One of `count` numbers from `first` on.
+constexpr bool IsOneOf(int value, int first, std::size_t count) {
+  return value >= first && value < first + static_cast<int>(count);
 }
 
 IppStatus CheckCodes(int yuvLayout, int rgbLayout, int matrix, int range, int siting) {
-  if (!IsBelow(yuvLayout, std::size(kYuvLayouts)) || !IsBelow(rgbLayout, std::size(kRgbLayouts)))
+  if (!IsOneOf(yuvLayout, kFirstYuv, std::size(kYuvLayouts)) ||
+      !IsOneOf(rgbLayout, kFirstRgb, std::size(kRgbLayouts)))
     return StatusDataTypeErr;
-  const bool known =
-      IsBelow(matrix, std::size(kColorMatrices)) && IsBelow(range, 2) && IsBelow(siting, 3);
+  const bool known = IsOneOf(matrix, 0, std::size(kColorMatrices)) && IsOneOf(range, 0, 2) &&
+                     IsOneOf(siting, 0, 3);
   return known ? StatusOk : StatusBadArgErr;
 }
 
@@ -91,7 +97,7 @@ ChromaSiting SitingOf(int siting) {
 template <class Kernel, class Rows>
 IppStatus RunRows(const Kernel& kernel, int yuvLayout, int rgbLayout, IppiSize size,
                   const Rows& rows) {
-  const int layouts = (yuvLayout * 8 + rgbLayout) << 16;
+  const int layouts = (yuvLayout * 16 + rgbLayout) << 16;
   const Work work = {1ll * size.width * size.height, MethodOf(kernel, layouts)};
   return RunBands(PlanEvenBands(size.height, CallBudget()), work, [&](Band band) {
     rows(static_cast<int>(band.first), band.length);
@@ -106,8 +112,8 @@ IppStatus YuvToRgb(int yuvLayout, const unsigned char* const planes[], const int
                    int range, int siting) {
   if (const IppStatus status = CheckCodes(yuvLayout, rgbLayout, matrix, range, siting))
     return status;
-  const YuvPlaces& layout = kYuvLayouts[yuvLayout];
-  const RgbBytes& pixel = kRgbLayouts[rgbLayout];
+  const YuvPlaces& layout = kYuvLayouts[yuvLayout - kFirstYuv];
+  const RgbBytes& pixel = kRgbLayouts[rgbLayout - kFirstRgb];
   const bool grey = pixel.channels == 1;
   if (const IppStatus status = CheckImages(dst, planes, steps, grey ? 1 : layout.planes, size))
     return status;
@@ -151,8 +157,8 @@ IppStatus RgbToYuv(int rgbLayout, const unsigned char* src, int srcStep, int yuv
                    int range, int siting) {
   if (const IppStatus status = CheckCodes(yuvLayout, rgbLayout, matrix, range, siting))
     return status;
-  const YuvPlaces& layout = kYuvLayouts[yuvLayout];
-  const RgbBytes& pixel = kRgbLayouts[rgbLayout];
+  const YuvPlaces& layout = kYuvLayouts[yuvLayout - kFirstYuv];
+  const RgbBytes& pixel = kRgbLayouts[rgbLayout - kFirstRgb];
   if (const IppStatus status = CheckImages(src, planes, steps, layout.planes, size)) return status;
   if (pixel.channels == 1 && layout.planes > 1) {
     // Of pairs the chroma that comes first in memory.

@@ -7,7 +7,7 @@ set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 cd "$root"
 "$root/scripts/setup.sh" libgtest-dev libbenchmark-dev pkg-config python3 libopencv-dev libyuv-dev \
-  zlib1g-dev libdeflate-dev libisal-dev libzimg-dev libswscale-dev libpixman-1-dev
+  zlib1g-dev libdeflate-dev libisal-dev libzimg-dev libswscale-dev libpixman-1-dev libvips-dev
 cmake --preset bench -DQV_BUILD_TOOLS=OFF >/dev/null
 cmake --build --preset bench --target qvbench
 run() {

@@ -123,6 +123,8 @@ class Translation:
             if re.search(r"\w+(?=(?:\[\d\])*$)", part)[0] in READ_ONLY.get(name, ()):
                 part = "const " + part
             parts.append(self.words(part))
+        if name not in self.operations:
+            sys.exit(f"c_header.py: {name} is not in Operations.def")
         head = f"QV_API(int) {self.operations[name]}("
         whole = [part.replace(" ", "\0") for part in parts]  # to be broken between them alone
         lines = textwrap.wrap(", ".join(whole) + ");", 100, initial_indent=head,

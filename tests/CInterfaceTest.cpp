@@ -131,7 +131,8 @@ TEST(CInterface, KnowsStatuses) {
   }
 }
 
-// All the way down, with a call that runs meanwhile: another thread's bytes stay the same.
+// All the way down, the number of threads changing as well, with calls that run meanwhile: another
+// thread's bytes stay the same.
 TEST(CInterface, LowersTheLevel) {
   std::string names;
   for (const Level& level : AvailableLevels())
@@ -141,6 +142,8 @@ TEST(CInterface, LowersTheLevel) {
   EXPECT_EQ(qv_set_level(nullptr), QV_STATUS_NULL_PTR_ERR);
   for (const char* wrong : {"", "avx", "generic sse2", "neon"})
     EXPECT_EQ(qv_set_level(wrong), QV_STATUS_OUT_OF_RANGE_ERR) << wrong;
+  const int oldThreads = qv_threads();
+  EXPECT_EQ(qv_set_threads(2), QV_STATUS_OK);
   const std::vector<Outcome> expected = RunAll();
   std::atomic<bool> done = false;
   std::thread other([&] {
@@ -150,6 +153,7 @@ TEST(CInterface, LowersTheLevel) {
   const Level* above = nullptr;
   for (auto level = AvailableLevels().rbegin(); level != AvailableLevels().rend(); ++level) {
     EXPECT_EQ(qv_set_level(level->name), QV_STATUS_OK) << level->name;
+    EXPECT_EQ(qv_set_threads(2 + level->variantIndex % 3), QV_STATUS_OK);  // several in any case
     EXPECT_STREQ(qv_level(), level->name);
     EXPECT_EQ(CarrylessLevel, level->carrylessLevel) << level->name;
     EXPECT_TRUE(!above || qv_set_level(above->name) == QV_STATUS_OUT_OF_RANGE_ERR);
@@ -158,6 +162,7 @@ TEST(CInterface, LowersTheLevel) {
   }
   done = true;
   other.join();
+  EXPECT_EQ(qv_set_threads(oldThreads), QV_STATUS_OK);
 }
 
 // On a slope the byte says where it was read: 5 units a column and 3 a row, of 40 x 30 pixels. In

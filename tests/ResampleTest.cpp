@@ -161,9 +161,9 @@ Job RandomJob(Random& random, int filter) {
   }
   if (random.OneIn(2)) {
     o.srcPhaseX = random.Between(-1.0, 1.0);
-    o.dstPhaseY = random.Pick(-0.25, 0.5);
+    o.dstPhaseY = random.OneIn(2) ? -0.25 : 0.5;
     o.srcPhaseY = random.Between(-1.0, 1.0);
-    o.dstPhaseX = random.Pick(-0.25, 0.5);
+    o.dstPhaseX = random.OneIn(2) ? -0.25 : 0.5;
   }
   if (random.OneIn(2)) o.cubic = random.Between(-1.0, -0.1);
   job.Fill(random);
@@ -273,6 +273,32 @@ TEST(Resample, AlphaWeighsColours) {
       EXPECT_EQ(job.dst, Bytes(job.dst.size(), 0));
     }
   }
+}
+
+// No number that is allowed leads out of the source or of an integer, nor to nothing.
+TEST(Resample, TakesNumbersAtTheEndsOfTheirRanges) {
+  Random random(5);
+  int made = 0;
+  for (int run = 0; run < 3000; ++run) {
+    Job job = RandomJob(random, random.Pick(1, 2, 4, 8, 16, 32));
+    ResampleOptions& o = job.options;
+    const auto end = [&](double middle) {
+      const double ends[] = {middle, middle, 0x1p31, -0x1p31, 1e-300, -1e-9, 2147483647.9, 1.0};
+      return ends[random.Between(0, 7)];
+    };
+    o.x = end(3);
+    o.y = end(0);
+    o.width = std::fabs(end(9));
+    o.height = std::fabs(end(9));
+    o.srcPhaseX = random.Pick(-1, 0, 1);
+    o.dstPhaseY = random.Pick(-1, 0, 1);
+    const IppStatus status = job.Run();
+    if (status == StatusOk) ++made;
+    else
+      ASSERT_TRUE(status == StatusNoOverlapWarning || status == StatusResizeFactorErr ||
+                  (status == StatusRectErr && o.position == 1)) << status;
+  }
+  EXPECT_GT(made, 300);
 }
 
 // Every wrong argument with every other one: the earlier check counts, and nothing is written.

@@ -57,7 +57,7 @@ TEST_P(AllColors, AreWithinTheBoundOfTheExactPixel) {
   for (std::size_t i = 0; i < kAll; ++i)
     for (int c = 0; c < 3; ++c) src.at[c][i] = static_cast<unsigned char>(i >> 8 * c);
   const Bytes bgr = SameAtAllLevels([&](unsigned char* out) {
-    return YuvToRgb(QV_YUV_I444, src.at, src.step, QV_RGB_BGR, out, 3 * kSide, {kSide, kSide},
+    return YuvToRgb(QV_LAYOUT_I444, src.at, src.step, QV_LAYOUT_BGR, out, 3 * kSide, {kSide, kSide},
                     matrix, range, QV_CHROMA_LEFT);
   });
   Worst worst;
@@ -81,12 +81,12 @@ TEST_P(AllColors, AreWithinTheBoundOfTheExactSamplesAndComeBack) {
   Planes444 yuv;
   yuv.bytes = SameAtAllLevels([&](unsigned char* out) {
     unsigned char* const planes[] = {out, out + kAll, out + 2 * kAll};
-    return RgbToYuv(QV_RGB_BGR, bgr.data(), 3 * kSide, QV_YUV_I444, planes, yuv.step,
+    return RgbToYuv(QV_LAYOUT_BGR, bgr.data(), 3 * kSide, QV_LAYOUT_I444, planes, yuv.step,
                     {kSide, kSide}, matrix, range, QV_CHROMA_LEFT);
   });
   for (std::size_t c = 0; c < 3; ++c) yuv.at[c] = yuv.bytes.data() + c * kAll;
   Bytes back(3 * kAll);
-  YuvToRgb(QV_YUV_I444, yuv.at, yuv.step, QV_RGB_BGR, back.data(), 3 * kSide, {kSide, kSide},
+  YuvToRgb(QV_LAYOUT_I444, yuv.at, yuv.step, QV_LAYOUT_BGR, back.data(), 3 * kSide, {kSide, kSide},
            matrix, range, QV_CHROMA_REPEATED);
   Worst worst;
   int loss = 0, exactLoss = 0;
@@ -125,10 +125,11 @@ struct Layout {
   int plane[3], first[3], apart[3];  // of Y, Cb, Cr
 };
 
+// From QV_LAYOUT_YUYV on.
 constexpr Layout kLayouts[] = {
+    {1, 2, 1, {0, 0, 0}, {0, 1, 3}, {2, 4, 4}}, {1, 2, 1, {0, 0, 0}, {1, 0, 2}, {2, 4, 4}},
     {3, 2, 2, {0, 1, 2}, {0, 0, 0}, {1, 1, 1}}, {3, 2, 2, {0, 2, 1}, {0, 0, 0}, {1, 1, 1}},
     {2, 2, 2, {0, 1, 1}, {0, 0, 1}, {1, 2, 2}}, {2, 2, 2, {0, 1, 1}, {0, 1, 0}, {1, 2, 2}},
-    {1, 2, 1, {0, 0, 0}, {0, 1, 3}, {2, 4, 4}}, {1, 2, 1, {0, 0, 0}, {1, 0, 2}, {2, 4, 4}},
     {3, 2, 1, {0, 1, 2}, {0, 0, 0}, {1, 1, 1}}, {3, 1, 1, {0, 1, 2}, {0, 0, 0}, {1, 1, 1}}};
 
 // A frame of noise with the rows of a layout, some bytes apart.
@@ -171,13 +172,13 @@ double Interpolated(Frame& frame, IppiSize size, int c, int x, int y, int siting
 }
 
 // Byte c of B, G, R of a pixel layout.
-constexpr int kBytesOf[] = {3, 3, 4, 4, 1};
-int Place(int rgb, int c) { return rgb == QV_RGB_GREY ? 0 : rgb % 2 ? 2 - c : c; }
+constexpr int kBytesOf[] = {0, 1, 3, 3, 4, 4};
+int Place(int rgb, int c) { return rgb == QV_LAYOUT_GREY ? 0 : rgb % 2 ? 2 - c : c; }
 
 template <class Body>
 void ForAllLayouts(Body body) {
-  for (int layout = 0; layout < 8; ++layout)
-    for (int rgb = 0; rgb < 5; ++rgb)
+  for (int layout = QV_LAYOUT_YUYV; layout <= QV_LAYOUT_I444; ++layout)
+    for (int rgb = QV_LAYOUT_GREY; rgb <= QV_LAYOUT_RGBA; ++rgb)
       for (int siting = 0; siting < 3; ++siting)
         for (const IppiSize size :
              {IppiSize{1, 1}, {2, 3}, {7, 5}, {150, 6}, {777, 2}, {34, 270}}) {
@@ -206,7 +207,7 @@ void RunEverywhere(Bytes& out, Run run) {
 
 TEST(YuvToRgb, TakesAllLayoutsAndSitings) {
   ForAllLayouts([](int layout, int rgb, int siting, IppiSize size) {
-    Frame frame(kLayouts[layout], size);
+    Frame frame(kLayouts[layout - QV_LAYOUT_YUYV], size);
     const int bytes = kBytesOf[rgb], step = size.width * bytes + 3;
     Bytes out(static_cast<std::size_t>(step * size.height), 9);
     RunEverywhere(out, [&] {
@@ -217,7 +218,7 @@ TEST(YuvToRgb, TakesAllLayoutsAndSitings) {
       for (int x = 0; x < size.width; ++x) {
         const unsigned char* const pixel = &out[static_cast<std::size_t>(y * step + x * bytes)];
         Triple yuv = {frame.Sample(0, x, y) * 1., 128, 128};
-        for (int c = 1; c < 3 && rgb != QV_RGB_GREY; ++c)
+        for (int c = 1; c < 3 && rgb != QV_LAYOUT_GREY; ++c)
           yuv[static_cast<std::size_t>(c)] = Interpolated(frame, size, c, x, y, siting);
         const Triple exact = ExactRgb(ColorsOf(QV_BT709, QV_STUDIO_RANGE), yuv);
         for (int c = 0; c < 3; ++c)
@@ -233,7 +234,7 @@ TEST(YuvToRgb, TakesAllLayoutsAndSitings) {
 
 TEST(RgbToYuv, GivesAllLayoutsAndSitings) {
   ForAllLayouts([](int layout, int rgb, int siting, IppiSize size) {
-    const Layout& l = kLayouts[layout];
+    const Layout& l = kLayouts[layout - QV_LAYOUT_YUYV];
     Frame frame(l, size);
     const int bytes = kBytesOf[rgb], step = size.width * bytes + 3;
     const Bytes src = Noise(static_cast<std::size_t>(step * size.height));
@@ -287,7 +288,7 @@ TEST(RgbToYuv, ReadsOneRowForAll) {
   unsigned char* const planes[] = {out.data(), &out[260], &out[325]};
   const int steps[] = {130, 65, 65};
   RunEverywhere(out, [&] {
-    return RgbToYuv(QV_RGB_BGR, src.data(), 0, QV_YUV_I420, planes, steps, {130, 2}, QV_BT601,
+    return RgbToYuv(QV_LAYOUT_BGR, src.data(), 0, QV_LAYOUT_I420, planes, steps, {130, 2}, QV_BT601,
                     QV_FULL_RANGE, QV_CHROMA_REPEATED);
   });
   EXPECT_TRUE(std::equal(&out[0], &out[130], &out[130]));
@@ -307,13 +308,19 @@ TEST(YuvRgb, RefusesInTheStatedOrderAndWritesNothing) {
     const int* steps;
     IppiSize size;
     int status;
-  } cases[] = {
-      {8, -1, 3, 2, 3, nullptr, nullptr, {0, 0}, -2}, {0, 5, 3, 2, 3, nullptr, nullptr, {0, 0}, -2},
-      {-1, 0, 3, 2, 3, nullptr, nullptr, {0, 0}, -2}, {0, 0, 3, 2, 3, nullptr, nullptr, {0, 0}, -5},
-      {0, 0, 0, -1, 3, nullptr, nullptr, {0, 0}, -5}, {0, 0, 0, 0, 3, nullptr, nullptr, {0, 0}, -5},
-      {0, 0, 0, 0, 0, nullptr, steps, {0, 0}, -8},    {0, 0, 0, 0, 0, all, nullptr, {0, 0}, -8},
-      {0, 0, 0, 0, 0, lacking, steps, {0, 0}, -8},    {0, 0, 0, 0, 0, all, steps, {0, 4}, -6},
-      {0, 0, 0, 0, 0, all, steps, {4, -1}, -6}};
+  } cases[] = {{14, 0, 3, 2, 3, nullptr, nullptr, {0, 0}, -2},
+               {5, 2, 3, 2, 3, nullptr, nullptr, {0, 0}, -2},
+               {8, 0, 3, 2, 3, nullptr, nullptr, {0, 0}, -2},
+               {8, 6, 3, 2, 3, nullptr, nullptr, {0, 0}, -2},
+               {INT32_MIN, INT32_MIN, 3, 2, 3, nullptr, nullptr, {0, 0}, -2},
+               {8, 2, 3, 2, 3, nullptr, nullptr, {0, 0}, -5},
+               {8, 2, 0, -1, 3, nullptr, nullptr, {0, 0}, -5},
+               {8, 2, 0, 0, 3, nullptr, nullptr, {0, 0}, -5},
+               {8, 2, 0, 0, 0, nullptr, steps, {0, 0}, -8},
+               {8, 2, 0, 0, 0, all, nullptr, {0, 0}, -8},
+               {8, 2, 0, 0, 0, lacking, steps, {0, 0}, -8},
+               {8, 2, 0, 0, 0, all, steps, {0, 4}, -6},
+               {8, 2, 0, 0, 0, all, steps, {4, -1}, -6}};
   for (const auto& c : cases) {
     EXPECT_EQ(YuvToRgb(c.yuv, c.planes, c.steps, c.rgb, other.data(), 12, c.size, c.matrix, c.range,
                        c.siting),
@@ -322,13 +329,14 @@ TEST(YuvRgb, RefusesInTheStatedOrderAndWritesNothing) {
                        c.siting),
               c.status);
   }
-  EXPECT_EQ(YuvToRgb(0, all, steps, 0, nullptr, 12, {0, 0}, 0, 0, 0), StatusNullPtrErr);
-  EXPECT_EQ(RgbToYuv(0, nullptr, 12, 0, all, steps, {0, 0}, 0, 0, 0), StatusNullPtrErr);
+  EXPECT_EQ(YuvToRgb(8, all, steps, 2, nullptr, 12, {0, 0}, 0, 0, 0), StatusNullPtrErr);
+  EXPECT_EQ(RgbToYuv(2, nullptr, 12, 8, all, steps, {0, 0}, 0, 0, 0), StatusNullPtrErr);
   EXPECT_EQ(bytes, Bytes(64, 7));
   EXPECT_EQ(other, Bytes(64, 8));
   // A grey needs luma alone.
-  EXPECT_EQ(YuvToRgb(QV_YUV_I420, lacking, steps, QV_RGB_GREY, other.data(), 4, {4, 2}, 0, 0, 0),
-            StatusOk);
+  EXPECT_EQ(
+      YuvToRgb(QV_LAYOUT_I420, lacking, steps, QV_LAYOUT_GREY, other.data(), 4, {4, 2}, 0, 0, 0),
+      StatusOk);
 }
 
 }  // namespace

@@ -10,12 +10,7 @@ QV_SAME(QV_PIXELS_THREE, qv::PixelKind::kThree);
 QV_SAME(QV_PIXELS_FOUR, qv::PixelKind::kFour);
 QV_SAME(QV_PIXELS_PREMULTIPLIED, qv::PixelKind::kPremultiplied);
 QV_SAME(QV_PIXELS_STRAIGHT, qv::PixelKind::kStraight);
-QV_SAME(QV_FILTER_NEAREST, InterpolateNearest);
-QV_SAME(QV_FILTER_LINEAR, InterpolateLinear);
-QV_SAME(QV_FILTER_CUBIC, InterpolateCubic);
-QV_SAME(QV_FILTER_AREA, InterpolateArea);
-QV_SAME(QV_FILTER_LANCZOS, InterpolateLanczos);
-QV_SAME(QV_FILTER_MITCHELL, qv::kMitchell);
+QV_SAME(QV_INTERPOLATE_MITCHELL, qv::kMitchell);
 QV_SAME(QV_POSITION_CENTRES, qv::PositionRule::kCentres);
 QV_SAME(QV_POSITION_CORNERS, qv::PositionRule::kCorners);
 #undef QV_SAME

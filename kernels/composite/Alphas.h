@@ -24,16 +24,21 @@ constexpr ByteTable TwinIndex(int j, int odd) {
   return table;
 }
 
+// The bytes that an index made by such a rule picks for vector j. Of three bytes a pixel on two
+// lanes, the first vector comes from the low one alone, the second from both in place, the third
+// from the high one.
+template <int kChannels, int j>
+QV_INLINE Vec PickAlphas(Vec alpha, const ByteTable& index) {
+  if constexpr (kHasBytePermute) return PermuteBytes(alpha, Load(index.b));
+  if constexpr (kChannels == 3 && j == 0) alpha = LowLaneTwice(alpha);
+  if constexpr (kChannels == 3 && j == 2) alpha = HighLaneTwice(alpha);
+  return ShuffleBytes(alpha, Load(index.b));
+}
+
 template <int kChannels, int j>
 QV_INLINE TwinAlphas TwinsOf(Vec alpha) {
   static constexpr ByteTable kEven = TwinIndex<kChannels>(j, 0), kOdd = TwinIndex<kChannels>(j, 1);
-  if constexpr (kHasBytePermute)
-    return {PermuteBytes(alpha, Load(kEven.b)), PermuteBytes(alpha, Load(kOdd.b))};
-  // Of three bytes a pixel on two lanes, the first vector comes from the low one alone, the second
-  // from both in place, the third from the high one.
-  if constexpr (kChannels == 3 && j == 0) alpha = LowLaneTwice(alpha);
-  if constexpr (kChannels == 3 && j == 2) alpha = HighLaneTwice(alpha);
-  return {ShuffleBytes(alpha, Load(kEven.b)), ShuffleBytes(alpha, Load(kOdd.b))};
+  return {PickAlphas<kChannels, j>(alpha, kEven), PickAlphas<kChannels, j>(alpha, kOdd)};
 }
 
 // ---- Without ------------------------------------------------------------------------------------
@@ -47,10 +52,19 @@ QV_INLINE Vec TripleWords(Vec w) {
   return ShuffleHigh16<2, 3, 3, 3>(ShuffleLow16<1, 1, 2, 2>(ShuffleLanes32<2, 3, 2, 3>(w)));
 }
 
-// The alphas of vector j of the colours of kVecBytes pixels.
+// ---- With or without ----------------------------------------------------------------------------
+
+// The alphas of vector j of the colours of kVecBytes pixels, one a byte.
 template <int kChannels, int j>
 QV_INLINE Vec AlphasOf(Vec alpha) {
   if constexpr (kChannels == 1) return alpha;
+  if constexpr (kHasByteShuffle) {
+    static constexpr ByteTable kIndex = MakeByteTable([](int i) {
+      const int pixel = (kVecBytes * j + i) / kChannels;
+      return kHasBytePermute ? pixel : pixel % 16;
+    });
+    return PickAlphas<kChannels, j>(alpha, kIndex);
+  }
   const Vec low = InterleaveLow8(alpha, Zero()), high = InterleaveHigh8(alpha, Zero());
   if constexpr (j == 0) return PackUnsigned16(TripleWords<0>(low), TripleWords<1>(low));
   if constexpr (j == 1) return PackUnsigned16(TripleWords<2>(low), TripleWords<0>(high));

@@ -28,8 +28,9 @@ Vec LoadSplat128(const void* p);
 
 // Bytes from the 16-bit lanes of `a` and then of `b`, with saturation, all in order.
 Vec PackBytesInOrder(Vec a, Vec b);
-// Whether any signed 32-bit lane is below 0.
+// Whether any signed 32-bit lane is below 0; whether any bit is set.
 bool AnyNegative32(Vec v);
+bool AnyBits(Vec v);
 
 // Within each 128-bit lane: 32-bit lanes i0 to i3 in this order; lane i in all four places; 16-bit
 // lanes of the low half in this order, or of the high one, while the other half stays.

@@ -63,6 +63,7 @@ QV_INLINE Vec PackBytesInOrder(Vec a, Vec b) {
   return _mm256_permute4x64_epi64(PackUnsigned16(a, b), 0xD8);
 }
 QV_INLINE bool AnyNegative32(Vec v) { return _mm256_movemask_ps(_mm256_castsi256_ps(v)) != 0; }
+QV_INLINE bool AnyBits(Vec v) { return !_mm256_testz_si256(v, v); }
 template <int i0, int i1, int i2, int i3> QV_INLINE Vec ShuffleLanes32(Vec v) {
   return _mm256_shuffle_epi32(v, i0 + 4 * i1 + 16 * i2 + 64 * i3);
 }

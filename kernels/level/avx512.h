@@ -94,6 +94,7 @@ QV_INLINE Vec PackBytesInOrder(Vec a, Vec b) {
                                   PackUnsigned16(a, b));
 }
 QV_INLINE bool AnyNegative32(Vec v) { return _mm512_movepi32_mask(v) != 0; }
+QV_INLINE bool AnyBits(Vec v) { return _mm512_test_epi32_mask(v, v) != 0; }
 template <int i0, int i1, int i2, int i3> QV_INLINE Vec ShuffleLanes32(Vec v) {
   return _mm512_shuffle_epi32(v, static_cast<_MM_PERM_ENUM>(i0 + 4 * i1 + 16 * i2 + 64 * i3));
 }

@@ -37,6 +37,7 @@ QV_INLINE Vec Xor(Vec a, Vec b, Vec c) { return Xor(Xor(a, b), c); }
 
 QV_INLINE Vec PackBytesInOrder(Vec a, Vec b) { return PackUnsigned16(a, b); }
 QV_INLINE bool AnyNegative32(Vec v) { return _mm_movemask_ps(_mm_castsi128_ps(v)) != 0; }
+QV_INLINE bool AnyBits(Vec v) { return _mm_movemask_epi8(_mm_cmpeq_epi8(v, Zero())) != 0xFFFF; }
 template <int i0, int i1, int i2, int i3> QV_INLINE Vec ShuffleLanes32(Vec v) {
   return _mm_shuffle_epi32(v, i0 + 4 * i1 + 16 * i2 + 64 * i3);
 }

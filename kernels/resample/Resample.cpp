@@ -124,9 +124,9 @@ Reach ReachOf(int first, int count, const AxisTaps& a, const FloatTaps& b) {
           aEnd > bEnd ? aEnd : bEnd};
 }
 
-RowLayout LayoutOf(int channels) {
-  static constexpr RowLayout kLayouts[] = {RowLayout::kGray, RowLayout::kTwos, RowLayout::kTriples,
-                                           RowLayout::kFours};
+Layout LayoutOf(int channels) {
+  static constexpr Layout kLayouts[] = {Layout::kGray, Layout::kPairs, Layout::kTriples,
+                                        Layout::kQuads};
   return kLayouts[channels - 1];
 }
 
@@ -182,8 +182,8 @@ IppStatus Resampling::PlanCopy(const int* x, const int* y) {
     if (!*derived_) return StatusMemAllocErr;
     x = SpreadSamples(x, to.width, spread, derived_->At<int>(0));
   }
-  nearest_ = {to.width * spread, to.height, images_.srcSize.width * spread, channels_ / spread,
-              x,                 y,         nullptr};
+  nearest_ = {to.width * spread, to.height, images_.srcSize.width * spread,
+              LayoutOf(channels_ / spread), x, y, nullptr};
   routeBytes_ = scratchBytes_ = RowsWorkBytes(static_cast<uint64_t>(to.width) * channels_);
   return StatusOk;
 }
@@ -248,8 +248,7 @@ IppStatus Resampling::PlanLinear() {
   linear_ = {static_cast<int>(columns),
              down_.count,
              images_.srcSize.width * spread,
-             channels,
-             channels,
+             LayoutOf(channels),
              {(across_.taps - 1) * spread, firsts, x},
              {down_.taps - 1, down_.first, y},
              {}};

@@ -137,14 +137,21 @@ double ExactAxis::FirstTap(double position) const {
   return isArea_ ? Floor(position + 0.5 - reach_) : Floor(position - reach_) + 1;
 }
 
+// Samples behind a period of inner ones are theirs, moved on.
 int ExactAxis::CountRows() {
   const int last = axis_.length - taps_;
   const bool fits = reached_ <= axis_.length;
-  int rows = 0;
-  for (int i = 0; i < axis_.count; ++i) {
-    if (i >= period_ && row_[i - period_] >= 0 && first_[i - period_] <= last - advance_) {
-      first_[i] = first_[i - period_] + advance_;
-      row_[i] = row_[i - period_];
+  int rows = 0, inner = 0;  // inner samples in a row, up to this one
+  for (int i = 0; i < axis_.count;) {
+    if (inner >= period_ && (repeatEnd_ == i || repeatEnd_ == 0) &&
+        first_[i - period_] <= last - advance_) {
+      if (repeatEnd_ == 0) repeatBegin_ = i;
+      const int n = CountRepeats(i, inner, last);
+      MoveOn(first_, i, n, inner);
+      const int before = i - inner / period_ * period_;
+      for (int k = 0; k < n; ++k) row_[i + k] = row_[before + k];
+      i = repeatEnd_ = i + n;
+      inner += n;
       continue;
     }
     position_[i] = PositionOf(axis_, i);
@@ -152,9 +159,27 @@ int ExactAxis::CountRows() {
     const bool inside = fits && first >= 0 && first <= last;
     first_[i] = first > 0 ? (first < last ? static_cast<int>(first) : last) : 0;
     row_[i] = inside ? rows : ~rows;
+    inner = inside ? inner + 1 : 0;
     ++rows;
+    ++i;
   }
   return rows;
+}
+
+// How many samples from i on may be those of whole periods before, of which there are `known`
+// samples: as many as stay inside.
+int ExactAxis::CountRepeats(int i, int known, int last) const {
+  const int periods = known / period_, before = i - periods * period_;
+  int n = axis_.count - i < periods * period_ ? axis_.count - i : periods * period_;
+  while (n > 1 && first_[before + n - 1] > last - static_cast<long long>(advance_) * periods) --n;
+  return n;
+}
+
+// Values i to i + n - 1 from those of as many whole periods before as there are of `known`.
+void ExactAxis::MoveOn(int* values, int i, int n, int known) const {
+  const int periods = known / period_, moved = advance_ * periods;
+  const int* const from = values + i - periods * period_;
+  for (int k = 0; k < n; ++k) values[i + k] = from[k] + moved;
 }
 
 WorkLayout ExactAxis::RowsLayout() {
@@ -213,11 +238,14 @@ double ExactAxis::Largest() const {
 int ExactAxis::Trim(double least, int* first) const {
   const auto counts = [=](double w) { return w >= least || w <= -least; };
   for (int i = 0; i < axis_.count; ++i) {
-    const int before = i - period_;
-    if (before >= 0 && row_[i] == row_[before]) {
-      first[i] = first[before] + advance_;
-      end_[i] = end_[before] + advance_;
-      continue;
+    if (i == repeatBegin_ && repeatEnd_ > 0) {
+      for (int n = 0; i < repeatEnd_; i += n) {
+        const int known = i - repeatBegin_ + period_, most = known / period_ * period_;
+        n = repeatEnd_ - i < most ? repeatEnd_ - i : most;
+        MoveOn(first, i, n, known);
+        MoveOn(end_, i, n, known);
+      }
+      if (i == axis_.count) break;
     }
     const double* const row = Row(i);
     int low = 0, high = taps_ - 1;

@@ -74,6 +74,8 @@ class ExactAxis {
 
  private:
   int CountRows();
+  int CountRepeats(int i, int known, int last) const;
+  void MoveOn(int* values, int i, int n, int known) const;
   WorkLayout RowsLayout();
   int RowOf(int i) const { return row_[i] < 0 ? ~row_[i] : row_[i]; }
   double* Row(int i) const { return rows_.At<double>(0) + static_cast<ptrdiff_t>(RowOf(i)) * taps_; }
@@ -92,6 +94,7 @@ class ExactAxis {
   double scale_, reach_, reached_;    // of the filter; samples that a position reaches
   int taps_;                          // of a row of weights, inside the source
   int period_, advance_;  // weights come again after so many samples, so many source samples on
+  int repeatBegin_ = 0, repeatEnd_ = 0;  // samples with the weights of a period before
   WorkMemory samples_;
   double* position_;       // of samples with a row of their own
   int* first_;             // where the row of each sample begins

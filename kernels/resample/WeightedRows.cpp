@@ -214,7 +214,8 @@ IppStatus WeightedRows_8u_C4(const Byte* src, int srcStep, Byte* dst, int dstSte
   const WeightedTables& t = *tables;
   const NamedPixels named = NamedBy(t.x.first, t.width, t.x.taps);
   auto* const line = static_cast<float*>(scratch);
-  const Ring ring = {line + 4 * kMostRows * PaddedLine(named.count), 4 * PaddedLine(t.width),
+  const Ring ring = {line + 4 * kMostRows * PaddedLine(named.count),
+                     static_cast<ptrdiff_t>(4 * PaddedLine(t.width)),
                      t.y.taps + kMostRows - 1};
   const int last = t.y.first[t.height - 1] + t.y.taps - 1;
   int next = 0;  // source rows before this one are in the ring or not needed any more

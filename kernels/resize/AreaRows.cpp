@@ -83,7 +83,7 @@ void AverageRow(const Byte* src, int srcStep, const AreaSpan& span, unsigned uni
   ScaleSums(static_cast<const Sum*>(sums), MeanScale(SpanTotal(span, unit)), means, count);
 }
 
-template <RowLayout kLayout>
+template <Layout kLayout>
 IppStatus AreaRows(const Byte* src, int srcStep, const AreaColumns& x, const AxisSpans& y,
                    Byte* dst, int dstStep, void* scratch) {
   Byte* at = static_cast<Byte*>(scratch) + (-reinterpret_cast<uintptr_t>(scratch) & 63);
@@ -92,14 +92,14 @@ IppStatus AreaRows(const Byte* src, int srcStep, const AreaColumns& x, const Axi
   ptrdiff_t count = 0;
   Wide* reciprocals[3];
   for (int k = 0; k < ComponentCount(kLayout); ++k) {
-    const AxisSpans& spans = kLayout == RowLayout::kPairs422 && k > 0 ? x.chroma : x.luma;
+    const AxisSpans& spans = kLayout == Layout::kPairs422 && k > 0 ? x.chroma : x.luma;
     const ptrdiff_t last = spans.span[spans.count - 1].last;
-    const ptrdiff_t bytes = kLayout == RowLayout::kPairs422
+    const ptrdiff_t bytes = kLayout == Layout::kPairs422
                                 ? (k == 0 ? last / 2 + 1 : last + 1) * 4
                                 : (last + 1) * kStride;
     count = bytes > count ? bytes : count;
     reciprocals[k] = reinterpret_cast<Wide*>(at);
-    if (k < 2 && (k == 0 || kLayout == RowLayout::kPairs422)) {
+    if (k < 2 && (k == 0 || kLayout == Layout::kPairs422)) {
       for (ptrdiff_t i = 0; i < spans.count; ++i)
         reciprocals[k][i] = (1ull << 48) / SpanTotal(spans.span[i], spans.unit);
       at += sizeof(Wide) * static_cast<size_t>(spans.count);
@@ -118,7 +118,7 @@ IppStatus AreaRows(const Byte* src, int srcStep, const AreaColumns& x, const Axi
       AverageRow<Wide>(src, srcStep, y.span[i], y.unit, sums, means, count);
     for (int k = 0; k < ComponentCount(kLayout); ++k) {
       const RowComponent component = Component(kLayout, k);
-      const AxisSpans& spans = kLayout == RowLayout::kPairs422 && k > 0 ? x.chroma : x.luma;
+      const AxisSpans& spans = kLayout == Layout::kPairs422 && k > 0 ? x.chroma : x.luma;
       AddAcross(means + component.offset, component.stride, spans, reciprocals[k],
                 RowAt(dst, dstStep, i) + component.offset);
     }
@@ -130,17 +130,17 @@ IppStatus AreaRows(const Byte* src, int srcStep, const AreaColumns& x, const Axi
 
 IppStatus AreaRows_8u_C1(const Byte* src, int srcStep, const AreaColumns& x, const AxisSpans& y,
                          Byte* dst, int dstStep, void* scratch) {
-  return AreaRows<RowLayout::kGray>(src, srcStep, x, y, dst, dstStep, scratch);
+  return AreaRows<Layout::kGray>(src, srcStep, x, y, dst, dstStep, scratch);
 }
 
 IppStatus AreaRows_8u_C3(const Byte* src, int srcStep, const AreaColumns& x, const AxisSpans& y,
                          Byte* dst, int dstStep, void* scratch) {
-  return AreaRows<RowLayout::kTriples>(src, srcStep, x, y, dst, dstStep, scratch);
+  return AreaRows<Layout::kTriples>(src, srcStep, x, y, dst, dstStep, scratch);
 }
 
 IppStatus AreaRows422_8u_C2(const Byte* src, int srcStep, const AreaColumns& x,
                             const AxisSpans& y, Byte* dst, int dstStep, void* scratch) {
-  return AreaRows<RowLayout::kPairs422>(src, srcStep, x, y, dst, dstStep, scratch);
+  return AreaRows<Layout::kPairs422>(src, srcStep, x, y, dst, dstStep, scratch);
 }
 
 }  // namespace qv::QV_LEVEL

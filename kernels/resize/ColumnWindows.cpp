@@ -27,7 +27,7 @@ struct PairOffsets {
 };
 
 // The first tap of each value, in bytes from the first that is named; past the end of the last one.
-template <RowLayout kLayout>
+template <Layout kLayout>
 void FillStarts(const FilterColumns& x, long long first, ptrdiff_t padded, int* start) {
   const ptrdiff_t count = ValueCount<kLayout>(x);
   for (ptrdiff_t k = 0; k < count; ++k)
@@ -40,9 +40,9 @@ struct Reach {
   int low, high;
 };
 
-template <RowLayout kLayout>
+template <Layout kLayout>
 Reach ReachOf(const int* start, int count, const PairOffsets* offsets, int p, int last) {
-  constexpr int kComponents = kLayout == RowLayout::kPairs422 ? 2 : 1;
+  constexpr int kComponents = kLayout == Layout::kPairs422 ? 2 : 1;
   Reach reach = {INT32_MAX, 0};
   for (int c = 0; c < kComponents; ++c) {
     int low = start[c], high = start[c];
@@ -58,10 +58,10 @@ Reach ReachOf(const int* start, int count, const PairOffsets* offsets, int p, in
   return reach;
 }
 
-template <RowLayout kLayout, int kPairs, bool kOneAPair>
+template <Layout kLayout, int kPairs, bool kOneAPair>
 bool FillWindows(const FilterColumns& x, const WindowShape& shape, const int* start,
                  ptrdiff_t padded, int lastBase, const ColumnWindows& windows) {
-  constexpr bool kPairs422 = kLayout == RowLayout::kPairs422;
+  constexpr bool kPairs422 = kLayout == Layout::kPairs422;
   static constexpr short kNone[kMaxTaps] = {};
   const int perBlock = shape.vectorBytes / 2;
   const int perGroup = perBlock / 2 / shape.windowsPerVector;
@@ -104,7 +104,7 @@ bool FillWindows(const FilterColumns& x, const WindowShape& shape, const int* st
   return true;
 }
 
-template <RowLayout kLayout, int kPairs>
+template <Layout kLayout, int kPairs>
 bool FillWindows(const FilterColumns& x, const WindowShape& shape, const int* start,
                  ptrdiff_t padded, int lastBase, const ColumnWindows& windows) {
   const auto fill =
@@ -112,11 +112,11 @@ bool FillWindows(const FilterColumns& x, const WindowShape& shape, const int* st
   return fill(x, shape, start, padded, lastBase, windows);
 }
 
-template <RowLayout kLayout>
+template <Layout kLayout>
 bool PlanWindowsOf(const FilterColumns& x, const WindowShape& shape, const FilterScratch& scratch,
                    void* memory, ColumnWindows* windows) {
   const ptrdiff_t padded = (ValueCount<kLayout>(x) + 63) / 64 * 64;
-  const bool chroma = kLayout == RowLayout::kPairs422 && x.chroma.taps > x.luma.taps;
+  const bool chroma = kLayout == Layout::kPairs422 && x.chroma.taps > x.luma.taps;
   windows->pairs = ((chroma ? x.chroma.taps : x.luma.taps) + 1) / 2;
   windows->index = static_cast<unsigned char*>(memory);
   windows->weights = reinterpret_cast<short*>(windows->index + padded * 4 * windows->pairs);
@@ -136,19 +136,19 @@ bool PlanWindowsOf(const FilterColumns& x, const WindowShape& shape, const Filte
 
 }  // namespace
 
-bool PlanWindows(RowLayout layout, const FilterColumns& x, const WindowShape& shape,
+bool PlanWindows(Layout layout, const FilterColumns& x, const WindowShape& shape,
                  const FilterScratch& scratch, void* memory, ColumnWindows* windows) {
   if (scratch.span > INT32_MAX) return false;
   switch (layout) {
-    case RowLayout::kGray:
-      return PlanWindowsOf<RowLayout::kGray>(x, shape, scratch, memory, windows);
-    case RowLayout::kTwos:
-      return PlanWindowsOf<RowLayout::kTwos>(x, shape, scratch, memory, windows);
-    case RowLayout::kFours:
-      return PlanWindowsOf<RowLayout::kFours>(x, shape, scratch, memory, windows);
-    case RowLayout::kTriples:
-      return PlanWindowsOf<RowLayout::kTriples>(x, shape, scratch, memory, windows);
-    default: return PlanWindowsOf<RowLayout::kPairs422>(x, shape, scratch, memory, windows);
+    case Layout::kGray:
+      return PlanWindowsOf<Layout::kGray>(x, shape, scratch, memory, windows);
+    case Layout::kPairs:
+      return PlanWindowsOf<Layout::kPairs>(x, shape, scratch, memory, windows);
+    case Layout::kQuads:
+      return PlanWindowsOf<Layout::kQuads>(x, shape, scratch, memory, windows);
+    case Layout::kTriples:
+      return PlanWindowsOf<Layout::kTriples>(x, shape, scratch, memory, windows);
+    default: return PlanWindowsOf<Layout::kPairs422>(x, shape, scratch, memory, windows);
   }
 }
 

@@ -32,7 +32,7 @@ struct ColumnWindows {
 // False if the taps of some group do not fit a window. Values past the end, up to a multiple of 64,
 // have no weight. No window reaches past the `span` bytes from byte `first` that taps name, unless
 // a window is longer than that.
-bool PlanWindows(RowLayout layout, const FilterColumns& x, const WindowShape& shape,
+bool PlanWindows(Layout layout, const FilterColumns& x, const WindowShape& shape,
                  const FilterScratch& scratch, void* memory, ColumnWindows* windows);
 
 // Taps for reading four source samples at a time, eight if there are more than four taps or sixteen

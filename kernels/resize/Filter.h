@@ -11,6 +11,7 @@
 #include <stddef.h>
 
 #include "dispatch/Dispatched.h"
+#include "kernels/Layout.h"
 #include "kernels/resize/AxisTaps.h"
 #include "qvAcceleratedLib/CqvAccLib.h"
 
@@ -20,9 +21,6 @@ namespace qv {
 // dst[x, y] = (src[2x, 2y] + src[2x + 1, 2y] + src[2x, 2y + 1] + src[2x + 1, 2y + 1] + 2) >> 2.
 // `size` is the destination's.
 extern QV_HIDDEN const ImageKernel HalveRows_8u_C1, HalveRows_8u_C3;
-
-// How the samples of a row are interleaved.
-enum class RowLayout { kGray, kTwos, kTriples, kFours, kPairs422 };
 
 // Taps along x: of all components, or for 4:2:2 of the luma samples (two a pair) and of the chroma
 // samples (one a pair); there the luma count is twice the chroma count. No other layout reads
@@ -38,8 +36,8 @@ struct AreaColumns {
 };
 
 // Bytes of scratch memory; may be more than memory has.
-long long FilterScratchBytes(RowLayout layout, const FilterColumns& x, const AxisTaps& y);
-long long AreaScratchBytes(RowLayout layout, const AreaColumns& x, const AxisSpans& y);
+long long FilterScratchBytes(Layout layout, const FilterColumns& x, const AxisTaps& y);
+long long AreaScratchBytes(Layout layout, const AreaColumns& x, const AxisSpans& y);
 
 // dst = sum over both axes of weight * src, rounded and limited to a byte. At most kMaxTaps taps an
 // axis, and weights within kMostWeight and kLeastWeight.
@@ -62,15 +60,12 @@ struct RowComponent {
   int offset, stride;
 };
 
-__attribute__((always_inline)) constexpr int ComponentCount(RowLayout layout) {
-  return layout == RowLayout::kGray   ? 1
-         : layout == RowLayout::kTwos  ? 2
-         : layout == RowLayout::kFours ? 4
-                                       : 3;
+__attribute__((always_inline)) constexpr int ComponentCount(Layout layout) {
+  return layout == Layout::kPairs422 ? 3 : PixelBytes(layout);
 }
 
-__attribute__((always_inline)) constexpr RowComponent Component(RowLayout layout, int k) {
-  if (layout != RowLayout::kPairs422) return {k, ComponentCount(layout)};
+__attribute__((always_inline)) constexpr RowComponent Component(Layout layout, int k) {
+  if (layout != Layout::kPairs422) return {k, ComponentCount(layout)};
   return k == 0 ? RowComponent{0, 2} : RowComponent{2 * k - 1, 4};
 }
 
@@ -82,9 +77,9 @@ struct ValueTaps {
   const short* weights;
 };
 
-template <RowLayout kLayout>
+template <Layout kLayout>
 __attribute__((always_inline)) inline ValueTaps TapsOfValue(const FilterColumns& x, ptrdiff_t k) {
-  constexpr bool kPairs = kLayout == RowLayout::kPairs422;
+  constexpr bool kPairs = kLayout == Layout::kPairs422;
   const bool isChroma = kPairs && k % 2 != 0;
   const AxisTaps& taps = isChroma ? x.chroma : x.luma;
   const int stride = !kPairs ? ComponentCount(kLayout) : isChroma ? 4 : 2;
@@ -95,9 +90,9 @@ __attribute__((always_inline)) inline ValueTaps TapsOfValue(const FilterColumns&
 }
 
 // Bytes of a destination row.
-template <RowLayout kLayout>
+template <Layout kLayout>
 __attribute__((always_inline)) inline ptrdiff_t ValueCount(const FilterColumns& x) {
-  return kLayout == RowLayout::kPairs422 ? ptrdiff_t{4} * x.chroma.count
+  return kLayout == Layout::kPairs422 ? ptrdiff_t{4} * x.chroma.count
                                          : ptrdiff_t{ComponentCount(kLayout)} * x.luma.count;
 }
 
@@ -116,7 +111,7 @@ struct FilterScratch {
   long long total;            // alignment included
 };
 
-FilterScratch PlanFilterScratch(RowLayout layout, const FilterColumns& x, const AxisTaps& y);
+FilterScratch PlanFilterScratch(Layout layout, const FilterColumns& x, const AxisTaps& y);
 
 }  // namespace qv
 

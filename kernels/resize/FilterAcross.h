@@ -28,7 +28,7 @@ QV_INLINE WindowShape ShapeOf(Across kind) {
           second && !kHasBytePermute};
 }
 
-QV_INLINE AcrossPlan PlanAcross(RowLayout layout, const FilterColumns& x,
+QV_INLINE AcrossPlan PlanAcross(Layout layout, const FilterColumns& x,
                                 const FilterScratch& scratch, Byte* base) {
   AcrossPlan plan = {};
   void* memory = base + scratch.columns;
@@ -44,7 +44,7 @@ QV_INLINE AcrossPlan PlanAcross(RowLayout layout, const FilterColumns& x,
   plan.windowBytes = 0;
   const int stride = Component(layout, 0).stride;
   plan.luma = PadTaps(x.luma, scratch.first / stride, &memory);
-  if (layout == RowLayout::kPairs422)
+  if (layout == Layout::kPairs422)
     plan.chroma = PadTaps(x.chroma, scratch.first / 4, &memory);
   plan.words = reinterpret_cast<short*>(base + scratch.words);
   plan.line = reinterpret_cast<short*>(base + scratch.line);
@@ -116,7 +116,7 @@ void FilterByWindows(const Byte* const* lines, int rows, ptrdiff_t ahead,
 
 // `rows` source rows, 1 or 2, from the first byte that a tap names, to rows of the ring: values
 // `from` to before `to`, where `from` is a multiple of 64. By words all values, whatever the range.
-template <RowLayout kLayout>
+template <Layout kLayout>
 void FilterAcross(const AcrossPlan& plan, const FilterColumns& x, const Byte* const* lines,
                   int rows, ptrdiff_t ahead, ptrdiff_t span, ptrdiff_t from, ptrdiff_t to,
                   short* const* out) {
@@ -128,11 +128,11 @@ void FilterAcross(const AcrossPlan& plan, const FilterColumns& x, const Byte* co
     if (plan.kind == Across::kSecondWindow)
       return FilterByWindows<true>(lines, rows, ahead, plan.windows, first, end, out);
   }
-  constexpr bool kIsInPlace = kLayout == RowLayout::kGray && !kHasBytePermute;
+  constexpr bool kIsInPlace = kLayout == Layout::kGray && !kHasBytePermute;
   for (int r = 0; r < rows; ++r) {
     short* line = kIsInPlace ? out[r] : plan.line;
     for (int k = 0; k < ComponentCount(kLayout); ++k) {
-      const bool isChroma = kLayout == RowLayout::kPairs422 && k > 0;
+      const bool isChroma = kLayout == Layout::kPairs422 && k > 0;
       const RowComponent component = Component(kLayout, k);
       // Writes eight at a time: what passes the line's end is overwritten by the next line.
       FilterComponent(lines[r], component, span / component.stride,
@@ -141,7 +141,7 @@ void FilterAcross(const AcrossPlan& plan, const FilterColumns& x, const Byte* co
     }
     if constexpr (!kIsInPlace)
       PlaceComponents<kLayout>(
-          plan.line, kLayout == RowLayout::kPairs422 ? x.chroma.count : x.luma.count, out[r]);
+          plan.line, kLayout == Layout::kPairs422 ? x.chroma.count : x.luma.count, out[r]);
   }
 }
 

@@ -39,8 +39,8 @@ IppStatus Run(const FilterTask& task, const Columns& x, const Rows& y, long long
               const Kernel& gray, const Kernel& triples, const Kernel& pairs) {
   const WorkMemory scratch(BytesLayout(scratchBytes));
   if (!scratch) return StatusMemAllocErr;
-  const Kernel& kernel = task.layout == RowLayout::kGray      ? gray
-                         : task.layout == RowLayout::kTriples ? triples
+  const Kernel& kernel = task.layout == Layout::kGray      ? gray
+                         : task.layout == Layout::kTriples ? triples
                                                               : pairs;
   return kernel(task.src, task.srcStep, x, y, task.dst, task.dstStep, scratch.At<char>(0));
 }
@@ -79,7 +79,7 @@ uint64_t FilterTapsBytes(const int (&counts)[3], int interpolation) {
 
 IppStatus FilterImage(const FilterTask& task, int interpolation, const AxisPositions& x,
                       const AxisPositions& chroma, const AxisPositions& y, void* tapsMemory) {
-  const bool pairs = task.layout == RowLayout::kPairs422;
+  const bool pairs = task.layout == Layout::kPairs422;
   const AxisPositions none = {};
   const AxisPositions* const positions[3] = {&x, pairs ? &chroma : &none, &y};
   AxisTaps axes[3];
@@ -91,10 +91,10 @@ IppStatus FilterImage(const FilterTask& task, int interpolation, const AxisPosit
 
 IppStatus AverageImage(const FilterTask& task, const AxisArea& x, const AxisArea& chroma,
                        const AxisArea& y) {
-  const bool pairs = task.layout == RowLayout::kPairs422;
+  const bool pairs = task.layout == Layout::kPairs422;
   const int firstX = FirstOfHalves(x), firstY = FirstOfHalves(y);
   if (!pairs && firstX >= 0 && firstY >= 0) {
-    const bool gray = task.layout == RowLayout::kGray;
+    const bool gray = task.layout == Layout::kGray;
     return (gray ? HalveRows_8u_C1 : HalveRows_8u_C3)(
         task.src + static_cast<ptrdiff_t>(firstY) * task.srcStep +
             static_cast<ptrdiff_t>(firstX) * (gray ? 1 : 3),

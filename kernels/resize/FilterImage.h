@@ -12,7 +12,7 @@ namespace qv {
 // One image region and what becomes of it. `src` is the region's first byte, `dst` the first byte
 // to write.
 struct FilterTask {
-  RowLayout layout;
+  Layout layout;
   const unsigned char* src;
   int srcStep;
   unsigned char* dst;

@@ -21,12 +21,12 @@ long long EndOfSamples(const AxisTaps& taps) {
 
 }  // namespace
 
-FilterScratch PlanFilterScratch(RowLayout layout, const FilterColumns& x, const AxisTaps& y) {
+FilterScratch PlanFilterScratch(Layout layout, const FilterColumns& x, const AxisTaps& y) {
   FilterScratch s = {};
   long long first = x.luma.first[0], end = EndOfSamples(x.luma), samples = end - first;
   int pixelBytes = ComponentCount(layout), taps = x.luma.taps;
   long long values = static_cast<long long>(x.luma.count) * pixelBytes;
-  if (layout == RowLayout::kPairs422) {
+  if (layout == Layout::kPairs422) {
     const long long chromaFirst = x.chroma.first[0], chromaEnd = EndOfSamples(x.chroma);
     first = first / 2 < chromaFirst ? first / 2 : chromaFirst;
     end = (end + 1) / 2 > chromaEnd ? (end + 1) / 2 : chromaEnd;
@@ -56,16 +56,16 @@ FilterScratch PlanFilterScratch(RowLayout layout, const FilterColumns& x, const 
   return s;
 }
 
-long long FilterScratchBytes(RowLayout layout, const FilterColumns& x, const AxisTaps& y) {
+long long FilterScratchBytes(Layout layout, const FilterColumns& x, const AxisTaps& y) {
   return PlanFilterScratch(layout, x, y).total;
 }
 
-long long AreaScratchBytes(RowLayout layout, const AreaColumns& x, const AxisSpans&) {
+long long AreaScratchBytes(Layout layout, const AreaColumns& x, const AxisSpans&) {
   // Sums of a row of source bytes, 64 bits wide at the most, and their means; a reciprocal for each
   // destination sample.
   const long long pixels = 1ll + x.luma.span[x.luma.count - 1].last;
   long long bytes, reciprocals = x.luma.count;
-  if (layout == RowLayout::kPairs422) {
+  if (layout == Layout::kPairs422) {
     const long long pairs = 1ll + x.chroma.span[x.chroma.count - 1].last;
     bytes = 4 * (pairs > (pixels + 1) / 2 ? pairs : (pixels + 1) / 2);
     reciprocals += x.chroma.count;

@@ -28,7 +28,7 @@ static_assert(kAcrossLeast >= INT16_MIN && kAcrossMost <= INT16_MAX);
 static_assert(kAcrossMost / 2 * (kMostWeight - kLeastWeight) + kMaxTaps / 2 <= INT16_MAX);
 
 // The call, its scratch memory, and the range of values of each destination row that is being made.
-template <RowLayout kLayout>
+template <Layout kLayout>
 struct Work {
   const Byte* src;
   int srcStep;
@@ -64,7 +64,7 @@ struct Work {
 constexpr ptrdiff_t kStripBytes = ptrdiff_t{36} << 10;
 
 // Values of a strip: all, or as many in each of as few as there can be.
-template <RowLayout kLayout>
+template <Layout kLayout>
 ptrdiff_t StripValues(const Work<kLayout>& work) {
   if (work.across.kind == Across::kWords) return work.to;
   const long long bytes = (2ll * work.plan.ringRows + 8 * work.across.windows.pairs) * work.to;
@@ -73,7 +73,7 @@ ptrdiff_t StripValues(const Work<kLayout>& work) {
 }
 
 // Source rows r .. r + rows - 1, at most kBatchRows of them, filtered along x into the ring.
-template <RowLayout kLayout>
+template <Layout kLayout>
 void FilterSourceRows(const Work<kLayout>& work, int r, int rows) {
   const Byte* lines[kBatchRows];
   short* out[kBatchRows];
@@ -98,12 +98,12 @@ void FilterSourceRows(const Work<kLayout>& work, int r, int rows) {
 
 #else
 
-template <RowLayout kLayout>
+template <Layout kLayout>
 ptrdiff_t StripValues(const Work<kLayout>& work) {
   return work.to;
 }
 
-template <RowLayout kLayout>
+template <Layout kLayout>
 void FilterSourceRows(const Work<kLayout>& work, int r, int rows) {
   for (int i = r; i < r + rows; ++i) {
     const Byte* row = RowAt(work.src, work.srcStep, i);
@@ -135,7 +135,7 @@ bool IsNeeded(const AxisTaps& y, int i, int r) {
 }
 
 // Values work.from .. work.to - 1 of all destination rows.
-template <RowLayout kLayout>
+template <Layout kLayout>
 void FilterStrip(const Work<kLayout>& work, Byte* dst, int dstStep) {
   const AxisTaps& y = work.y;
   const int taps = (y.taps + 1) / 2 * 2;
@@ -160,7 +160,7 @@ void FilterStrip(const Work<kLayout>& work, Byte* dst, int dstStep) {
   }
 }
 
-template <RowLayout kLayout>
+template <Layout kLayout>
 IppStatus FilterRows(const Byte* src, int srcStep, const FilterColumns& x, const AxisTaps& y,
                      Byte* dst, int dstStep, void* scratch) {
   Work<kLayout> work(src, srcStep, x, y, scratch);
@@ -176,27 +176,27 @@ IppStatus FilterRows(const Byte* src, int srcStep, const FilterColumns& x, const
 
 IppStatus FilterRows_8u_C1(const Byte* src, int srcStep, const FilterColumns& x,
                            const AxisTaps& y, Byte* dst, int dstStep, void* scratch) {
-  return FilterRows<RowLayout::kGray>(src, srcStep, x, y, dst, dstStep, scratch);
+  return FilterRows<Layout::kGray>(src, srcStep, x, y, dst, dstStep, scratch);
 }
 
 IppStatus FilterRows_8u_C2(const Byte* src, int srcStep, const FilterColumns& x,
                            const AxisTaps& y, Byte* dst, int dstStep, void* scratch) {
-  return FilterRows<RowLayout::kTwos>(src, srcStep, x, y, dst, dstStep, scratch);
+  return FilterRows<Layout::kPairs>(src, srcStep, x, y, dst, dstStep, scratch);
 }
 
 IppStatus FilterRows_8u_C3(const Byte* src, int srcStep, const FilterColumns& x,
                            const AxisTaps& y, Byte* dst, int dstStep, void* scratch) {
-  return FilterRows<RowLayout::kTriples>(src, srcStep, x, y, dst, dstStep, scratch);
+  return FilterRows<Layout::kTriples>(src, srcStep, x, y, dst, dstStep, scratch);
 }
 
 IppStatus FilterRows_8u_C4(const Byte* src, int srcStep, const FilterColumns& x,
                            const AxisTaps& y, Byte* dst, int dstStep, void* scratch) {
-  return FilterRows<RowLayout::kFours>(src, srcStep, x, y, dst, dstStep, scratch);
+  return FilterRows<Layout::kQuads>(src, srcStep, x, y, dst, dstStep, scratch);
 }
 
 IppStatus FilterRows422_8u_C2(const Byte* src, int srcStep, const FilterColumns& x,
                               const AxisTaps& y, Byte* dst, int dstStep, void* scratch) {
-  return FilterRows<RowLayout::kPairs422>(src, srcStep, x, y, dst, dstStep, scratch);
+  return FilterRows<Layout::kPairs422>(src, srcStep, x, y, dst, dstStep, scratch);
 }
 
 }  // namespace qv::QV_LEVEL

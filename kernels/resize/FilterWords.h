@@ -76,10 +76,10 @@ QV_INLINE void FilterComponent(const Byte* from, RowComponent component, ptrdiff
 
 // The components of a filtered row, line after line, to their places in a ring row: lines
 // of `count` samples, or of 4:2:2 the luma line of twice as many.
-template <RowLayout kLayout>
+template <Layout kLayout>
 QV_INLINE void PlaceComponents(const short* line, ptrdiff_t count, short* out) {
   ptrdiff_t i = 0;
-  if constexpr (!kHasBytePermute && kLayout == RowLayout::kTriples) {
+  if constexpr (!kHasBytePermute && kLayout == Layout::kTriples) {
     // Four words a pixel, the last of which the next pixel overwrites: one has to follow.
     for (; i + 8 < count; i += 8) {
       const Vec128 b = Load128(line + i), g = Load128(line + count + i),
@@ -96,7 +96,7 @@ QV_INLINE void PlaceComponents(const short* line, ptrdiff_t count, short* out) {
       store(i + 4, InterleaveHigh16(b, g), InterleaveHigh16(r, r));
     }
   }
-  if constexpr (!kHasBytePermute && kLayout == RowLayout::kPairs422) {
+  if constexpr (!kHasBytePermute && kLayout == Layout::kPairs422) {
     const short* const cb = line + 2 * count;
     for (; i + 8 <= count; i += 8) {
       const Vec128 b = Load128(cb + i), r = Load128(cb + count + i);
@@ -110,7 +110,7 @@ QV_INLINE void PlaceComponents(const short* line, ptrdiff_t count, short* out) {
   }
   for (int c = 0; c < ComponentCount(kLayout); ++c) {
     const RowComponent component = Component(kLayout, c);
-    const int each = kLayout == RowLayout::kPairs422 && c == 0 ? 2 : 1;
+    const int each = kLayout == Layout::kPairs422 && c == 0 ? 2 : 1;
     for (ptrdiff_t k = each * i; k < each * count; ++k)
       out[RingPlace(component.offset + k * component.stride)] = line[k];
     line += each * count;

@@ -122,9 +122,9 @@ ByteGather PlanGather(const Picks& picks, const GatherShape& shape) {
 }
 
 void FillOffsets(const NearestTables& t, int* offset) {
-  if (t.channels == 1) {
+  if (t.layout == Layout::kGray) {
     memcpy(offset, t.x, sizeof(int) * static_cast<size_t>(t.width));
-  } else if (t.channels == 3) {
+  } else if (t.layout == Layout::kTriples) {
     for (ptrdiff_t j = 0; j < t.width; ++j) {
       const int first = 3 * t.x[j];
       for (int c = 0; c < 3; ++c) offset[3 * j + c] = first + c;
@@ -154,10 +154,10 @@ void FillPairs(const LinearTables& t, ptrdiff_t readable, int* offset,
       twiceWeight[k + c] = static_cast<unsigned short>(onRight ? 0 : 2 * s.weight);
     }
   };
-  if (t.channels == 2) {
+  if (t.layout == Layout::kPairs422) {
     ForEachValue(t, [=](ptrdiff_t k, LinearSides s) { fill(k, s, 1); });
   } else {
-    const int stride = t.pixelStride;
+    const int stride = PixelBytes(t.layout);
     for (ptrdiff_t j = 0; j < t.width; ++j) fill(j * stride, SidesOf(t.x, j, stride, 0), stride);
   }
 }
@@ -165,8 +165,9 @@ void FillPairs(const LinearTables& t, ptrdiff_t readable, int* offset,
 }  // namespace
 
 ByteGather PlanNearestGather(const NearestTables& t, const GatherShape& shape, void* work) {
-  const Picks picks = {static_cast<int*>(work), ptrdiff_t{t.width} * t.channels,
-                       ptrdiff_t{t.srcWidth} * t.channels, !shape.hasMasks};
+  const int bytes = PixelBytes(t.layout);
+  const Picks picks = {static_cast<int*>(work), ptrdiff_t{t.width} * bytes,
+                       ptrdiff_t{t.srcWidth} * bytes, !shape.hasMasks};
   if ((picks.overlapsLast && picks.count < shape.vectorBytes) || picks.readable > INT32_MAX)
     return {};
   FillOffsets(t, picks.offset);
@@ -174,8 +175,8 @@ ByteGather PlanNearestGather(const NearestTables& t, const GatherShape& shape, v
 }
 
 LinearGather PlanLinearGather(const LinearTables& t, const GatherShape& shape, void* work) {
-  Picks picks = {nullptr, 2 * ptrdiff_t{t.width} * t.pixelStride,
-                 ptrdiff_t{t.srcWidth} * t.pixelStride, false};
+  const int bytes = PixelBytes(t.layout);
+  Picks picks = {nullptr, 2 * ptrdiff_t{t.width} * bytes, ptrdiff_t{t.srcWidth} * bytes, false};
   if (picks.readable > INT32_MAX) return {};
   const ptrdiff_t vectors = picks.Vectors(shape.vectorBytes);
   auto* const twiceWeight = static_cast<unsigned short*>(work);

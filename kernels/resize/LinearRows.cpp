@@ -88,7 +88,7 @@ class Blender {
   Blender(Byte* dst, int dstStep, const LinearTables& t, Byte* line)
       : dst_(dst), dstStep_(dstStep), t_(t), line_(line) {}
   QV_INLINE void operator()(const Value* upper, const Value* lower, int i) const {
-    Part(upper, lower, i, 0, ptrdiff_t{t_.width} * t_.pixelStride);
+    Part(upper, lower, i, 0, ptrdiff_t{t_.width} * PixelBytes(t_.layout));
   }
   // Values `first` to end - 1, where `first` is a multiple of 4.
   QV_INLINE void Part(const Value* upper, const Value* lower, int i, ptrdiff_t first,
@@ -165,7 +165,7 @@ static bool ShuffledRows(const Byte* src, int srcStep, const LinearTables& t, co
   if (g.loads == 0) return false;
   const ptrdiff_t vectors = plan.vectors, plain = plan.bare;
   const Value* const twiceWeight = plan.twiceWeight;
-  const ptrdiff_t bytes = ptrdiff_t{t.width} * t.pixelStride;
+  const ptrdiff_t bytes = ptrdiff_t{t.width} * PixelBytes(t.layout);
   const ptrdiff_t strips = LinearStrips(vectors, g.loads);
   const int lastRow = t.y.first[t.height - 1] + t.y.neighbour;
   Byte copy[kPaddedRow] = {};
@@ -202,7 +202,7 @@ static bool ShuffledRows(const Byte* src, int srcStep, const LinearTables& t, co
 
 static void PlainRows(const Byte* src, int srcStep, Byte* dst, int dstStep, const LinearTables& t,
                       Value* first, Value* second) {
-  const ptrdiff_t bytes = ptrdiff_t{t.width} * t.pixelStride;
+  const ptrdiff_t bytes = ptrdiff_t{t.width} * PixelBytes(t.layout);
   WalkRows(
       t, first, second,
       [&](int y, Value* out) { InterpolateRow(RowAt(src, srcStep, y), t, 0, out); },
@@ -220,7 +220,7 @@ static void PlainRows(const Byte* src, int srcStep, Byte* dst, int dstStep, cons
 void ResizeLinearRows_8u(const Byte* src, int srcStep, Byte* dst, int dstStep,
                          const LinearTables* tables, void* work) {
   const LinearTables& t = *tables;
-  const ptrdiff_t padded = (ptrdiff_t{t.width} * t.pixelStride + 63) / 64 * 64;
+  const ptrdiff_t padded = (ptrdiff_t{t.width} * PixelBytes(t.layout) + 63) / 64 * 64;
   auto* const first = static_cast<Value*>(work);
   Value* const second = first + padded;
 #if QV_HAS_VECTORS

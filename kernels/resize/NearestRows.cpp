@@ -7,9 +7,9 @@
 namespace qv::QV_LEVEL {
 
 static void PlainRow(const Byte* row, const NearestTables& t, Byte* dst) {
-  if (t.channels == 1) {
+  if (t.layout == Layout::kGray) {
     for (int j = 0; j < t.width; ++j) dst[j] = row[t.x[j]];
-  } else if (t.channels == 3) {
+  } else if (t.layout == Layout::kTriples) {
     for (ptrdiff_t j = 0; j < t.width; ++j)
       for (int c = 0; c < 3; ++c) dst[3 * j + c] = row[3 * ptrdiff_t{t.x[j]} + c];
   } else {
@@ -28,7 +28,7 @@ static void PlainRow(const Byte* row, const NearestTables& t, Byte* dst) {
 template <class Fill>
 QV_INLINE void FillRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
                         const NearestTables& t, Fill fill) {
-  const size_t bytes = static_cast<size_t>(t.width) * t.channels;
+  const size_t bytes = static_cast<size_t>(t.width) * PixelBytes(t.layout);
   for (int i = 0; i < t.height; ++i) {
     Byte* const to = RowAt(dst, dstStep, i);
     const int below = t.y[i + 1 < t.height ? i + 1 : i];
@@ -108,7 +108,7 @@ static bool DoubledRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
 // False if shuffles do not serve this resize.
 static bool ShuffledRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
                          const NearestTables& t, void* work) {
-  const ptrdiff_t bytes = ptrdiff_t{t.width} * t.channels;
+  const ptrdiff_t bytes = ptrdiff_t{t.width} * PixelBytes(t.layout);
   const ByteGather g = PlanNearestGather(t, kGatherShape, work);
   if (g.loads == 0) return false;
   WithLoads(g.loads, [&]<int kLoads>() {
@@ -132,8 +132,8 @@ static bool ShuffledRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
 void NearestRows_8u(const Byte* src, int srcStep, Byte* dst, int dstStep,
                     const NearestTables* tables, [[maybe_unused]] void* work) {
 #if QV_HAS_VECTORS
-  if (tables->channels == 1 && (HalvedRows(src, srcStep, dst, dstStep, *tables) ||
-                                DoubledRows(src, srcStep, dst, dstStep, *tables)))
+  if (tables->layout == Layout::kGray && (HalvedRows(src, srcStep, dst, dstStep, *tables) ||
+                                          DoubledRows(src, srcStep, dst, dstStep, *tables)))
     return;
   if constexpr (kHasByteShuffle)
     if (ShuffledRows(src, srcStep, dst, dstStep, *tables, work)) return;

@@ -78,7 +78,7 @@ IppStatus ResizeYUV422_8u_C2(const unsigned char* src, IppiSize srcSize, int src
                            srcStep,
                            dst,
                            dstStep,
-                           2,
+                           Layout::kPairs422,
                            width / 2 * 2,
                            height,
                            luma.length,

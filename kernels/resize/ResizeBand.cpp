@@ -37,9 +37,9 @@ IppStatus RunBand(const ResizeTask& task, const BandAxis& x, const BandAxis& y, 
 
 }  // namespace
 
-uint64_t ResizeWorkBytes(int width, int height, int channels, int interpolation) {
+uint64_t ResizeWorkBytes(int width, int height, Layout layout, int interpolation) {
   const int counts[3] = {width, height, 0};
-  const uint64_t rowBytes = static_cast<uint64_t>(width) * channels;
+  const uint64_t rowBytes = static_cast<uint64_t>(width) * PixelBytes(layout);
   switch (interpolation) {
     case InterpolateNearest: return NearestLayout(counts, rowBytes).all.bytes();
     case InterpolateLinear: return LinearLayout(counts, rowBytes).all.bytes();
@@ -47,7 +47,7 @@ uint64_t ResizeWorkBytes(int width, int height, int channels, int interpolation)
   }
 }
 
-IppStatus ResizeBand(const ResizeCall& call, int channels, IppiRect dstRect, double xShift,
+IppStatus ResizeBand(const ResizeCall& call, Layout layout, IppiRect dstRect, double xShift,
                      double yShift, const WorkBuffer& buffer) {
   const IppiSize srcSize = call.srcSize;
   const IppiRect srcRoi = call.srcRoi;
@@ -71,12 +71,13 @@ IppStatus ResizeBand(const ResizeCall& call, int channels, IppiRect dstRect, dou
     return StatusResizeFactorErr;
   if (columns.count == 0 || rows.count == 0) return StatusOk;
 
-  const ResizeTask task = {PixelAt(call.src, call.srcStep, srcRoi.x, srcRoi.y, channels),
+  const int pixelBytes = PixelBytes(layout);
+  const ResizeTask task = {PixelAt(call.src, call.srcStep, srcRoi.x, srcRoi.y, pixelBytes),
                            call.srcStep,
                            call.dst + static_cast<ptrdiff_t>(rows.first) * call.dstStep +
-                               static_cast<ptrdiff_t>(columns.first) * channels,
+                               static_cast<ptrdiff_t>(columns.first) * pixelBytes,
                            call.dstStep,
-                           channels,
+                           layout,
                            columns.count,
                            rows.count,
                            x.length,
@@ -146,11 +147,11 @@ IppStatus ResizeBandBufferSize(IppiSize dstSize, int channels, int interpolation
 namespace {
 
 // In a buffer of which is known what the query says, nothing where it says nothing.
-IppStatus ResizeBuffered(const ResizeCall& call, int channels, IppiRect dstRect, double xShift,
+IppStatus ResizeBuffered(const ResizeCall& call, Layout layout, IppiRect dstRect, double xShift,
                          double yShift, unsigned char* buffer) {
   int bytes = 0;
-  ResizeBandBufferSize({dstRect.width, dstRect.height}, channels, call.interpolation, &bytes);
-  return ResizeBand(call, channels, dstRect, xShift, yShift,
+  ResizeBandBufferSize({dstRect.width, dstRect.height}, PixelBytes(layout), call.interpolation, &bytes);
+  return ResizeBand(call, layout, dstRect, xShift, yShift,
                     {buffer, static_cast<uint64_t>(bytes)});
 }
 
@@ -161,7 +162,7 @@ IppStatus ResizeBand_8u_C1(const unsigned char* src, IppiSize srcSize, int srcSt
                            double xFactor, double yFactor, double xShift, double yShift,
                            int interpolation, unsigned char* buffer) {
   return ResizeBuffered({src, srcSize, srcStep, srcRoi, dst, dstStep, {}, xFactor, yFactor,
-                         interpolation}, 1, dstRect, xShift, yShift, buffer);
+                         interpolation}, Layout::kGray, dstRect, xShift, yShift, buffer);
 }
 
 IppStatus ResizeBand_8u_C3(const unsigned char* src, IppiSize srcSize, int srcStep,
@@ -169,7 +170,7 @@ IppStatus ResizeBand_8u_C3(const unsigned char* src, IppiSize srcSize, int srcSt
                            double xFactor, double yFactor, double xShift, double yShift,
                            int interpolation, unsigned char* buffer) {
   return ResizeBuffered({src, srcSize, srcStep, srcRoi, dst, dstStep, {}, xFactor, yFactor,
-                         interpolation}, 3, dstRect, xShift, yShift, buffer);
+                         interpolation}, Layout::kTriples, dstRect, xShift, yShift, buffer);
 }
 
 }  // namespace qv

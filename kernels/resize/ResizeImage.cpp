@@ -61,17 +61,17 @@ IppStatus PlanWhole(IppiSize srcSize, IppiRect srcRoi, IppiSize dstRoiSize, doub
 
 IppStatus ResizeImage(const unsigned char* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
                       unsigned char* dst, int dstStep, IppiSize dstRoiSize, double xFactor,
-                      double yFactor, int interpolation, int channels) {
+                      double yFactor, int interpolation, Layout layout) {
   if (!src || !dst) return StatusNullPtrErr;
   WholePlan plan;
   const IppStatus status =
       PlanWhole(srcSize, srcRoi, dstRoiSize, xFactor, yFactor, interpolation, &plan);
   if (status != StatusOk) return status;
-  const ResizeTask task = {PixelAt(src, srcStep, srcRoi.x, srcRoi.y, channels),
+  const ResizeTask task = {PixelAt(src, srcStep, srcRoi.x, srcRoi.y, PixelBytes(layout)),
                            srcStep,
                            dst,
                            dstStep,
-                           channels,
+                           layout,
                            plan.width,
                            plan.height,
                            plan.x.length,
@@ -107,14 +107,14 @@ IppStatus Resize_8u_C1(const unsigned char* src, IppiSize srcSize, int srcStep, 
                        unsigned char* dst, int dstStep, IppiSize dstRoiSize, double xFactor,
                        double yFactor, int interpolation) {
   return ResizeImage(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoiSize, xFactor, yFactor,
-                     interpolation, 1);
+                     interpolation, Layout::kGray);
 }
 
 IppStatus Resize_8u_C3(const unsigned char* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
                        unsigned char* dst, int dstStep, IppiSize dstRoiSize, double xFactor,
                        double yFactor, int interpolation) {
   return ResizeImage(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoiSize, xFactor, yFactor,
-                     interpolation, 3);
+                     interpolation, Layout::kTriples);
 }
 
 }  // namespace qv

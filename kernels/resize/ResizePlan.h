@@ -41,24 +41,20 @@ inline bool StartsOutside(IppiSize size, IppiRect roi) {
   return roi.x >= size.width || roi.y >= size.height;
 }
 
-// A checked call. Lengths are of the clipped region; for packed 4:2:2 (2 channels) also in pairs.
+// A checked call. Lengths are of the clipped region; for packed 4:2:2 also in pairs.
 struct ResizeTask {
   const unsigned char* src;  // the region's first byte
   int srcStep;
   unsigned char* dst;        // the first byte to write
-  int dstStep, channels;
+  int dstStep;
+  Layout layout;
   int width, height;         // to write
   int xLength, yLength;
   WorkBuffer buffer = {};
 
-  RowLayout Layout() const {
-    return channels == 1   ? RowLayout::kGray
-           : channels == 3 ? RowLayout::kTriples
-                           : RowLayout::kPairs422;
-  }
-  FilterTask Filter() const { return {Layout(), src, srcStep, dst, dstStep}; }
-  uint64_t RowBytes() const { return static_cast<uint64_t>(width) * channels; }
-  int Pairs() const { return channels == 2 ? width / 2 : 0; }
+  FilterTask Filter() const { return {layout, src, srcStep, dst, dstStep}; }
+  uint64_t RowBytes() const { return static_cast<uint64_t>(width) * PixelBytes(layout); }
+  int Pairs() const { return layout == Layout::kPairs422 ? width / 2 : 0; }
 };
 
 // The work memory of each method: tables of the three axes columns, rows and (packed 4:2:2) pairs,
@@ -99,7 +95,7 @@ struct FilterLayout {
 
 // Bytes of a buffer in which a band of up to so many pixels finds all of these, for codes 1, 2, 4
 // and 16.
-uint64_t ResizeWorkBytes(int width, int height, int channels, int interpolation);
+uint64_t ResizeWorkBytes(int width, int height, Layout layout, int interpolation);
 
 // Nearest-neighbour rows. x, y and (packed 4:2:2) chroma fill the indices of the axes' samples.
 template <class X, class Y, class Chroma>
@@ -113,7 +109,7 @@ IppStatus RunNearest(const ResizeTask& task, X x, Y y, Chroma chroma) {
   x(columns);
   y(lines);
   if (task.Pairs() > 0) chroma(pairs);
-  const NearestTables tables = {task.width, task.height, task.xLength, task.channels,
+  const NearestTables tables = {task.width, task.height, task.xLength, task.layout,
                                 columns,    lines,       pairs};
   NearestRows_8u(task.src, task.srcStep, task.dst, task.dstStep, &tables,
                  work.At<char>(layout.rows));
@@ -138,8 +134,8 @@ IppStatus RunLinear(const ResizeTask& task, X x, Y y, Chroma chroma) {
   fill(0, x);
   fill(1, y);
   fill(2, chroma);
-  const LinearTables tables = {task.width,    task.height, task.xLength, task.channels,
-                               task.channels, taps[0],     taps[1],      taps[2]};
+  const LinearTables tables = {task.width, task.height, task.xLength, task.layout,
+                               taps[0],    taps[1],     taps[2]};
   ResizeLinearRows_8u(task.src, task.srcStep, task.dst, task.dstStep, &tables,
                       work.At<char>(layout.rows));
   return StatusOk;
@@ -162,8 +158,8 @@ IppStatus RunFilter(const ResizeTask& task, int interpolation, X x, Y y, Chroma 
                      work.At<char>(layout.taps));
 }
 
-// A band kernel of one or three channels, whose work memory is `buffer` as far as that reaches.
-IppStatus ResizeBand(const ResizeCall& call, int channels, IppiRect dstRect, double xShift,
+// A band kernel of pixels of one or three bytes, whose work memory is `buffer` as far as that reaches.
+IppStatus ResizeBand(const ResizeCall& call, Layout layout, IppiRect dstRect, double xShift,
                      double yShift, const WorkBuffer& buffer);
 
 // Nothing to fill: layouts without chroma.

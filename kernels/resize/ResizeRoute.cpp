@@ -24,30 +24,29 @@ int MethodOf(const ResizeCall& call) {
 
 }  // namespace
 
-ResizeRoute::ResizeRoute(const ResizeCall& call, int channels, int mostBands)
-    : call_(call), channels_(channels), bands_(mostBands) {
+ResizeRoute::ResizeRoute(const ResizeCall& call, Layout layout, int mostBands)
+    : call_(call), layout_(layout), bands_(mostBands) {
   call_.interpolation = MethodOf(call);
   int bytes;
-  if (bands_ > 1 && ResizeBandBufferSize(call_.dstRoiSize, channels, call_.interpolation,
-                                         &bytes) != StatusOk)
+  if (bands_ > 1 && ResizeBandBufferSize(call_.dstRoiSize, PixelBytes(layout),
+                                         call_.interpolation, &bytes) != StatusOk)
     bands_ = 1;
 }
 
 IppStatus ResizeRoute::RunWhole() const {
-  if (channels_ == 0) return StatusDataTypeErr;
-  const auto kernel = channels_ == 1 ? Resize_8u_C1 : Resize_8u_C3;
+  const auto kernel = layout_ == Layout::kGray ? Resize_8u_C1 : Resize_8u_C3;
   return kernel(call_.src, call_.srcSize, call_.srcStep, call_.srcRoi, call_.dst, call_.dstStep,
                 call_.dstRoiSize, call_.xFactor, call_.yFactor, call_.interpolation);
 }
 
 IppStatus ResizeRoute::RunRows(int first, int length) const {
   const int width = call_.dstRoiSize.width, height = call_.dstRoiSize.height;
-  const uint64_t bytes = ResizeWorkBytes(width, length, channels_, call_.interpolation);
+  const uint64_t bytes = ResizeWorkBytes(width, length, layout_, call_.interpolation);
   auto* const buffer = bytes <= PTRDIFF_MAX
                            ? new (std::nothrow) unsigned char[static_cast<size_t>(bytes)]
                            : nullptr;
   const IppStatus status =
-      ResizeBand(call_, channels_, {0, first, width, length}, 0, 0, {buffer, bytes});
+      ResizeBand(call_, layout_, {0, first, width, length}, 0, 0, {buffer, bytes});
   delete[] buffer;
   if (status != StatusOk || length != height) return status;
   const int lastFirst = (bands_ - 1) * rowsPerBand();

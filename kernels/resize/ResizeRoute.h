@@ -5,6 +5,7 @@
 
 #include <stdint.h>
 
+#include "kernels/Layout.h"
 #include "kernels/resize/Resize.h"
 
 namespace qv {
@@ -16,8 +17,8 @@ namespace qv {
 // ResizeBandBufferSize refuses.
 class ResizeRoute {
  public:
-  // `channels` of the type, 0 for one that is not resized. `mostBands` as the heights allow.
-  ResizeRoute(const ResizeCall& call, int channels, int mostBands);
+  // `layout` kGray or kTriples; `mostBands` as the heights allow.
+  ResizeRoute(const ResizeCall& call, Layout layout, int mostBands);
 
   // 1: RunWhole. More: RunRows for each band of so many rows, the last of which takes the
   // remainder, or for all rows at once, with the same bytes and the status of the last band. Below
@@ -27,7 +28,7 @@ class ResizeRoute {
 
   // Tells calls apart whose pixels take different times.
   uintptr_t kind() const {
-    return static_cast<uintptr_t>(channels_) + static_cast<uintptr_t>(call_.interpolation) * 4;
+    return static_cast<uintptr_t>(PixelBytes(layout_)) + static_cast<uintptr_t>(call_.interpolation) * 4;
   }
 
   IppStatus RunWhole() const;
@@ -41,7 +42,8 @@ class ResizeRoute {
 
  private:
   ResizeCall call_;
-  int channels_, bands_;
+  Layout layout_;
+  int bands_;
 };
 
 }  // namespace qv

@@ -7,6 +7,7 @@
 #include <stdint.h>
 
 #include "dispatch/Dispatched.h"
+#include "kernels/Layout.h"
 
 namespace qv {
 
@@ -14,7 +15,7 @@ namespace qv {
 struct NearestTables {
   int width, height;   // of the destination, in pixels
   int srcWidth;        // of the region
-  int channels;        // 1 or 3; 2 for packed 4:2:2
+  Layout layout;       // kGray, kTriples or kPairs422
   const int* x;
   const int* y;
   const int* xChroma;  // packed 4:2:2: the source pair of each destination pair
@@ -31,8 +32,7 @@ struct LinearTaps {
 struct LinearTables {
   int width, height;
   int srcWidth;
-  int channels;     // 1, 3 or 4; 2 for packed 4:2:2
-  int pixelStride;  // bytes from a pixel to the next one: as many as channels, or 4 with 3 of them
+  Layout layout;       // interleaved or kPairs422
   LinearTaps x, y;
   LinearTaps xChroma;  // packed 4:2:2: of the pairs
 };
@@ -42,7 +42,7 @@ constexpr int kWeightOne = 16384;
 // A fourth byte of pixels that is interpolated with the others, but not stored. Always inlined,
 // like the next functions: row sources of several levels share this header.
 __attribute__((always_inline)) inline bool DropsFourth(const LinearTables& t) {
-  return t.channels == 3 && t.pixelStride == 4;
+  return t.layout == Layout::kTriplesOfQuads;
 }
 
 // The byte offsets of a value's two samples in a source row and the weight of the right one.
@@ -59,7 +59,7 @@ __attribute__((always_inline)) inline LinearSides SidesOf(const LinearTaps& x, p
 // Calls each(k, sides) for every value k of a row.
 template <class Each>
 __attribute__((always_inline)) inline void ForEachValue(const LinearTables& t, Each each) {
-  if (t.channels == 2) {
+  if (t.layout == Layout::kPairs422) {
     for (ptrdiff_t j = 0; j < t.width / 2; ++j) {
       each(4 * j, SidesOf(t.x, 2 * j, 2, 0));
       each(4 * j + 1, SidesOf(t.xChroma, j, 4, 1));
@@ -67,9 +67,9 @@ __attribute__((always_inline)) inline void ForEachValue(const LinearTables& t, E
       each(4 * j + 3, SidesOf(t.xChroma, j, 4, 3));
     }
   } else {
+    const int stride = PixelBytes(t.layout);
     for (ptrdiff_t j = 0; j < t.width; ++j)
-      for (int c = 0; c < t.pixelStride; ++c)
-        each(j * t.pixelStride + c, SidesOf(t.x, j, t.pixelStride, c));
+      for (int c = 0; c < stride; ++c) each(j * stride + c, SidesOf(t.x, j, stride, c));
   }
 }
 
@@ -89,8 +89,7 @@ extern QV_HIDDEN const Dispatched<void(
 // source row becomes h = (p1 * w + p0 * (16384 - w) + 128) >> 8, a value with 6 fractional bits;
 // with u, d the results of the upper and the lower source row and w = yWeight[i] the destination
 // byte is (d * w + u * (16384 - w) + 524288) >> 20. Each source row is interpolated once. Of
-// four-byte pixels with three channels the fourth byte of the destination is not stored to; whole
-// pixels of the source are read. Nothing is checked.
+// kTriplesOfQuads whole pixels of the source are read. Nothing is checked.
 extern QV_HIDDEN const Dispatched<void(
     const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
     const LinearTables* tables, void* work)> ResizeLinearRows_8u;

@@ -51,38 +51,36 @@ QV_INLINE ByteVectors PermuteFourths(const Byte* src) {
 
 // ---- Where they are shuffled within 128-bit lanes -----------------------------------------------
 
-// Bytes c of 16 three-byte pixels from 16 of their 48 bytes.
-struct ThirdIndex {
+// Four pixels of a lane sorted: their first bytes, their second ones, and so on. They begin at byte
+// `first` of the lane.
+struct SortIndex {
   alignas(16) Byte at[16];
-  constexpr ThirdIndex(int c, int part) : at() {
-    for (int i = 0; i < 16; ++i)
-      at[i] = static_cast<Byte>((3 * i + c) / 16 == part ? (3 * i + c) % 16 : 0x80);
+  constexpr SortIndex(int pixelBytes, int first) : at() {
+    for (int i = 0; i < 16; ++i) {
+      const int byte = i / 4;
+      at[i] = static_cast<Byte>(byte < pixelBytes ? first + i % 4 * pixelBytes + byte : 0x80);
+    }
   }
 };
 
-template <int c>
-QV_INLINE Vec ShuffleThirds(Vec v0, Vec v1, Vec v2) {
-  static constexpr ThirdIndex index[3] = {{c, 0}, {c, 1}, {c, 2}};
-  return Or(
-      Or(ShuffleBytes(v0, LoadSplat128(index[0].at)), ShuffleBytes(v1, LoadSplat128(index[1].at))),
-      ShuffleBytes(v2, LoadSplat128(index[2].at)));
-}
-
-// Four vectors of four pixels a lane, each lane shuffled to four first bytes, four second ones and
-// so on, and these then sorted.
-QV_INLINE ByteVectors ShuffleFourths(const Vec (&v)[4]) {
-  alignas(16) static constexpr Byte kSorted[16] = {0, 4, 8,  12, 1, 5, 9,  13,
-                                                   2, 6, 10, 14, 3, 7, 11, 15};
-  const Vec index = LoadSplat128(kSorted);
-  Vec s[4];
-  for (int j = 0; j < 4; ++j) s[j] = ShuffleBytes(v[j], index);
-  const Vec low0 = InterleaveLow32(s[0], s[1]), low1 = InterleaveLow32(s[2], s[3]);
-  const Vec high0 = InterleaveHigh32(s[0], s[1]), high1 = InterleaveHigh32(s[2], s[3]);
+// Four vectors of four such pixels a lane.
+template <int kChannels>
+QV_INLINE ByteVectors ShufflePixels(const Byte* src) {
+  static constexpr SortIndex index(kChannels, 0), last(kChannels, 16 - 4 * kChannels);
+  Vec v[4];
+  for (int j = 0; j < 4; ++j) {
+    // Lane i has pixels from 16 i + 4 j on. The last ones end with the lane: nothing behind them is
+    // read.
+    const Byte* const from = src + 4 * kChannels * j - (j == 3 ? 16 - 4 * kChannels : 0);
+    v[j] = ShuffleBytes(LoadLanes(from, 16 * kChannels), LoadSplat128(j == 3 ? last.at : index.at));
+  }
+  const Vec low0 = InterleaveLow32(v[0], v[1]), low1 = InterleaveLow32(v[2], v[3]);
+  const Vec high0 = InterleaveHigh32(v[0], v[1]), high1 = InterleaveHigh32(v[2], v[3]);
   return {
       {InterleaveLow64(low0, low1), InterleaveHigh64(low0, low1), InterleaveLow64(high0, high1)}};
 }
 
-// ---- And where they are not ---------------------------------------------------------------------
+// ---- And where they are not, with 128-bit vectors -----------------------------------------------
 
 QV_INLINE ByteVectors PackFourths(const Vec (&v)[4]) {
   const auto bytes = [&](auto part) {
@@ -127,20 +125,15 @@ QV_INLINE ByteVectors LoadPixels(const Byte* src) {
         {PermuteThirds<0>(v0, v1, v2), PermuteThirds<1>(v0, v1, v2), PermuteThirds<2>(v0, v1, v2)}};
   } else if constexpr (kHasBytePermute) {
     return PermuteFourths(src);
+  } else if constexpr (kHasByteShuffle) {
+    return ShufflePixels<kChannels>(src);
   } else {
-    // Lane i has pixels 16 i to 16 i + 15.
     Vec v[kChannels];
-    for (int j = 0; j < kChannels; ++j)
-      v[j] = LoadLanes([=](int i) { return src + 16 * (kChannels * i + j); });
-    if constexpr (kChannels == 4) {
-      if constexpr (kHasByteShuffle) return ShuffleFourths(v);
+    for (int j = 0; j < kChannels; ++j) v[j] = Load(src + 16 * j);
+    if constexpr (kChannels == 4)
       return PackFourths(v);
-    } else if constexpr (kHasByteShuffle) {
-      return {{ShuffleThirds<0>(v[0], v[1], v[2]), ShuffleThirds<1>(v[0], v[1], v[2]),
-               ShuffleThirds<2>(v[0], v[1], v[2])}};
-    } else {
+    else
       return InterleaveThirds(v[0], v[1], v[2]);
-    }
   }
 }
 

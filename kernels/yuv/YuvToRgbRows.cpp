@@ -43,17 +43,17 @@ SampleRows RowsOf(const YuvFrame<const Byte>& src, ChromaSiting siting, IppiSize
 
 // Of a pixel, in 256ths.
 QV_INLINE int ChromaAt(const SampleRows& rows, int c, ptrdiff_t x, ChromaSiting siting) {
-  const auto fourfold = [&](ptrdiff_t i) {
-    return 3 * rows.near[c][i * rows.apart] + rows.next[c][i * rows.apart];
-  };
-  if (!rows.halfWidth) return 64 * fourfold(x);
-  const ptrdiff_t i = x / 2;
-  ptrdiff_t other = i;
-  if (siting == ChromaSiting::Left) other += x % 2;
-  if (siting == ChromaSiting::Centre) other += x % 2 ? 1 : -1;
-  if (other < 0 || other > rows.last) other = i;
+  const ptrdiff_t i = rows.halfWidth ? x / 2 : x;
+  if (!rows.halfWidth || siting == ChromaSiting::Repeat) return rows.near[c][i * rows.apart] << 8;
+  ptrdiff_t beside = i;
+  if (siting == ChromaSiting::Left) beside += x % 2;
+  if (siting == ChromaSiting::Centre) beside += x % 2 ? 1 : -1;
+  if (beside < 0 || beside > rows.last) beside = i;
   const int weight = siting == ChromaSiting::Left ? 2 : 1;
-  return 16 * ((4 - weight) * fourfold(i) + weight * fourfold(other));
+  const auto fourfold = [&](ptrdiff_t at) {
+    return 3 * rows.near[c][at * rows.apart] + rows.next[c][at * rows.apart];
+  };
+  return 16 * ((4 - weight) * fourfold(i) + weight * fourfold(beside));
 }
 
 QV_INLINE int MulHigh(int a, int b) {
@@ -170,8 +170,15 @@ QV_INLINE const Byte* FirstOf(const SampleRows& rows) {
 }
 
 QV_INLINE void LoadGroups(const Byte* groups, bool lumaFirst, Vec& luma, Vec& pairs) {
-  const Vec low = Load(groups), high = Load(groups + kVecBytes);
-  const Vec even = EvenBytes(low, high), odd = OddBytes(low, high);
+  Vec low, high, even, odd;
+  LoadPacked(groups, low, high);
+  if constexpr (kHasBytePermute) {
+    even = EvenBytes(low, high);
+    odd = OddBytes(low, high);
+  } else {  // lanes are loaded such that they are in order when they are packed
+    even = PackUnsigned16(And(low, Splat16(0xff)), And(high, Splat16(0xff)));
+    odd = PackUnsigned16(ShiftRight16<8>(low), ShiftRight16<8>(high));
+  }
   luma = lumaFirst ? even : odd;
   pairs = lumaFirst ? odd : even;
 }

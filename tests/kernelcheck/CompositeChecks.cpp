@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "kernels/composite/Composite.h"
 #include "tests/kernelcheck/Case.h"
 
@@ -37,6 +39,31 @@ void CheckMergePlus(Case& c, const MergePlusKernel& kernel, int pixel) {
   });
 }
 
+void CheckOverlay(Case& c, const OverlayKernel& kernel, int fgPixel, int pixel) {
+  const IppiSize size = c.Size();
+  const Image frame = c.Destination(std::ptrdiff_t{size.width} * pixel, size.height);
+  const Image fg = c.Source(std::ptrdiff_t{size.width} * fgPixel, size.height);
+  Image alpha = c.Source(size.width, size.height);
+  const bool bench = c.IsBench();
+  if (!bench && (fgPixel == 4 || c.random.OneIn(4))) alpha = {nullptr, 0};
+  const int opacity = bench || c.random.OneIn(3) ? 255 : c.random.Between(0, 255);
+  const bool premultiplied = !bench && c.random.OneIn(2);
+  // Long stretches of clear pixels.
+  if (!bench && c.random.OneIn(3))
+    for (int y = 0; y < size.height; ++y)
+      for (int x = c.random.Between(0, size.width), n = c.random.Between(0, size.width - x); n > 0;
+           --n, ++x) {
+        if (alpha.data) alpha.data[std::ptrdiff_t{y} * alpha.step + x] = 0;
+        unsigned char* const p =
+            fg.data + std::ptrdiff_t{y} * fg.step + std::ptrdiff_t{x} * fgPixel;
+        std::fill_n(p, fgPixel, static_cast<unsigned char>(0));
+      }
+  c.Compare([=] {
+    return kernel(frame.data, frame.step, fg.data, fg.step, alpha.data, alpha.step, size, opacity,
+                  premultiplied);
+  });
+}
+
 // The planes of an over merge. The merged alpha goes by the step of the foreground's, so the two
 // are cut from one allocation side by side, or are one plane.
 struct OverPlanes {
@@ -62,6 +89,11 @@ QV_CHECK(AlphaCompC_8u_C1) { CheckAlphaComp(c, AlphaCompC_8u_C1, 1); }
 QV_CHECK(AlphaCompC_8u_C3) { CheckAlphaComp(c, AlphaCompC_8u_C3, 3); }
 QV_CHECK(MergeAlphaPlus_8u_C1) { CheckMergePlus(c, MergeAlphaPlus_8u_C1, 1); }
 QV_CHECK(MergeAlphaPlus_8u_C3) { CheckMergePlus(c, MergeAlphaPlus_8u_C3, 3); }
+
+QV_CHECK(Overlay_8u_C1) { CheckOverlay(c, Overlay_8u_C1, 1, 1); }
+QV_CHECK(Overlay_8u_C3) { CheckOverlay(c, Overlay_8u_C3, 3, 3); }
+QV_CHECK(Overlay_8u_AC4) { CheckOverlay(c, Overlay_8u_AC4, 4, 4); }
+QV_CHECK(Overlay_8u_AC4C3) { CheckOverlay(c, Overlay_8u_AC4C3, 4, 3); }
 
 QV_CHECK(MergeAlphaOverPlain_8u) {
   const OverPlanes p(c);

@@ -20,3 +20,18 @@ QV_CHECK(Deinterlace_8u) {
                           mode);
   });
 }
+
+QV_CHECK(FieldToFrame_8u) {
+  const IppiSize size = c.Size(1, 2);
+  const Image src = c.Source(size.width, size.height);
+  const Image dst = c.Destination(size.width, size.height);
+  const int parity = c.IsBench() ? 0 : c.random.Between(0, 1);
+  const int weight = c.IsBench() ? 64 : c.random.OneIn(3) ? c.random.Pick(0, 1, 127, 128)
+                                                          : c.random.Between(0, 128);
+  const int first = c.IsBench() ? 0 : c.random.Between(0, size.height - 1);
+  const int rows = c.IsBench() ? size.height : c.random.Between(0, size.height - first);
+  c.Compare([=] {
+    return FieldToFrame_8u(src.data, src.step, dst.data, dst.step, size.width, size.height, parity,
+                           weight, first, rows);
+  });
+}

@@ -104,8 +104,7 @@ void CheckLinearRowsOfFourBytes(Case& c) {
   const LinearTables tables = {to.width,
                                to.height,
                                from.width,
-                               channels,
-                               4,
+                               channels == 3 ? Layout::kTriplesOfQuads : Layout::kQuads,
                                {from.width > 1, x.data(), xWeight.data()},
                                {from.height > 1, y.data(), yWeight.data()},
                                {}};
