@@ -43,6 +43,9 @@ if(NOT DEFINED CACHE{QV_LEVELS})
   endforeach()
 endif()
 
+list(JOIN QV_LEVELS " " names)
+message(STATUS "Levels: ${names}")
+
 # In our own builds the assembler refuses what a level's processors lack, so that neither the compiler
 # nor a wrongly written row brings it in. Carry-less multiplication is asked for apart from the level.
 if(QV_X86 AND QV_WERROR AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)

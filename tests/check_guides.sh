@@ -27,7 +27,7 @@ check() {  # HEADING SED-SCRIPT WORDS
 mirror='s/<family>/copy/; s/<Family>Bench/TransferBench/; s/<Family>/Copy/; s/<Name>/Mirror/'
 check 'An operation' "$mirror" mirror
 check 'A level' 's/<level>/ssse3/' ssse3
-check 'A layout' "$mirror" mirror
+check 'A layout' "$mirror" 'mirror|ThreeChannels'
 check 'A binding' '' 'bindings/c|qvBindingsC|qvAcceleratedLibC|qv_mirror|Operations\.def'
 
 levels='s/^  LEVEL(\([a-z0-9_]*\),.*/\1/p'
