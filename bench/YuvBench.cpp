@@ -99,12 +99,12 @@ static const bench::Family yuv([](bench::Suite& s) {
                 w, h);
       });
     };
-    planes("I420 to BGR", QV_LAYOUT_I420, "libyuv I420ToRGB24", I420ToRGB24, 3);
-    planes("I420 to BGRA", QV_LAYOUT_I420, "libyuv I420ToARGB", I420ToARGB, 4);
-    planes("I422 to BGR", QV_LAYOUT_I422, "libyuv I422ToRGB24", I422ToRGB24, 3);
-    planes("I422 to BGRA", QV_LAYOUT_I422, "libyuv I422ToARGB", I422ToARGB, 4);
-    planes("I444 to BGR", QV_LAYOUT_I444, "libyuv I444ToRGB24", I444ToRGB24, 3);
-    planes("I444 to BGRA", QV_LAYOUT_I444, "libyuv I444ToARGB", I444ToARGB, 4);
+    planes("I420 to BGR", QV_LAYOUT_I420, "~libyuv I420ToRGB24, coarser", I420ToRGB24, 3);
+    planes("I420 to BGRA", QV_LAYOUT_I420, "~libyuv I420ToARGB, coarser", I420ToARGB, 4);
+    planes("I422 to BGR", QV_LAYOUT_I422, "~libyuv I422ToRGB24, coarser", I422ToRGB24, 3);
+    planes("I422 to BGRA", QV_LAYOUT_I422, "~libyuv I422ToARGB, coarser", I422ToARGB, 4);
+    planes("I444 to BGR", QV_LAYOUT_I444, "~libyuv I444ToRGB24, coarser", I444ToRGB24, 3);
+    planes("I444 to BGRA", QV_LAYOUT_I444, "~libyuv I444ToARGB, coarser", I444ToARGB, 4);
     const auto filtered = [](auto convert) {
       return [=](const uint8_t* y, int yStep, const uint8_t* u, int uStep, const uint8_t* v,
                  int vStep, uint8_t* dst, int step, int width, int height) {
@@ -112,9 +112,9 @@ static const bench::Family yuv([](bench::Suite& s) {
                 kFilterBilinear);
       };
     };
-    planes("I420 to BGRA, interpolated", QV_LAYOUT_I420, "libyuv I420ToARGBMatrixFilter",
+    planes("I420 to BGRA, interpolated", QV_LAYOUT_I420, "~libyuv I420ToARGBMatrixFilter, coarser",
            filtered(I420ToARGBMatrixFilter), 4);
-    planes("I420 to BGR, interpolated", QV_LAYOUT_I420, "libyuv I420ToRGB24MatrixFilter",
+    planes("I420 to BGR, interpolated", QV_LAYOUT_I420, "~libyuv I420ToRGB24MatrixFilter, coarser",
            filtered(I420ToRGB24MatrixFilter), 3);
     const auto pairs = [&](const char* job, const char* name, auto convert, int bytes) {
       s.Peer(job, size, name, [=] {
@@ -122,9 +122,9 @@ static const bench::Family yuv([](bench::Suite& s) {
         convert(p.data[0], w, p.data[1], w, b.dst, bytes * w, w, h);
       });
     };
-    pairs("NV12 to BGR", "libyuv NV12ToRGB24", NV12ToRGB24, 3);
-    pairs("NV12 to BGRA", "libyuv NV12ToARGB", NV12ToARGB, 4);
-    s.Peer("YUYV to BGRA", size, "libyuv YUY2ToARGB",
+    pairs("NV12 to BGR", "~libyuv NV12ToRGB24, coarser", NV12ToRGB24, 3);
+    pairs("NV12 to BGRA", "~libyuv NV12ToARGB, coarser", NV12ToARGB, 4);
+    s.Peer("YUYV to BGRA", size, "~libyuv YUY2ToARGB, coarser",
            [=] { YUY2ToARGB(b.src, 2 * w, b.dst, 4 * w, w, h); });
 
     const auto toPlanes = [&](const char* job, int layout, const char* name, auto convert,
@@ -135,17 +135,17 @@ static const bench::Family yuv([](bench::Suite& s) {
                 w, h);
       });
     };
-    toPlanes("BGR to I420", QV_LAYOUT_I420, "libyuv RGB24ToI420", RGB24ToI420, 3);
-    toPlanes("BGRA to I420", QV_LAYOUT_I420, "libyuv ARGBToI420", ARGBToI420, 4);
-    toPlanes("BGRA to I422", QV_LAYOUT_I422, "libyuv ARGBToI422", ARGBToI422, 4);
-    toPlanes("BGRA to I444", QV_LAYOUT_I444, "libyuv ARGBToI444", ARGBToI444, 4);
-    s.Peer("BGRA to NV12", size, "libyuv ARGBToNV12", [=] {
+    toPlanes("BGR to I420", QV_LAYOUT_I420, "~libyuv RGB24ToI420, coarser", RGB24ToI420, 3);
+    toPlanes("BGRA to I420", QV_LAYOUT_I420, "~libyuv ARGBToI420, coarser", ARGBToI420, 4);
+    toPlanes("BGRA to I422", QV_LAYOUT_I422, "~libyuv ARGBToI422, coarser", ARGBToI422, 4);
+    toPlanes("BGRA to I444", QV_LAYOUT_I444, "~libyuv ARGBToI444, coarser", ARGBToI444, 4);
+    s.Peer("BGRA to NV12", size, "~libyuv ARGBToNV12, coarser", [=] {
       const Planes p(b.dst, QV_LAYOUT_NV12, size);
       ARGBToNV12(b.src, 4 * w, p.data[0], w, p.data[1], w, w, h);
     });
-    s.Peer("BGRA to YUYV", size, "libyuv ARGBToYUY2",
+    s.Peer("BGRA to YUYV", size, "~libyuv ARGBToYUY2, coarser",
            [=] { ARGBToYUY2(b.src, 4 * w, b.dst, 2 * w, w, h); });
-    s.Peer("BGRA to UYVY", size, "libyuv ARGBToUYVY",
+    s.Peer("BGRA to UYVY", size, "~libyuv ARGBToUYVY, coarser",
            [=] { ARGBToUYVY(b.src, 4 * w, b.dst, 2 * w, w, h); });
 #endif
 #if defined(QV_BENCH_OPENCV)

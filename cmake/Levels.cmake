@@ -73,8 +73,10 @@ endif()
 # vectors there with moves that want more (GCC bug 54412, open as of GCC 12). The assembler makes
 # unaligned ones of them, which are as fast.
 if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 8)
-  foreach(level avx2 avx512)
-    list(APPEND QV_LEVEL_FLAGS_${level} -Wa,-muse-unaligned-vector-move)
+  foreach(level IN LISTS QV_LEVELS)
+    if(QV_LEVEL_FLAGS_${level} MATCHES -mavx)
+      list(APPEND QV_LEVEL_FLAGS_${level} -Wa,-muse-unaligned-vector-move)
+    endif()
   endforeach()
 endif()
 

@@ -838,6 +838,102 @@ QV_API(int) qv_resample(const unsigned char* src, qv_size src_size, int src_step
                         unsigned char* dst, qv_size dst_size, int dst_step,
                         const qv_resample_options* options);
 
+// ---- A foreground over a frame ------------------------------------------------------------------
+
+// Lays a foreground with alpha over a frame, in place: a logo, a subtitle, a cursor, or one picture
+// faded into another one. The foreground's top-left pixel comes to lie on pixel (x, y) of the
+// frame, which may be anywhere: what lies outside the frame is neither read nor written.
+//   frame_channels 1  fg_channels 1   bytes under an alpha plane
+//   frame_channels 3  fg_channels 3   pixels of three bytes under an alpha plane
+//   frame_channels 3  fg_channels 4   pixels of four bytes, the last one alpha, over three
+//   frame_channels 4  fg_channels 4   the same over pixels of four bytes
+// Colours are in the same order in both. The alpha plane has a byte for each pixel of the
+// foreground; with a null one the foreground is opaque. Of four channels `alpha` is not looked at:
+// pass null. The frame counts as opaque: a fourth byte of its pixels is neither looked at nor
+// written.
+//
+// Each colour byte B of the frame becomes, with F that of the foreground, a its alpha and o the
+// opacity of 0 to 255, the exact value of
+//   alpha_type QV_ALPHA_OVER (0)         F * (a o / 65025) + B * (1 - a o / 65025)
+//   alpha_type QV_ALPHA_OVER_PREMUL (6)  F * (o / 255) + B * (1 - a o / 65025), at most 255
+// rounded to the nearest integer, once (Porter and Duff 1984, over); there are no ties. So an
+// opaque pixel at opacity 255 arrives as it is, and one of alpha 0 leaves the frame as it is;
+// premultiplied, it adds its colours. Frame and foreground must not overlap.
+// Returns QV_STATUS_CHANNEL_ERR (-53) for any other pair of channels; QV_STATUS_NULL_PTR_ERR (-8)
+// if frame or fg is null; QV_STATUS_SIZE_ERR (-6) if a width or height is below 1;
+// QV_STATUS_OUT_OF_RANGE_ERR (-11) if opacity is not 0 to 255; QV_STATUS_ALPHA_TYPE_ERR (-50) for
+// any other alpha_type; QV_STATUS_NO_OVERLAP_WARNING (29) if all of the foreground lies outside the
+// frame. Nothing is written unless it returns QV_STATUS_OK.
+QV_API(int) qv_over(int frame_channels, unsigned char* frame, int frame_step, qv_size frame_size,
+                    int fg_channels, const unsigned char* fg, int fg_step, qv_size fg_size,
+                    const unsigned char* alpha, int alpha_step, int x, int y, int opacity,
+                    int alpha_type);
+
+// ---- Fields -------------------------------------------------------------------------------------
+
+// A frame of h rows has two fields: the top one, rows 0, 2, 4 ..., (h + 1) / 2 lines rounded down,
+// and the bottom one, rows 1, 3, 5 ..., h / 2 lines. A field in a frame is an image like any other,
+// its first line at `frame` or frame + step, its step twice the frame's. Pixels may have any layout
+// whose rows are whole bytes: widths count bytes.
+enum qv_field_order {
+  QV_TOP_FIELD_FIRST = 0,    // the top field is the first in time
+  QV_BOTTOM_FIELD_FIRST = 1  // the bottom field is
+};
+
+// Makes each field of a frame a frame of its own, for twice as many frames a second: the field that
+// is first in time to `first`, the other one to `second`, which may be null. Both have the size of
+// src. The lines of the field stay where they are. Between them, with `near` the line of the same
+// pair of rows 2k and 2k + 1, `far` the one on the other side, and f = (256 - centre_weight) / 2,
+// truncated,
+//   dst = (near * (256 - f) + far * f + 128) / 256, truncated
+// and a copy of the only one where the other would lie outside the frame. That is the three-tap
+// filter of qv_deinterlace, rounded, on the field with each line doubled:
+//   centre_weight 256   line doubling
+//   centre_weight 0     the mean of the lines above and below
+//   between             smoother than the first, steadier than the second
+// Source and destinations must not overlap.
+// Returns QV_STATUS_NULL_PTR_ERR (-8) if src or first is null; QV_STATUS_SIZE_ERR (-6) if width is
+// below 1 or height below 2; QV_STATUS_OUT_OF_RANGE_ERR (-11) for any other field_order or if
+// centre_weight is not 0 to 256. Nothing is written unless it returns QV_STATUS_OK.
+QV_API(int) qv_deinterlace_bob(const unsigned char* src, int src_step, unsigned char* first,
+                               int first_step, unsigned char* second, int second_step,
+                               qv_size size, int field_order, int centre_weight);
+
+// Makes a frame of two fields: `first`, the first in time, and `second`. `size` is that of the
+// frame; which of them has the odd row of an odd height is said by field_order: the top one. A
+// field that qv_deinterlace_bob has made a frame of is at that frame's first row (top) or second
+// one (bottom), with twice its step: its own lines, and the frame that they came from. Sources and
+// destination must not overlap.
+// Returns QV_STATUS_NULL_PTR_ERR (-8) if first, second or dst is null; QV_STATUS_SIZE_ERR (-6) if
+// width is below 1 or height below 2; QV_STATUS_OUT_OF_RANGE_ERR (-11) for any other field_order.
+QV_API(int) qv_weave(const unsigned char* first, int first_step, const unsigned char* second,
+                     int second_step, unsigned char* dst, int dst_step, qv_size size,
+                     int field_order);
+
+// ---- Matrices and canvases ----------------------------------------------------------------------
+
+// The matrix that takes back what coeffs does to positions: warped by the matrix that
+// qv_get_perspective_transform gives and then by its inverse, a picture is where it was. It is the
+// inverse of linear algebra, coeffs * inverse = 1, with no factor besides; the inverse of an affine
+// matrix (last row 0 0 1) is affine. Quarter turns with whole shifts are exact, and no zero is
+// negative. `inverse` may be coeffs.
+// Returns QV_STATUS_NULL_PTR_ERR (-8) if coeffs or inverse is null; QV_STATUS_COEFF_ERR (-56) if a
+// coefficient or one of the inverse is infinite or not a number, or if the determinant is 0 to
+// within 2^-50 of the sum of the magnitudes of its six products. Nothing is written then.
+QV_API(int) qv_invert_transform(const double coeffs[9], double inverse[9]);
+
+// The canvas that holds an image turned by qv_rotate: its size, and the shifts, across and down,
+// that bring the middle of the turned image to its middle. With w and h the extents of what
+// qv_get_rotate_bound gives for the whole image,
+//   canvas width = ceil(w - 0.000001) + 1, its height likewise of h
+// For quarter turns that is the image's own size, or the same with its sides exchanged; the shifts
+// are whole then, so that qv_rotate moves pixels without sampling.
+// Returns QV_STATUS_NULL_PTR_ERR (-8) if canvas or shift is null; QV_STATUS_SIZE_ERR (-6) if width
+// or height is below 1; QV_STATUS_COEFF_ERR (-56) if the angle is infinite or not a number;
+// QV_STATUS_OUT_OF_RANGE_ERR (-11) if a side of the canvas is more than an int can count. Nothing
+// is written then.
+QV_API(int) qv_rotation_canvas(qv_size size, double angle, qv_size* canvas, double shift[2]);
+
 #if defined(__cplusplus)
 }  // extern "C"
 #endif

@@ -40,14 +40,14 @@ using MergePlusKernel = Dispatched<IppStatus(
     const unsigned char* alpha, int alphaStep, int width, int height)>;
 extern QV_HIDDEN const MergePlusKernel MergeAlphaPlus_8u_C1, MergeAlphaPlus_8u_C3;
 
-// A foreground F over a frame B in place, each byte under its pixel's alpha a and a constant opacity
-// o of 0 to 255, rounded once:
+// A foreground F over a frame B in place, each byte under its pixel's alpha a and a constant
+// opacity o of 0 to 255, rounded once:
 //   straight        (F * a * o + B * (65025 - a * o)) / 65025
 //   premultiplied   (F * 255 * o + B * (65025 - a * o)) / 65025, at most 255
-// C1 and C3: bytes and pixels of three under an alpha plane, or under alphas of 255 if that is null.
-// AC4 and AC4C3: pixels of four bytes, the fourth the alpha, over four and over three; the plane is
-// not looked at, and the frame's fourth bytes stay as they are. Frame and foreground must not overlap.
-// Checks nothing and returns StatusOk.
+// C1 and C3: bytes and pixels of three under an alpha plane, or under alphas of 255 if that is
+// null. AC4 and AC4C3: pixels of four bytes, the fourth the alpha, over four and over three; the
+// plane is not looked at, and the frame's fourth bytes stay as they are. Frame and foreground must
+// not overlap. Checks nothing and returns StatusOk.
 using OverlayKernel = Dispatched<IppStatus(
     unsigned char* frame, int frameStep, const unsigned char* fg, int fgStep,
     const unsigned char* alpha, int alphaStep, IppiSize size, int opacity, bool premultiplied)>;

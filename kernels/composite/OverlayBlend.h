@@ -1,11 +1,11 @@
-// The arithmetic of an overlay: a vector of foreground bytes F over one of the frame's bytes B, with
-// an alpha a for each byte, in four kinds.
+// The arithmetic of an overlay: a vector of foreground bytes F over one of the frame's bytes B,
+// with an alpha a for each byte, in four kinds.
 //
-//   opacity 255   straight         round((F * a + B * (255 - a)) / 255)
-//                 premultiplied    F + round(B * (255 - a) / 255), at most 255
+//   opacity 255   straight        round((F * a + B * (255 - a)) / 255)
+//                 premultiplied   F + round(B * (255 - a) / 255), at most 255
 //   less          with A = a * opacity
-//                 straight         round((F * A + B * (65025 - A)) / 65025)
-//                 premultiplied    round((F * 255 * opacity + B * (65025 - A)) / 65025), at most 255
+//                 straight        round((F * A + B * (65025 - A)) / 65025)
+//                 premultiplied   round((F * 255 * opacity + B * (65025 - A)) / 65025), at most 255
 //
 // Both divisors are odd, so that no quotient lies halfway between two integers.
 #ifndef QV_KERNELS_COMPOSITE_OVERLAYBLEND_H
@@ -18,15 +18,15 @@ namespace qv::QV_LEVEL {
 QV_INLINE Vec Complement(Vec v) { return Xor(v, Splat8(-1)); }
 
 // x / 255, rounded, of t = x + 128 in 16-bit lanes, x up to 65025: with t = 255 k + s, s from 1 to
-// 255, that is k, and t * 257 / 65536 = k + s / 255 - t / 255 / 65536. What is taken off lies between
-// 0 and 1 / 255.
+// 255, that is k, and t * 257 / 65536 = k + s / 255 - t / 255 / 65536. What is taken off lies
+// between 0 and 1 / 255.
 QV_INLINE Vec RoundedOver255(Vec t) { return MulHighUnsigned16(t, Splat16(257)); }
 
 // ---- Opacity 255 --------------------------------------------------------------------------------
 
 // F * a + B * (255 - a) + 128 of the bytes of one half. Where pairs of bytes are multiplied and
-// added, one factor is signed: it is the colours, less 128. Their sum is 255 * 128 less, which fits,
-// and the addition of 32768 makes up for it and rounds.
+// added, one factor is signed: it is the colours, less 128. Their sum is 255 * 128 less, which
+// fits, and the addition of 32768 makes up for it and rounds.
 struct OpaqueStraight {
   static constexpr bool kAdds = false;
 
@@ -74,8 +74,8 @@ struct OpaquePremultiplied {
 // ---- Less ---------------------------------------------------------------------------------------
 
 // floor(m / 65025) in 32-bit lanes, m below 2^31. The factor is 2^47 / 65025, rounded up: the
-// product passes m * 2^47 / 65025 by less than m, and 2^47 / 65025 is missing to the next integer at
-// least.
+// product passes m * 2^47 / 65025 by less than m, and 2^47 / 65025 is missing to the next integer
+// at least.
 QV_INLINE Vec Over65025(Vec m) {
   constexpr long long kFactor = ((1ll << 47) + 65024) / 65025;
   const Vec factor = Splat64(kFactor);

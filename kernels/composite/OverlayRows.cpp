@@ -284,7 +284,8 @@ QV_INLINE IppStatus Overlay(Byte* frame, int frameStep, const Byte* fg, int fgSt
     EachRow(frame, frameStep, {fg, alpha}, fgStep, alphaStep, size.height, row);
   };
 #if QV_HAS_VECTORS
-  // Under alphas of 255 both sums are 255 times that of a constant alpha of o and an opacity of 255.
+  // Under alphas of 255 both sums are 255 times that of a constant alpha of o and an opacity of
+  // 255.
   const bool even = L::fg != 4 && !alpha;
   const Vec constant = Splat8(opacity);
   const auto by = [&](const auto& blend) {

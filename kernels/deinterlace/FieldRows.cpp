@@ -15,8 +15,8 @@ void BlendRowPlain(const Byte* a, const Byte* b, Byte* dst, ptrdiff_t bytes, int
 
 #if QV_HAS_VECTORS
 
-// For weights from 1 to 255. Where pairs of bytes are multiplied and added, one factor is signed: it
-// is the bytes, less 128. Their sum is 32768 less, which fits, and comes back with the rounding.
+// For weights from 1 to 255. Where pairs of bytes are multiplied and added, one factor is signed:
+// it is the bytes, less 128. Their sum is 32768 less, which fits, and comes back with the rounding.
 struct Blend {
   Vec ofA, ofB;
 
@@ -89,7 +89,7 @@ Lines LinesOf(int y, int parity, int height) {
 
 IppStatus FieldToFrame_8u(const Byte* src, int srcStep, Byte* dst, int dstStep, int widthBytes,
                           int height, int parity, int farWeight, int first, int rows) {
-  const bool stream = PassesCaches(widthBytes, rows, 1);
+  const bool stream = PassesCaches(widthBytes, height, 1);
   for (int y = first; y < first + rows; ++y) {
     const Lines lines = LinesOf(y, parity, height);
     const Byte* const near = RowAt(src, srcStep, lines.near);

@@ -1,6 +1,9 @@
 #include "kernels/geometry/Transform.h"
 
+#include <float.h>
+#include <limits.h>
 #include <math.h>
+#include <string.h>
 
 namespace qv {
 
@@ -24,6 +27,20 @@ void Adjugate(const double m[3][3], double a[3][3]) {
   a[2][0] = m[1][0] * m[2][1] - m[1][1] * m[2][0];
   a[2][1] = m[0][1] * m[2][0] - m[0][0] * m[2][1];
   a[2][2] = m[0][0] * m[1][1] - m[0][1] * m[1][0];
+}
+
+// The binary exponent of the largest of nine numbers; INT_MIN if one of them is not finite, or all
+// are 0.
+int LargestExponent(const double m[3][3]) {
+  double largest = 0;
+  for (int i = 0; i < 9; ++i) {
+    const double size = fabs(m[i / 3][i % 3]);
+    if (!(size <= DBL_MAX)) return INT_MIN;
+    largest = Max(largest, size);
+  }
+  int exponent = INT_MIN;
+  if (largest > 0) frexp(largest, &exponent);
+  return exponent;
 }
 
 }  // namespace
@@ -148,6 +165,52 @@ IppStatus GetRotateBound_64f(IppiRect srcRoi, double bound[2][2], double angle, 
   RotationCoefficients(angle, xShift, yShift, coeffs);
   TransformRectCorners(coeffs, CornersOf(srcRoi), quad);
   BoundingBoxOfQuad(quad, bound);
+  return StatusOk;
+}
+
+IppStatus InvertTransform_64f(const double coeffs[3][3], double inverse[3][3]) {
+  // Brought to entries of up to 1 by a power of two, which is exact, so that products of three do
+  // not overflow.
+  const int exponent = LargestExponent(coeffs);
+  if (exponent == INT_MIN) return StatusCoeffErr;
+  double m[3][3], adjugate[3][3];
+  for (int i = 0; i < 9; ++i) m[i / 3][i % 3] = ldexp(coeffs[i / 3][i % 3], -exponent);
+  Adjugate(m, adjugate);
+  double determinant = 0, magnitude = 0;
+  for (int i = 0; i < 3; ++i) {
+    determinant += m[0][i] * adjugate[i][0];
+    const int a = (i + 1) % 3, b = (i + 2) % 3;
+    magnitude += fabs(m[0][i]) * (fabs(m[1][a] * m[2][b]) + fabs(m[1][b] * m[2][a]));
+  }
+  // The six products and their sums round by 2^-50 of what they add up to without signs at most.
+  if (!(fabs(determinant) > 0x1p-50 * magnitude)) return StatusCoeffErr;
+  double result[3][3];
+  for (int i = 0; i < 9; ++i) {
+    // 0 is added to make no zero negative.
+    const double scaled = adjugate[i / 3][i % 3] / determinant + 0.0;
+    result[i / 3][i % 3] = ldexp(scaled, -exponent);
+    if (!(fabs(result[i / 3][i % 3]) <= DBL_MAX)) return StatusCoeffErr;
+  }
+  memcpy(inverse, result, sizeof result);
+  return StatusOk;
+}
+
+IppStatus RotationCanvas_64f(IppiSize size, double angle, IppiSize* canvas, double shift[2]) {
+  if (size.width < 1 || size.height < 1) return StatusSizeErr;
+  if (!(fabs(angle) <= DBL_MAX)) return StatusCoeffErr;
+  double bound[2][2];
+  GetRotateBound_64f({0, 0, size.width, size.height}, bound, angle, 0, 0);
+  int lengths[2];
+  double shifts[2];
+  for (int k = 0; k < 2; ++k) {
+    // What sines and cosines are off by must not cost a pixel.
+    const double length = ceil(bound[1][k] - bound[0][k] - 1e-6) + 1;
+    if (length > INT_MAX) return StatusOutOfRangeErr;
+    lengths[k] = static_cast<int>(length);
+    shifts[k] = (length - 1 - bound[0][k] - bound[1][k]) / 2;
+  }
+  *canvas = {lengths[0], lengths[1]};
+  memcpy(shift, shifts, sizeof shifts);
   return StatusOk;
 }
 

@@ -49,6 +49,10 @@ IppStatus GetPerspectiveTransform_64f(IppiRect srcRoi, const double quad[4][2],
 IppStatus GetRotateBound_64f(IppiRect srcRoi, double bound[2][2], double angle, double xShift,
                              double yShift);
 
+// qv_invert_transform and qv_rotation_canvas (qv.h).
+IppStatus InvertTransform_64f(const double coeffs[3][3], double inverse[3][3]);
+IppStatus RotationCanvas_64f(IppiSize size, double angle, IppiSize* canvas, double shift[2]);
+
 }  // namespace qv
 
 #endif

@@ -43,26 +43,26 @@ SampleRows RowsOf(const YuvFrame<const Byte>& src, ChromaSiting siting, IppiSize
 
 // Of a pixel, in 256ths.
 QV_INLINE int ChromaAt(const SampleRows& rows, int c, ptrdiff_t x, ChromaSiting siting) {
-  const auto fourfold = [&](ptrdiff_t i) {
-    return 3 * rows.near[c][i * rows.apart] + rows.next[c][i * rows.apart];
-  };
-  if (!rows.halfWidth) return 64 * fourfold(x);
-  const ptrdiff_t i = x / 2;
-  ptrdiff_t other = i;
-  if (siting == ChromaSiting::Left) other += x % 2;
-  if (siting == ChromaSiting::Centre) other += x % 2 ? 1 : -1;
-  if (other < 0 || other > rows.last) other = i;
+  const ptrdiff_t i = rows.halfWidth ? x / 2 : x;
+  if (!rows.halfWidth || siting == ChromaSiting::Repeat) return rows.near[c][i * rows.apart] << 8;
+  ptrdiff_t beside = i;
+  if (siting == ChromaSiting::Left) beside += x % 2;
+  if (siting == ChromaSiting::Centre) beside += x % 2 ? 1 : -1;
+  if (beside < 0 || beside > rows.last) beside = i;
   const int weight = siting == ChromaSiting::Left ? 2 : 1;
-  return 16 * ((4 - weight) * fourfold(i) + weight * fourfold(other));
+  const auto fourfold = [&](ptrdiff_t at) {
+    return 3 * rows.near[c][at * rows.apart] + rows.next[c][at * rows.apart];
+  };
+  return 16 * ((4 - weight) * fourfold(i) + weight * fourfold(beside));
 }
 
 QV_INLINE int MulHigh(int a, int b) {
   return static_cast<int>(static_cast<uint32_t>(a) * static_cast<uint32_t>(b) >> 16);
 }
 
-// Pixels `from` to `to` - 1.
-void PixelsPlain(const SampleRows& rows, const YuvToRgbTerms& t, ChromaSiting siting, Byte* dst,
-                 int channels, ptrdiff_t from, ptrdiff_t to) {
+// Pixels `from` to `to` - 1. Rows and terms are copies: bytes that are stored could change others.
+void PixelsPlain(SampleRows rows, YuvToRgbTerms t, ChromaSiting siting, Byte* dst, int channels,
+                 ptrdiff_t from, ptrdiff_t to) {
   for (ptrdiff_t x = from; x < to; ++x) {
     const int luma = MulHigh(rows.luma[x * rows.lumaApart] << 8, t.luma);
     const int p = ChromaAt(rows, 0, x, siting), q = ChromaAt(rows, 1, x, siting);

@@ -6,6 +6,8 @@
 #include <cstring>
 
 #include "qvAcceleratedLib/Operations.h"
+#include "qvAcceleratedLib/Fields.h"
+#include "qvAcceleratedLib/Overlay.h"
 #include "qvAcceleratedLib/Resample.h"
 #include "support/Bytes.h"
 #include "support/Random.h"
@@ -300,6 +302,49 @@ void AddGeometry(List& list) {
                     }});
 }
 
+// A foreground that is larger than the frame on two sides, and lies partly outside on the others.
+void AddOverlays(List& list) {
+  static constexpr int kLayouts[][2] = {{1, 1}, {3, 3}, {3, 4}, {4, 4}};
+  for (const auto& [frame, fg] : kLayouts)
+    for (const int opacity : {255, 99})
+      list.push_back({Name("qv_over", frame, fg, opacity),
+                      [=](IppiSize s) {
+                        return Shapes{{frame * s.width, s.height, true},
+                                      {fg * s.width, s.height, false},
+                                      {s.width, s.height, false}};
+                      },
+                      [=](const Plane* p, IppiSize s) {
+                        return Over({p[0].data, p[0].step, s, frame},
+                                    {p[1].data, p[1].step, s, fg, p[2].data, p[2].step, 2, -1,
+                                     opacity, opacity == 255 ? AlphaOver : AlphaOverPremul});
+                      }});
+}
+
+void AddFields(List& list) {
+  for (const int order : {TopFieldFirst, BottomFieldFirst}) {
+    list.push_back({Name("qv_deinterlace_bob", order),
+                    [](IppiSize s) {
+                      return Shapes{{s.width, s.height, false},
+                                    {s.width, s.height, true},
+                                    {s.width, s.height, true}};
+                    },
+                    [=](const Plane* p, IppiSize s) {
+                      return DeinterlaceBob(p[0].data, p[0].step, p[1].data, p[1].step, p[2].data,
+                                            p[2].step, s, order, 60);
+                    }});
+    list.push_back({Name("qv_weave", order),
+                    [](IppiSize s) {
+                      return Shapes{{s.width, (s.height + 1) / 2, false},
+                                    {s.width, (s.height + 1) / 2, false},
+                                    {s.width, s.height, true}};
+                    },
+                    [=](const Plane* p, IppiSize s) {
+                      return Weave(p[0].data, p[0].step, p[1].data, p[1].step, p[2].data,
+                                   p[2].step, s, order);
+                    }});
+  }
+}
+
 void AddCompositions(List& list) {
   for (const auto type : kTypes) {
     const int bytes = ChannelsOf(type);
@@ -371,6 +416,8 @@ const List& Operations() {
     AddResampling(all);
     AddGeometry(all);
     AddCompositions(all);
+    AddOverlays(all);
+    AddFields(all);
     RequireAllOf(all);
     return all;
   }();
