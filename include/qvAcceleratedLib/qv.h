@@ -716,9 +716,9 @@ enum qv_chroma_siting {
 //
 // Source and destination must not overlap. Nothing is written unless the status is 0.
 // Returns QV_STATUS_DATA_TYPE_ERR (-2) if yuv_layout or rgb_layout is none of those;
-// QV_STATUS_BAD_ARG_ERR (-5) if matrix, range or siting is none; QV_STATUS_NULL_PTR_ERR (-8) if
-// planes, steps, dst or a plane that is read is null; QV_STATUS_SIZE_ERR (-6) if width or height
-// is below 1.
+// QV_STATUS_OUT_OF_RANGE_ERR (-11) if matrix, range or siting is none; QV_STATUS_NULL_PTR_ERR
+// (-8) if planes, steps, dst or a plane that is read is null; QV_STATUS_SIZE_ERR (-6) if width
+// or height is below 1.
 QV_API(int) qv_yuv_to_rgb(int yuv_layout, const unsigned char* const planes[], const int steps[],
                           int rgb_layout, unsigned char* dst, int dst_step, qv_size size,
                           int matrix, int range, int siting);
@@ -753,8 +753,9 @@ QV_API(int) qv_yuv_to_rgb(int yuv_layout, const unsigned char* const planes[], c
 //
 // Source and destination must not overlap. Nothing is written unless the status is 0.
 // Returns QV_STATUS_DATA_TYPE_ERR (-2) if rgb_layout or yuv_layout is none of those;
-// QV_STATUS_BAD_ARG_ERR (-5) if matrix, range or siting is none; QV_STATUS_NULL_PTR_ERR (-8) if
-// src, planes, steps or a plane is null; QV_STATUS_SIZE_ERR (-6) if width or height is below 1.
+// QV_STATUS_OUT_OF_RANGE_ERR (-11) if matrix, range or siting is none; QV_STATUS_NULL_PTR_ERR
+// (-8) if src, planes, steps or a plane is null; QV_STATUS_SIZE_ERR (-6) if width or height is
+// below 1.
 QV_API(int) qv_rgb_to_yuv(int rgb_layout, const unsigned char* src, int src_step, int yuv_layout,
                           unsigned char* const planes[], const int steps[], qv_size size,
                           int matrix, int range, int siting);
