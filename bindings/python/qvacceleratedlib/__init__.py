@@ -6,8 +6,8 @@
     >>> qv.resize(frame, (640, 360), "lanczos").shape   # sizes are (width, height)
     (360, 640, 3)
 
-Images are arrays of uint8: (H, W), (H, W, 3), or (H, W, 4) where an operation has it. The bytes of a
-row lie side by side and rows any number of bytes apart, so that crops, padded and, but for the
+Images are arrays of uint8: (H, W), (H, W, 3), or (H, W, 4) where an operation has it. The bytes of
+a row lie side by side and rows any number of bytes apart, so that crops, padded and, but for the
 operations that say so, flipped rows are taken as they are; nothing is ever copied in secret. Every
 operation that makes an image takes an array for it as `out` and returns it, or a new one. Colours
 are in the order B, G, R wherever an operation can tell.

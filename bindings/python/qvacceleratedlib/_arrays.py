@@ -5,7 +5,7 @@ bought once, through __array_interface__.
 """
 from __future__ import annotations
 
-from typing import Optional, Sequence, Tuple
+from typing import Collection, Optional, Sequence, Tuple
 
 import numpy as np
 import numpy.typing as npt
@@ -24,14 +24,14 @@ TYPES = {1: 2, 3: 4}
 ANY = (1, 2, 3, 4)
 
 
-def _wanted(channels: Sequence[int]) -> str:
+def _wanted(channels: Collection[int]) -> str:
     return " or ".join("(H, W)" if count == 1 else f"(H, W, {count})" for count in channels)
 
 
-def _refuse_kind(array: object, argument: str, channels: Sequence[int]) -> Error:
+def _refuse_kind(array: object, argument: str, channels: Collection[int]) -> Error:
     if not isinstance(array, np.ndarray):
         return Error(Status.DATA_TYPE_ERR, argument,
-                     f"a numpy array is wanted, not {type(array).__name__} (numpy.asarray makes one)")
+                     f"a numpy array is wanted, not {type(array).__name__}")
     if array.dtype != UINT8:
         return Error(Status.DATA_TYPE_ERR, argument, f"dtype {array.dtype} given, uint8 wanted")
     return Error(Status.CHANNEL_ERR, argument,
@@ -45,7 +45,7 @@ def _refuse_strides(array: Image, argument: str, reason: str) -> Error:
                  f"strides ({', '.join(map(str, wanted))}) wanted")
 
 
-def pixels(array: Image, argument: str, channels: Sequence[int], written: bool = False) -> Pixels:
+def pixels(array: Image, argument: str, channels: Collection[int], written: bool = False) -> Pixels:
     """Address, step, width, height and channels of an image, which is not copied."""
     if not isinstance(array, np.ndarray) or array.dtype != UINT8:
         raise _refuse_kind(array, argument, channels)
@@ -107,7 +107,7 @@ def target(out: Optional[Image], shape: Tuple[int, ...], *sources: Optional[Imag
     return out, address, step
 
 
-def in_place(image: Image, out: Optional[Image], channels: Sequence[int],
+def in_place(image: Image, out: Optional[Image], channels: Collection[int],
              *sources: Optional[Image], argument: str = "image") -> Tuple[Image, Pixels]:
     """For operations that work in place: `image` itself where it is `out`, else a copy of it, in
     `out` or in a new array."""

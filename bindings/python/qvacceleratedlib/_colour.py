@@ -1,7 +1,7 @@
 """Between frames of luma and chroma and pixels."""
 from __future__ import annotations
 
-from typing import Optional, Type, Union
+from typing import Any, Optional, Type, Union
 
 import numpy as np
 
@@ -17,7 +17,7 @@ _PLAIN_LAYOUTS = {1: "grey", 3: "bgr", 4: "bgra"}
 
 def convert(image: Union[Image, Frame], to: Union[str, Type[Frame]], layout: Optional[str] = None,
             *, matrix: str = "bt601", full_range: bool = False, siting: str = "repeated",
-            out: Union[Image, Frame, None] = None) -> Union[Image, Frame]:
+            out: Any = None) -> Any:
     """Makes a frame of luma and chroma into pixels, or pixels into a frame.
 
     image       a frame (Yuyv, Nv12, ...), or pixels (H, W), (H, W, 3) or (H, W, 4)
@@ -130,8 +130,8 @@ def nv12_to_i420(frame: Nv12, out: Optional[I420] = None) -> I420:
 
 
 def yuyv_to_yv12(frame: Yuyv, out: Optional[Yv12] = None) -> Yv12:
-    """Packed 4:2:2 of even size as planes Y, Cr, Cb of 4:2:0. The chroma of each two rows is that of
-    the upper one.
+    """Packed 4:2:2 of even size as planes Y, Cr, Cb of 4:2:0. The chroma of each two rows is that
+    of the upper one.
 
     Errors: another kind of frame; an odd size; `out` of another size, or overlapping `frame`.
 
@@ -168,7 +168,8 @@ def i420_to_bgr_exact_api(frame: I420, out: Optional[Image] = None) -> Image:
 
 
 def yuyv_to_bgr_exact_api(frame: Yuyv, out: Optional[Image] = None) -> Image:
-    """Packed 4:2:2 as B, G, R with the bytes of the C++ class, BT.601 in studio range, rounded down:
+    """Packed 4:2:2 as B, G, R with the bytes of the C++ class, BT.601 in studio range, rounded
+    down:
         B = clamp((76284 Y + 132186 Cb - 18140365) >> 16)
         G = clamp((76284 Y - 53281 Cr - 25690 Cb + 8887730) >> 16)
         R = clamp((76284 Y + 104595 Cr - 14608761) >> 16)

@@ -63,9 +63,9 @@ def overlay(frame: Image, foreground: Image, at: Sequence[int] = (0, 0),
 def compose(first: Image, second: Image, operation: str = "over", alpha1: int = 255,
             alpha2: int = 255, *, premultiplied: bool = False,
             out: Optional[Image] = None) -> Image:
-    """Two images (H, W) or (H, W, 3), each under one alpha of 0 to 255 for all of it (Porter and Duff
-    1984). With A and B their bytes, a and b their alphas, x y = floor(xy / 255), worked out from
-    left to right, and sums limited to 255:
+    """Two images (H, W) or (H, W, 3), each under one alpha of 0 to 255 for all of it (Porter and
+    Duff 1984). With A and B their bytes, a and b their alphas, x y = floor(xy / 255), worked out
+    from left to right, and sums limited to 255:
         "over"  A a + B b (255 - a)                 premultiplied  A + B (255 - a)
         "in"    A a b                                              A b
         "out"   A a (255 - b)                                      A (255 - b)
@@ -98,8 +98,8 @@ def compose(first: Image, second: Image, operation: str = "over", alpha1: int = 
 def merge_alpha_over(foreground: Image, foreground_alpha: Image, background: Image,
                      background_alpha: Image,
                      out: Optional[Tuple[Image, Image]] = None) -> Tuple[Image, Image]:
-    """A colour image (H, W, 3) under an alpha plane (H, W) over a second one: (colours, alpha) of the
-    result. With F and B their bytes, f and b the alphas,
+    """A colour image (H, W, 3) under an alpha plane (H, W) over a second one: (colours, alpha) of
+    the result. With F and B their bytes, f and b the alphas,
         a  = min(255, f + (255 - f) b / 256)
         F' = (F f / 255 + (1 - f / 255) (b / 255) B) / ((a + 1) / 255)
     in single precision, rounded to nearest (without SSE2 in integers, see qv.h). `out` is both
@@ -144,8 +144,8 @@ def merge_alpha_over(foreground: Image, foreground_alpha: Image, background: Ima
 
 def merge_alpha_plus(image: Image, source: Image, alpha: Image,
                      out: Optional[Image] = None) -> Image:
-    """Mixes `source` into `image`, both (H, W) or (H, W, 3), under an alpha plane (H, W). With S and D
-    their bytes and a the alpha of their pixel,
+    """Mixes `source` into `image`, both (H, W) or (H, W, 3), under an alpha plane (H, W). With S
+    and D their bytes and a the alpha of their pixel,
         min(255, floor(a S / 255) + floor(((255 - a) D + 1) / 256))
     In place with out=image. Where a is 0, a D of 255 becomes 254.
 

@@ -1,7 +1,7 @@
 """Copies, fills, mirror images, palettes, scaled bytes."""
 from __future__ import annotations
 
-from typing import Optional, Sequence, Union
+from typing import Optional, Sequence, Union, cast
 
 import numpy as np
 
@@ -128,7 +128,7 @@ def fill(out: Image, value: Union[int, Sequence[int]]) -> Image:
         colour = bytes(byte_of(part, "value") for part in value)
         kind = 4
     else:
-        colour = bytes((byte_of(value, "value"),))
+        colour = bytes((byte_of(cast(int, value), "value"),))
         width *= channels
     status = lib.qv_set(kind, colour, to, to_step, Size(width, height))
     if status:

@@ -2,6 +2,7 @@
 from __future__ import annotations
 
 import enum
+from typing import Dict
 
 from ._library import lib
 
@@ -64,7 +65,7 @@ class Error(ValueError):
 _KNOWN = frozenset(Status)
 
 # The argument that a status is about, where an operation does not say another one.
-_ARGUMENTS = {
+_ARGUMENTS: Dict[int, str] = {
     Status.QUAD_ERR: "quad", Status.RECT_ERR: "region", Status.COEFF_ERR: "matrix",
     Status.RESIZE_FACTOR_ERR: "size", Status.EMPTY_OUTPUT_ERR: "size",
     Status.INTERPOLATION_ERR: "method", Status.NO_OVERLAP_WARNING: "region",

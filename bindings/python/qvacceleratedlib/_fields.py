@@ -15,9 +15,9 @@ _BYTES, _WHOLE_FRAME = 2, 0
 
 
 def deinterlace(image: Image, centre_weight: int = 128, out: Optional[Image] = None) -> Image:
-    """Smooths the combing of an interlaced frame of at least 3 rows, (H, W) or (H, W, 2 to 4): every
-    row but the first and the last, which are copied, becomes, with w = centre_weight, 0 to 256, and
-    s = (256 - w) / 2 truncated,
+    """Smooths the combing of an interlaced frame of at least 3 rows, (H, W) or (H, W, 2 to 4):
+    every row but the first and the last, which are copied, becomes, with w = centre_weight, 0 to
+    256, and s = (256 - w) / 2 truncated,
         floor(((row above + row below) s + row w) / 256)
 
     Errors: fewer rows; another weight; `out` of another shape, or overlapping `image`.
@@ -41,9 +41,9 @@ def deinterlace(image: Image, centre_weight: int = 128, out: Optional[Image] = N
 def deinterlace_bob(image: Image, first: str = "top", centre_weight: int = 0,
                     out: Optional[Tuple[Image, Optional[Image]]] = None,
                     ) -> Tuple[Image, Optional[Image]]:
-    """Makes each of a frame's two fields a frame of its own, in the order of time, for twice as many
-    frames a second. The frame, of at least 2 rows, is (H, W) or (H, W, 2 to 4); its fields are rows
-    0, 2, 4 ..., the top one, and 1, 3, 5 ..., the bottom one.
+    """Makes each of a frame's two fields a frame of its own, in the order of time, for twice as
+    many frames a second. The frame, of at least 2 rows, is (H, W) or (H, W, 2 to 4); its fields are
+    rows 0, 2, 4 ..., the top one, and 1, 3, 5 ..., the bottom one.
 
     first          "top" or "bottom", the field that is first in time
     centre_weight  0: rows between the field's lines become their mean; 256: copies of the line of
@@ -76,9 +76,9 @@ def deinterlace_bob(image: Image, first: str = "top", centre_weight: int = 0,
 
 def weave(first: Image, second: Image, first_field: str = "top",
           out: Optional[Image] = None) -> Image:
-    """Makes a frame of two fields, (h, W) or (h, W, 2 to 4), `first` the first in time, which is the
-    `first_field`, "top" or "bottom". Of an odd height the top field has one row more. The fields of
-    a frame are frame[0::2] and frame[1::2], without a copy.
+    """Makes a frame of two fields, (h, W) or (h, W, 2 to 4), `first` the first in time, which is
+    the `first_field`, "top" or "bottom". Of an odd height the top field has one row more. The
+    fields of a frame are frame[0::2] and frame[1::2], without a copy.
 
     Errors: fields that do not fit each other; `out` overlapping one.
 

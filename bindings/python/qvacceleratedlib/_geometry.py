@@ -3,7 +3,7 @@ from __future__ import annotations
 
 import ctypes
 import math
-from typing import Callable, Optional, Sequence, Tuple, Union
+from typing import Callable, Collection, Optional, Sequence, Tuple, Union
 
 import numpy as np
 import numpy.typing as npt
@@ -31,7 +31,7 @@ class _Source:
     """What rotation and warps read: an image, its address and step, and a region of it."""
 
     def __init__(self, image: Image, region: Optional[Sequence[int]], name: str = "image",
-                 channels: Sequence[int] = (1, 3)) -> None:
+                 channels: Collection[int] = (1, 3)) -> None:
         self.image = image
         self.address, self.step, width, height, count = pixels(image, name, channels)
         self.type = TYPES[count]
@@ -166,7 +166,8 @@ def rotate(image: Image, degrees: float, expand: bool = False,
            method: str = "linear", region: Optional[Sequence[int]] = None,
            out: Optional[Image] = None, *, out_region: Optional[Sequence[int]] = None,
            background: Optional[Value] = None) -> Image:
-    """An image (H, W) or (H, W, 3) turned counter-clockwise as seen on the screen, about its middle.
+    """An image (H, W) or (H, W, 3) turned counter-clockwise as seen on the screen, about its
+    middle.
 
     expand  the result holds all of the turned image; else it has the image's size. Quarter turns
             move pixels without sampling then.
@@ -209,7 +210,7 @@ def _about_middle(degrees: float, width: int, height: int, out: Image) -> Tuple[
     cosine of quarter turns are exact."""
     quarters = degrees / 90
     if quarters == math.floor(quarters):
-        sine, cosine = ((0, 1), (1, 0), (0, -1), (-1, 0))[int(quarters % 4)]
+        sine, cosine = ((0., 1.), (1., 0.), (0., -1.), (-1., 0.))[int(quarters % 4)]
     else:
         sine, cosine = math.sin(math.radians(degrees)), math.cos(math.radians(degrees))
     x, y = (width - 1) / 2, (height - 1) / 2
@@ -240,8 +241,8 @@ def rotation_canvas(size: Sequence[int], degrees: float) -> Tuple[Tuple[int, int
 def rotate_bound(region: Sequence[int], degrees: float,
                  shift: Sequence[float] = (0, 0)) -> Tuple[Tuple[float, float],
                                                            Tuple[float, float]]:
-    """The smallest upright rectangle around the centres of a region's pixels, (x, y, width, height),
-    after rotate() with `shift`: ((smallest x, smallest y), (largest x, largest y)).
+    """The smallest upright rectangle around the centres of a region's pixels, (x, y, width,
+    height), after rotate() with `shift`: ((smallest x, smallest y), (largest x, largest y)).
 
     Errors: no region of an image; numbers that are not finite.
 
@@ -301,8 +302,8 @@ def invert_transform(matrix: Sequence[Sequence[float]]) -> Matrix:
 
 def warp_source_position(region: Sequence[int], matrix: Sequence[Sequence[float]],
                          point: Sequence[float]) -> Tuple[float, float]:
-    """Where warp_perspective() of a region (x, y, width, height) reads for the pixel `point`, (x, y),
-    of its result, between pixels included.
+    """Where warp_perspective() of a region (x, y, width, height) reads for the pixel `point`, (x,
+    y), of its result, between pixels included.
 
     Errors: no region; a matrix that cannot be inverted, or carries nothing there.
 

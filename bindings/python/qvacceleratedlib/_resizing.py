@@ -22,7 +22,7 @@ _NOTHING = (0.0, 0.0)
 def _options(kind: int, method: str, position: str, narrow: bool,
              region: Optional[Tuple[float, ...]], source_phase: Tuple[float, float],
              phase: Tuple[float, float], cubic: float) -> ResampleOptions:
-    part = (0.0, 0.0, 0.0, 0.0)
+    part: Tuple[float, ...] = (0.0, 0.0, 0.0, 0.0)
     if region is not None:
         part = tuple(finite(region, "region", Status.RECT_ERR, 4))
         if part == (0.0, 0.0, 0.0, 0.0):  # which would stand for the whole image
@@ -59,7 +59,8 @@ def resize(image: Image, size: Optional[Sequence[int]] = None, method: str = "cu
 
     Every byte is within one unit of the exact result. Rows may have any step.
 
-    Errors: names or numbers other than those; a region outside the image; `out` overlapping `image`.
+    Errors: names or numbers other than those; a region outside the image; `out` overlapping
+    `image`.
 
     >>> resize(np.array([[0, 100]], np.uint8), (4, 1), "linear")
     array([[  0,  25,  75, 100]], dtype=uint8)
@@ -128,7 +129,8 @@ def resize_exact_api(image: Image, size: Sequence[int], method: str = "cubic",
     factors  (x, y), result over source, if not what fills the result. What is not reached keeps its
              value in `out`, and is 0 in a new array.
 
-    Errors: names or numbers other than those; a region outside the image; `out` overlapping `image`.
+    Errors: names or numbers other than those; a region outside the image; `out` overlapping
+    `image`.
 
     >>> resize_exact_api(np.array([[0, 100, 200]] * 2, np.uint8), (5, 2), "linear")[0]
     array([  0,  50, 100, 150, 200], dtype=uint8)
