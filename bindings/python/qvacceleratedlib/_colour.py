@@ -21,8 +21,8 @@ def convert(image: Union[Image, Frame], to: Union[str, Type[Frame]], layout: Opt
     """Makes a frame of luma and chroma into pixels, or pixels into a frame.
 
     image       a frame (Yuyv, Nv12, ...), or pixels (H, W), (H, W, 3) or (H, W, 4)
-    to          of a frame: "grey", "bgr", "rgb", "bgra" (alpha 255) or "rgba"; of pixels: a class of
-                frames or its layout, "yuyv", "nv12", ...
+    to          of a frame: "grey", "bgr", "rgb", "bgra" (alpha 255) or "rgba"; of pixels: a class
+                of frames or its layout, "yuyv", "nv12", ...
     layout      how the pixels lie: "grey", "bgr", "bgra" as their channels say; "rgb" or "rgba"
     matrix      "bt601", "bt709" or "bt2020", the ITU-R recommendation of that number
     full_range  Y, Cb and Cr of 0 to 255 (JFIF) instead of 16 to 235 and 16 to 240
@@ -33,8 +33,8 @@ def convert(image: Union[Image, Frame], to: Union[str, Type[Frame]], layout: Opt
         R = y + 2 (1 - Kr) v,  B = y + 2 (1 - Kb) u,
         G = y - 2 (1 - Kr) Kr / Kg v - 2 (1 - Kb) Kb / Kg u
     each byte within 0.54 of the exact value. Back, each within 0.52; chroma is made of the mean of
-    the pixels that it serves. An Nv12 frame can also become an "i420" one, and a Yuyv frame a "yv12"
-    one (nv12_to_i420, yuyv_to_yv12), with the samples as they are.
+    the pixels that it serves. An Nv12 frame can also become an "i420" one, and a Yuyv frame a
+    "yv12" one (nv12_to_i420, yuyv_to_yv12), with the samples as they are.
 
     Errors: names other than those; shapes that do not fit; `out` overlapping `image`.
 

@@ -1,4 +1,4 @@
-"""The package beside the C header and the roll of operations; its examples; the self-test's digests."""
+"""The package beside the C header and the roll; its examples; the self-test's digests."""
 import doctest
 import hashlib
 import inspect
@@ -19,7 +19,7 @@ MODULES = sorted(name for name in sys.modules if name.split(".")[0] == "qvaccele
 
 
 def letter(parameter):
-    kind = " ".join(re.sub(r"\w+(\[\d*\])?$", r"*\1" if "[" in parameter else "", parameter).split())
+    kind = re.sub(r"\w+(\[\d*\])?$", "*" if "[" in parameter else "", parameter).strip()
     if "*" in kind:
         return "s" if kind == "const char*" or parameter == "const char* level" else "p"
     return {"int": "i", "unsigned int": "u", "unsigned char": "b", "double": "d", "qv_size": "S",
@@ -28,9 +28,10 @@ def letter(parameter):
 
 def test_every_function_has_the_headers_signature_and_is_used():
     declared = {}
-    for result, name, parameters in re.findall(r"^QV_API\((.*?)\) (\w+)\((.*?)\);", HEADER, re.M | re.S):
-        letters = "" if parameters == "void" else "".join(map(letter, re.split(r",\s*", parameters)))
-        declared[name] = ("i" if result == "int" else "s") + ":" + letters
+    functions = re.findall(r"^QV_API\((.*?)\) (\w+)\((.*?)\);", HEADER, re.M | re.S)
+    for result, name, parameters in functions:
+        letters = map(letter, re.split(r",\s*", parameters.replace("void", "")))
+        declared[name] = ("i" if result == "int" else "s") + ":" + "".join(letters)
     assert _library.SIGNATURES == declared
     roll = (ROOT / "qvAcceleratedLib/Operations.def").read_text()
     assert set(re.findall(r"^QV_OPERATION\(\w+, \w+, (\w+)\)", roll, re.M)) <= declared.keys()
@@ -81,7 +82,8 @@ def test_process():
         with pytest.raises(qv.Error, match=name):
             setattr(qv, name, value)
     error = qv.Error(-6, "image", "small")
-    assert str(pickle.loads(pickle.dumps(error))) == str(error) and error.name == "QV_STATUS_SIZE_ERR"
+    assert str(pickle.loads(pickle.dumps(error))) == str(error)
+    assert error.name == "QV_STATUS_SIZE_ERR"
 
 
 class Noise:
