@@ -46,7 +46,8 @@ check_linux() {
   local name=qvAcceleratedLib-$version-linux-x64
   tar -C "$work" -xzf "$folder/$name.tar.gz"
   local prefix=$work/$name
-  has "$prefix" bin/qvtool lib/pkgconfig/qvAcceleratedLib{,C}.pc include/qvAcceleratedLib/{CqvAccLib,qv}.h \
+  has "$prefix" bin/qvtool lib/pkgconfig/qvAcceleratedLib{,C}.pc \
+    include/qvAcceleratedLib/{CqvAccLib,qv}.h \
     share/doc/qvAcceleratedLib/LICENSE share/doc/qvAcceleratedLib/README.md
   configure linux-package "$consumers/package" -DCMAKE_PREFIX_PATH="$prefix"
   run linux-package
@@ -149,7 +150,8 @@ check_windows() {
   local imports c_imports visual=$work/visual$bits
   local functions=(GetStdHandle WriteFile ExitProcess)
   { read -r imports; read -r c_imports; } <"$work/imports$bits/imports.txt"
-  [ "$(realpath "$imports" "$c_imports")" = "$(realpath "$prefix"/lib/qvAcceleratedLib{,C}.lib)" ] ||
+  [ "$(realpath "$imports" "$c_imports")" = \
+    "$(realpath "$prefix"/lib/qvAcceleratedLib{,C}.lib)" ] ||
     fail "a project of Visual C++ links $imports and $c_imports"
   mkdir "$visual"
   [ "$bits" = 64 ] || functions=(GetStdHandle@4 WriteFile@20 ExitProcess@4)
