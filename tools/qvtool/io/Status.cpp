@@ -7,7 +7,7 @@
 
 namespace qvtool {
 
-void Check(const char* operation, IppStatus status) {
+void Check(const char* operation, int status) {
   if (status < 0)
     throw Error(std::string(operation) + " answered " + std::to_string(status) + ": " +
                 qv_status_text(status));

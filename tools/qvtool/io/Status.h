@@ -2,12 +2,10 @@
 #ifndef QV_TOOLS_QVTOOL_IO_STATUS_H
 #define QV_TOOLS_QVTOOL_IO_STATUS_H
 
-#include "qvAcceleratedLib/CqvAccLib.h"
-
 namespace qvtool {
 
 // Throws an Error that names the operation when the status is below 0; warnings pass.
-void Check(const char* operation, IppStatus status);
+void Check(const char* operation, int status);
 
 }  // namespace qvtool
 
