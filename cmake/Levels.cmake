@@ -43,6 +43,9 @@ if(NOT DEFINED CACHE{QV_LEVELS})
   endforeach()
 endif()
 
+list(JOIN QV_LEVELS " " names)
+message(STATUS "Levels: ${names}")
+
 # In our own builds the assembler refuses what a level's processors lack, so that neither the compiler
 # nor a wrongly written row brings it in. Carry-less multiplication is asked for apart from the level.
 if(QV_X86 AND QV_WERROR AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
@@ -73,8 +76,10 @@ endif()
 # vectors there with moves that want more (GCC bug 54412, open as of GCC 12). The assembler makes
 # unaligned ones of them, which are as fast.
 if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 8)
-  foreach(level avx2 avx512)
-    list(APPEND QV_LEVEL_FLAGS_${level} -Wa,-muse-unaligned-vector-move)
+  foreach(level IN LISTS QV_LEVELS)
+    if(QV_LEVEL_FLAGS_${level} MATCHES -mavx)
+      list(APPEND QV_LEVEL_FLAGS_${level} -Wa,-muse-unaligned-vector-move)
+    endif()
   endforeach()
 endif()
 

@@ -35,12 +35,12 @@ constexpr LevelInfo kLevels[] = {QV_EACH_LEVEL(QV_LEVEL_INFO, )};
 #undef QV_LEVEL_INFO
 constexpr int kLevelCount = sizeof kLevels / sizeof *kLevels;
 
+constexpr const LevelInfo& InfoOf(LevelId level) { return kLevels[static_cast<int>(level)]; }
+
 // The CarrylessLevel that a level can use.
 constexpr int CarrylessLevelFor(const LevelInfo& level) {
-  return level.slot < 4 ? 0 : level.wide < 2 ? 1 : 2;
+  return level.slot < 4 ? 0 : level.wide < InfoOf(LevelId::avx512).wide ? 1 : 2;
 }
-
-constexpr const LevelInfo& InfoOf(LevelId level) { return kLevels[static_cast<int>(level)]; }
 
 // Some of the levels.
 class LevelSet {

@@ -1,5 +1,6 @@
 #include "dispatch/ProcessorInfo.h"
 
+#include "dispatch/Levels.h"
 #include "dispatch/VariantIndex.h"
 
 #if defined(__i386__) || defined(__x86_64__)
@@ -230,12 +231,13 @@ int WideLevelOf(const CpuidLeaves& leaves) {
   if (!Has(leaves.xcr0, AvxState)) return 0;
   const bool has512 = Has(leaves.leaf7.ebx, Avx512F | Avx512Bw | Avx512Vl | Avx512Dq) &&
                       Has(leaves.leaf7.ecx, Avx512Vbmi) && Has(leaves.xcr0, Avx512State);
-  return has512 ? 2 : 1;
+  return InfoOf(has512 ? LevelId::avx512 : LevelId::avx2).wide;
 }
 
 int CarrylessLevelOf(const CpuidLeaves& leaves) {
   if (!leaves.hasCpuid || !Has(leaves.leaf1.ecx, Pclmulqdq | Sse41)) return 0;
-  return WideLevelOf(leaves) >= 2 && Has(leaves.leaf7.ecx, Vpclmulqdq) ? 2 : 1;
+  const bool wide = WideLevelOf(leaves) >= InfoOf(LevelId::avx512).wide;
+  return wide && Has(leaves.leaf7.ecx, Vpclmulqdq) ? 2 : 1;
 }
 
 ptrdiff_t LastCacheBytesOf(const CpuidLeaves& leaves) {

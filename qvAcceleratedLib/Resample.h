@@ -7,8 +7,8 @@
 
 namespace qv {
 
-// The statuses are those of Resampling::Plan. Nothing is written unless it is StatusOk. Bytes do not
-// depend on the number of bands.
+// The statuses are those of Resampling::Plan. Nothing is written unless it is StatusOk. Bytes do
+// not depend on the number of bands.
 QV_HIDDEN IppStatus Resample(const ResampleImages& images, const ResampleOptions* options);
 
 }  // namespace qv

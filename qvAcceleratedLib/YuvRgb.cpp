@@ -57,7 +57,7 @@ IppStatus CheckCodes(int yuvLayout, int rgbLayout, int matrix, int range, int si
     return StatusDataTypeErr;
   const bool known = IsOneOf(matrix, 0, std::size(kColorMatrices)) && IsOneOf(range, 0, 2) &&
                      IsOneOf(siting, 0, 3);
-  return known ? StatusOk : StatusBadArgErr;
+  return known ? StatusOk : StatusOutOfRangeErr;
 }
 
 template <class Plane>

@@ -133,7 +133,7 @@ TEST(InvertTransform, RefusesWhatHasNoInverse) {
   const double infinity = std::numeric_limits<double>::infinity();
   const double cases[][9] = {{},
                              {1, 2, 3, 2, 4, 6, 0, 0, 1},
-                             {0.1, 0.3, 5, 0.2, 0.6, 7, 0, 0, 1},  // singular but for rounding
+                             {0.1, 0.3, 5, 0.3, 0.9, 7, 0, 0, 1},  // singular but for rounding
                              {1, 0, kNaN, 0, 1, 0, 0, 0, 1},
                              {1, 0, 0, 0, infinity, 0, 0, 0, 1},
                              {1e-300, 0, 0, 0, 1e-300, 0, 0, 0, 1e-310}};  // inverse too large

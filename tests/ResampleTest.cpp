@@ -46,7 +46,8 @@ Real Filter(const ResampleOptions& o, Real x) {
   x = std::fabs(x);
   const Real pi = std::acos(Real(-1));
   const auto cubic = [x](Real b, Real c) {
-    return x < 1 ? ((12 - 9 * b - 6 * c) * x * x * x + (-18 + 12 * b + 6 * c) * x * x + 6 - 2 * b) / 6
+    return x < 1 ?
+                 ((12 - 9 * b - 6 * c) * x * x * x + (-18 + 12 * b + 6 * c) * x * x + 6 - 2 * b) / 6
            : x < 2 ? ((-b - 6 * c) * x * x * x + (6 * b + 30 * c) * x * x + (-12 * b - 48 * c) * x +
                       8 * b + 24 * c) / 6
                    : 0;
@@ -263,7 +264,8 @@ TEST(Resample, AlphaWeighsColours) {
       ASSERT_EQ(job.dst[k], k % 4 == 3 ? 255 : plain.dst[k / 4 * 3 + k % 4]);
 
     for (std::size_t k = 0; k < job.src.size(); ++k)
-      job.src[k] = static_cast<unsigned char>(k % 4 == 3 ? random.Pick(0, 1, 2, 99, 255) : 50 + k % 4);
+      job.src[k] = static_cast<unsigned char>(
+          k % 4 == 3 ? random.Pick(0, 1, 2, 99, 255) : 50 + k % 4);
     ASSERT_EQ(job.Run(), StatusOk);
     if (job.options.filter != 1) {
       for (std::size_t k = 0; k < job.dst.size(); k += k % 4 == 2 ? 2 : 1)

@@ -20,7 +20,8 @@ int qv_resample(const unsigned char* src, qv_size src_size, int src_step, unsign
   qv::ResampleOptions o = {};
   if (options) {
     o = {options->pixels,        options->filter,      options->position,     options->narrow,
-         options->region_x,      options->region_y,    options->region_width, options->region_height,
+         options->region_x,      options->region_y,    options->region_width,
+         options->region_height,
          options->src_phase_x,   options->src_phase_y, options->dst_phase_x,  options->dst_phase_y,
          options->cubic};
   }

@@ -716,9 +716,9 @@ enum qv_chroma_siting {
 //
 // Source and destination must not overlap. Nothing is written unless the status is 0.
 // Returns QV_STATUS_DATA_TYPE_ERR (-2) if yuv_layout or rgb_layout is none of those;
-// QV_STATUS_BAD_ARG_ERR (-5) if matrix, range or siting is none; QV_STATUS_NULL_PTR_ERR (-8) if
-// planes, steps, dst or a plane that is read is null; QV_STATUS_SIZE_ERR (-6) if width or height
-// is below 1.
+// QV_STATUS_OUT_OF_RANGE_ERR (-11) if matrix, range or siting is none; QV_STATUS_NULL_PTR_ERR
+// (-8) if planes, steps, dst or a plane that is read is null; QV_STATUS_SIZE_ERR (-6) if width
+// or height is below 1.
 QV_API(int) qv_yuv_to_rgb(int yuv_layout, const unsigned char* const planes[], const int steps[],
                           int rgb_layout, unsigned char* dst, int dst_step, qv_size size,
                           int matrix, int range, int siting);
@@ -753,8 +753,9 @@ QV_API(int) qv_yuv_to_rgb(int yuv_layout, const unsigned char* const planes[], c
 //
 // Source and destination must not overlap. Nothing is written unless the status is 0.
 // Returns QV_STATUS_DATA_TYPE_ERR (-2) if rgb_layout or yuv_layout is none of those;
-// QV_STATUS_BAD_ARG_ERR (-5) if matrix, range or siting is none; QV_STATUS_NULL_PTR_ERR (-8) if
-// src, planes, steps or a plane is null; QV_STATUS_SIZE_ERR (-6) if width or height is below 1.
+// QV_STATUS_OUT_OF_RANGE_ERR (-11) if matrix, range or siting is none; QV_STATUS_NULL_PTR_ERR
+// (-8) if src, planes, steps or a plane is null; QV_STATUS_SIZE_ERR (-6) if width or height is
+// below 1.
 QV_API(int) qv_rgb_to_yuv(int rgb_layout, const unsigned char* src, int src_step, int yuv_layout,
                           unsigned char* const planes[], const int steps[], qv_size size,
                           int matrix, int range, int siting);
@@ -789,8 +790,8 @@ typedef struct qv_resample_options {
   // The region that becomes the destination, in source pixels from the source's left and top edge.
   // It may begin and end within pixels and reach beyond the source. All four 0: the whole source.
   double region_x, region_y, region_width, region_height;
-  // Where samples lie within what a pixel covers, in pixels to the right of or below its middle; -0.25
-  // for chroma of half the width whose samples lie on the left one of two luma samples.
+  // Where samples lie within what a pixel covers, in pixels to the right of or below its middle;
+  // -0.25 for chroma of half the width whose samples lie on the left one of two luma samples.
   double src_phase_x, src_phase_y, dst_phase_x, dst_phase_y;
   double cubic;  // Keys' a, from -1 up to below 0; 0 stands for -0.5
 } qv_resample_options;
@@ -798,8 +799,8 @@ typedef struct qv_resample_options {
 // Resizes a region of src_size pixels' image into all dst_size pixels of dst.
 //
 // Positions. Source pixel s has its centre at s. With S and L where the region begins and how long
-// it is, N pixels of the destination, p the phase of the source and q that of the destination, pixel
-// i of an axis reads the source at
+// it is, N pixels of the destination, p the phase of the source and q that of the destination,
+// pixel i of an axis reads the source at
 //   centres   S + (i + 0.5 + q) * L / N - 0.5 - p
 //   corners   S + (i + q) * (L - 1) / (N - 1) - p;  N = 1: S + (L - 1) / 2 - p
 // Its step is L / N or (L - 1) / (N - 1), 0 if N is 1.
@@ -813,25 +814,25 @@ typedef struct qv_resample_options {
 // Unless narrow is 1, they are widened by a step above 1: the distance is divided by it, so that
 // every source pixel counts. Area is the mean over one step around the position, each source pixel
 // by its share, whatever `narrow` says. Nearest is pixel floor(position + 0.5), the later one on a
-// tie. Pixels around the region are read as far as the filter reaches: parts of an image that are resized one by
-// one fit together. Beyond the source lie copies of its edge pixels.
+// tie. Pixels around the region are read as far as the filter reaches: parts of an image that are
+// resized one by one fit together. Beyond the source lie copies of its edge pixels.
 //
 // Alpha. Premultiplied: like four bytes, and colours are limited to the alpha. Straight: alpha is
 // filtered like any byte; colours are weighted by alpha, the filtered colour * alpha divided by the
-// filtered alpha, so that no colour of transparent pixels shows; 0 where the alpha written is 0. Rows
-// that come from opaque rows alone are exactly those of three bytes, with alpha 255. Nearest copies
-// pixels as they are.
+// filtered alpha, so that no colour of transparent pixels shows; 0 where the alpha written is 0.
+// Rows that come from opaque rows alone are exactly those of three bytes, with alpha 255. Nearest
+// copies pixels as they are.
 //
-// Each byte is within one unit of the exact result, on average within 0.26. The result does not depend
-// on threads. Source and destination must not overlap; steps may be negative.
+// Each byte is within one unit of the exact result, on average within 0.26. The result does not
+// depend on threads. Source and destination must not overlap; steps may be negative.
 //
 // Returns QV_STATUS_NULL_PTR_ERR (-8) if src, dst or options is null; QV_STATUS_DATA_TYPE_ERR (-2)
-// for unknown pixels; QV_STATUS_SIZE_ERR (-6) if a width or height is below 1 or a row has more than
-// 2^31 - 1 bytes; QV_STATUS_STEP_ERR (-14) if rows of dst overlap; QV_STATUS_INTERPOLATION_ERR (-22)
-// for an unknown filter; QV_STATUS_OUT_OF_RANGE_ERR (-11) for an unknown position, a `narrow` other
-// than 0 and 1, a phase outside -1 .. 1, or `cubic` outside -1 .. 0; QV_STATUS_RECT_ERR (-57) if a
-// number of the region is not finite or beyond 2^31, or its width or height is not above 0 (with
-// corners below 1); QV_STATUS_NO_OVERLAP_WARNING (29) if it lies outside the source;
+// for unknown pixels; QV_STATUS_SIZE_ERR (-6) if a width or height is below 1 or a row has more
+// than 2^31 - 1 bytes; QV_STATUS_STEP_ERR (-14) if rows of dst overlap; QV_STATUS_INTERPOLATION_ERR
+// (-22) for an unknown filter; QV_STATUS_OUT_OF_RANGE_ERR (-11) for an unknown position, a `narrow`
+// other than 0 and 1, a phase outside -1 .. 1, or `cubic` outside -1 .. 0; QV_STATUS_RECT_ERR (-57)
+// if a number of the region is not finite or beyond 2^31, or its width or height is not above 0
+// (with corners below 1); QV_STATUS_NO_OVERLAP_WARNING (29) if it lies outside the source;
 // QV_STATUS_RESIZE_FACTOR_ERR (-23) if a step is above 65536 in area or a widened filter;
 // QV_STATUS_MEM_ALLOC_ERR (-9). Nothing is written unless it returns QV_STATUS_OK.
 QV_API(int) qv_resample(const unsigned char* src, qv_size src_size, int src_step,

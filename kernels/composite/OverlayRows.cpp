@@ -31,7 +31,7 @@ struct Strength {
   bool premultiplied;
 };
 
-QV_INLINE Byte OverByte(int f, int b, int alpha, const Strength& s) {
+[[maybe_unused]] QV_INLINE Byte OverByte(int f, int b, int alpha, const Strength& s) {
   const int share = alpha * s.opacity;
   const int sum = f * (s.premultiplied ? 255 * s.opacity : share) + b * (65025 - share);
   return ToByte((sum + 65025 / 2) / 65025);

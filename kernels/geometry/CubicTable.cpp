@@ -17,7 +17,7 @@ constexpr CubicTable MakeTable() {
   static_assert(twoA == 2 * kKeysA, "quotients of integers over 2 n^3");
   for (long long i = 0; i < n; ++i) {
     // With f = i / n the tap on the right is -a f + (2 a + 3) f^2 - (a + 2) f^3; the left one takes
-    // what is missing to 1. n^3 is 2^33, so the products stay below 2^52.
+    // what is left of 1. n^3 is 2^33, so the products stay below 2^52.
     const long long rest = n - i, cube = n * n * n;
     const long long before = Round(twoA * i * rest * rest * one, 2 * cube);
     const long long after = Round(twoA * i * i * rest * one, 2 * cube);

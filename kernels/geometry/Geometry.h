@@ -37,7 +37,7 @@ IppStatus WarpAffineCore(const void* src, IppiSize srcSize, int srcStep, IppiRec
                          int interpolation);
 
 // qvRotate. Quarter turns with whole shifts do not look at the interpolation, check the planes
-// before the regions and return StatusNoOverlapWarning for a source region outside of the image.
+// before the regions and return StatusNoOverlapWarning for a source region outside the image.
 IppStatus RotateCore(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi, void* dst,
                      int dstStep, IppiRect dstRoi, Layout layout, double angle, double xShift,
                      double yShift, int interpolation);
@@ -55,7 +55,7 @@ IppStatus Rotate_8u_C3(const unsigned char* src, IppiSize srcSize, int srcStep, 
                        unsigned char* dst, int dstStep, IppiRect dstRoi, double angle,
                        double xShift, double yShift, int interpolation);
 
-// The kernels of each level behind them.
+// The kernels that they call, at each level.
 
 // Samples columns first .. last of a destination row, whose column 0 `dst` points at. The segments
 // are ascending, cover these columns and stay within the aligned blocks of kWarpBlock that they

@@ -26,7 +26,7 @@ inline IppStatus CheckRegions(const void* src, IppiSize srcSize, int srcStep, Ip
   return StatusOk;
 }
 
-// The images behind the pointers; StatusNullPtrErr if a plane is null.
+// The images that the pointers lead to; StatusNullPtrErr if a plane is null.
 inline IppStatus FindImages(const void* src, void* dst, Layout layout, GeometryImages& images) {
   images.count = PlaneCount(layout);
   images.layout = layout;

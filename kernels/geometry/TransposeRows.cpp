@@ -45,7 +45,7 @@ QV_INLINE void TransposeBytes(const Byte* src, ptrdiff_t srcStep, Byte* dst, ptr
 }
 
 // A row of a block of three-byte pixels is 12 bytes, but 16 are loaded: its first ones, or its last
-// ones if the 4 behind it do not belong to the image's row.
+// ones if the 4 past it do not belong to the image's row.
 QV_INLINE Vec SpreadTriples(bool isLast) {
   static constexpr auto kFirst =
       MakeByteTable([](int i) { return i % 4 < 3 ? i % 16 / 4 * 3 + i % 4 : 0x80; });

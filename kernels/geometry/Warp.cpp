@@ -23,7 +23,7 @@ bool IsConditioned(const double c[3][3]) {
 
 // Whether a convex quadrilateral and a rectangle have no point in common: two convex figures are
 // apart if and only if one of their edges has the other figure wholly on its outer side. Of a
-// quadrilateral that is but a line, two opposite edges are its two sides.
+// quadrilateral that is a mere line, two opposite edges are its two sides.
 bool AreApart(const double quad[4][2], const Corners& rect) {
   double bound[2][2];
   BoundingBoxOfQuad(quad, bound);

@@ -216,7 +216,7 @@ int WarpPlan::Halve(const Row& row, PixelRange wanted, WarpSegment* segments) co
 }
 
 void WarpPlan::FitColumn(const Row& row, WarpSegment& segment) const {
-  // Clamped, for a position that is no number as well: Place wants no more than 31 bits.
+  // Clamped, a NaN too: Place wants no more than 31 bits.
   constexpr double kFar = 0x1p31;
   const double r = 1 / (m_[2][0] * segment.first + row.w);
   const double position[2] = {(m_[0][0] * segment.first + row.x) * r,
@@ -232,7 +232,7 @@ void WarpPlan::FitColumn(const Row& row, WarpSegment& segment) const {
 // With P the position at the centre, S its slope there and u = -m20 / W:
 //   position(t) = P + S t / (1 - u t) = P + S t (1 + u t + u^2 t^2 + u^3 t^3 + ...).
 // On |t| <= h the term in t^4 is replaced by h^2 t^2 - h^4 / 8, which is off by h^4 / 8 at most
-// (Chebyshev); the terms behind it add less than a factor of 1 / (1 - e), e = |u| h, and so does
+// (Chebyshev); the terms after it add less than a factor of 1 / (1 - e), e = |u| h, and so does
 // what lies between the centre and the farthest column.
 template <bool kAffine>
 bool WarpPlan::Fit(const Row& row, WarpSegment& segment) const {

@@ -113,7 +113,7 @@ QV_INLINE bool Prepare(const View& view, Vec px, Vec py, Prepared& out) {
     Store(out.x, PairWeights(Sub32(px, ShiftLeft32<kWarpBits>(ix))));
     Store(out.y, PairWeights(Sub32(py, ShiftLeft32<kWarpBits>(iy))));
   }
-  // Its sign tells: the fetch ends behind its row, or there is no tap before or behind.
+  // Its sign tells: the fetch ends past its row, or a tap is missing at either end.
   Vec bad = Zero();
   if constexpr (kMethod == InterpolateCubic) {
     const Vec one = Splat32(1), mask = Splat32((kCubicPhases - 1) * 8);  // entries are 8 bytes

@@ -26,8 +26,8 @@ struct WarpSegment {
   int count;          // a power of two up to kWarpBlock; t runs from -count / 2
   long long base[2];  // x, y
   float coeff[2][4];  // c0 .. c3 of x and of y
-  // Every column's position, wanted or not, has a pixel before it and three behind it, and rows
-  // likewise: nothing has to be clamped. Columns have half a pixel more behind them: 16 bytes, five
+  // Every column's position, wanted or not, has a pixel before it and three after it, and rows
+  // likewise: nothing has to be clamped. Columns have half a pixel more after them: 16 bytes, five
   // pixels and a third, can then be fetched from the first tap without leaving the row.
   bool isInside;
 };

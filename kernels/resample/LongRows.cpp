@@ -65,7 +65,8 @@ QV_INLINE void StoreColumns(const Vec (&sums)[4], const Rounding& round, short* 
   if constexpr (kHasBytePermute) {
     // 16 bytes of `low`, 16 of `high`, from the vectors' first and then their last halves.
     static constexpr auto kOrder = [](int half) {
-      return MakeByteTable([=](int i) { return 32 * half + i / 32 * 16 + i % 16 + i / 16 % 2 * 64; });
+      return MakeByteTable(
+          [=](int i) { return 32 * half + i / 32 * 16 + i % 16 + i / 16 % 2 * 64; });
     };
     static constexpr ByteTable kFirst = kOrder(0), kLast = kOrder(1);
     Store(values, PermuteBytes2(low, Load(kFirst.b), high));
@@ -126,8 +127,9 @@ void ColumnSums(const Byte* src, int srcStep, const LongTaps& y, int i, FreshRow
 }
 
 // Values of pixels of kChannels, channel by channel, `apart` values from one to the next: eight
-// pixels at a time are shuffled perfectly three times. A shuffle moves value k of n = 8 kChannels to
-// 2 k modulo n - 1, three of them to 8 k, which is m for k = kChannels m. Whole eights are written.
+// pixels at a time are shuffled perfectly three times. A shuffle moves value k of n = 8 kChannels
+// to 2 k modulo n - 1, three of them to 8 k, which is m for k = kChannels m. Whole eights are
+// written.
 template <int kChannels>
 void SplitChannels(const short* values, ptrdiff_t pixels, short* split, ptrdiff_t apart) {
   for (ptrdiff_t j = 0; j < pixels; j += 8) {
@@ -172,7 +174,8 @@ QV_INLINE void SumFour(const short* values, const LongTaps& x, ptrdiff_t a, ptrd
   const auto sum = [&](ptrdiff_t i) QV_INLINE_LAMBDA {
     return SumTaps<kCut>(values + x.first[i], x.weights + i * x.stride, x.taps, round);
   };
-  const Vec sums = AddNeighbours32(AddNeighbours32(sum(a), sum(b)), AddNeighbours32(sum(c), sum(d)));
+  const Vec sums =
+      AddNeighbours32(AddNeighbours32(sum(a), sum(b)), AddNeighbours32(sum(c), sum(d)));
   Vec128 total = LowLane(sums);
   if constexpr (kLanes128 >= 2) total = Add32(total, Lane<1>(sums));
   if constexpr (kLanes128 == 4) total = Add32(total, Add32(Lane<2>(sums), Lane<3>(sums)));

@@ -264,7 +264,8 @@ IppStatus Resampling::PlanLong(const ExactAxis& x, const ExactAxis& y) {
   const auto padded = [](int taps) { return (taps + kTapBlock - 1) / kTapBlock * kTapBlock; };
   const int xStride = padded(across_.taps), yStride = padded(down_.taps);
   const uint64_t count = static_cast<uint64_t>(across_.count) * xStride;
-  weights_.emplace(CountLayout(count + static_cast<uint64_t>(down_.count) * yStride, sizeof(short)));
+  weights_.emplace(
+      CountLayout(count + static_cast<uint64_t>(down_.count) * yStride, sizeof(short)));
   if (!*weights_) return StatusMemAllocErr;
   short* const xWeights = weights_->At<short>(0);
   short* const yWeights = xWeights + count;

@@ -54,12 +54,12 @@ class Resampling {
  public:
   // In the order of checks: StatusNullPtrErr for a null image or null options; StatusDataTypeErr
   // for an unknown kind of pixel; StatusSizeErr for a size below 1 or a row of more than 2^31 - 1
-  // bytes; StatusStepErr for rows of the destination that overlap; StatusInterpolationErr for an unknown filter; StatusOutOfRangeErr for an unknown position
-  // rule, a `narrow` other than 0 and 1, a phase outside -1 .. 1 and a cubic parameter outside
-  // -1 .. 0; StatusRectErr for a region of which a number is not finite or past 2^31, or whose
-  // width or height is not above 0 (with corners aligned: below 1); StatusNoOverlapWarning for one
-  // that has no pixel of the source; StatusResizeFactorErr for a reduction above the largest;
-  // StatusMemAllocErr.
+  // bytes; StatusStepErr for rows of the destination that overlap; StatusInterpolationErr for an
+  // unknown filter; StatusOutOfRangeErr for an unknown position rule, a `narrow` other than 0 and
+  // 1, a phase outside -1 .. 1 and a cubic parameter outside -1 .. 0; StatusRectErr for a region of
+  // which a number is not finite or past 2^31, or whose width or height is not above 0 (with
+  // corners aligned: below 1); StatusNoOverlapWarning for one that has no pixel of the source;
+  // StatusResizeFactorErr for a reduction above the largest; StatusMemAllocErr.
   IppStatus Plan(const ResampleImages& images, const ResampleOptions* options);
 
   // Bytes of scratch memory that making a band takes, aligned to 64.

@@ -78,7 +78,9 @@ class ExactAxis {
   void MoveOn(int* values, int i, int n, int known) const;
   WorkLayout RowsLayout();
   int RowOf(int i) const { return row_[i] < 0 ? ~row_[i] : row_[i]; }
-  double* Row(int i) const { return rows_.At<double>(0) + static_cast<ptrdiff_t>(RowOf(i)) * taps_; }
+  double* Row(int i) const {
+    return rows_.At<double>(0) + static_cast<ptrdiff_t>(RowOf(i)) * taps_;
+  }
   double FirstTap(double position) const;
   void FillRow(int i, const FilterCurve& curve) const;
   void FoldRow(double position, int from, const FilterCurve& curve, double* row) const;

@@ -121,7 +121,8 @@ QV_INLINE void FilterPixels(const Ring& ring, const float* weights, int first, i
   for (int v = 0; v < kVectors; ++v) Store(values + v * kLanes32, DivideColours(sums[v]));
   for (int k = 0; k < 4 * kDownPixels; k += 16)
     Store128(dst + k, PackUnsigned16(PackSigned32(Load128(values + k), Load128(values + k + 4)),
-                                     PackSigned32(Load128(values + k + 8), Load128(values + k + 12))));
+                                     PackSigned32(Load128(values + k + 8),
+                                                  Load128(values + k + 12))));
 }
 
 void FilterDown(const Ring& ring, const FloatTaps& y, int i, ptrdiff_t width, Byte* dst) {

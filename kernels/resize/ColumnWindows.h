@@ -35,9 +35,9 @@ struct ColumnWindows {
 bool PlanWindows(Layout layout, const FilterColumns& x, const WindowShape& shape,
                  const FilterScratch& scratch, void* memory, ColumnWindows* windows);
 
-// Taps for reading four source samples at a time, eight if there are more than four taps or
-// sixteen if there are more than eight: positions from sample `first` and weights with zeros up to that count; samples past the end, up
-// to a multiple of eight, have no weight.
+// Taps for reading four source samples at a time, eight if there are more than four taps or sixteen
+// if there are more than eight: positions from sample `first` and weights with zeros up to that
+// count; samples past the end, up to a multiple of eight, have no weight.
 struct PaddedTaps {
   ptrdiff_t count;
   int kept;  // 4, 8 or 16
@@ -45,7 +45,7 @@ struct PaddedTaps {
   short* weights;
 };
 
-// `*memory` moves on to behind the tables.
+// `*memory` moves on past the tables.
 PaddedTaps PadTaps(const AxisTaps& taps, long long first, void** memory);
 
 }  // namespace qv

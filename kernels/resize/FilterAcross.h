@@ -134,7 +134,7 @@ void FilterAcross(const AcrossPlan& plan, const FilterColumns& x, const Byte* co
     for (int k = 0; k < ComponentCount(kLayout); ++k) {
       const bool isChroma = kLayout == Layout::kPairs422 && k > 0;
       const RowComponent component = Component(kLayout, k);
-      // Writes whole eights: what passes the line's end is overwritten by the next line.
+      // Writes eight at a time: what passes the line's end is overwritten by the next line.
       FilterComponent(lines[r], component, span / component.stride,
                       isChroma ? plan.chroma : plan.luma, plan.words, line);
       line += isChroma ? x.chroma.count : x.luma.count;

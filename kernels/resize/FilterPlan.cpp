@@ -5,11 +5,11 @@ namespace qv {
 
 namespace {
 
-// Rows of work memory are whole blocks of 64 values; the taps of a widened line are read by fours
-// or eights and may pass its end by kReadAhead.
+// Rows of work memory are whole blocks of 64 values; the taps of a widened line are read four or
+// more at a time and may pass its end by kReadAhead.
 constexpr long long kBlock = 64;
 constexpr long long kReadAhead = 16;
-// Filtered lines are written by eights.
+// Filtered lines are written eight samples at a time.
 constexpr long long kWritePast = 7;
 
 long long RoundUp(long long n) { return (n + kBlock - 1) / kBlock * kBlock; }

@@ -74,13 +74,13 @@ QV_INLINE void FilterComponent(const Byte* from, RowComponent component, ptrdiff
     FilterWords<16>(words, taps, out);
 }
 
-// The components of a filtered row, one line behind the other, to their places in a ring row: lines
+// The components of a filtered row, line after line, to their places in a ring row: lines
 // of `count` samples, or of 4:2:2 the luma line of twice as many.
 template <Layout kLayout>
 QV_INLINE void PlaceComponents(const short* line, ptrdiff_t count, short* out) {
   ptrdiff_t i = 0;
   if constexpr (!kHasBytePermute && kLayout == Layout::kTriples) {
-    // Four words a pixel, the last of which the next pixel overwrites: one has to come behind.
+    // Four words a pixel, the last of which the next pixel overwrites: one has to follow.
     for (; i + 8 < count; i += 8) {
       const Vec128 b = Load128(line + i), g = Load128(line + count + i),
                   r = Load128(line + 2 * count + i);

@@ -68,13 +68,15 @@ QV_INLINE int MeanAt(const RowPair& rows, ptrdiff_t i, int c, ChromaSiting sitin
 // Chroma samples `from` to `to` - 1.
 void ChromaPlain(const RowPair& rows, const RgbToYuvTerms& t, ChromaSiting siting, ptrdiff_t from,
                  ptrdiff_t to) {
-  for (ptrdiff_t i = from; i < to; ++i)
+  for (ptrdiff_t i = from; i < to; ++i) {
+    int mean[3];
+    for (int c = 0; c < 3; ++c) mean[c] = MeanAt(rows, i, c, siting);
     for (int c = 0; c < 2; ++c) {
-      const int own = MeanAt(rows, i, 2 * c, siting), other = MeanAt(rows, i, 2 - 2 * c, siting);
-      const int sum = MulHigh(own, t.half) - MulHigh(MeanAt(rows, i, 1, siting), t.less[c][0]) -
-                      MulHigh(other, t.less[c][1]) + t.chromaOffset;
+      const int sum = MulHigh(mean[2 * c], t.half) - MulHigh(mean[1], t.less[c][0]) -
+                      MulHigh(mean[2 - 2 * c], t.less[c][1]) + t.chromaOffset;
       rows.chroma[c][i * rows.apart] = static_cast<Byte>(sum >> 8);
     }
+  }
 }
 
 // The luma of pixels `from` to `to` - 1 of both rows.

@@ -60,9 +60,9 @@ QV_INLINE int MulHigh(int a, int b) {
   return static_cast<int>(static_cast<uint32_t>(a) * static_cast<uint32_t>(b) >> 16);
 }
 
-// Pixels `from` to `to` - 1.
-void PixelsPlain(const SampleRows& rows, const YuvToRgbTerms& t, ChromaSiting siting, Byte* dst,
-                 int channels, ptrdiff_t from, ptrdiff_t to) {
+// Pixels `from` to `to` - 1. Rows and terms are copies: bytes that are stored could change others.
+void PixelsPlain(SampleRows rows, YuvToRgbTerms t, ChromaSiting siting, Byte* dst, int channels,
+                 ptrdiff_t from, ptrdiff_t to) {
   for (ptrdiff_t x = from; x < to; ++x) {
     const int luma = MulHigh(rows.luma[x * rows.lumaApart] << 8, t.luma);
     const int p = ChromaAt(rows, 0, x, siting), q = ChromaAt(rows, 1, x, siting);

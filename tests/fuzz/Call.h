@@ -65,7 +65,7 @@ class Call {
     return Place(name, step, part, true);
   }
 
-  // An image behind a pointer that must not be null.
+  // An image whose pointer must not be null.
   FuzzImage Required(int step, Part part, bool writable) {
     if (writable) step = contract::DisjointStep(step, part.bytes, part.rows);
     return Lay(step, part, writable);

@@ -149,6 +149,26 @@ static int Plus(Function f) {
   return ((int (*)(int, Out, int, In, int, In, int, int, int))f)(4, destination, kStep, source, kStep,
                                                                  alpha, kStep, kWidth, kHeight);
 }
+static int LayOver(Function f) {
+  return ((int (*)(int, Out, int, Size, int, In, int, Size, In, int, int, int, int, int))f)(
+      3, destination, kStep, size, 3, source, kStep, size, alpha, kStep, -2, 3, 200, 0);
+}
+static int Bob(Function f) {
+  return ((int (*)(In, int, Out, int, Out, int, Size, int, int))f)(
+      source, kStep, destination, kStep, destination + kStep * 10, kStep, size, 1, 100);
+}
+static int Weave(Function f) {
+  return ((int (*)(In, int, In, int, Out, int, Size, int))f)(source, kStep, alpha, kStep,
+                                                             destination, kStep, size, 1);
+}
+static int Invert(Function f) { return ((int (*)(const double*, double*))f)(shift, numbers); }
+static int Canvas(Function f) {
+  int canvas[2] = {0, 0};
+  const int status = ((int (*)(Size, double, int*, double*))f)(size, 90.0, canvas, numbers);
+  numbers[2] = canvas[0], numbers[3] = canvas[1];
+  return status;
+}
+
 static int Deinterlace(Function f) {
   return ((int (*)(int, In, int, Out, int, Size, unsigned, unsigned))f)(
       2, source, kStep, destination, kStep, size, 128, 0);
@@ -220,6 +240,11 @@ static const struct {
     {"qv_source_position", Position, 0x7439fa8e},
     {"qv_warp_source_position", WarpPosition, 0xc275eaa8},
     {"qv_resample", Resample, 0x24bbbfe5},
+    {"qv_over", LayOver, 0x5e759869},
+    {"qv_deinterlace_bob", Bob, 0x41aea9e7},
+    {"qv_weave", Weave, 0x2eb18795},
+    {"qv_invert_transform", Invert, 0xc3ad1273},
+    {"qv_rotation_canvas", Canvas, 0x3057ed4f},
 };
 
 static Function Find(const char* path, const char* name) {

@@ -1,8 +1,7 @@
 #include "Projection.h"
 
-#include <cmath>
-
 #include "io/Status.h"
+#include "qvAcceleratedLib/qv.h"
 
 namespace qvtool {
 namespace {
@@ -43,11 +42,7 @@ void AddProjectionOptions(CLI::App& app, ProjectionOptions& options) {
 
 Projection Projection::Inverse() const {
   Projection inverse;
-  for (int i = 0; i < 3; ++i)
-    for (int k = 0; k < 3; ++k) {
-      const int a = (k + 1) % 3, b = (k + 2) % 3, c = (i + 1) % 3, d = (i + 2) % 3;
-      inverse.m[i][k] = m[a][c] * m[b][d] - m[a][d] * m[b][c];
-    }
+  Check("qv_invert_transform", qv_invert_transform(m[0], inverse.m[0]));
   return inverse;
 }
 
@@ -103,28 +98,23 @@ void Project(const ProjectionOptions& options, const Frame& in, const IppiRect& 
 }
 
 void Rotate(const ProjectionOptions& options, const Frame& in, double angle, bool fit, Frame& out) {
-  // The library's own bounds give all that is needed: those of the pixels (1, 0) and (0, 1) are the
-  // columns of the rotation, and those of the frame tell its size and middle.
-  const auto bound = [angle](IppiRect region) {
-    Projection corners{};  // smallest x, y; largest x, y
-    double found[2][2];
+  const IppiSize frame = in.Size();
+  qv_size canvas;
+  double shift[2];
+  Check("qv_rotation_canvas",
+        qv_rotation_canvas({frame.width, frame.height}, angle, &canvas, shift));
+  const IppiSize size = fit ? IppiSize{canvas.width, canvas.height} : frame;
+  // Where the pixels (1, 0) and (0, 1) go are the columns of the rotation.
+  const auto turned = [angle](int x, int y, double (&to)[2][2]) {
     Check("qvGetRotateBound",
-          CqvAccLib::qvGetRotateBound(CqvAccLib::OneChannel, region, found, angle, 0, 0));
-    for (int i = 0; i < 4; ++i) corners.m[i / 2][i % 2] = found[i / 2][i % 2];
-    return corners;
+          CqvAccLib::qvGetRotateBound(CqvAccLib::OneChannel, {x, y, 1, 1}, to, angle, 0, 0));
   };
-  const Projection right = bound({1, 0, 1, 1}), down = bound({0, 1, 1, 1});
-  const Projection all = bound(in.Bounds());
-  const auto length = [&](int axis) {
-    const double apart = all.m[1][axis] - all.m[0][axis];
-    if (!(apart < 1e9))
-      throw UsageError("--fit: the canvas would be more than 1000000000 pixels long");
-    return static_cast<int>(std::ceil(apart - 1e-6)) + 1;
-  };
-  const IppiSize size = fit ? IppiSize{length(0), length(1)} : in.Size();
+  double right[2][2], down[2][2];
+  turned(1, 0, right);
+  turned(0, 1, down);
   const Projection turn = {
-      {{right.m[0][0], down.m[0][0], (size.width - 1 - all.m[0][0] - all.m[1][0]) / 2},
-       {right.m[0][1], down.m[0][1], (size.height - 1 - all.m[0][1] - all.m[1][1]) / 2},
+      {{right[0][0], down[0][0], shift[0] + (size.width - canvas.width) / 2.0},
+       {right[0][1], down[0][1], shift[1] + (size.height - canvas.height) / 2.0},
        {0, 0, 1}}};
   PrepareCanvas(options, in, size, out);
   for (int i = 0; i < in.Planes(); ++i) {
@@ -132,16 +122,16 @@ void Rotate(const ProjectionOptions& options, const Frame& in, double angle, boo
     const Plane& to = out.PlaneAt(i);
     const PlaneShape& shape = in.Info().plane[i];
     const Projection map = turn.Between(shape);
-    const IppiRect whole = {0, 0, from.columns, from.rows}, canvas = {0, 0, to.columns, to.rows};
+    const IppiRect whole = {0, 0, from.columns, from.rows}, all = {0, 0, to.columns, to.rows};
     const int method = options.method;
     if (shape.shiftX == shape.shiftY) {
       Check("qvRotate", CqvAccLib::qvRotate(from.Type("moving pixels"), from.data, from.Size(),
-                                            from.step, whole, to.data, to.step, canvas, angle,
+                                            from.step, whole, to.data, to.step, all, angle,
                                             map.m[0][2], map.m[1][2], method));
     } else {  // on a grid of oblong units a rotation is none
       Check("qvWarpPerspective", CqvAccLib::qvWarpPerspective(
                                      from.Type("moving pixels"), from.data, from.Size(), from.step,
-                                     whole, to.data, to.step, canvas, map.m, method));
+                                     whole, to.data, to.step, all, map.m, method));
     }
   }
 }

@@ -13,7 +13,7 @@ class Sha256 {
   // A number as eight bytes, the lowest first, on every platform.
   void Add(long long number);
 
-  // The digest in hexadecimal, with a null behind it; nothing can be added after it.
+  // The digest in hexadecimal, ending with a null; nothing can be added after it.
   static constexpr int kDigits = 64;
   void Finish(char* text);
 
