@@ -64,7 +64,8 @@ TEST(Overlay, LeavesFramesOfEveryLayoutUnderATransparentPicture) {
   ASSERT_EQ(place.Run("copy - clear.png --layout bgra --size 5x3", std::string(60, '\0')).exitCode,
             0);
   const std::pair<std::string, std::size_t> layouts[] = {  // and bytes of 9x7 pixels
-      {"grey", 63},  {"bgr", 189},  {"yuyv", 140}, {"uyvy", 140}, {"nv21", 103}, {"i420", 103}, {"yv12", 103},
+      {"grey", 63},  {"bgr", 189},  {"yuyv", 140}, {"uyvy", 140}, {"i420", 103}, {"yv12", 103},
+      {"nv21", 103},
       {"nv12", 103}, {"i411", 105}, {"i422", 133}, {"i444", 189}, {"i444a", 252}};
   for (const auto& [layout, bytes] : layouts)
     for (const std::string at : {"0,0", "1,1", "-3,4", "6,5"}) {
@@ -76,7 +77,8 @@ TEST(Overlay, LeavesFramesOfEveryLayoutUnderATransparentPicture) {
     }
 }
 
-// Opaque red arrives as Y 81, Cb 90, Cr 240 and shares the chroma samples at its edge with two or three pixels of the frame.
+// Opaque red arrives as Y 81, Cb 90, Cr 240 and shares the chroma samples at its edge with two or
+// three pixels of the frame.
 TEST(Overlay, SharesChromaWithPixelsBesideThePicture) {
   Workplace place;
   ASSERT_EQ(place.Run("fill red.png --layout bgr --size 3x3 --colour #ff0000").exitCode, 0);

@@ -19,7 +19,9 @@ TEST(Convert, MakesRedOfEveryLayoutByTheClass) {
   for (const auto& [layout, bytes] :
        {std::pair("yuyv", "\x51\x5a\x51\xf0\x51\x5a\x51\xf0"), {"i420", "\x51\x51\x51\x51\x5a\xf0"},
         {"yv12", "\x51\x51\x51\x51\xf0\x5a"}, {"nv12", "\x51\x51\x51\x51\x5a\xf0"}})
-    EXPECT_EQ(place.Run("convert - - --exact-api --size 2x2 --layout " + std::string(layout), bytes).out, red)
+    EXPECT_EQ(
+        place.Run("convert - - --exact-api --size 2x2 --layout " + std::string(layout), bytes).out,
+        red)
         << layout;
 }
 
@@ -139,7 +141,8 @@ TEST(Convert, MakesAClipIntoPicturesAndPackedFramesIntoAClip) {
             (std::vector<std::string>{"frame-01.png", "frame-02.png", "frame-03.png"}));
   for (unsigned i = 1; i < 4; ++i)
     EXPECT_TRUE(place.Run("copy frame-0" + std::to_string(i) + ".png - --format raw").out ==
-                place.Run("convert - - --layout i420 --size 6x4 --siting centre", Noise(36, i)).out);
+                place.Run("convert - - --layout i420 --size 6x4 --siting centre", Noise(36, i))
+                    .out);
 
   const std::string packed = Noise(48, 5);
   const std::string planes =

@@ -45,7 +45,8 @@ TEST(Y4m, StreamsPassUnchanged) {
 
 TEST(Raw, EveryLayoutPassesUnchanged) {
   const std::pair<std::string, std::size_t> cases[] = {  // and bytes of a 5x3 frame
-      {"grey", 15}, {"bgr", 45},  {"bgra", 60}, {"yuyv", 36}, {"uyvy", 36}, {"i420", 27}, {"yv12", 27},
+      {"grey", 15}, {"bgr", 45},  {"bgra", 60}, {"yuyv", 36}, {"uyvy", 36}, {"i420", 27},
+      {"yv12", 27},
       {"nv12", 27}, {"nv21", 27}, {"i411", 27}, {"i422", 33}, {"i444", 45}, {"i444a", 60}};
   for (const auto& [layout, bytes] : cases) {
     Workplace place;

@@ -36,7 +36,7 @@ class Colour {
   static Colour Parse(const std::string& argument, const std::string& text);
 
   // The sample values of every channel of `layout` except alpha: grey or B, G, R or Y, Cb, Cr, the
-  // last by `coding`. Throws a UsageError when a colour of this form cannot be meant for the layout.
+  // last by `coding`. Throws a UsageError when a colour of this form cannot be meant for it.
   std::array<unsigned char, 3> In(Layout layout, const Coding& coding) const;
 
  private:

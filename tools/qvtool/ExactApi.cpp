@@ -104,7 +104,8 @@ const Frame& ExactConverter::operator()(const Frame& in, Frame& out) {
   const Layout from = in.GetLayout();
   const bool isPlanar = from == Layout::I420 || from == Layout::Yv12;
   if (from != Layout::Yuyv && from != Layout::Nv12 && !isPlanar)
-    throw Error("--exact-api: " + NameOf(from) + " frames given; wanted is yuyv, i420, yv12 or nv12");
+    throw Error("--exact-api: " + NameOf(from) +
+                " frames given; wanted is yuyv, i420, yv12 or nv12");
   if (target_ != Layout::Bgr) {
     if (isPlanar)
       throw Error("--exact-api: " + NameOf(from) + " frames given; " + NameOf(target_) +

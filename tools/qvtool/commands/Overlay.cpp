@@ -18,8 +18,8 @@ struct Options {
   int opacity = 255;
 };
 
-// A foreground over pixels that have an alpha themselves (Porter and Duff 1984), rounded once: alpha
-// in 1 / 255, and opacity as a factor of the foreground's.
+// A foreground over pixels that have an alpha themselves (Porter and Duff 1984), rounded once.
+// Opacity, in 1 / 255, is a factor of the foreground's alpha.
 void OverAlpha(const Plane& colours, const Plane& alpha, const Plane& below,
                const Plane& belowAlpha, int opacity) {
   for (int y = 0; y < below.rows; ++y)
@@ -71,7 +71,7 @@ class Overlay {
 
   void SayOutside(const Frame& frame) {
     if (!saidOutside_)
-      std::fprintf(stderr, "qvtool: --at: %d,%d is where nothing of the picture is on frames of %dx%d\n",
+      std::fprintf(stderr, "qvtool: --at: at %d,%d the picture lies outside of frames of %dx%d\n",
                    options_.at.x, options_.at.y, frame.Width(), frame.Height());
     saidOutside_ = true;
   }
@@ -132,8 +132,8 @@ void Configure(CLI::App& app) {
              "All of its alphas are scaled by this / 255: 255 leaves them, 0 hides it");
   app.footer(
       "What sticks out of the frame is cut off. Frames of every layout are taken: the picture is\n"
-      "converted to theirs. Where it is transparent, frames keep their pixels; opaque pixels arrive as\n"
-      "they are.");
+      "converted to theirs. Where it is transparent, frames keep their pixels; opaque pixels arrive\n"
+      "as they are.");
 }
 
 const Command command{"overlay", "Place a picture with alpha over frames", Configure};

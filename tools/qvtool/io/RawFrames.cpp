@@ -35,7 +35,8 @@ void ReadPlanes(ByteSource& source, const Frame& frame, long number) {
       const auto bytes = static_cast<std::size_t>(plane.RowBytes());
       const std::size_t got = source.Read(plane.Row(y), bytes);
       done += got;
-      if (got < bytes) CutShort(source.Name(), number, done, FrameBytes(frame.GetLayout(), frame.Size()));
+      if (got < bytes)
+        CutShort(source.Name(), number, done, FrameBytes(frame.GetLayout(), frame.Size()));
     }
   }
 }
@@ -54,8 +55,8 @@ RawReader::RawReader(std::unique_ptr<ByteSource> source, Layout layout, IppiSize
   fields_ = {"F" + rate, "Ip", "A1:1"};
   const std::uint64_t frame = FrameBytes(layout, size), all = source_->Size().value_or(0);
   if (all % frame != 0)
-    throw Error(source_->Name() + ": " + std::to_string(all) + " bytes given; wanted is a multiple" +
-                " of " + std::to_string(frame) + ", the bytes of a " + NameOf(layout) +
+    throw Error(source_->Name() + ": " + std::to_string(all) + " bytes given; wanted is a " +
+                "multiple of " + std::to_string(frame) + ", the bytes of a " + NameOf(layout) +
                 " frame of " + std::to_string(size.width) + "x" + std::to_string(size.height));
 }
 
