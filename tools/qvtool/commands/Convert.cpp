@@ -39,7 +39,7 @@ void Configure(CLI::App& app) {
               "column or row of 4:2:0 is left out");
   app.footer(
       "Files that do not hold the layout get the nearest one that they do: PNG and JPEG pixels,\n"
-      "Y4M planes. Luma and chroma of one coding change their layout without a loss.");
+      "Y4M planes. Samples are moved as they are where matrix, range and grid stay the same.");
 }
 
 const Command command{"convert", "Change the layout of frames", Configure};
