@@ -28,8 +28,9 @@ struct ResizePeer {
 // What zimg does with a plane: widened for reductions.
 std::function<void()> ZimgResize(const ResizeJob& job);
 
-// One whose filters are widened for reductions, between pixel centres, of one to four channels; code
-// 32 is Mitchell's filter. `weighted` for four of which the last is the alpha that weighs colours.
+// One whose filters are widened for reductions, between pixel centres, of one to four channels;
+// code 32 is Mitchell's filter. `weighted` for four of which the last is the alpha that weighs
+// colours.
 struct ResampleJob {
   ResizeJob job;
   bool weighted;

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Writes the operations of the C header, qv.h, from the class's header and the roll of operations, and the
-list of names that the C library exports from qv.h.
+"""Writes the operations of the C header, qv.h, from the class's header and the roll of operations,
+and the list of names that the C library exports from qv.h.
 
     scripts/c_header.py           writes them
     scripts/c_header.py --check   compares them instead; exit code 1 if they differ
 
-What stands between the two marks in qv.h is written anew: the enumerations and, for each operation, its
-documentation in the words of C and its declaration. All else in qv.h is written by hand.
+What stands between the two marks in qv.h is written anew: the enumerations and, for each operation,
+its documentation in the words of C and its declaration. All else in qv.h is written by hand.
 """
 import pathlib
 import re

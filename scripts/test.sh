@@ -18,7 +18,8 @@ esac
 
 step() { printf '\n== %s\n' "$*"; }
 
-"$root/scripts/setup.sh" libgtest-dev qemu-user libomp5-14
+"$root/scripts/setup.sh" libgtest-dev qemu-user libomp5-14 python3-numpy \
+  python3-pytest python3-hypothesis
 [ $all = 0 ] || "$root/scripts/setup.sh" chromium
 
 step 'Release build and tests'

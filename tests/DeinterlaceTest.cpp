@@ -158,7 +158,8 @@ TEST(Bob, RefusesInTheOrderOfItsDocumentation) {
                {a, b, {8, 8}, 0, 257, QV_STATUS_OUT_OF_RANGE_ERR},
                {a, b, {8, 8}, 0, -1, QV_STATUS_OUT_OF_RANGE_ERR}};
   for (const auto& t : cases) {
-    EXPECT_EQ(qv_deinterlace_bob(t.src, 8, t.first, 8, c, 8, t.size, t.order, t.weight), t.expected);
+    EXPECT_EQ(qv_deinterlace_bob(t.src, 8, t.first, 8, c, 8, t.size, t.order, t.weight),
+              t.expected);
     if (t.order == 0) continue;
     EXPECT_EQ(qv_weave(t.src, 8, a, 8, t.first, 8, t.size, t.order), t.expected);
     EXPECT_EQ(qv_weave(a, 8, t.src, 8, t.first, 8, t.size, t.order), t.expected);

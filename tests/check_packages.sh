@@ -46,7 +46,8 @@ check_linux() {
   local name=qvAcceleratedLib-$version-linux-x64
   tar -C "$work" -xzf "$folder/$name.tar.gz"
   local prefix=$work/$name
-  has "$prefix" bin/qvtool lib/pkgconfig/qvAcceleratedLib{,C}.pc include/qvAcceleratedLib/{CqvAccLib,qv}.h \
+  has "$prefix" bin/qvtool lib/pkgconfig/qvAcceleratedLib{,C}.pc \
+    include/qvAcceleratedLib/{CqvAccLib,qv}.h \
     share/doc/qvAcceleratedLib/LICENSE share/doc/qvAcceleratedLib/README.md
   configure linux-package "$consumers/package" -DCMAKE_PREFIX_PATH="$prefix"
   run linux-package
@@ -103,6 +104,19 @@ check_linux() {
     depends "$package" | grep -qx "$runtime (= $version)" || fail "$package does not need $runtime"
   done
   echo 'Linux, Debian packages: work'
+
+  # Python's example, from the wheel in an environment of its own and from Debian's package.
+  "$root/scripts/setup.sh" python3-venv python3-numpy
+  sed -n '/^```python$/,/^```$/p' "$root/README.md" | sed '1d;$d' >"$work/example.py"
+  quietly /usr/bin/python3 -m venv --system-site-packages "$work/python"
+  quietly "$work/python/bin/pip" install --no-index "$folder/qvacceleratedlib-$version-py3-none-linux_$(uname -m).whl"
+  quietly "$work/python/bin/python" "$work/example.py"
+  quietly dpkg-deb --extract "$folder/python3-qvacceleratedlib_${version}_all.deb" "$work/debian"
+  quietly env PYTHONPATH="$work/debian/usr/lib/python3/dist-packages" LD_LIBRARY_PATH="$work/debian/usr/lib" \
+    /usr/bin/python3 "$work/example.py"
+  dpkg-deb --field "$folder/python3-qvacceleratedlib_${version}_all.deb" Depends |
+    grep -q "$runtime (= $version)" || fail "the Python package does not need $runtime"
+  echo 'Linux, Python: works'
 }
 
 # check_windows BITS ARCHITECTURE COMPILER TARGET MACHINE
@@ -136,7 +150,8 @@ check_windows() {
   local imports c_imports visual=$work/visual$bits
   local functions=(GetStdHandle WriteFile ExitProcess)
   { read -r imports; read -r c_imports; } <"$work/imports$bits/imports.txt"
-  [ "$(realpath "$imports" "$c_imports")" = "$(realpath "$prefix"/lib/qvAcceleratedLib{,C}.lib)" ] ||
+  [ "$(realpath "$imports" "$c_imports")" = \
+    "$(realpath "$prefix"/lib/qvAcceleratedLib{,C}.lib)" ] ||
     fail "a project of Visual C++ links $imports and $c_imports"
   mkdir "$visual"
   [ "$bits" = 64 ] || functions=(GetStdHandle@4 WriteFile@20 ExitProcess@4)

@@ -150,7 +150,8 @@ namespace {
 IppStatus ResizeBuffered(const ResizeCall& call, Layout layout, IppiRect dstRect, double xShift,
                          double yShift, unsigned char* buffer) {
   int bytes = 0;
-  ResizeBandBufferSize({dstRect.width, dstRect.height}, PixelBytes(layout), call.interpolation, &bytes);
+  ResizeBandBufferSize({dstRect.width, dstRect.height}, PixelBytes(layout), call.interpolation,
+                       &bytes);
   return ResizeBand(call, layout, dstRect, xShift, yShift,
                     {buffer, static_cast<uint64_t>(bytes)});
 }

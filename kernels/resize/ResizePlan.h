@@ -158,7 +158,8 @@ IppStatus RunFilter(const ResizeTask& task, int interpolation, X x, Y y, Chroma 
                      work.At<char>(layout.taps));
 }
 
-// A band kernel of pixels of one or three bytes, whose work memory is `buffer` as far as that reaches.
+// A band kernel of pixels of one or three bytes, whose work memory is `buffer` as far as that
+// reaches.
 IppStatus ResizeBand(const ResizeCall& call, Layout layout, IppiRect dstRect, double xShift,
                      double yShift, const WorkBuffer& buffer);
 

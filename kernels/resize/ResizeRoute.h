@@ -28,7 +28,7 @@ class ResizeRoute {
 
   // Tells calls apart whose pixels take different times.
   uintptr_t kind() const {
-    return static_cast<uintptr_t>(PixelBytes(layout_)) + static_cast<uintptr_t>(call_.interpolation) * 4;
+    return static_cast<uintptr_t>(PixelBytes(layout_) + call_.interpolation * 4ll);
   }
 
   IppStatus RunWhole() const;

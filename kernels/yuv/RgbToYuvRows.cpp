@@ -241,7 +241,8 @@ bool FullWidthRow(const RowPair& rows, const RgbToYuvTerms& t, bool stream) {
     store(rows.chroma[1] + x, JoinHighBytes(even.q, odd.q));
   };
   const ptrdiff_t second = BytesToAlign(rows.luma[0]);
-  const bool aligns = BytesToAlign(rows.chroma[0]) == second && BytesToAlign(rows.chroma[1]) == second;
+  const bool aligns =
+      BytesToAlign(rows.chroma[0]) == second && BytesToAlign(rows.chroma[1]) == second;
   return CoverWithBlocks<kVecBytes>(rows.width, stream && aligns, block,
                                     aligns ? second : kVecBytes);
 }

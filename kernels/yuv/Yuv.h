@@ -75,7 +75,8 @@ enum class ChromaSiting {
 // 3 : 1 (Centre) or, for odd pixels, 1 : 1 (Left); samples outside are those of the edge.
 extern QV_HIDDEN const Dispatched<void(
     const YuvFrame<const unsigned char>* src, const RgbFrame<unsigned char>* dst,
-    const YuvToRgbTerms* t, ChromaSiting siting, IppiSize size, int firstRow, int rows)> YuvToRgb_8u;
+    const YuvToRgbTerms* t, ChromaSiting siting, IppiSize size, int firstRow,
+    int rows)> YuvToRgb_8u;
 
 // The other way. With a, b, c the pixel's bytes times 256 or, for chroma, their means times 256:
 //   luma        (a * t.luma[0] >> 16) + (b * t.luma[1] >> 16) + (c * t.luma[2] >> 16)
@@ -89,7 +90,8 @@ extern QV_HIDDEN const Dispatched<void(
 // groups the second luma of an odd last one repeats the first. A fourth byte is not looked at.
 extern QV_HIDDEN const Dispatched<void(
     const RgbFrame<const unsigned char>* src, const YuvFrame<unsigned char>* dst,
-    const RgbToYuvTerms* t, ChromaSiting siting, IppiSize size, int firstRow, int rows)> RgbToYuv_8u;
+    const RgbToYuvTerms* t, ChromaSiting siting, IppiSize size, int firstRow,
+    int rows)> RgbToYuv_8u;
 
 // Luma as grey and grey as luma: dst[x] = clamp((src[apart * x] * 256 * map.factor >> 16)
 // + map.offset >> 6).

@@ -1,5 +1,6 @@
-// Runs every function of the C library as other languages do: found by its name in a library that is
-// loaded late, called by its address, with no header but plain numbers, addresses and two structures.
+// Runs every function of the C library as other languages do: found by its name in a library that
+// is loaded late, called by its address, with no header but plain numbers, addresses and two
+// structures.
 //
 //   byname LIBRARY EXPORTS     EXPORTS names the functions; one without a call here is a fault
 #include <stdio.h>
@@ -123,8 +124,9 @@ static int Warp(Function f) {
 }
 static int WarpTwo(Function f) {
   return ((int (*)(int, In, Size, int, Rect, Out, int, Rect, const double*, int, In, int, Out, int,
-                   const double*))f)(0, source, size, kStep, whole, destination, kStep, whole, shift,
-                                     1, alpha, kStep, destination + kStep * 10, kStep, shift);
+                   const double*))f)(0, source, size, kStep, whole, destination, kStep, whole,
+                                     shift, 1, alpha, kStep, destination + kStep * 10, kStep,
+                                     shift);
 }
 static int Transform(Function f) {
   const double quad[8] = {0, 0, 22, 0, 22, 14, 0, 14};
@@ -146,8 +148,8 @@ static int Over(Function f) {
       kHeight);
 }
 static int Plus(Function f) {
-  return ((int (*)(int, Out, int, In, int, In, int, int, int))f)(4, destination, kStep, source, kStep,
-                                                                 alpha, kStep, kWidth, kHeight);
+  return ((int (*)(int, Out, int, In, int, In, int, int, int))f)(
+      4, destination, kStep, source, kStep, alpha, kStep, kWidth, kHeight);
 }
 static int LayOver(Function f) {
   return ((int (*)(int, Out, int, Size, int, In, int, Size, In, int, int, int, int, int))f)(

@@ -1,0 +1,174 @@
+"""From numpy arrays to addresses and steps: what an operation takes as it is, and what it refuses.
+
+These functions run in every call, on images that may be small: what they ask an array for is
+bought once, through __array_interface__.
+"""
+from __future__ import annotations
+
+from typing import Collection, Optional, Sequence, Tuple
+
+import numpy as np
+import numpy.typing as npt
+
+from ._errors import Error, Status
+from ._library import Rect
+
+Image = npt.NDArray[np.uint8]
+# Address of the first pixel, step from row to row in bytes, width, height, channels.
+Pixels = Tuple[int, int, int, int, int]
+
+MOST = 2**31 - 1
+UINT8 = np.dtype(np.uint8)
+# The layouts of pixels of most operations (enum qv_data_type), by channels.
+TYPES = {1: 2, 3: 4}
+ANY = (1, 2, 3, 4)
+
+
+def _wanted(channels: Collection[int]) -> str:
+    return " or ".join("(H, W)" if count == 1 else f"(H, W, {count})" for count in channels)
+
+
+def _refuse_kind(array: object, argument: str, channels: Collection[int]) -> Error:
+    if not isinstance(array, np.ndarray):
+        return Error(Status.DATA_TYPE_ERR, argument,
+                     f"a numpy array is wanted, not {type(array).__name__}")
+    if array.dtype != UINT8:
+        return Error(Status.DATA_TYPE_ERR, argument, f"dtype {array.dtype} given, uint8 wanted")
+    return Error(Status.CHANNEL_ERR, argument,
+                 f"shape {array.shape} given, {_wanted(channels)} wanted")
+
+
+def _refuse_strides(array: Image, argument: str, reason: str) -> Error:
+    wanted = ("any", 1) if array.ndim == 2 else ("any", array.shape[2], 1)
+    return Error(Status.STEP_ERR, argument,
+                 f"{reason}: shape {array.shape} with strides {array.strides} given, "
+                 f"strides ({', '.join(map(str, wanted))}) wanted")
+
+
+def pixels(array: Image, argument: str, channels: Collection[int], written: bool = False) -> Pixels:
+    """Address, step, width, height and channels of an image, which is not copied."""
+    if not isinstance(array, np.ndarray) or array.dtype != UINT8:
+        raise _refuse_kind(array, argument, channels)
+    interface = array.__array_interface__
+    shape = interface["shape"]
+    if len(shape) == 3:
+        height, width, count = shape
+        if count == 1:
+            raise _refuse_kind(array, argument, channels)
+    elif len(shape) == 2:
+        height, width = shape
+        count = 1
+    else:
+        raise _refuse_kind(array, argument, channels)
+    if count not in channels:
+        raise _refuse_kind(array, argument, channels)
+    if height < 1 or width < 1:
+        raise Error(Status.SIZE_ERR, argument, f"shape {shape} has no pixel")
+    row = width * count
+    if height > MOST or row > MOST:
+        raise Error(Status.SIZE_ERR, argument,
+                    f"shape {shape} has rows or columns of more than 2^31 - 1 bytes")
+    address, readonly = interface["data"]
+    step = row
+    strides = interface["strides"]
+    if strides is not None:
+        if (width > 1 and strides[1] != count) or (count > 1 and strides[2] != 1):
+            raise _refuse_strides(array, argument, "the bytes of a row are not side by side")
+        if height > 1:
+            step = strides[0]
+            if not -MOST <= step <= MOST:
+                raise _refuse_strides(array, argument, "rows are more than 2^31 - 1 bytes apart")
+            if written and -row < step < row:
+                raise _refuse_strides(array, argument, "rows to be written overlap")
+    if written and readonly:
+        raise Error(Status.BAD_ARG_ERR, argument, "the array is read-only")
+    return address, step, width, height, count
+
+
+def separate(out: Image, argument: str, *sources: Optional[Image]) -> None:
+    """Refuses an `out` that has a byte in common with a source."""
+    for source in sources:
+        if source is not None and np.may_share_memory(out, source) and (
+                np.shares_memory(out, source)):
+            raise Error(Status.BAD_ARG_ERR, argument, "it overlaps with an image that is read")
+
+
+def target(out: Optional[Image], shape: Tuple[int, ...], *sources: Optional[Image],
+           argument: str = "out") -> Tuple[Image, int, int]:
+    """The array to write, its address and step: `out`, or a new one without content."""
+    if out is None:
+        out = np.empty(shape, UINT8)
+        row = shape[1] * shape[2] if len(shape) == 3 else shape[1]
+        return out, out.__array_interface__["data"][0], row
+    address, step, _, _, _ = pixels(out, argument, ANY, True)
+    if out.shape != shape:
+        raise Error(Status.SIZE_ERR, argument, f"shape {out.shape} given, {shape} wanted")
+    separate(out, argument, *sources)
+    return out, address, step
+
+
+def in_place(image: Image, out: Optional[Image], channels: Collection[int],
+             *sources: Optional[Image], argument: str = "image") -> Tuple[Image, Pixels]:
+    """For operations that work in place: `image` itself where it is `out`, else a copy of it, in
+    `out` or in a new array."""
+    described = pixels(image, argument, channels, out is image)
+    if out is not image:
+        copy, address, step = target(out, image.shape, image, *sources)
+        np.copyto(copy, image)
+        return copy, (address, step) + described[2:]
+    separate(out, "out", *sources)
+    return out, described
+
+
+def same_size(array: Image, argument: str, width: int, height: int) -> None:
+    if array.shape[:2] != (height, width):
+        raise Error(Status.SIZE_ERR, argument,
+                    f"shape {array.shape} given, {height} rows of {width} pixels wanted")
+
+
+def size_of(value: Sequence[int], argument: str) -> Tuple[int, int]:
+    """A (width, height) of whole numbers from 1 on."""
+    try:
+        width, height = value
+        width, height = width.__index__(), height.__index__()
+    except (TypeError, ValueError, AttributeError):
+        raise Error(Status.SIZE_ERR, argument,
+                    f"(width, height) in pixels wanted, not {value!r}") from None
+    if not (1 <= width <= MOST and 1 <= height <= MOST):
+        raise Error(Status.SIZE_ERR, argument, f"{width} x {height} is no size of an image")
+    return width, height
+
+
+def rect_of(value: Optional[Sequence[int]], argument: str, width: int, height: int,
+            inside: bool = False) -> Rect:
+    """A region (x, y, width, height); the whole image for None."""
+    if value is None:
+        return Rect(0, 0, width, height)
+    try:
+        x, y, columns, rows = (number.__index__() for number in value)
+    except (TypeError, ValueError, AttributeError):
+        raise Error(Status.SIZE_ERR, argument,
+                    f"(x, y, width, height) in pixels wanted, not {value!r}") from None
+    if not (0 <= x <= MOST and 0 <= y <= MOST and 1 <= columns <= MOST and 1 <= rows <= MOST):
+        raise Error(Status.SIZE_ERR, argument, f"{tuple(value)} is no region of an image")
+    if inside and (x + columns > width or y + rows > height):
+        raise Error(Status.SIZE_ERR, argument,
+                    f"{tuple(value)} is not inside {width} x {height} pixels")
+    return Rect(x, y, columns, rows)
+
+
+def byte_of(value: int, argument: str) -> int:
+    """A whole number of 0 to 255."""
+    return whole(value, argument, 0, 255)
+
+
+def whole(value: int, argument: str, least: int, most: int) -> int:
+    """A whole number of `least` to `most`."""
+    try:
+        number = value.__index__()
+    except (TypeError, AttributeError):
+        number = least - 1
+    if not least <= number <= most:
+        raise Error(Status.OUT_OF_RANGE_ERR, argument,
+                    f"a whole number of {least} to {most} wanted, not {value!r}")
+    return number

@@ -1,0 +1,134 @@
+"""The package beside the C header and the roll; its examples; the self-test's digests."""
+import doctest
+import hashlib
+import inspect
+import pickle
+import re
+import sys
+from pathlib import Path
+
+import numpy as np
+import pytest
+
+import qvacceleratedlib as qv
+from qvacceleratedlib import _library
+
+ROOT = Path(__file__).resolve().parents[3]
+HEADER = (ROOT / "include/qvAcceleratedLib/qv.h").read_text()
+MODULES = sorted(name for name in sys.modules if name.split(".")[0] == "qvacceleratedlib")
+
+
+def letter(parameter):
+    kind = re.sub(r"\w+(\[\d*\])?$", "*" if "[" in parameter else "", parameter).strip()
+    if "*" in kind:
+        return "s" if kind == "const char*" or parameter == "const char* level" else "p"
+    return {"int": "i", "unsigned int": "u", "unsigned char": "b", "double": "d", "qv_size": "S",
+            "qv_rect": "R", "": ""}[kind]
+
+
+def test_every_function_has_the_headers_signature_and_is_used():
+    declared = {}
+    functions = re.findall(r"^QV_API\((.*?)\) (\w+)\((.*?)\);", HEADER, re.M | re.S)
+    for result, name, parameters in functions:
+        letters = map(letter, re.split(r",\s*", parameters.replace("void", "")))
+        declared[name] = ("i" if result == "int" else "s") + ":" + "".join(letters)
+    assert _library.SIGNATURES == declared
+    roll = (ROOT / "qvAcceleratedLib/Operations.def").read_text()
+    assert set(re.findall(r"^QV_OPERATION\(\w+, \w+, (\w+)\)", roll, re.M)) <= declared.keys()
+    source = "".join(path.read_text() for path in Path(qv.__file__).parent.glob("*.py"))
+    assert [name for name in declared if not re.search(rf"\b_?lib\.{name}\b", source)] == []
+
+
+def test_constants_are_the_headers():
+    for status in qv.Status:
+        assert re.search(rf"QV_STATUS_{status.name} = {int(status)}\b", HEADER)
+    assert len(qv.Status) == len(re.findall(r"QV_STATUS_\w+ = ", HEADER))
+    for frame in qv.Frame.__subclasses__():
+        assert f"QV_LAYOUT_{frame.__name__.upper()} = {frame.code}" in HEADER
+    line = (ROOT / "include/qvAcceleratedLib/CqvAccLib.h").read_text()
+    assert f'#define QVACCELERATEDLIB_VERSION "{qv.__version__}"' in line
+
+
+@pytest.mark.parametrize("module", MODULES)
+def test_examples(module):
+    assert doctest.testmod(sys.modules[module]).failed == 0
+
+
+def test_every_function_is_typed_and_has_an_example():
+    for name in qv.__all__:
+        value = inspect.getattr_static(qv, name, None)
+        if inspect.isfunction(value):
+            assert ">>> " in value.__doc__, name
+            signature = inspect.signature(value)
+            assert signature.return_annotation is not signature.empty, name
+            assert all(p.annotation is not p.empty for p in signature.parameters.values()), name
+
+
+def test_readme():
+    text = (ROOT / "README.md").read_text()
+    example, = re.findall(r"```python\n(.*?)```", text, re.S)
+    exec(compile(example, "README.md", "exec"), {})
+
+
+def test_process():
+    threads, level = qv.threads, qv.level
+    qv.threads = 3
+    with qv.thread_limit(1), qv.thread_limit(2):
+        assert qv.threads == 3
+    qv.threads = threads
+    qv.level = level
+    assert level == qv.levels()[-1]
+    for name, value in (("threads", 0), ("threads", 257), ("level", "mmx")):
+        with pytest.raises(qv.Error, match=name):
+            setattr(qv, name, value)
+    error = qv.Error(-6, "image", "small")
+    assert str(pickle.loads(pickle.dumps(error))) == str(error)
+    assert error.name == "QV_STATUS_SIZE_ERR"
+
+
+class Noise:
+    """An image of the self-test: noise of a generator, five bytes of padding, two rows around."""
+
+    def __init__(self, row, rows, seed):
+        step = row + 5
+        count = step * (rows + 4) + 32
+        powers = np.cumprod(np.full(count, 1664525, np.uint32), dtype=np.uint32)
+        sums = np.cumsum(np.r_[np.uint32(1), powers[:-1]], dtype=np.uint32)
+        state = powers * np.uint32(seed) + sums * np.uint32(1013904223)
+        self.bytes = (state >> 24).astype(np.uint8)
+        self.image = self.bytes[16 + 2 * step:][:step * rows].reshape(rows, step)[:, :row]
+
+    def pixels(self, channels):
+        rows, row = self.image.shape
+        return self.image if channels == 1 else np.lib.stride_tricks.as_strided(
+            self.image, (rows, row // 3, 3), (self.image.strides[0], 3, 1))
+
+
+def test_digests_are_those_of_the_selftest():
+    expected = dict(re.findall(r'Op::(\w+),\s*"(\w+)"',
+                               (ROOT / "tools/selftest/Expected.inc").read_text()))
+    several = [(23, 5), (200, 9), (131, 301)]
+    seed = 43  # of the last image of the copies
+
+    def digest(calls):
+        nonlocal seed
+        result = hashlib.sha256()
+        for call, (from_row, to_row, channels, rows) in calls:
+            images = []
+            for row, count in ((from_row, channels[0]), (to_row, channels[1])):
+                if row:
+                    seed += 1
+                    noise = Noise(row, rows, seed)
+                    images.append(noise.pixels(count))
+            call(*images)
+            result.update(bytes(8) + noise.bytes.tobytes())
+        return result.hexdigest()
+
+    assert expected["qvDup"] == digest(
+        (qv.grey_to_bgr, (w, 3 * w, (1, 3), h)) for w, h in [(1, 1)] + several)
+    assert expected["qvSet"] == digest(
+        (lambda out, value=value: qv.fill(out, value), (0, c * w, (1, c), h))
+        for c, value in ((1, 17), (3, (17, 201, 99))) for w, h in [(1, 1)] + several)
+    assert expected["qvMirror"] == digest(
+        (lambda image, out, axis=axis: qv.mirror(image, axis, out), (c * w, c * w, (c, c), h))
+        for c in (1, 3) for axis in ("horizontal", "vertical", "both") for w, h in several)
