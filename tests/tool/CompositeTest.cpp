@@ -11,14 +11,10 @@ namespace {
 
 // ---- Overlay ------------------------------------------------------------------------------------
 
-// Foreground f of alpha fa over b of alpha ba, in single precision.
+// Foreground f of alpha fa / 65025 over b of alpha ba / 255 (Porter and Duff 1984), exact.
 int Over(int f, int fa, int b, int ba) {
-  const int merged = fa + ((255 - fa) * ba >> 8);
-  const float fw = static_cast<float>(fa) / 255.0f;
-  const float bw = (1.0f - fw) * (static_cast<float>(ba) / 255.0f);
-  const float quotient = (static_cast<float>(f) * fw + bw * static_cast<float>(b)) /
-                         (static_cast<float>(merged + 1) / 255.0f);
-  return std::min(255, static_cast<int>(std::nearbyint(quotient)));
+  const double front = fa / 65025.0, back = ba / 255.0 * (1 - front);
+  return static_cast<int>(std::floor((f * front + b * back) / (front + back) + 0.5));
 }
 
 TEST(Overlay, MergesThePartOfThePictureThatFallsOnTheFrame) {
@@ -50,13 +46,14 @@ TEST(Overlay, MergesThePartOfThePictureThatFallsOnTheFrame) {
           if (fx < 0 || fx >= width || fy < 0 || fy >= height) continue;
           const std::size_t from = static_cast<std::size_t>((y * logoWidth + x) * 4);
           const std::size_t to = static_cast<std::size_t>(fy * width + fx) * bytes;
-          const int fa = Byte(logo, from + 3) * c.opacity / 255;
+          const int fa = Byte(logo, from + 3) * c.opacity;
           const int ba = bytes == 4 ? Byte(frame, to + 3) : 255;
+          if (fa == 0) continue;
           for (std::size_t k = 0; k < 3; ++k)
             frame[to + k] =
                 static_cast<char>(Over(Byte(logo, from + k), fa, Byte(frame, to + k), ba));
-          if (bytes == 4 && fa != 0 && ba != 255)
-            frame[to + 3] = static_cast<char>(fa + ((255 - fa) * ba >> 8));
+          if (bytes == 4)
+            frame[to + 3] = static_cast<char>(std::lround(fa / 255.0 + ba * (1 - fa / 65025.0)));
         }
       EXPECT_TRUE(outcome.out == frame) << layout << " at " << at;
     }
@@ -67,7 +64,8 @@ TEST(Overlay, LeavesFramesOfEveryLayoutUnderATransparentPicture) {
   ASSERT_EQ(place.Run("copy - clear.png --layout bgra --size 5x3", std::string(60, '\0')).exitCode,
             0);
   const std::pair<std::string, std::size_t> layouts[] = {  // and bytes of 9x7 pixels
-      {"grey", 63},  {"bgr", 189},  {"yuyv", 140}, {"i420", 103}, {"yv12", 103},
+      {"grey", 63},  {"bgr", 189},  {"yuyv", 140}, {"uyvy", 140}, {"i420", 103}, {"yv12", 103},
+      {"nv21", 103},
       {"nv12", 103}, {"i411", 105}, {"i422", 133}, {"i444", 189}, {"i444a", 252}};
   for (const auto& [layout, bytes] : layouts)
     for (const std::string at : {"0,0", "1,1", "-3,4", "6,5"}) {
@@ -79,8 +77,8 @@ TEST(Overlay, LeavesFramesOfEveryLayoutUnderATransparentPicture) {
     }
 }
 
-// Opaque red, Y 81, Cb 90, Cr 240, becomes 81, 90, 239 (times 255 / 256) and shares the chroma
-// samples at its edge with two or three pixels of the frame.
+// Opaque red arrives as Y 81, Cb 90, Cr 240 and shares the chroma samples at its edge with two or
+// three pixels of the frame.
 TEST(Overlay, SharesChromaWithPixelsBesideThePicture) {
   Workplace place;
   ASSERT_EQ(place.Run("fill red.png --layout bgr --size 3x3 --colour #ff0000").exitCode, 0);
@@ -93,8 +91,8 @@ TEST(Overlay, SharesChromaWithPixelsBesideThePicture) {
   for (const int value : {50, 81, 81, 81, 50, 50, 50, 81, 81, 81, 50, 50,
                           50, 81, 81, 81, 50, 50, 50, 50, 50, 50, 50, 50,
                           (90 + 50) / 2, 90, 50, (90 + 3 * 50 + 2) / 4, (90 + 50) / 2, 50,
-                          (239 + 50 + 1) / 2, 239, 50,
-                          (239 + 3 * 50 + 2) / 4, (239 + 50 + 1) / 2, 50})
+                          (240 + 50) / 2, 240, 50,
+                          (240 + 3 * 50 + 2) / 4, (240 + 50) / 2, 50})
     expected += static_cast<char>(value);
   EXPECT_TRUE(outcome.out == header + expected + expected);
 }

@@ -45,8 +45,9 @@ TEST(Y4m, StreamsPassUnchanged) {
 
 TEST(Raw, EveryLayoutPassesUnchanged) {
   const std::pair<std::string, std::size_t> cases[] = {  // and bytes of a 5x3 frame
-      {"grey", 15}, {"bgr", 45},  {"bgra", 60}, {"yuyv", 36}, {"i420", 27}, {"yv12", 27},
-      {"nv12", 27}, {"i411", 27}, {"i422", 33}, {"i444", 45}, {"i444a", 60}};
+      {"grey", 15}, {"bgr", 45},  {"bgra", 60}, {"yuyv", 36}, {"uyvy", 36}, {"i420", 27},
+      {"yv12", 27},
+      {"nv12", 27}, {"nv21", 27}, {"i411", 27}, {"i422", 33}, {"i444", 45}, {"i444a", 60}};
   for (const auto& [layout, bytes] : cases) {
     Workplace place;
     const std::string frames = Noise(bytes * 2, 5), copy = "copy - - --size 5x3 --layout " + layout;
@@ -55,6 +56,46 @@ TEST(Raw, EveryLayoutPassesUnchanged) {
     EXPECT_TRUE(outcome.out == frames) << layout;
     EXPECT_EQ(place.Run(copy, frames.substr(1)).exitCode, 1) << layout;
   }
+}
+
+// One colour, whatever the frames and the file: the tool converts by itself.
+TEST(Files, HoldFramesOfEveryLayout) {
+  const std::pair<std::string, std::string> cases[] = {  // and the field of Y4M
+      {"bgr", "C444"},       {"BGRA", "C444alpha"}, {"yuyv", "C422"},     {"UYVY", "C422"},
+      {"i420", "C420mpeg2"}, {"yv12", "C420mpeg2"}, {"nv12", "C420mpeg2"}, {"Nv21", "C420mpeg2"},
+      {"i411", "C411"},      {"i422", "C422"},      {"i444", "C444"},     {"i444a", "C444alpha"}};
+  const auto isNear = [](const std::string& a, const std::string& b) {
+    bool near = a.size() == b.size();
+    for (std::size_t i = 0; near && i < a.size(); ++i)
+      near = std::abs(Byte(a, i) - Byte(b, i)) <= 3;
+    return near;
+  };
+  for (const auto& [layout, field] : cases) {
+    Workplace place;
+    const std::string as = " --size 7x5 --layout " + layout;
+    const std::string frame = place.Run("fill - --colour #c08040" + as).out;
+    const std::string bgr = place.Run("convert - -" + as, frame).out;
+    ASSERT_EQ(bgr.size(), 7u * 5 * 3) << layout;
+    EXPECT_TRUE(isNear(bgr.substr(0, 3), "\x40\x80\xc0")) << layout;
+    for (const std::string file : {"a.png", "a.jpg", "a.y4m"}) {
+      const Outcome outcome = place.Run("copy - " + file + as, frame);
+      ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
+      EXPECT_TRUE(isNear(place.Run("convert " + file + " - --format raw").out, bgr))
+          << file << ' ' << layout;
+      const Outcome back = place.Run("convert " + file + " - --format RAW --to " + layout);
+      EXPECT_TRUE(isNear(back.out, frame)) << file << ' ' << layout;
+    }
+    EXPECT_NE(place.Read("a.y4m").find(field + "\n"), std::string::npos) << layout;
+  }
+}
+
+// What is transparent is black in files without alpha.
+TEST(Files, WithoutAlphaHoldPicturesOverBlack) {
+  Workplace place;
+  std::string logo;
+  for (int i = 0; i < 64; ++i) logo += std::string("\xff\xff\xff", 3) + '\x80';
+  ASSERT_EQ(place.Run("copy - a.jpg --layout bgra --size 8x8", logo).exitCode, 0);
+  EXPECT_NEAR(Byte(place.Run("copy a.jpg - --format raw").out, 0), 128, 1);
 }
 
 TEST(Raw, BecomesY4mWithItsRate) {

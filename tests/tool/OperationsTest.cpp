@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <tuple>
 
 #include "Program.h"
 
@@ -148,6 +149,8 @@ TEST(PlanarVideo, PlanesAreWorkedOnEachOnItsOwnGrid) {
        "aabbccddeeff" "aabbccddeeff" "gghhiijjkkll" "gghhiijjkkll"
        "mmnnooppqqrr" "mmnnooppqqrr" "ssttuuvvwwxx" "ssttuuvvwwxx"
        "AABBCC" "AABBCC" "DDEEFF" "DDEEFF" "112233" "112233" "445566" "445566"},
+      {"resize - - --size 3x3 --exact-api --region 2,0,4,4 --method nearest",
+       "YUV4MPEG2 W3 H3 C420jpeg F25:1\nFRAME\n" "cef" "oqr" "uwx" "BCEF" "2356"},
       {"resize - - --size 3x3 --region 2,0,4,4 --method nearest",
        "YUV4MPEG2 W3 H3 C420jpeg F25:1\nFRAME\n" "cef" "oqr" "uwx" "BCEF" "2356"},
       // Chroma turns about the middle of the frame, as luma does.
@@ -174,6 +177,63 @@ TEST(PlanarVideo, PlanesAreWorkedOnEachOnItsOwnGrid) {
   }
 }
 
+// A slope of 3 across and 4 down goes on in the result, in chroma as in luma, wherever it lies.
+TEST(Resize, KeepsChromaAtItsPlace) {
+  constexpr int kColumns = 32, kRows = 24;
+  const struct {
+    const char* field;
+    double x, y;  // of the first chroma sample
+  } sitings[] = {{"C420jpeg", .5, .5}, {"C420mpeg2", 0, .5}, {"C420paldv", 0, 0}};
+  for (const auto& siting : sitings)
+    for (const auto& [to, width, height] : {std::tuple("64x48", 64, 48), {"16x12", 16, 12},
+                                            {"47x31", 47, 31}}) {
+      const auto slope = [](double x, double y) { return 20 + 3 * x + 4 * y; };
+      std::string stream =
+          std::string("YUV4MPEG2 W32 H24 F25:1 ") + siting.field + " XA\nFRAME\n";
+      for (int y = 0; y < kRows; ++y)
+        for (int x = 0; x < kColumns; ++x) stream += static_cast<char>(slope(x, y));
+      for (int i = 0; i < kColumns * kRows / 2; ++i)
+        stream += static_cast<char>(
+            slope(i % 16 * 2 + siting.x, i / 16 % (kRows / 2) * 2 + siting.y) + .5);
+      Workplace place;
+      const Outcome outcome =
+          place.Run(std::string("resize - - --method linear --to ") + to, stream);
+      ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
+      const std::string planes = outcome.out.substr(outcome.out.find("FRAME\n") + 6);
+      std::size_t at = 0;
+      for (int plane = 0; plane < 3; ++plane) {
+        const int unit = plane == 0 ? 1 : 2;
+        const int columns = (width + unit - 1) / unit, rows = (height + unit - 1) / unit;
+        for (int v = 0; v < rows; ++v)
+          for (int u = 0; u < columns; ++u, ++at) {
+            const double x = u * unit + (plane == 0 ? 0 : siting.x) + .5;
+            const double y = v * unit + (plane == 0 ? 0 : siting.y) + .5;
+            const double sx = x * kColumns / width - .5, sy = y * kRows / height - .5;
+            if (sx < 4 || sx > kColumns - 5 || sy < 4 || sy > kRows - 5) continue;
+            EXPECT_NEAR(Byte(planes, at), slope(sx, sy), 1.1)
+                << siting.field << ' ' << to << ' ' << plane << ' ' << u << ',' << v;
+          }
+      }
+    }
+}
+
+// Green that nobody sees, beside red: no trace of it in the result.
+TEST(Resize, WeighsColoursByTheirAlpha) {
+  std::string frame;
+  for (int i = 0; i < 21 * 13; ++i)
+    frame += i % 21 < 10 ? std::string("\0\xff\0\0", 4) : std::string("\0\0\xff\xff", 4);
+  for (const std::string method : {"linear", "cubic", "mitchell", "area", "lanczos"}) {
+    Workplace place;
+    const std::string out = place.Run("resize - - --layout bgra --size 21x13 --to 8x17 --method " +
+                                          method, frame).out;
+    ASSERT_EQ(out.size(), 8u * 17 * 4);
+    for (std::size_t i = 0; i < out.size(); i += 4)
+      EXPECT_EQ(out.substr(i, 3), std::string("\0\0", 2) + (out[i + 3] ? '\xff' : '\0')) << method;
+    EXPECT_EQ(Byte(out, 0 + 3), 0);
+    EXPECT_EQ(Byte(out, 7 * 4 + 3), 255);
+  }
+}
+
 TEST(Fill, ColoursOfVideoAreConverted) {
   // ITU-R BT.601 studio range: red is Y 81, Cb 90, Cr 240; white is 235, 128, 128.
   Workplace place;
@@ -182,6 +242,8 @@ TEST(Fill, ColoursOfVideoAreConverted) {
   };
   EXPECT_EQ(fill("i420", "#ff0000"), "\x51\x51\x51\x51\x5a\xf0");
   EXPECT_EQ(fill("yv12", "#ff0000"), "\x51\x51\x51\x51\xf0\x5a");
+  EXPECT_EQ(fill("nv21", "#ff0000"), "\x51\x51\x51\x51\xf0\x5a");
+  EXPECT_EQ(fill("uyvy", "#ff0000"), "\x5a\x51\xf0\x51\x5a\x51\xf0\x51");
   EXPECT_EQ(fill("i444", "#ffffff"), std::string(4, '\xeb') + std::string(8, '\x80'));
 }
 

@@ -59,6 +59,15 @@ TEST(Output, IsRemovedWhenTheProgramIsInterrupted) {
   }
 }
 
+TEST(Output, ThatCannotBePrintedIsAFailure) {
+  Workplace place;
+  const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
+  const int full = open("/dev/full", O_WRONLY | O_CLOEXEC);
+  EXPECT_EQ(WaitFor(Start(place.Path(""), {"info"}, null, full, null)), 1);
+  close(null);
+  close(full);
+}
+
 // Copies a stream that takes longer than the tool waits before it shows a bar.
 void CopySlowly(const Workplace& place, int err) {
   int pipe[2];

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "io/Status.h"
+
 namespace qvtool {
 namespace {
 
@@ -29,10 +31,6 @@ std::optional<int> Integer(const std::string& text, int base = 10) {
 
 std::string Given(const std::string& argument, const std::string& text) {
   return argument + ": '" + text + "' given; wanted is ";
-}
-
-unsigned char Round(double value) {
-  return static_cast<unsigned char>(std::lround(std::fmin(std::fmax(value, 0), 255)));
 }
 
 bool IsRate(const std::string& text) {
@@ -128,7 +126,7 @@ Colour Colour::Parse(const std::string& argument, const std::string& text) {
   return colour;
 }
 
-std::array<unsigned char, 3> Colour::In(Layout layout) const {
+std::array<unsigned char, 3> Colour::In(Layout layout, const Coding& coding) const {
   const bool isYCbCr = Describe(layout).isYCbCr;
   if (layout == Layout::Grey) {
     const bool isGrey =
@@ -142,12 +140,35 @@ std::array<unsigned char, 3> Colour::In(Layout layout) const {
     return {values_[0], values_[0], values_[0]};
   }
   if (!isRgb_) return {values_[0], values_[1], values_[2]};
-  const double r = values_[0], g = values_[1], b = values_[2];
   if (!isYCbCr) return {values_[2], values_[1], values_[0]};
-  // ITU-R BT.601, studio range, from 8-bit RGB.
-  const double y = 0.299 * r + 0.587 * g + 0.114 * b;
-  return {Round(16 + y * 219 / 255), Round(128 + (b - y) / 1.772 * 224 / 255),
-          Round(128 + (r - y) / 1.402 * 224 / 255)};
+  std::array<unsigned char, 3> samples;
+  unsigned char* const planes[] = {&samples[0], &samples[1], &samples[2]};
+  constexpr int kSteps[] = {1, 1, 1};
+  Check("qv_rgb_to_yuv",
+        qv_rgb_to_yuv(QV_LAYOUT_RGB, values_.data(), 3, QV_LAYOUT_I444, planes, kSteps, {1, 1},
+                      coding.matrix, coding.range, QV_CHROMA_LEFT));
+  return samples;
+}
+
+namespace {
+
+void AddMatrix(CLI::App& app, const std::string& name, CodingHints& coding,
+               const std::string& about) {
+  AddChoice<std::optional<int>>(
+      app, name, coding.matrix,
+      {{"bt601", QV_BT601}, {"bt709", QV_BT709}, {"bt2020", QV_BT2020}}, about);
+}
+
+void AddRange(CLI::App& app, const std::string& name, CodingHints& coding,
+              const std::string& about) {
+  AddChoice<std::optional<int>>(app, name, coding.range,
+                                {{"studio", QV_STUDIO_RANGE}, {"full", QV_FULL_RANGE}}, about);
+}
+
+}  // namespace
+
+void AddExactApi(CLI::App& app, bool& exactApi, const std::string& about) {
+  app.add_flag("--exact-api", exactApi, "The bytes of the operations of CqvAccLib: " + about);
 }
 
 void AddRawInputOptions(CLI::App& app, InputSpec& spec) {
@@ -169,25 +190,28 @@ void AddRawInputOptions(CLI::App& app, InputSpec& spec) {
          },
          "Frame rate of headerless input frames, for Y4M output (25:1)")
       ->type_name("N:D");
+  AddMatrix(app, "--matrix", spec.coding,
+            "Matrix of luma and chroma (bt601 below 720 rows, bt709 from there on)");
+  AddRange(app, "--range", spec.coding,
+           "Range of luma and chroma, whatever the stream says (studio if it says nothing)");
+  AddChoice<std::optional<Siting>>(app, "--siting", spec.coding.siting,
+                                   {{"centre", Siting::Centre},
+                                    {"left", Siting::Left},
+                                    {"top-left", Siting::TopLeft}},
+                                   "Where chroma of 4:2:0 lies, whatever the stream says (left)");
+  app.add_flag("--verbose", spec.verbose, "Say what is taken for granted");
 }
 
 void AddOutputOptions(CLI::App& app, OutputSpec& spec) {
-  app.add_option_function<std::string>(
-         "--format",
-         [&spec](const std::string& text) {
-           for (FileFormat format :
-                {FileFormat::Png, FileFormat::Jpeg, FileFormat::Y4m, FileFormat::Raw}) {
-             constexpr const char* kWords[] = {"png", "jpeg", "y4m", "raw"};
-             if (text == kWords[static_cast<int>(format)]) {
-               spec.format = format;
-               return;
-             }
-           }
-           throw UsageError(Given("--format", text) + "png|jpeg|y4m|raw");
-         },
-         "Format of the output, instead of by its extension")
-      ->type_name("png|jpeg|y4m|raw");
+  AddChoice<std::optional<FileFormat>>(app, "--format", spec.format,
+                                       {{"png", FileFormat::Png},
+                                        {"jpeg", FileFormat::Jpeg},
+                                        {"y4m", FileFormat::Y4m},
+                                        {"raw", FileFormat::Raw}},
+                                       "Format of the output, instead of by its extension");
   AddInteger(app, "--quality", spec.quality, 1, 100, "Quality of a JPEG (92)");
+  AddMatrix(app, "--to-matrix", spec.coding, "Matrix of the output, if another than that of IN");
+  AddRange(app, "--to-range", spec.coding, "Range of the output, if another than that of IN");
 }
 
 void AddInput(CLI::App& app, InputSpec& spec) {

@@ -35,9 +35,9 @@ class Colour {
  public:
   static Colour Parse(const std::string& argument, const std::string& text);
 
-  // The sample values of every channel of `layout` except alpha: grey or B, G, R or Y, Cb, Cr.
-  // Throws a UsageError when a colour of this form cannot be meant for the layout.
-  std::array<unsigned char, 3> In(Layout layout) const;
+  // The sample values of every channel of `layout` except alpha: grey or B, G, R or Y, Cb, Cr, the
+  // last by `coding`. Throws a UsageError when a colour of this form cannot be meant for it.
+  std::array<unsigned char, 3> In(Layout layout, const Coding& coding) const;
 
  private:
   std::string argument_;
@@ -54,6 +54,9 @@ void AddOutput(CLI::App& app, OutputSpec& spec);
 void AddRawInputOptions(CLI::App& app, InputSpec& spec);
 void AddOutputOptions(CLI::App& app, OutputSpec& spec);
 
+// --exact-api; `about` says what it does here.
+void AddExactApi(CLI::App& app, bool& exactApi, const std::string& about);
+
 CLI::Option* AddRegion(CLI::App& app, std::optional<IppiRect>& region);
 
 // Throws a UsageError when the region is not inside the frame.
@@ -62,7 +65,7 @@ void CheckRegion(const IppiRect& region, const Frame& frame);
 CLI::Option* AddInteger(CLI::App& app, const std::string& name, int& value, int least, int most,
                         const std::string& about);
 
-// An option that is one of a few words.
+// An option that is one of a few words, in upper or lower case.
 template <class Value>
 CLI::Option* AddChoice(CLI::App& app, const std::string& name, Value& value,
                        const std::vector<std::pair<std::string, Value>>& choices,
@@ -73,7 +76,7 @@ CLI::Option* AddChoice(CLI::App& app, const std::string& name, Value& value,
       name,
       [name, words, choices, &value](const std::string& text) {
         for (const auto& [word, meaning] : choices) {
-          if (word == text) {
+          if (LowerCase(text) == word) {
             value = meaning;
             return;
           }

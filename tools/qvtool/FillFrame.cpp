@@ -1,5 +1,8 @@
 #include "FillFrame.h"
 
+#include <algorithm>
+
+#include "io/Samples.h"
 #include "io/Status.h"
 
 namespace qvtool {
@@ -10,22 +13,28 @@ void FillPlane(const Plane& plane, const unsigned char* value) {
         CqvAccLib::qvSet(plane.Type("filling"), value, plane.data, plane.step, plane.Size()));
 }
 
+// Planes whose units are groups of samples, one channel after the other.
+void FillUnits(const Frame& frame, const PlaneShape& shape, IppiRect region,
+               const unsigned char* values) {
+  // With the luma that packed frames of odd width have beyond their last column.
+  if (region.x + region.width == frame.Width()) region.width += frame.Width() & 1;
+  for (int c = 0; c < 3; ++c)
+    if (std::find(shape.channel, shape.channel + shape.bytes, c) != shape.channel + shape.bytes)
+      FillChannel(ChannelOf(frame, c).Cut(region), values[c]);
+}
+
 }  // namespace
 
 void FillFrame(const Frame& frame, const IppiRect& region, const Colour& colour,
                unsigned char alpha) {
-  for (int i = 0; i < frame.Planes(); ++i) frame.PlaneAt(i).Type("filling");  // before any is
-  const auto value = colour.In(frame.GetLayout());
-  const LayoutInfo& info = frame.Info();
+  const auto colours = colour.In(frame.GetLayout(), frame.coding);
+  const unsigned char values[4] = {colours[0], colours[1], colours[2], alpha};
   for (int i = 0; i < frame.Planes(); ++i) {
-    const Plane plane = frame.PlaneAt(i).Cut(region, info.plane[i]);
-    if (i == info.alphaPlane) {
-      FillPlane(plane, &alpha);
-    } else {
-      // The plane order of yv12 is Y, Cr, Cb.
-      const int channel = info.layout == Layout::Yv12 && i > 0 ? 3 - i : i;
-      FillPlane(plane, plane.bytes == 3 ? value.data() : &value[static_cast<std::size_t>(channel)]);
-    }
+    const PlaneShape& shape = frame.Info().plane[i];
+    if (shape.bytes == 1 || shape.bytes == 3)
+      FillPlane(frame.PlaneAt(i).Cut(region, shape), values + shape.channel[0]);
+    else
+      FillUnits(frame, shape, region, values);
   }
 }
 

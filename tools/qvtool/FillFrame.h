@@ -8,7 +8,7 @@
 namespace qvtool {
 
 // Fills the pixels of a region, and its part of an alpha plane, if there is one, with `alpha`.
-// Throws an Error for layouts whose units have no fill: packed 4:2:2 and pairs of chroma samples.
+// A chroma sample takes the colour when any of its pixels does.
 void FillFrame(const Frame& frame, const IppiRect& region, const Colour& colour,
                unsigned char alpha = 255);
 

@@ -14,9 +14,9 @@ void ForEachFrame(const InputSpec& input, const OutputSpec& output, const FrameF
   Frame out;
   long frames = 0;
   while (reader->Next(in)) {
-    Frame& result = work(in, out);
-    result.parameters = in.parameters;
-    writer->Write(result);
+    out.coding = in.coding;
+    out.parameters = in.parameters;
+    writer->Write(work(in, out));
     progress.Show(++frames, reader->Source().Position(), reader->Source().Size());
   }
   if (frames == 0) throw Error(reader->Source().Name() + ": holds no frame");

@@ -9,8 +9,9 @@
 namespace qvtool {
 
 // Works on one frame. `in` may be changed; `out` keeps its memory from frame to frame and is given
-// its shape by the function. Returns the one of the two that is to be written.
-using FrameFunction = std::function<Frame&(Frame& in, Frame& out)>;
+// its shape by the function; it comes with the coding of `in`. Returns the one of the two that is
+// to be written, or a frame of its own.
+using FrameFunction = std::function<const Frame&(Frame& in, Frame& out)>;
 
 // Runs `work` on every frame of the input and writes the results, with a progress bar for videos.
 // Arguments of the output are checked before the first frame is read.

@@ -1,5 +1,7 @@
 // qvtool: the operations of the library on picture files and video streams.
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <new>
 #include <string>
@@ -13,9 +15,27 @@ constexpr int kSuccess = 0;
 constexpr int kFailure = 1;
 constexpr int kUsage = 2;
 
+// The text with control bytes, which names of files may hold, as they would be typed.
+std::string Visible(const std::string& text) {
+  std::string visible;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    char escaped[8];
+    std::snprintf(escaped, sizeof escaped, "\\x%02x", byte);
+    visible += byte < 0x20 || byte == 0x7f ? escaped : std::string(1, c);
+  }
+  return visible;
+}
+
 int Fail(const std::string& text, int code) {
-  std::fprintf(stderr, "qvtool: %s\n", text.c_str());
+  std::fprintf(stderr, "qvtool: %s\n", Visible(text).c_str());
   return code;
+}
+
+// What was printed may still lie in a buffer that has no place to go to.
+int Done() {
+  if (std::fflush(stdout) == 0 && !std::ferror(stdout)) return kSuccess;
+  return Fail(std::string("standard output: cannot write: ") + std::strerror(errno), kFailure);
 }
 
 class HelpFormatter : public CLI::Formatter {
@@ -64,7 +84,7 @@ int main(int argc, char** argv) {
   try {
     CheckCommandName(argc, argv);
     app.parse(argc, argv);
-    return kSuccess;
+    return Done();
   } catch (const CLI::Success& done) {  // --help and --version
     return app.exit(done);
   } catch (const CLI::ParseError& error) {

@@ -3,6 +3,7 @@
 
 #include "Command.h"
 #include "Pipeline.h"
+#include "io/Samples.h"
 #include "io/Status.h"
 
 namespace qvtool {
@@ -20,7 +21,7 @@ struct Options {
 };
 
 // The frame itself, or a copy of the part that the region covers.
-Frame& Crop(const Options& options, Frame& in, Frame& out) {
+Frame& Crop(const Options& options, const Frame& in, Frame& out) {
   const IppiRect region = options.region.value_or(in.Bounds());
   CheckRegion(region, in);
   const LayoutInfo& info = in.Info();
@@ -35,6 +36,7 @@ Frame& Crop(const Options& options, Frame& in, Frame& out) {
                        " frames have chroma samples");
   }
   out.Reset(in.GetLayout(), region.width, region.height);
+  out.coding = in.coding;
   for (int i = 0; i < in.Planes(); ++i) {
     const Plane from = in.PlaneAt(i).Cut(region, info.plane[i]);
     const Plane& to = out.PlaneAt(i);
@@ -44,11 +46,6 @@ Frame& Crop(const Options& options, Frame& in, Frame& out) {
                                       isColour ? from.Size() : from.SizeInBytes()));
   }
   return out;
-}
-
-[[noreturn]] void CannotBecome(const Frame& frame, const char* wanted) {
-  throw Error("--to: " + NameOf(frame.GetLayout()) + " frames cannot become " + wanted +
-              " by copying");
 }
 
 void GreyToBgr(const Plane& from, const Plane& to) {
@@ -75,52 +72,25 @@ class Copier {
  public:
   explicit Copier(const Options& options) : options_(options) {}
 
-  Frame& operator()(Frame& in, Frame& out) {
-    Frame& part = options_.region ? Crop(options_, in, cropped_) : in;
+  const Frame& operator()(Frame& in, Frame& out) {
+    const Frame& part = options_.region ? Crop(options_, in, cropped_) : in;
     switch (options_.target) {
       case Target::Same: return options_.region ? part : Crop(options_, in, out);
-      case Target::Bgr: return ToBgr(part, out);
-      case Target::Bgra: return ToBgra(part, out);
+      case Target::Bgr: return conversion_(part, Layout::Bgr, part.coding);
+      case Target::Bgra: return ToBgra(part);
       default: return IntoChannel(part, out);
     }
   }
 
  private:
-  Frame& ToBgr(const Frame& in, Frame& out) {
-    if (in.Info().isYCbCr) CannotBecome(in, "bgr");
-    out.Reset(Layout::Bgr, in.Width(), in.Height());
-    if (in.GetLayout() == Layout::Grey)
-      GreyToBgr(in.PlaneAt(0), out.PlaneAt(0));
-    else
-      CopyColour(in.PlaneAt(0), out.PlaneAt(0));
-    return out;
-  }
-
-  Frame& ToBgra(const Frame& in, Frame& out) {
-    if (in.Info().isYCbCr) CannotBecome(in, "bgra");
-    out.Reset(Layout::Bgra, in.Width(), in.Height());
-    if (in.GetLayout() == Layout::Grey)
-      GreyToBgr(in.PlaneAt(0), out.PlaneAt(0));
-    else
-      CopyColour(in.PlaneAt(0), out.PlaneAt(0));
-    const Plane& alpha = out.PlaneAt(1);
-    if (!options_.alpha.empty()) {
-      if (companion_.Empty()) companion_ = Companion("--alpha", options_.alpha, in);
-      if (companion_.GetLayout() != Layout::Grey)
-        throw Error("--alpha: " + options_.alpha + " is " + NameOf(companion_.GetLayout()) +
-                    "; wanted is a grey picture");
-      const Plane& from = companion_.PlaneAt(0);
-      Check("qvCopy", CqvAccLib::qvCopy(CqvAccLib::OneChannel, from.data, from.step, alpha.data,
-                                        alpha.step, alpha.Size()));
-    } else if (in.GetLayout() == Layout::Bgra) {
-      const Plane& from = in.PlaneAt(1);
-      Check("qvCopy", CqvAccLib::qvCopy(CqvAccLib::OneChannel, from.data, from.step, alpha.data,
-                                        alpha.step, alpha.Size()));
-    } else {
-      const unsigned char opaque = 255;
-      Check("qvSet",
-            CqvAccLib::qvSet(CqvAccLib::OneChannel, &opaque, alpha.data, alpha.step, alpha.Size()));
-    }
+  const Frame& ToBgra(const Frame& in) {
+    const Frame& out = conversion_(in, Layout::Bgra, in.coding);
+    if (options_.alpha.empty()) return out;
+    if (companion_.Empty()) companion_ = Companion("--alpha", options_.alpha, in);
+    if (companion_.GetLayout() != Layout::Grey)
+      throw Error("--alpha: " + options_.alpha + " is " + NameOf(companion_.GetLayout()) +
+                  "; wanted is a grey picture");
+    CopyChannel(ChannelOf(companion_, 0), ChannelOf(out, 3));
     return out;
   }
 
@@ -152,6 +122,7 @@ class Copier {
   }
 
   const Options& options_;
+  Conversion conversion_;
   Frame cropped_;
   Frame companion_;
 };
@@ -177,7 +148,7 @@ void Configure(CLI::App& app) {
        {"blue", Target::Blue},
        {"green", Target::Green},
        {"red", Target::Red}},
-      "Layout of the output: bgr drops alpha and makes grey into three channels, bgra "
+      "Layout of the output: bgr drops alpha and makes grey and video into three channels, bgra "
       "adds alpha, blue, green and red put a grey plane into that channel");
   app.add_option("--onto", options->onto,
                  "Picture whose other channels stay beside the one written (black)")

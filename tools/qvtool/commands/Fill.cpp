@@ -22,6 +22,7 @@ void MakeFrame(const Options& options) {
   const auto writer =
       OpenOutput(options.output, FileFormat::Raw, {"F" + options.input.rate, "Ip", "A1:1"});
   Frame frame(layout, options.input.size->width, options.input.size->height);
+  frame.coding = options.output.coding.Over(options.input.coding.ForRows(frame.Height()));
   FillFrame(frame, frame.Bounds(), *options.colour);
   writer->Write(frame);
   writer->Finish();

@@ -1,6 +1,6 @@
 // qvtool overlay: places a picture with alpha over frames.
 #include <algorithm>
-#include <cmath>
+#include <cstdio>
 
 #include "Command.h"
 #include "Pipeline.h"
@@ -18,76 +18,40 @@ struct Options {
   int opacity = 255;
 };
 
-void CopyBytes(const Plane& from, const Plane& to) {
-  Check("qvCopy", CqvAccLib::qvCopy(CqvAccLib::OneChannel, from.data, from.step, to.data, to.step,
-                                    to.SizeInBytes()));
-}
-
-void Fill(const Plane& plane, unsigned char value) {
-  Check("qvSet", CqvAccLib::qvSet(CqvAccLib::OneChannel, &value, plane.data, plane.step,
-                                  plane.SizeInBytes()));
-}
-
-unsigned char Round(double value) {
-  return static_cast<unsigned char>(std::lround(std::clamp(value, 0.0, 255.0)));
-}
-
-// Any picture as colours and alpha; opaque if it has none of its own.
-Frame ReadLogo(const std::string& path) {
-  Frame picture = ReadPicture(path);
-  if (picture.GetLayout() == Layout::Bgra) return picture;
-  if (picture.Info().isYCbCr)
-    throw Error("--with: " + path + " is " + NameOf(picture.GetLayout()) +
-                "; wanted is a PNG or JPEG picture");
-  Frame logo(Layout::Bgra, picture.Width(), picture.Height());
-  const Plane& from = picture.PlaneAt(0);
-  const Plane& to = logo.PlaneAt(0);
-  if (picture.GetLayout() == Layout::Grey)
-    Check("qvDup", CqvAccLib::qvDup(CqvAccLib::OneChannel, from.data, from.step, to.data, to.step,
-                                    to.Size()));
-  else
-    CopyBytes(from, to);
-  Fill(logo.PlaneAt(1), 255);
-  return logo;
-}
-
-// B, G, R to what frames of a layout hold in their place: Y, Cb, Cr by ITU-R BT.601 in studio
-// range, or three times the luma of that recommendation.
-void Recolour(const Plane& colours, Layout layout) {
-  const LayoutInfo& info = Describe(layout);
-  if (!info.isYCbCr && layout != Layout::Grey) return;
-  for (int y = 0; y < colours.rows; ++y)
-    for (unsigned char* p = colours.Row(y); p < colours.Row(y) + colours.RowBytes(); p += 3) {
-      const double luma = 0.114 * p[0] + 0.587 * p[1] + 0.299 * p[2];
-      const double cb = (p[0] - luma) / 1.772, cr = (p[2] - luma) / 1.402;
-      if (info.isYCbCr) {
-        p[0] = Round(16 + luma * 219 / 255);
-        p[1] = Round(128 + cb * 224 / 255);
-        p[2] = Round(128 + cr * 224 / 255);
-      } else {
-        p[0] = p[1] = p[2] = Round(luma);
-      }
+// A foreground over pixels that have an alpha themselves (Porter and Duff 1984), rounded once.
+// Opacity, in 1 / 255, is a factor of the foreground's alpha.
+void OverAlpha(const Plane& colours, const Plane& alpha, const Plane& below,
+               const Plane& belowAlpha, int opacity) {
+  for (int y = 0; y < below.rows; ++y)
+    for (int x = 0; x < below.columns; ++x) {
+      const long long a = alpha.Row(y)[x] * opacity, ba = belowAlpha.Row(y)[x];
+      if (a == 0) continue;
+      const long long rest = ba * (65025 - a), all = a * 255 + rest;
+      for (int c = 3 * x; c < 3 * x + 3; ++c)
+        below.Row(y)[c] = static_cast<unsigned char>(
+            (colours.Row(y)[c] * a * 255 + below.Row(y)[c] * rest + all / 2) / all);
+      belowAlpha.Row(y)[x] = static_cast<unsigned char>((all + 32512) / 65025);
     }
 }
 
 class Overlay {
  public:
-  explicit Overlay(const Options& options) : options_(options), logo_(ReadLogo(options.logo)) {
-    const Plane& alpha = logo_.PlaneAt(1);
-    Check("qvMulCScale",
-          CqvAccLib::qvMulCScale(CqvAccLib::ScalePlane, static_cast<unsigned char>(options.opacity),
-                                 alpha.data, alpha.step, alpha.Size()));
-  }
+  explicit Overlay(const Options& options)
+      : options_(options),
+        picture_(ReadPicture(options.logo)),
+        logo_(conversion_(picture_, Layout::Bgra, picture_.coding)) {}
 
   Frame& operator()(Frame& frame) {
-    if (layout_ != frame.GetLayout()) {
-      layout_ = frame.GetLayout();
-      Recolour(logo_.PlaneAt(0), *layout_);
-    }
     const IppiRect region = Visible(frame);
-    if (region.width < 1 || region.height < 1) return frame;
-    const Frame logo = Part(region);
-    Merge(frame, region, logo);
+    if (region.width < 1 || region.height < 1) {
+      SayOutside(frame);
+      return frame;
+    }
+    if (colours_.Empty()) Recolour(frame);
+    below_.Reset(Layout::Bgr, region.width, region.height);
+    LoadColours(frame, region, below_.PlaneAt(0));
+    Merge(frame, region);
+    StoreColours(below_.PlaneAt(0), frame, region);
     return frame;
   }
 
@@ -105,56 +69,47 @@ class Overlay {
     return region;
   }
 
-  // A copy of that part of the logo: the merge replaces its colours by those of the result.
-  Frame Part(const IppiRect& region) const {
-    const IppiRect from = {region.x - options_.at.x, region.y - options_.at.y, region.width,
-                           region.height};
-    Frame part(Layout::Bgra, region.width, region.height);
-    for (int i = 0; i < 2; ++i)
-      CopyBytes(logo_.PlaneAt(i).Cut(from, logo_.Info().plane[i]), part.PlaneAt(i));
-    return part;
+  void SayOutside(const Frame& frame) {
+    if (!saidOutside_)
+      std::fprintf(stderr, "qvtool: --at: at %d,%d the picture lies outside of frames of %dx%d\n",
+                   options_.at.x, options_.at.y, frame.Width(), frame.Height());
+    saidOutside_ = true;
   }
 
-  void Merge(const Frame& frame, const IppiRect& region, const Frame& logo) {
-    const Plane& colours = logo.PlaneAt(0);
-    const Plane& alpha = logo.PlaneAt(1);
-    merged_.Reset(Layout::Grey, region.width, region.height);
-    below_.Reset(Layout::Bgra, region.width, region.height);
-    CopyBytes(alpha, merged_.PlaneAt(0));
-    LoadColours(frame, region, below_.PlaneAt(0));
-    const int alphaPlane = frame.Info().alphaPlane;
-    if (alphaPlane < 0)
-      Fill(below_.PlaneAt(1), 255);
-    else
-      CopyBytes(frame.PlaneAt(alphaPlane).Cut(region, frame.Info().plane[alphaPlane]),
-                below_.PlaneAt(1));
+  // B, G, R of the logo to what frames of this layout and coding hold in their place.
+  void Recolour(const Frame& frame) {
+    const bool isGrey = frame.GetLayout() == Layout::Grey;
+    const Layout layout = frame.Info().isYCbCr ? Layout::I444 : isGrey ? Layout::Grey : Layout::Bgr;
+    colours_.Reset(Layout::Bgr, logo_.Width(), logo_.Height());
+    LoadColours(recolour_(logo_, layout, frame.coding), logo_.Bounds(), colours_.PlaneAt(0));
+  }
+
+  // The logo over the colours of the region, and over its alpha, if there is one.
+  void Merge(const Frame& frame, const IppiRect& region) const {
+    const Plane &colours = colours_.PlaneAt(0), &alpha = logo_.PlaneAt(1);
     const Plane& below = below_.PlaneAt(0);
-    const Plane& belowAlpha = below_.PlaneAt(1);
-    // The merged alpha has the step of the logo's: planes of one byte and one width.
-    Check("qvMergeAlphaOver",
-          CqvAccLib::qvMergeAlphaOver(CqvAccLib::ThreeChannels, colours.data, colours.step,
-                                      alpha.data, alpha.step, below.data, below.step,
-                                      belowAlpha.data, belowAlpha.step, merged_.PlaneAt(0).data,
-                                      colours.RowBytes(), region.width, region.height));
-    StoreColours(colours, frame, region);
+    const int alphaPlane = frame.Info().alphaPlane;
+    const IppiRect part = {region.x - options_.at.x, region.y - options_.at.y, region.width,
+                           region.height};
     if (alphaPlane >= 0)
-      StoreAlpha(alpha, frame.PlaneAt(alphaPlane).Cut(region, frame.Info().plane[alphaPlane]));
+      OverAlpha(colours.Cut(part, kWhole), alpha.Cut(part, kWhole), below,
+                frame.PlaneAt(alphaPlane).Cut(region, kWhole), options_.opacity);
+    else
+      Check("qv_over",
+            qv_over(3, below.data, below.step, {below.columns, below.rows}, 3, colours.data,
+                    colours.step, {colours.columns, colours.rows}, alpha.data, alpha.step, -part.x,
+                    -part.y, options_.opacity, QV_ALPHA_OVER));
   }
 
-  // The merged alpha is truncated: it would be one short where nothing is placed and where the
-  // frame is opaque.
-  void StoreAlpha(const Plane& logo, const Plane& frame) const {
-    for (int y = 0; y < frame.rows; ++y)
-      for (int x = 0; x < frame.columns; ++x)
-        if (logo.Row(y)[x] != 0 && frame.Row(y)[x] != 255)
-          frame.Row(y)[x] = merged_.PlaneAt(0).Row(y)[x];
-  }
+  static constexpr PlaneShape kWhole = {};  // of planes with a unit for every pixel
 
   const Options& options_;
-  Frame logo_;
-  std::optional<Layout> layout_;  // whose colours the logo has
+  Conversion conversion_, recolour_;
+  Frame picture_;
+  const Frame& logo_;  // in BGRA
+  Frame colours_;      // of the logo, three bytes a pixel
   Frame below_;
-  Frame merged_;
+  bool saidOutside_ = false;
 };
 
 void Run(const Options& options) {
@@ -177,7 +132,8 @@ void Configure(CLI::App& app) {
              "All of its alphas are scaled by this / 255: 255 leaves them, 0 hides it");
   app.footer(
       "What sticks out of the frame is cut off. Frames of every layout are taken: the picture is\n"
-      "converted to theirs. Where it is transparent, frames keep their pixels.");
+      "converted to theirs. Where it is transparent, frames keep their pixels; opaque pixels arrive\n"
+      "as they are.");
 }
 
 const Command command{"overlay", "Place a picture with alpha over frames", Configure};

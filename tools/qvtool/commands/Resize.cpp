@@ -1,9 +1,11 @@
 // qvtool resize: scales frames, or a part of them.
+#include <algorithm>
 #include <cmath>
 
 #include "Command.h"
+#include "ExactApi.h"
 #include "Pipeline.h"
-#include "io/Status.h"
+#include "io/Resizer.h"
 
 namespace qvtool {
 namespace {
@@ -14,7 +16,8 @@ struct Options {
   std::optional<IppiSize> size;
   std::optional<double> factor;
   std::optional<IppiRect> region;
-  IppiInterpolation method = InterpolateCubic;
+  int method = QV_INTERPOLATE_CUBIC;
+  bool exactApi = false;
 };
 
 double ParseFactor(const std::string& text) {
@@ -37,35 +40,22 @@ int Scaled(int length, double factor) {
   return scaled < 1 ? 1 : static_cast<int>(scaled);
 }
 
-// Every plane goes from the grid it has in the one frame to the grid it has in the other.
-void ResizePlane(const Plane& from, const Plane& to, bool packed, IppiInterpolation method) {
-  const IppiRect all = {0, 0, from.columns, from.rows};
-  const double xFactor = static_cast<double>(to.columns) / from.columns;
-  const double yFactor = static_cast<double>(to.rows) / from.rows;
-  if (packed) {  // columns are pairs of pixels
-    Check("qvResizeYUV422",
-          CqvAccLib::qvResizeYUV422(CqvAccLib::OneChannel, from.data,
-                                    {2 * from.columns, from.rows}, from.step,
-                                    {0, 0, 2 * from.columns, from.rows}, to.data, to.step,
-                                    {2 * to.columns, to.rows}, xFactor, yFactor,
-                                    method));
-  } else {
-    Check("qvResize", CqvAccLib::qvResize(from.Type("resizing"), from.data, from.Size(), from.step,
-                                          all, to.data, to.step, to.Size(), xFactor, yFactor,
-                                          method));
-  }
+IppiSize Scaled(const IppiRect& region, double factor) {
+  if (std::max(region.width, region.height) * factor < 0.5)
+    throw UsageError("--factor: the result would be less than a pixel");
+  return {Scaled(region.width, factor), Scaled(region.height, factor)};
 }
 
-Frame& Resize(const Options& options, const Frame& in, Frame& out) {
+Frame& Resize(const Options& options, Resizer& resizer, const Frame& in, Frame& out) {
   if (options.region) CheckRegion(*options.region, in);
   const IppiRect region = options.region.value_or(in.Bounds());
-  const IppiSize size = options.size ? *options.size
-                                     : IppiSize{Scaled(region.width, *options.factor),
-                                                Scaled(region.height, *options.factor)};
-  out.Reset(in.GetLayout(), size.width, size.height);
-  for (int i = 0; i < in.Planes(); ++i)
-    ResizePlane(in.PlaneAt(i).Cut(region, in.Info().plane[i]), out.PlaneAt(i),
-                in.GetLayout() == Layout::Yuyv, options.method);
+  const IppiSize size = options.size ? *options.size : Scaled(region, *options.factor);
+  if (options.exactApi) {
+    out.Reset(in.GetLayout(), size.width, size.height);
+    ExactResize(in, region, out, options.method);
+  } else {
+    resizer(in, region, size, options.method, out);
+  }
   return out;
 }
 
@@ -76,8 +66,11 @@ void Run(const Options& given) {
     options.size.swap(options.input.size);
   if (options.size.has_value() == options.factor.has_value())
     throw UsageError("resize wants one of --to (or --size) and --factor");
+  if (options.exactApi && options.method == QV_INTERPOLATE_MITCHELL)
+    throw UsageError("--method: mitchell is none of the methods of --exact-api");
+  Resizer resizer;
   ForEachFrame(options.input, options.output, [&](Frame& in, Frame& out) -> Frame& {
-    return Resize(options, in, out);
+    return Resize(options, resizer, in, out);
   });
 }
 
@@ -91,17 +84,21 @@ void Configure(CLI::App& app) {
          "--factor", [options](const std::string& text) { options->factor = ParseFactor(text); },
          "Result over source, both ways: 0.5 halves")
       ->type_name("NUMBER");
-  AddChoice<IppiInterpolation>(app, "--method", options->method,
-                               {{"nearest", InterpolateNearest},
-                                {"linear", InterpolateLinear},
-                                {"cubic", InterpolateCubic},
-                                {"area", InterpolateArea},
-                                {"lanczos", InterpolateLanczos}},
-                               "How (cubic); area is the one for strong reductions");
+  AddChoice<int>(app, "--method", options->method,
+                 {{"nearest", QV_INTERPOLATE_NEAREST},
+                  {"linear", QV_INTERPOLATE_LINEAR},
+                  {"cubic", QV_INTERPOLATE_CUBIC},
+                  {"mitchell", QV_INTERPOLATE_MITCHELL},
+                  {"area", QV_INTERPOLATE_AREA},
+                  {"lanczos", QV_INTERPOLATE_LANCZOS}},
+                 "How (cubic); in reductions every pixel counts, but for nearest");
   AddRegion(app, options->region);
+  AddExactApi(app, options->exactApi,
+              "every plane on its own grid; its positions depend on the number of threads");
   app.footer(
-      "Planes of chroma are resized each on its own grid. Area enlarges as lanczos does; packed\n"
-      "yuyv frames take cubic for both.");
+      "The edges of the frame, or of the region, are those of the result, and chroma stays where\n"
+      "it lies among the luma. Colours count by their alpha. The result is the same on any number\n"
+      "of threads.");
 }
 
 const Command command{"resize", "Scale frames, or a part of them, to another size", Configure};

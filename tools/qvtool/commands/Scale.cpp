@@ -27,8 +27,9 @@ Frame& Scale(const Options& options, Frame& frame) {
     ScalePlane(frame.PlaneAt(info.alphaPlane), options.value);
     return frame;
   }
-  if (info.layout == Layout::Yuyv)
-    throw Error("scaling takes planes of luma, and yuyv frames mix luma with chroma");
+  if (info.isYCbCr && info.plane[0].bytes != 1)
+    throw Error("scaling takes planes of luma, and " + NameOf(info.layout) +
+                " frames mix luma with chroma");
   // Chroma lies around 128: only luma can be scaled towards black.
   ScalePlane(frame.PlaneAt(0), options.value);
   return frame;

@@ -28,50 +28,9 @@ Frame Luma(const Frame& bgr) {
   return grey;
 }
 
-// A plain conversion of planar frames, ITU-R BT.601 studio range, chroma repeated.
-Frame PlanarToBgr(const Frame& frame) {
-  const LayoutInfo& info = frame.Info();
-  Frame bgr(Layout::Bgr, frame.Width(), frame.Height());
-  for (int y = 0; y < frame.Height(); ++y) {
-    unsigned char* to = bgr.PlaneAt(0).Row(y);
-    for (int x = 0; x < frame.Width(); ++x, to += 3) {
-      const double luma = (frame.PlaneAt(0).Row(y)[x] - 16) * 255.0 / 219;
-      const auto chroma = [&](int plane) {
-        const PlaneShape& shape = info.plane[plane];
-        return (frame.PlaneAt(plane).Row(y >> shape.shiftY)[x >> shape.shiftX] - 128) * 255.0 / 224;
-      };
-      const double cb = chroma(1), cr = chroma(2);
-      to[0] = Clamp(luma + 1.772 * cb);
-      to[1] = Clamp(luma - 0.344136 * cb - 0.714136 * cr);
-      to[2] = Clamp(luma + 1.402 * cr);
-    }
-  }
-  return bgr;
-}
-
-Frame ToBgr(Frame frame, const std::string& path) {
-  switch (frame.GetLayout()) {
-    case Layout::Bgr: return frame;
-    case Layout::Grey:
-    case Layout::Bgra: {
-      Frame bgr(Layout::Bgr, frame.Width(), frame.Height());
-      const Plane& from = frame.PlaneAt(0);
-      const Plane& to = bgr.PlaneAt(0);
-      if (from.bytes == 1)
-        Check("qvDup", CqvAccLib::qvDup(CqvAccLib::OneChannel, from.data, from.step, to.data,
-                                        to.step, to.Size()));
-      else
-        Check("qvCopy", CqvAccLib::qvCopy(CqvAccLib::ThreeChannels, from.data, from.step, to.data,
-                                          to.step, to.Size()));
-      return bgr;
-    }
-    case Layout::I420:
-    case Layout::I411:
-    case Layout::I422:
-    case Layout::I444:
-    case Layout::I444Alpha: return PlanarToBgr(frame);
-    default: throw Error(path + ": the demo takes pictures and Y4M clips");
-  }
+Frame ToBgr(const Frame& frame) {
+  Conversion conversion;
+  return conversion(frame, Layout::Bgr, frame.coding).Clone();
 }
 
 // The frame moved left by `pixels`; its last columns stay.
@@ -177,10 +136,10 @@ Scene FileScene(const std::string& path) {
   if (!reader->Next(frame)) throw Error(reader->Source().Name() + ": holds no frame");
   Scene scene;
   scene.about = path.substr(path.rfind('/') + 1);
-  scene.colour = ToBgr(std::move(frame), path);
+  scene.colour = ToBgr(frame);
   Frame second;
   scene.later = reader->Next(second)
-                    ? ToBgr(std::move(second), path)
+                    ? ToBgr(second)
                     : Panned(scene.colour, std::max(1, scene.colour.Width() / 160));
   const int width = scene.colour.Width();
   const int height = scene.colour.Height();

@@ -28,7 +28,9 @@ ByteSource::ByteSource(const std::string& path) {
   struct stat about;
   if (fstat(fileno(file_.get()), &about) == 0) {
     if (S_ISDIR(about.st_mode)) throw Error(name_ + ": is a directory; wanted is a file");
-    if (S_ISREG(about.st_mode)) size_ = static_cast<std::uint64_t>(about.st_size);
+    // Standard input may have been read in part by others.
+    const off_t at = S_ISREG(about.st_mode) ? lseek(fileno(file_.get()), 0, SEEK_CUR) : -1;
+    if (at >= 0) size_ = static_cast<std::uint64_t>(std::max<off_t>(about.st_size - at, 0));
   }
 }
 

@@ -95,6 +95,7 @@ void Frame::Reset(Layout layout, int width, int height) {
 
 Frame Frame::Clone() const {
   Frame copy(layout_, width_, height_);
+  copy.coding = coding;
   copy.parameters = parameters;
   for (int i = 0; i < planes_; ++i)
     Check("qvCopy",

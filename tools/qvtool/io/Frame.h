@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "io/Coding.h"
 #include "io/Layout.h"
 #include "qvAcceleratedLib/CqvAccLib.h"
 
@@ -41,7 +42,10 @@ class Frame {
   // Gives the frame this shape. The memory is kept when the shape is the same as before; otherwise
   // the samples are undefined afterwards. Throws an Error when such a frame cannot be held.
   void Reset(Layout layout, int width, int height);
-  void ResetLike(const Frame& other) { Reset(other.layout_, other.width_, other.height_); }
+  void ResetLike(const Frame& other) {
+    Reset(other.layout_, other.width_, other.height_);
+    coding = other.coding;
+  }
 
   bool Empty() const { return planes_ == 0; }
   Layout GetLayout() const { return layout_; }
@@ -54,8 +58,15 @@ class Frame {
   int Planes() const { return planes_; }
   const Plane& PlaneAt(int index) const { return plane_[index]; }
 
+  // Of the packed form, four bytes a pixel.
+  std::size_t PackedBytes() const {
+    return static_cast<std::size_t>(width_) * 4 * static_cast<std::size_t>(height_);
+  }
+
   Frame Clone() const;
 
+  // What the samples of frames with luma and chroma mean.
+  Coding coding;
   // The parameters of a Y4M frame header, carried along unread.
   std::string parameters;
 

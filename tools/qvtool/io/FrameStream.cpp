@@ -19,7 +19,7 @@ class PictureReader : public FrameReader {
   PictureReader(std::unique_ptr<ByteSource> source, FileFormat format)
       : FrameReader(std::move(source), format) {}
 
-  bool Next(Frame& frame) override {
+  bool ReadFrame(Frame& frame) override {
     if (done_) return false;
     done_ = true;
     const auto bytes = source_->ReadAll();
@@ -46,27 +46,32 @@ std::optional<Numbering> FindNumbering(const std::string& path) {
   int digits = 0;
   while (end < path.size() && std::isdigit(static_cast<unsigned char>(path[end])) && digits < 100)
     digits = digits * 10 + (path[end++] - '0');
-  if (end >= path.size() || path[end] != 'd') return {};
+  if (end >= path.size() || !std::isalpha(static_cast<unsigned char>(path[end]))) return {};
+  if (path[end] != 'd')
+    throw UsageError(path + ": '" + path.substr(at, end + 1 - at) +
+                     "' given; wanted is the number of the frame, such as %04d");
   return Numbering{at, end + 1 - at, std::min(digits, 12)};
 }
 
 class PictureWriter : public FrameWriter {
  public:
   PictureWriter(const OutputSpec& spec, FileFormat format)
-      : path_(spec.path),
+      : FrameWriter(spec.coding),
+        path_(spec.path),
         format_(format),
         quality_(spec.quality),
         numbering_(FindNumbering(path_)) {}
 
-  void Write(const Frame& frame) override {
+  Layout Holds(const LayoutInfo& info) const override { return info.inPictures; }
+
+  void WriteFrame(const Frame& frame) override {
     ++frames_;
     if (frames_ == 2 && !numbering_)
       throw Error(path_ +
                   ": the input has more than one frame; a name such as frame-%04d.png makes "
                   "a picture of each");
     const std::string path = numbering_ ? Numbered(frames_) : path_;
-    auto bytes =
-        format_ == FileFormat::Png ? EncodePng(frame, path) : EncodeJpeg(frame, path, quality_);
+    auto bytes = Encode(frame, path);
     if (numbering_)
       WriteFile(path, bytes);
     else
@@ -78,6 +83,13 @@ class PictureWriter : public FrameWriter {
   }
 
  private:
+  std::vector<unsigned char> Encode(const Frame& frame, const std::string& path) {
+    if (format_ == FileFormat::Png) return EncodePng(frame, path);
+    if (frame.GetLayout() != Layout::Bgra) return EncodeJpeg(frame, path, quality_);
+    Flatten(frame, opaque_);
+    return EncodeJpeg(opaque_, path, quality_);
+  }
+
   std::string Numbered(long frame) const {
     char number[32];
     std::snprintf(number, sizeof number, "%0*ld", numbering_->digits, frame);
@@ -91,6 +103,7 @@ class PictureWriter : public FrameWriter {
   std::optional<Numbering> numbering_;
   long frames_ = 0;
   std::vector<unsigned char> only_;
+  Frame opaque_;
 };
 
 std::string Extension(const std::string& path) {
@@ -113,7 +126,26 @@ const char* NameOf(FileFormat format) {
   return "";
 }
 
-std::unique_ptr<FrameReader> OpenInput(const InputSpec& spec) {
+bool FrameReader::Next(Frame& frame) {
+  if (!ReadFrame(frame)) return false;
+  frame.coding = coding_.ForRows(frame.Height());
+  if (verbose_ && frame.Info().isYCbCr && !(coding_.matrix && coding_.range))
+    std::fprintf(stderr, "qvtool: %s: taken for %s; --matrix and --range say otherwise\n",
+                 source_->Name().c_str(), NameOf(frame.coding).c_str());
+  verbose_ = false;
+  return true;
+}
+
+void FrameReader::Override(const CodingHints& hints, bool verbose) {
+  if (hints.matrix) coding_.matrix = hints.matrix;
+  if (hints.range) coding_.range = hints.range;
+  if (hints.siting) coding_.siting = hints.siting;
+  verbose_ = verbose;
+}
+
+namespace {
+
+std::unique_ptr<FrameReader> OpenSource(const InputSpec& spec) {
   if (spec.layout.has_value() != spec.size.has_value())
     throw UsageError(spec.layout ? "--layout without --size: headerless frames need both"
                                  : "--size without --layout: headerless frames need both");
@@ -129,6 +161,14 @@ std::unique_ptr<FrameReader> OpenInput(const InputSpec& spec) {
   if (LooksLikeY4m(first)) return std::make_unique<Y4mReader>(std::move(source));
   throw Error(source->Name() +
               ": neither PNG, JPEG nor Y4M; headerless frames need --layout and --size");
+}
+
+}  // namespace
+
+std::unique_ptr<FrameReader> OpenInput(const InputSpec& spec) {
+  auto reader = OpenSource(spec);
+  reader->Override(spec.coding, spec.verbose);
+  return reader;
 }
 
 FileFormat OutputFormat(const OutputSpec& spec, FileFormat input) {
@@ -149,8 +189,8 @@ FileFormat OutputFormat(const OutputSpec& spec, FileFormat input) {
 std::unique_ptr<FrameWriter> OpenOutput(const OutputSpec& spec, FileFormat input,
                                         const VideoFields& fields) {
   switch (const FileFormat format = OutputFormat(spec, input); format) {
-    case FileFormat::Y4m: return std::make_unique<Y4mWriter>(spec.path, fields);
-    case FileFormat::Raw: return std::make_unique<RawWriter>(spec.path);
+    case FileFormat::Y4m: return std::make_unique<Y4mWriter>(spec, fields);
+    case FileFormat::Raw: return std::make_unique<RawWriter>(spec);
     default: return std::make_unique<PictureWriter>(spec, format);
   }
 }

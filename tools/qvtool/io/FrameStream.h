@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "io/ByteSource.h"
+#include "io/Conversion.h"
 #include "io/Frame.h"
 #include "io/OutputFile.h"
 
@@ -28,6 +29,10 @@ struct InputSpec {
   std::optional<IppiSize> size;
   // Frame rate of headerless frames, "25:1".
   std::string rate = "25:1";
+  // What the stream does not say of itself, or says wrongly.
+  CodingHints coding;
+  // Says on standard error what is taken for granted.
+  bool verbose = false;
 };
 
 struct OutputSpec {
@@ -35,6 +40,8 @@ struct OutputSpec {
   // Unset: by the extension of the path; for standard output, as the input.
   std::optional<FileFormat> format;
   int quality = 92;  // of a JPEG
+  // Of luma and chroma that are written; otherwise the coding that the frames have.
+  CodingHints coding;
 };
 
 class FrameReader {
@@ -42,7 +49,10 @@ class FrameReader {
   virtual ~FrameReader() = default;
 
   // Reads the next frame; false at the end. Throws an Error for damaged input.
-  virtual bool Next(Frame& frame) = 0;
+  bool Next(Frame& frame);
+
+  // Puts what arguments say of the coding in the place of what the stream says.
+  void Override(const CodingHints& hints, bool verbose);
 
   FileFormat Format() const { return format_; }
   const VideoFields& Fields() const { return fields_; }
@@ -53,17 +63,37 @@ class FrameReader {
   FrameReader(std::unique_ptr<ByteSource> source, FileFormat format)
       : source_(std::move(source)), format_(format) {}
 
+  virtual bool ReadFrame(Frame& frame) = 0;
+
   std::unique_ptr<ByteSource> source_;
   FileFormat format_;
   VideoFields fields_;
+  CodingHints coding_;  // as far as the stream says
+
+ private:
+  bool verbose_ = false;
 };
 
 class FrameWriter {
  public:
   virtual ~FrameWriter() = default;
-  virtual void Write(const Frame& frame) = 0;
+  // Converts the frame to what the file holds, and to the coding asked for.
+  void Write(const Frame& frame) {
+    WriteFrame(conversion_(frame, Holds(frame.Info()), coding_.Over(frame.coding)));
+  }
   // Makes the output appear under its name. Without it, nothing is left behind.
   virtual void Finish() = 0;
+
+ protected:
+  explicit FrameWriter(const CodingHints& coding) : coding_(coding) {}
+
+  // The layout that frames of this one are written in.
+  virtual Layout Holds(const LayoutInfo& info) const = 0;
+  virtual void WriteFrame(const Frame& frame) = 0;
+
+ private:
+  CodingHints coding_;
+  Conversion conversion_;
 };
 
 // Chooses by the first bytes of the input; headerless frames by the layout given.

@@ -11,16 +11,18 @@ namespace {
               " of " + std::to_string(wanted) + " bytes");
 }
 
-std::uint64_t FrameBytes(const Frame& frame) {
+std::uint64_t FrameBytes(Layout layout, IppiSize size) {
   std::uint64_t bytes = 0;
-  for (int i = 0; i < frame.Planes(); ++i)
-    bytes += static_cast<std::uint64_t>(frame.PlaneAt(i).RowBytes()) *
-             static_cast<std::uint64_t>(frame.PlaneAt(i).rows);
+  const LayoutInfo& info = Describe(layout);
+  for (int i = 0; i < info.planes; ++i) {
+    const auto units = [](int length, int shift) {
+      return (static_cast<std::uint64_t>(length) + (1u << shift) - 1) >> shift;
+    };
+    const PlaneShape& shape = info.plane[i];
+    bytes += units(size.width, shape.shiftX) * units(size.height, shape.shiftY) *
+             static_cast<std::uint64_t>(shape.bytes);
+  }
   return bytes;
-}
-
-std::size_t PackedBytes(const Frame& frame) {
-  return static_cast<std::size_t>(frame.Width()) * 4 * static_cast<std::size_t>(frame.Height());
 }
 
 }  // namespace
@@ -33,7 +35,8 @@ void ReadPlanes(ByteSource& source, const Frame& frame, long number) {
       const auto bytes = static_cast<std::size_t>(plane.RowBytes());
       const std::size_t got = source.Read(plane.Row(y), bytes);
       done += got;
-      if (got < bytes) CutShort(source.Name(), number, done, FrameBytes(frame));
+      if (got < bytes)
+        CutShort(source.Name(), number, done, FrameBytes(frame.GetLayout(), frame.Size()));
     }
   }
 }
@@ -50,9 +53,14 @@ RawReader::RawReader(std::unique_ptr<ByteSource> source, Layout layout, IppiSize
                      const std::string& rate)
     : FrameReader(std::move(source), FileFormat::Raw), layout_(layout), size_(size) {
   fields_ = {"F" + rate, "Ip", "A1:1"};
+  const std::uint64_t frame = FrameBytes(layout, size), all = source_->Size().value_or(0);
+  if (all % frame != 0)
+    throw Error(source_->Name() + ": " + std::to_string(all) + " bytes given; wanted is a " +
+                "multiple of " + std::to_string(frame) + ", the bytes of a " + NameOf(layout) +
+                " frame of " + std::to_string(size.width) + "x" + std::to_string(size.height));
 }
 
-bool RawReader::Next(Frame& frame) {
+bool RawReader::ReadFrame(Frame& frame) {
   if (source_->AtEnd()) {
     if (frames_ == 0) throw Error(source_->Name() + ": is empty");
     return false;
@@ -68,19 +76,19 @@ bool RawReader::Next(Frame& frame) {
     ReadPlanes(*source_, frame, frames_);
     return true;
   }
-  std::vector<unsigned char> packed(PackedBytes(frame));
+  std::vector<unsigned char> packed(frame.PackedBytes());
   const std::size_t got = source_->Read(packed.data(), packed.size());
   if (got < packed.size()) CutShort(source_->Name(), frames_, got, packed.size());
   UnpackAlpha(packed.data(), frame);
   return true;
 }
 
-void RawWriter::Write(const Frame& frame) {
+void RawWriter::WriteFrame(const Frame& frame) {
   if (frame.GetLayout() != Layout::Bgra) {
     WritePlanes(file_, frame);
     return;
   }
-  std::vector<unsigned char> packed(PackedBytes(frame));
+  std::vector<unsigned char> packed(frame.PackedBytes());
   PackAlpha(frame, packed.data());
   file_.Write(packed.data(), packed.size());
 }

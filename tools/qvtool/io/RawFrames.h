@@ -13,11 +13,13 @@ void WritePlanes(OutputFile& file, const Frame& frame);
 
 class RawReader : public FrameReader {
  public:
+  // Throws an Error when the size of the source is known and not one of whole frames.
   RawReader(std::unique_ptr<ByteSource> source, Layout layout, IppiSize size,
             const std::string& rate);
-  bool Next(Frame& frame) override;
 
  private:
+  bool ReadFrame(Frame& frame) override;
+
   Layout layout_;
   IppiSize size_;
   long frames_ = 0;
@@ -25,11 +27,13 @@ class RawReader : public FrameReader {
 
 class RawWriter : public FrameWriter {
  public:
-  explicit RawWriter(const std::string& path) : file_(path) {}
-  void Write(const Frame& frame) override;
+  explicit RawWriter(const OutputSpec& spec) : FrameWriter(spec.coding), file_(spec.path) {}
   void Finish() override { file_.Commit(); }
 
  private:
+  Layout Holds(const LayoutInfo& info) const override { return info.layout; }
+  void WriteFrame(const Frame& frame) override;
+
   OutputFile file_;
 };
 

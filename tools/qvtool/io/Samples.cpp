@@ -1,42 +1,13 @@
 #include "io/Samples.h"
 
 #include <algorithm>
+#include <cstring>
 
+#include "Error.h"
 #include "io/Status.h"
 
 namespace qvtool {
 namespace {
-
-// Where the samples of a channel lie: every `spacing` bytes from `offset` on in rows of a plane,
-// one for 2^shiftX columns and 2^shiftY rows of pixels.
-struct Channel {
-  const Plane* plane;
-  int offset, spacing;
-  int shiftX, shiftY;
-
-  unsigned char& At(int column, int row) const {
-    return plane->Row(row)[offset + static_cast<std::ptrdiff_t>(column) * spacing];
-  }
-};
-
-Channel ChannelOf(const Frame& frame, int c) {
-  switch (frame.GetLayout()) {
-    case Layout::Grey: return {&frame.PlaneAt(0), 0, 1, 0, 0};
-    case Layout::Bgr:
-    case Layout::Bgra: return {&frame.PlaneAt(0), c, 3, 0, 0};
-    case Layout::Yuyv:
-      if (c == 0) return {&frame.PlaneAt(0), 0, 2, 0, 0};
-      return {&frame.PlaneAt(0), 2 * c - 1, 4, 1, 0};
-    case Layout::Nv12:
-      if (c == 0) return {&frame.PlaneAt(0), 0, 1, 0, 0};
-      return {&frame.PlaneAt(1), c - 1, 2, 1, 1};
-    default: {
-      const int plane = c > 0 && frame.GetLayout() == Layout::Yv12 ? 3 - c : c;
-      const PlaneShape& shape = frame.Info().plane[plane];
-      return {&frame.PlaneAt(plane), 0, 1, shape.shiftX, shape.shiftY};
-    }
-  }
-}
 
 bool IsPacked(const Frame& frame) {
   return frame.GetLayout() == Layout::Bgr || frame.GetLayout() == Layout::Bgra;
@@ -53,13 +24,59 @@ Plane CutColours(const Frame& frame, const IppiRect& region) {
 
 }  // namespace
 
+Channel ChannelOf(const Frame& frame, int channel) {
+  const LayoutInfo& info = frame.Info();
+  for (int i = 0; i < info.planes; ++i) {
+    const PlaneShape& shape = info.plane[i];
+    const int* const end = shape.channel + shape.bytes;
+    const int* const first = std::find(shape.channel, end, channel);
+    if (first == end) continue;
+    const Plane& plane = frame.PlaneAt(i);
+    const auto samples = static_cast<int>(std::count(first, end, channel));  // in a unit: 1 or 2
+    return {plane.data + (first - shape.channel),
+            plane.step,
+            shape.bytes / samples,
+            plane.columns * samples,
+            plane.rows,
+            shape.shiftX - (samples - 1),
+            shape.shiftY};
+  }
+  throw Error(NameOf(info.layout) + " frames have no alpha");
+}
+
+Channel Channel::Cut(const IppiRect& region) const {
+  const int left = region.x >> shiftX, top = region.y >> shiftY;
+  Channel part = *this;
+  part.data = &At(left, top);
+  part.columns = ((region.x + region.width - 1) >> shiftX) + 1 - left;
+  part.rows = ((region.y + region.height - 1) >> shiftY) + 1 - top;
+  return part;
+}
+
+void CopyChannel(const Channel& from, const Channel& to) {
+  const int both = std::min(from.columns, to.columns);
+  for (int y = 0; y < to.rows; ++y) {
+    if (from.spacing == 1 && to.spacing == 1)
+      std::memcpy(to.Row(y), from.Row(y), static_cast<std::size_t>(both));
+    else
+      for (int x = 0; x < both; ++x) to.At(x, y) = from.At(x, y);
+    if (to.columns > both) to.At(both, y) = from.At(both - 1, y);
+  }
+}
+
+void FillChannel(const Channel& channel, unsigned char value) {
+  for (int y = 0; y < channel.rows; ++y)
+    for (int x = 0; x < channel.columns; ++x) channel.At(x, y) = value;
+}
+
 void LoadColours(const Frame& frame, const IppiRect& region, const Plane& colours) {
   if (IsPacked(frame)) {
     CopyColours(CutColours(frame, region), colours);
     return;
   }
+  const bool isGrey = frame.GetLayout() == Layout::Grey;
   for (int c = 0; c < 3; ++c) {
-    const Channel channel = ChannelOf(frame, c);
+    const Channel channel = ChannelOf(frame, isGrey ? 0 : c);
     for (int y = 0; y < region.height; ++y)
       for (int x = 0; x < region.width; ++x)
         colours.Row(y)[3 * x + c] =
@@ -73,7 +90,7 @@ void StoreColours(const Plane& colours, const Frame& frame, const IppiRect& regi
     return;
   }
   const int right = region.x + region.width, bottom = region.y + region.height;
-  const int channels = frame.GetLayout() == Layout::Grey ? 1 : 3;
+  const int channels = frame.Info().Channels();
   for (int c = 0; c < channels; ++c) {
     const Channel channel = ChannelOf(frame, c);
     const int width = 1 << channel.shiftX, height = 1 << channel.shiftY;

@@ -15,14 +15,24 @@ constexpr std::size_t kLongestLine = 4096;
 struct Colour {
   std::string_view token;
   Layout layout;
+  Siting siting = Siting::Left;
 };
 
-// The first token of a layout is the one written when the stream does not bring its own.
+// The first token of a layout and siting is the one written when the stream does not bring its own.
 constexpr Colour kColours[] = {
-    {"420jpeg", Layout::I420}, {"420mpeg2", Layout::I420},      {"420paldv", Layout::I420},
-    {"420", Layout::I420},     {"411", Layout::I411},           {"422", Layout::I422},
-    {"444", Layout::I444},     {"444alpha", Layout::I444Alpha}, {"mono", Layout::Grey},
+    {"420jpeg", Layout::I420, Siting::Centre},
+    {"420mpeg2", Layout::I420, Siting::Left},
+    {"420paldv", Layout::I420, Siting::TopLeft},
+    {"420", Layout::I420, Siting::Centre},
+    {"411", Layout::I411},
+    {"422", Layout::I422},
+    {"444", Layout::I444},
+    {"444alpha", Layout::I444Alpha},
+    {"mono", Layout::Grey},
 };
+
+constexpr std::string_view kRange = "XCOLORRANGE=";
+constexpr std::string_view kStudio = "XCOLORRANGE=LIMITED", kFull = "XCOLORRANGE=FULL";
 
 int ParseExtent(const std::string& name, const std::string& field) {
   int value = 0;
@@ -34,9 +44,9 @@ int ParseExtent(const std::string& name, const std::string& field) {
   return value;
 }
 
-Layout ParseColour(const std::string& name, std::string_view token) {
+const Colour& ParseColour(const std::string& name, std::string_view token) {
   for (const Colour& colour : kColours)
-    if (colour.token == token) return colour.layout;
+    if (colour.token == token) return colour;
   std::string known;
   for (const Colour& colour : kColours)
     known += (known.empty() ? "" : ", ") + std::string(colour.token);
@@ -44,10 +54,15 @@ Layout ParseColour(const std::string& name, std::string_view token) {
               "'; wanted is one of the 8-bit formats " + known);
 }
 
-const Colour* FindColour(Layout layout) {
+bool Fits(const Colour& colour, const Frame& frame) {
+  return colour.layout == frame.GetLayout() &&
+         (colour.layout != Layout::I420 || colour.siting == frame.coding.siting);
+}
+
+const Colour& ColourOf(const Frame& frame) {
   for (const Colour& colour : kColours)
-    if (colour.layout == layout) return &colour;
-  return nullptr;
+    if (Fits(colour, frame)) return colour;
+  throw Error("Y4M does not hold " + NameOf(frame.GetLayout()) + " frames");
 }
 
 }  // namespace
@@ -60,20 +75,28 @@ Y4mReader::Y4mReader(std::unique_ptr<ByteSource> source)
   std::string line;
   if (!source_->ReadLine(line, kLongestLine))
     throw Error(name + ": the Y4M header line is cut short or has no end");
+  coding_.siting = kColours[0].siting;  // what a header without the field means
   std::istringstream words(line.substr(kMagic.size()));
   for (std::string field; words >> field;) {
     switch (field[0]) {
       case 'W': size_.width = ParseExtent(name, field); break;
       case 'H': size_.height = ParseExtent(name, field); break;
-      case 'C': layout_ = ParseColour(name, std::string_view(field).substr(1)); [[fallthrough]];
+      case 'C': {
+        const Colour& colour = ParseColour(name, std::string_view(field).substr(1));
+        layout_ = colour.layout;
+        coding_.siting = colour.siting;
+        [[fallthrough]];
+      }
       default: fields_.push_back(field);
     }
+    if (field == kStudio) coding_.range = QV_STUDIO_RANGE;
+    if (field == kFull) coding_.range = QV_FULL_RANGE;
   }
   if (size_.width == 0 || size_.height == 0)
     throw Error(name + ": the Y4M header gives no " + (size_.width == 0 ? "width" : "height"));
 }
 
-bool Y4mReader::Next(Frame& frame) {
+bool Y4mReader::ReadFrame(Frame& frame) {
   const std::string& name = source_->Name();
   std::string line;
   if (!source_->ReadLine(line, kLongestLine)) {
@@ -97,36 +120,38 @@ bool Y4mReader::Next(Frame& frame) {
 void Y4mWriter::WriteHeader(const Frame& frame) {
   layout_ = frame.GetLayout();
   size_ = frame.Size();
-  const Colour* colour = FindColour(layout_);
-  if (!colour)
-    throw Error(file_.Name() +
-                ": Y4M holds planar frames (grey, i420, i411, i422, i444, i444a), and "
-                "these are " +
-                NameOf(layout_));
+  const Colour& colour = ColourOf(frame);
+  const std::string_view range = frame.coding.range == QV_FULL_RANGE ? kFull : kStudio;
   std::string line = std::string(kMagic) + " W" + std::to_string(size_.width) + " H" +
                      std::to_string(size_.height);
   bool hasRate = false;
-  bool hasColour = layout_ == Layout::I420;  // what a header without the field means
+  bool hasColour = Fits(kColours[0], frame);  // what a header without the field means
+  bool hasRange = !frame.Info().isYCbCr || range == kStudio;
   bool changed = false;
   for (const std::string& field : fields_) {
     if (field[0] == 'C' &&
-        ParseColour(file_.Name(), std::string_view(field).substr(1)) != layout_) {
+        !Fits(ParseColour(file_.Name(), std::string_view(field).substr(1)), frame)) {
       changed = true;
       hasColour = false;
       continue;
     }
     // A second, older way to write the subsampling, which must not contradict the first.
     if (changed && field.starts_with("XYSCSS=")) continue;
+    if (field.starts_with(kRange) && frame.Info().isYCbCr) {
+      hasRange = field == range;
+      if (!hasRange) continue;
+    }
     hasColour |= field[0] == 'C';
     hasRate |= field[0] == 'F';
     line += " " + field;
   }
   if (!hasRate) line += " F25:1";
-  if (!hasColour || changed) line += " C" + std::string(colour->token);
+  if (!hasColour || changed) line += " C" + std::string(colour.token);
+  if (!hasRange) line += " " + std::string(range);
   file_.Write(line + "\n");
 }
 
-void Y4mWriter::Write(const Frame& frame) {
+void Y4mWriter::WriteFrame(const Frame& frame) {
   if (size_.width == 0) WriteHeader(frame);
   if (frame.GetLayout() != layout_ || frame.Width() != size_.width ||
       frame.Height() != size_.height)

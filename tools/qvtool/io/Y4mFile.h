@@ -12,25 +12,28 @@ bool LooksLikeY4m(std::string_view firstBytes);
 class Y4mReader : public FrameReader {
  public:
   explicit Y4mReader(std::unique_ptr<ByteSource> source);
-  bool Next(Frame& frame) override;
-
   Layout GetLayout() const { return layout_; }
   IppiSize Size() const { return size_; }
 
  private:
+  bool ReadFrame(Frame& frame) override;
+
   Layout layout_ = Layout::I420;
   IppiSize size_ = {};
   long frames_ = 0;
 };
 
-// Writes `fields` into the stream header, with the colour field adjusted to the frames.
+// Writes `fields` into the stream header, with those for the layout, the siting of chroma and the
+// range adjusted to the frames.
 class Y4mWriter : public FrameWriter {
  public:
-  Y4mWriter(const std::string& path, const VideoFields& fields) : fields_(fields), file_(path) {}
-  void Write(const Frame& frame) override;
+  Y4mWriter(const OutputSpec& spec, const VideoFields& fields)
+      : FrameWriter(spec.coding), fields_(fields), file_(spec.path) {}
   void Finish() override { file_.Commit(); }
 
  private:
+  Layout Holds(const LayoutInfo& info) const override { return info.inY4m; }
+  void WriteFrame(const Frame& frame) override;
   void WriteHeader(const Frame& frame);
 
   VideoFields fields_;

@@ -21,7 +21,7 @@ void Make(const Scene& scene, Gallery& gallery) {
   // A region of the frame: the same call on a pointer further in.
   Frame blanked = scene.grey.Clone();
   const IppiRect region{width / 4, height / 4, width - width / 2, height - height / 2};
-  const Plane part = blanked.PlaneAt(0).Cut(region, {0, 0, 1});
+  const Plane part = blanked.PlaneAt(0).Cut(region, scene.grey.Info().plane[0]);
   const unsigned char grey = 128;
   gallery.Add({.name = "fill-region",
                .title = "Fill a region of a plane",

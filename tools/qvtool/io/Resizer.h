@@ -1,0 +1,42 @@
+// Resampling of whole frames, by one rule for all their planes: the edges of the region and of the
+// result fall on each other, and every sample counts at the place where it lies in its frame.
+#ifndef QV_TOOLS_QVTOOL_IO_RESIZER_H
+#define QV_TOOLS_QVTOOL_IO_RESIZER_H
+
+#include <vector>
+
+#include "io/Frame.h"
+
+namespace qvtool {
+
+// One image of samples, or of pixels, in a frame: its grid and where they lie in a unit of it.
+struct SampleGrid {
+  unsigned char* data;
+  int step;
+  IppiSize size;  // in units
+  int shiftX, shiftY;
+  Phase phase;
+};
+
+// Resamples the part of `from` that lies in a region of its frame, in pixels, to all of `to`, whose
+// frame is `size` pixels large. `pixels` is an enum qv_pixels, `filter` what qv_resample takes.
+void Resample(int pixels, const SampleGrid& from, const IppiRect& region, const SampleGrid& to,
+              IppiSize size, int filter);
+
+class Resizer {
+ public:
+  // A region of `in` to all of `out`, which has its size already and gets the layout and coding of
+  // `in`. Colours count by their alpha.
+  void operator()(const Frame& in, const IppiRect& region, IppiSize size, int filter, Frame& out);
+
+ private:
+  void ResizeUnits(const Frame& in, const IppiRect& region, const Frame& out, int filter);
+  void ResizeWithAlpha(const Frame& in, const IppiRect& region, const Frame& out, int filter);
+
+  Frame source_, result_;  // of packed frames, their planes
+  std::vector<unsigned char> pixels_, resized_;
+};
+
+}  // namespace qvtool
+
+#endif
