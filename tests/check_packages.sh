@@ -126,6 +126,9 @@ check_windows() {
   local prefix=$work/$name
   has "$prefix" {bin/qvAcceleratedLib,bin/qvAcceleratedLibC}.dll lib/libqvAcceleratedLib{,C}.dll.a \
     lib/qvAcceleratedLib{,C}.lib include/qvAcceleratedLib/{CqvAccLib,qv}.h README.md LICENSE
+  local wheel=win_amd64
+  [ "$bits" = 64 ] || wheel=win32
+  has "$folder" "qvacceleratedlib-$version-py3-none-$wheel.whl"
   "$root/tests/check_dll.sh" "${compiler%-g++*}-objdump" "$prefix/bin/qvAcceleratedLib.dll" \
     "$root/qvAcceleratedLib/exports/windows$bits.def" >/dev/null
 

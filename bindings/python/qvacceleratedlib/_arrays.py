@@ -172,3 +172,13 @@ def whole(value: int, argument: str, least: int, most: int) -> int:
         raise Error(Status.OUT_OF_RANGE_ERR, argument,
                     f"a whole number of {least} to {most} wanted, not {value!r}")
     return number
+
+
+def point_of(value: Sequence[int], argument: str, least: int) -> Tuple[int, int]:
+    """An (x, y) of whole numbers from `least` on."""
+    try:
+        x, y = value
+    except (TypeError, ValueError):
+        raise Error(Status.OUT_OF_RANGE_ERR, argument,
+                    f"(x, y) in pixels wanted, not {value!r}") from None
+    return whole(x, argument, least, MOST), whole(y, argument, least, MOST)

@@ -1,7 +1,7 @@
 """Between frames of luma and chroma and pixels."""
 from __future__ import annotations
 
-from typing import Any, Optional, Type, Union
+from typing import Any, Optional, Type, Union, cast
 
 import numpy as np
 
@@ -46,7 +46,7 @@ def convert(image: Union[Image, Frame], to: Union[str, Type[Frame]], layout: Opt
     array([[126, 126],
            [126, 126]], dtype=uint8)
     """
-    name = to.layout if isinstance(to, type) and issubclass(to, Frame) else to
+    name = cast(str, getattr(to, "layout", to))
     kind = code(LAYOUTS, name, "to", Status.DATA_TYPE_ERR)
     constants = (code(MATRICES, matrix, "matrix", Status.BAD_ARG_ERR), int(bool(full_range)),
                  code(SITINGS, siting, "siting", Status.BAD_ARG_ERR))

@@ -5,8 +5,8 @@ from typing import Optional, Sequence, Tuple
 
 import numpy as np
 
-from ._arrays import (TYPES, UINT8, Image, byte_of, in_place, pixels, same_size, separate,
-                      target, whole)
+from ._arrays import (TYPES, UINT8, Image, byte_of, in_place, pixels, point_of, same_size,
+                      separate, target)
 from ._codes import OPERATIONS, PREMULTIPLIED, code
 from ._errors import Error, Status, failed
 from ._library import Size, lib
@@ -49,7 +49,7 @@ def overlay(frame: Image, foreground: Image, at: Sequence[int] = (0, 0),
         plane, plane_step, _, _, _ = pixels(alpha, "alpha", (1,))
         same_size(alpha, "alpha", width, height)
     opacity = byte_of(opacity, "opacity")
-    x, y = (whole(number, "at", -2**31, 2**31 - 1) for number in at)
+    x, y = point_of(at, "at", -2**31)
     out, (to, to_step, columns, rows, _) = in_place(frame, out, (1, 3, 4), foreground, alpha,
                                                     argument="frame")
     status = lib.qv_over(under, to, to_step, Size(columns, rows), channels, fg, fg_step,

@@ -3,7 +3,7 @@ from __future__ import annotations
 
 import ctypes
 import math
-from typing import Callable, Collection, Optional, Sequence, Tuple, Union
+from typing import Callable, Collection, List, Optional, Sequence, Tuple, Union
 
 import numpy as np
 import numpy.typing as npt
@@ -20,11 +20,20 @@ Value = Union[int, Sequence[int]]
 _NINE, _TWO = ctypes.c_double * 9, ctypes.c_double * 2
 
 
+def _table(rows: Sequence[Sequence[float]], shape: Tuple[int, int], argument: str,
+           status: Status) -> List[float]:
+    """The finite numbers of a table, one row after the other."""
+    try:
+        values = np.asarray(rows, np.float64)
+    except (TypeError, ValueError):
+        values = np.empty(0)
+    if values.shape != shape:
+        raise Error(status, argument, f"{shape[0]} rows of {shape[1]} numbers wanted, not {rows!r}")
+    return finite(values.ravel().tolist(), argument, status, values.size)
+
+
 def _coefficients(matrix: Sequence[Sequence[float]], argument: str) -> ctypes.Array:
-    values = np.asarray(matrix, np.float64)
-    if values.shape != (3, 3):
-        raise Error(Status.COEFF_ERR, argument, f"a 3 x 3 matrix wanted, not {values.shape}")
-    return _NINE(*finite(values.ravel().tolist(), argument, Status.COEFF_ERR, 9))
+    return _NINE(*_table(matrix, (3, 3), argument, Status.COEFF_ERR))
 
 
 class _Source:
@@ -275,10 +284,7 @@ def perspective_transform(region: Sequence[int], quad: Sequence[Sequence[float]]
            [ 0.,  2.,  0.],
            [ 0.,  0.,  1.]])
     """
-    corners = np.asarray(quad, np.float64)
-    if corners.shape != (4, 2):
-        raise Error(Status.QUAD_ERR, "quad", f"four (x, y) wanted, not {corners.shape}")
-    values = (ctypes.c_double * 8)(*finite(corners.ravel().tolist(), "quad", Status.QUAD_ERR, 8))
+    values = (ctypes.c_double * 8)(*_table(quad, (4, 2), "quad", Status.QUAD_ERR))
     result = _NINE()
     status = lib.qv_get_perspective_transform(
         0, rect_of(region, "region", 1, 1), ctypes.addressof(values), ctypes.addressof(result))

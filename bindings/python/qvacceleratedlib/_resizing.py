@@ -7,7 +7,7 @@ from typing import Optional, Sequence, Tuple
 
 import numpy as np
 
-from ._arrays import ANY, TYPES, Image, pixels, rect_of, size_of, target, whole
+from ._arrays import ANY, TYPES, Image, pixels, point_of, rect_of, size_of, target
 from ._codes import FILTERS, METHODS, POSITIONS, SAMPLING, code, finite
 from ._errors import Error, Status, failed
 from ._frames import Yuyv
@@ -196,7 +196,7 @@ def source_position(source_size: Sequence[int], size: Sequence[int], point: Sequ
     width, height = size_of(source_size, "source_size")
     columns, rows = size_of(size, "size")
     part = rect_of(region, "region", width, height)
-    x, y = (whole(number, "point", 0, 2**31 - 1) for number in point)
+    x, y = point_of(point, "point", 0)
     position = (ctypes.c_double * 2)()
     status = lib.qv_source_position(
         Size(width, height), part, Size(columns, rows),
