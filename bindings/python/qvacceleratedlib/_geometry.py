@@ -17,7 +17,7 @@ from ._library import Rect, Size, lib
 Matrix = npt.NDArray[np.float64]
 Value = Union[int, Sequence[int]]
 
-_NINE = ctypes.c_double * 9
+_NINE, _TWO = ctypes.c_double * 9, ctypes.c_double * 2
 
 
 def _coefficients(matrix: Sequence[Sequence[float]], argument: str) -> ctypes.Array:
@@ -189,11 +189,12 @@ def rotate(image: Image, degrees: float, expand: bool = False,
     if expand:
         if shift is not None or size is not None:
             raise Error(Status.BAD_ARG_ERR, "expand", "it chooses size and shift itself")
-        size, shift = rotation_canvas((width, height), degrees)
+        size, (across, down) = _canvas(source.size, degrees)
+    elif shift is not None:
+        across, down = finite(shift, "shift", Status.COEFF_ERR, 2)
     place = source.place(size, out, out_region)
-    if shift is None:
-        shift = _about_middle(degrees, width, height, place.image)
-    across, down = finite(shift, "shift", Status.COEFF_ERR, 2)
+    if not expand and shift is None:
+        across, down = _about_middle(degrees, width, height, place.image)
 
     def call(address: int, step: int, part: Rect) -> int:
         return lib.qv_rotate(
@@ -228,10 +229,13 @@ def rotation_canvas(size: Sequence[int], degrees: float) -> Tuple[Tuple[int, int
     >>> rotation_canvas((640, 480), 90)
     ((480, 640), (0.0, 639.0))
     """
-    width, height = size_of(size, "size")
-    canvas, shift = Size(), (ctypes.c_double * 2)()
     degrees, = finite([degrees], "degrees", Status.COEFF_ERR, 1)
-    status = lib.qv_rotation_canvas(Size(width, height), degrees, ctypes.addressof(canvas),
+    return _canvas(Size(*size_of(size, "size")), degrees)
+
+
+def _canvas(size: Size, degrees: float) -> Tuple[Tuple[int, int], Tuple[float, float]]:
+    canvas, shift = Size(), _TWO()
+    status = lib.qv_rotation_canvas(size, degrees, ctypes.addressof(canvas),
                                     ctypes.addressof(shift))
     if status:
         raise failed(status, "size")
@@ -310,7 +314,7 @@ def warp_source_position(region: Sequence[int], matrix: Sequence[Sequence[float]
     >>> warp_source_position((0, 0, 3, 3), [[2, 0, 10], [0, 2, 0], [0, 0, 1]], (12, 2))
     (1.0, 1.0)
     """
-    values, position = _coefficients(matrix, "matrix"), (ctypes.c_double * 2)()
+    values, position = _coefficients(matrix, "matrix"), _TWO()
     x, y = finite(point, "point", Status.COEFF_ERR, 2)
     status = lib.qv_warp_source_position(rect_of(region, "region", 1, 1), ctypes.addressof(values),
                                          x, y, ctypes.addressof(position))
