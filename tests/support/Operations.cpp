@@ -305,7 +305,8 @@ void AddGeometry(List& list) {
 // A foreground that is larger than the frame on two sides, and lies partly outside on the others.
 void AddOverlays(List& list) {
   static constexpr int kLayouts[][2] = {{1, 1}, {3, 3}, {3, 4}, {4, 4}};
-  for (const auto& [frame, fg] : kLayouts)
+  for (const auto& layout : kLayouts) {
+    const int frame = layout[0], fg = layout[1];  // Clang 14 does not capture structured bindings
     for (const int opacity : {255, 99})
       list.push_back({Name("qv_over", frame, fg, opacity),
                       [=](IppiSize s) {
@@ -318,6 +319,7 @@ void AddOverlays(List& list) {
                                     {p[1].data, p[1].step, s, fg, p[2].data, p[2].step, 2, -1,
                                      opacity, opacity == 255 ? AlphaOver : AlphaOverPremul});
                       }});
+  }
 }
 
 void AddFields(List& list) {
