@@ -112,8 +112,10 @@ bool Compare(int seed, IppStatus (*operation)(Parameters...), Function* function
 
 // Steps are drawn like any int, so that rows may overlap: the bytes are the same for all that, but
 // the address sanitizer does not want to see a row copied onto a part of itself.
-#if !defined(__SANITIZE_ADDRESS__)
 TEST(CInterface, DoesWhatTheClassDoes) {
+#if defined(__SANITIZE_ADDRESS__)
+  GTEST_SKIP();
+#endif
 #define QV_OPERATION(name, family, cName)                                        \
   {                                                                              \
     int succeeded = 0;                                                           \
@@ -124,7 +126,6 @@ TEST(CInterface, DoesWhatTheClassDoes) {
 #include "qvAcceleratedLib/Operations.def"
 #undef QV_OPERATION
 }
-#endif
 
 TEST(CInterface, KnowsStatuses) {
   EXPECT_STREQ(qv_status_name(QV_STATUS_SIZE_ERR), "QV_STATUS_SIZE_ERR");
