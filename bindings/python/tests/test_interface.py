@@ -12,6 +12,7 @@ import pytest
 
 import qvacceleratedlib as qv
 from qvacceleratedlib import _library
+from qvacceleratedlib.batch import __main__  # noqa: F401: its modules have examples too
 
 ROOT = Path(__file__).resolve().parents[3]
 HEADER = (ROOT / "include/qvAcceleratedLib/qv.h").read_text()
