@@ -22,7 +22,7 @@ DONE, FAILED, USAGE, INTERRUPTED = 0, 1, 2, 130
 _PARTS = ".qvbatch"  # below the folder of the outputs, as long as a run goes on
 
 try:
-    from tqdm import tqdm as Bar
+    from tqdm import tqdm as Bar  # type: ignore[import]
 except ImportError:
     class Bar:  # type: ignore[no-redef]
         """Nothing to look at where tqdm is missing."""

@@ -42,8 +42,8 @@ class Manifest:
                 raise ValueError
             for line in lines:
                 name, chain, source, source_stamp, stamp, check = json.loads(line)
-                self._entries[name] = Entry(chain, source, tuple(source_stamp), tuple(stamp),
-                                            int(check, 16))
+                self._entries[name] = Entry(chain, source, (source_stamp[0], source_stamp[1]),
+                                            (stamp[0], stamp[1]), int(check, 16))
         except (ValueError, KeyError, TypeError):
             raise ValueError(f"{self._address}: is no manifest of this version; without it, "
                              "everything is done again") from None

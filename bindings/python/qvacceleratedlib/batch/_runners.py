@@ -3,6 +3,7 @@ from __future__ import annotations
 
 import collections
 import contextlib
+import importlib
 import concurrent.futures
 import logging
 import queue
@@ -104,7 +105,7 @@ class Cluster(Runner):
 
     def __init__(self, address: str, patience: float, say: Callable[[str], None]) -> None:
         try:
-            import distributed
+            distributed: Any = importlib.import_module("distributed")
         except ImportError:
             raise Gone("--scheduler needs Dask (Debian: python3-distributed)") from None
         logging.getLogger("distributed").setLevel(logging.CRITICAL)
@@ -113,12 +114,12 @@ class Cluster(Runner):
         late = threading.Timer(3, say, [f"{address} does not answer; waiting {patience:g} s"])
         late.start()
         try:
-            self._client = distributed.Client(address, timeout=patience, set_as_default=False)
+            self._client: Any = distributed.Client(address, timeout=patience, set_as_default=False)
         except (OSError, ValueError) as error:
             raise Gone(f"{address}: {error}") from None
         finally:
             late.cancel()
-        self._completed = distributed.as_completed(loop=self._client.loop)
+        self._completed: Any = distributed.as_completed(loop=self._client.loop)
         self._gatherer = concurrent.futures.ThreadPoolExecutor(1)
         self._tasks: Dict[Any, Task] = {}
         self._results: Deque[Finished] = collections.deque()
@@ -129,7 +130,8 @@ class Cluster(Runner):
 
     @property
     def window(self) -> int:  # type: ignore[override]
-        return max(64, 4 * sum(worker["nthreads"] for worker in self._workers.values()))
+        threads: int = sum(worker["nthreads"] for worker in self._workers.values())
+        return max(64, 4 * threads)
 
     def check(self, chain: str, extensions: List[str], cwd: str) -> None:
         future = self._client.submit(_work.check, chain, extensions, cwd, pure=False)
@@ -190,7 +192,8 @@ class Cluster(Runner):
 
     def _gather(self, futures: List[Any]) -> List[Result]:
         """Their results. A worker may have died with some, so that they are made again."""
-        gathering = self._gatherer.submit(self._client.gather, futures)
+        gathering: "concurrent.futures.Future[List[Result]]" = (
+            self._gatherer.submit(self._client.gather, futures))
         while True:
             try:
                 return gathering.result(0.5)

@@ -8,6 +8,7 @@ import shlex
 import shutil
 import signal
 import subprocess
+import sys
 import tempfile
 import uuid
 from pathlib import Path
@@ -70,6 +71,12 @@ def find() -> str:
         raise Trouble("qvtool is missing: it is in the wheel for Linux and in the Debian package "
                       "qvtool; QVTOOL or PATH may name another one")
     return found
+
+
+def run_tool() -> None:
+    """The command qvtool of a wheel."""
+    tool = find()
+    os.execv(tool, [tool, *sys.argv[1:]])
 
 
 def _run(chain: str, source: str, target: str, cwd: str) -> "subprocess.CompletedProcess[bytes]":
