@@ -1,6 +1,7 @@
 """Files by path, and by the addresses of fsspec (https://..., s3://..., memory://...)."""
 from __future__ import annotations
 
+import contextlib
 import os
 import uuid
 from typing import Any, List, Optional, Tuple, Union
@@ -30,11 +31,12 @@ def join(folder: str, name: str) -> str:
 
 def _open(address: str) -> Tuple[Any, str]:
     try:
-        from fsspec.core import url_to_fs
+        from fsspec.core import url_to_fs  # type: ignore[import]
     except ImportError:
         raise OSError(f"{address}: addresses need fsspec (Debian: python3-fsspec)") from None
     try:
-        return url_to_fs(address)
+        files, path = url_to_fs(address)
+        return files, path
     except (ValueError, ImportError) as error:  # a protocol that is unknown, or not installed
         raise OSError(f"{address}: {error}") from None
 
@@ -86,6 +88,11 @@ def send(path: str, address: str) -> None:
         raise
 
 
+def remove(path: str) -> None:
+    with contextlib.suppress(FileNotFoundError):
+        os.unlink(path)
+
+
 def read(name: str) -> Optional[bytes]:
     """All of a file; None where there is none."""
     try:
@@ -93,7 +100,8 @@ def read(name: str) -> Optional[bytes]:
             with open(name, "rb") as file:
                 return file.read()
         files, path = _open(name)
-        return files.cat_file(path)
+        content: bytes = files.cat_file(path)
+        return content
     except FileNotFoundError:
         return None
 
@@ -109,5 +117,4 @@ def write(name: str, content: bytes, scratch: str) -> None:
         else:
             os.replace(part, name)
     finally:
-        if os.path.exists(part):
-            os.unlink(part)
+        remove(part)

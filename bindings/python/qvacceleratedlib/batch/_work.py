@@ -163,11 +163,16 @@ def work(task: Task) -> Union[Done, Failed]:
         return Failed(str(error), True)
 
 
+def _stamp(name: str) -> _files.Stamp:
+    found = _files.stamp(name)
+    if found is None:
+        raise Trouble(f"{name}: no such file")
+    return found
+
+
 def _work(task: Task) -> Union[Done, Failed]:
     with contextlib.ExitStack() as stack:
-        before = _files.stamp(task.source)
-        if before is None:
-            raise Trouble("no such file")
+        before = _stamp(task.source)
         scratch = task.parts
         if not task.parts or _files.is_remote(task.source):
             scratch = stack.enter_context(tempfile.TemporaryDirectory(prefix="qvbatch-"))
@@ -179,7 +184,7 @@ def _work(task: Task) -> Union[Done, Failed]:
             raise Trouble(f"{task.parts}: no such folder; is it on shared storage?")
         part = os.path.join(task.parts or scratch,
                             uuid.uuid4().hex + os.path.splitext(task.target)[1])
-        stack.callback(lambda: os.path.exists(part) and os.unlink(part))
+        stack.callback(_files.remove, part)
         result = _run(task.chain, source, part, task.cwd)
         if result.returncode < 0:
             raise Trouble(f"qvtool has ended: {signal.strsignal(-result.returncode)}")
@@ -187,15 +192,12 @@ def _work(task: Task) -> Union[Done, Failed]:
             reason = _reason(result)
             return Failed(reason.replace(source, task.source).replace(part, task.target),
                           result.returncode not in (1, 2))
-        if _files.stamp(task.source) != before:
-            raise Trouble("has changed while it was read")
+        if _stamp(task.source) != before:
+            raise Trouble(f"{task.source}: has changed while it was read")
         value, frames = checksum(part), frames_of(part)
         if task.parts:
             os.makedirs(os.path.dirname(task.target), exist_ok=True)
             os.replace(part, task.target)
         else:
             _files.send(part, task.target)
-    after = _files.stamp(task.target)
-    if after is None:
-        raise Trouble("the output has disappeared")
-    return Done(before, after, value, frames)
+    return Done(before, _stamp(task.target), value, frames)
