@@ -169,8 +169,7 @@ TEST(LargeImages, DISABLED_SeventyThousandPixelsBothSides) {
   for (const Operation& operation : Operations()) {
     SCOPED_TRACE(operation.name);
     const auto is = [&](const char* family) { return operation.name.starts_with(family); };
-    // Scattered fetches from so many pages, and long filters, are slow: a method for each layout will
-    // do.
+    // Scattered fetches from so many pages and long filters are slow: a method a layout will do.
     if ((is("qvRotate") || is("qvWarpPerspective ")) && !is("qvRotate 2 1 ") &&
         !is("qvRotate 4 2 ") && !is("qvWarpPerspective 2 2") && !is("qvWarpPerspective 4 1"))
       continue;
