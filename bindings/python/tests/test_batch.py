@@ -1,4 +1,4 @@
-"""qvacceleratedlib.batch, on this machine and on a cluster of two workers on the loopback interface."""
+"""qvacceleratedlib.batch on this machine, and on a cluster of two workers on the loopback."""
 import contextlib
 import json
 import os
@@ -17,7 +17,7 @@ import pytest
 from qvacceleratedlib.batch import __main__ as command
 
 TOOL = shutil.which(os.environ.get("QVTOOL", "qvtool"))
-CHAIN = "mirror --axis left-right"
+CHAIN = "mirror --axis left-right; mirror --axis top-bottom"
 pytestmark = pytest.mark.skipif(not TOOL, reason="there is no qvtool")
 
 
@@ -33,7 +33,8 @@ def clips(folder, count, frames=2):
 def start(*arguments, **environment):
     return subprocess.Popen(
         [sys.executable, "-m", "qvacceleratedlib.batch", CHAIN, *map(str, arguments)],
-        stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, env={**os.environ, **environment})
+        stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+        env={**os.environ, **environment})
 
 
 def finish(process):
@@ -78,8 +79,9 @@ def test_local(tmp_path):
     assert "clip004.y4m: neither PNG" in text and "missing.y4m: no such file" in text
     assert "8 of 10 files" in text and "0 were done already, 2 failed" in text
     for name, data in content(out).items():
-        subprocess.run([TOOL, *CHAIN.split(), tmp_path / "in" / name, tmp_path / "own.y4m"], check=True)
-        assert (tmp_path / "own.y4m").read_bytes() == data
+        own = tmp_path / "own.y4m"
+        subprocess.run([TOOL, "run", CHAIN, tmp_path / "in" / name, own], check=True)
+        assert own.read_bytes() == data
     # Made again: what is gone, has been damaged, or has another source. A later time is no damage.
     before = content(out)
     times = {name: (out / name).stat().st_ctime_ns for name in before}
@@ -98,7 +100,8 @@ def test_local(tmp_path):
 
 
 @pytest.mark.parametrize("arguments, reason", [
-    (["--axis"], "--axis"),
+    (["x.y4m", "--options", "--quality x"], "--quality"),
+    (["x.y4m", "--options", "'"], "--options"),
     (["a/x.y4m", "b/x.y4m"], "both become"),
     (["out/x.y4m"], "is an input"),
     ([], "no input"),

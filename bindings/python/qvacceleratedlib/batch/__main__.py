@@ -5,6 +5,7 @@ import argparse
 import contextlib
 import os
 import re
+import shlex
 import shutil
 import signal
 import sys
@@ -61,14 +62,16 @@ def _parse(arguments: Optional[Sequence[str]]) -> argparse.Namespace:
         description="Runs a chain of qvtool over many files, on the processors of this machine or "
         "on a Dask cluster. What is done already is left alone; exit code 0: all is done, 1: "
         "something failed, 2: wrong arguments.")
-    parser.add_argument("chain", metavar="CHAIN", help="what qvtool does with each, as one word: "
-                        "\"resize --to 1280x720 --method lanczos\"")
+    parser.add_argument("chain", metavar="CHAIN", help="the steps of `qvtool run`: "
+                        "\"deinterlace; resize --to 1280x720\"")
     parser.add_argument("inputs", metavar="INPUT", nargs="*",
                         help="a path, or an address of fsspec, perhaps with wildcards")
     parser.add_argument("--from", dest="list", metavar="FILE",
                         help="a file with further inputs, one a line; - for standard input")
     parser.add_argument("--out", required=True, metavar="FOLDER",
                         help="a path or an address for the outputs, and a manifest of them")
+    parser.add_argument("--options", default="", metavar="WORDS", help="of `qvtool run` beside its "
+                        "steps: \"--layout nv12 --size 1920x1080\"")
     parser.add_argument("--base", metavar="FOLDER",
                         help="outputs keep the folders that their inputs have below this one")
     parser.add_argument("--extension", metavar=".EXT",
@@ -83,7 +86,7 @@ def _parse(arguments: Optional[Sequence[str]]) -> argparse.Namespace:
     if options.jobs is not None and options.jobs < 1:
         raise Usage(f"--jobs: {options.jobs} given; wanted is 1 or more")
     if options.scheduler and not re.fullmatch(r"(\w+://)?[^/]+:\d+", options.scheduler):
-        raise Usage(f"--scheduler: {options.scheduler} given; wanted is tcp://host:8786 or the like")
+        raise Usage(f"--scheduler: {options.scheduler} given; wanted is such as tcp://host:8786")
     if not 0 < options.patience < 1e9:
         raise Usage(f"--patience: {options.patience} given; wanted is a number of seconds")
     if options.extension and not options.extension.startswith("."):
@@ -123,6 +126,10 @@ def _name(source: str, base: Optional[str], extension: Optional[str]) -> str:
 def _tasks(options: argparse.Namespace) -> List[Task]:
     folder = _files.absolute(options.out)
     sources = _sources(options)
+    try:
+        command = ("run", *shlex.split(options.options), options.chain)
+    except ValueError as error:
+        raise Usage(f"--options: {error}") from None
     own = set(sources)
     tasks: Dict[str, Task] = {}
     for source in sources:
@@ -135,7 +142,7 @@ def _tasks(options: argparse.Namespace) -> List[Task]:
                         "see --base")
         if target in own:
             raise Usage(f"{target}: is an input, which its output would replace")
-        tasks[name] = Task(name, source, target, options.chain, os.getcwd())
+        tasks[name] = Task(name, source, target, command, os.getcwd())
     return list(tasks.values())
 
 
@@ -244,7 +251,7 @@ def _run(options: argparse.Namespace) -> int:
     tasks = _tasks(options)
     runner = _runner(options)
     try:
-        runner.check(options.chain, sorted({os.path.splitext(task.name)[1] for task in tasks}),
+        runner.check(tasks[0].command, sorted({os.path.splitext(task.name)[1] for task in tasks}),
                      os.getcwd())
         return _work_on(runner, tasks, options.out)
     finally:

@@ -3,18 +3,18 @@ from __future__ import annotations
 
 import json
 import time
-from typing import Dict, NamedTuple, Optional
+from typing import Dict, NamedTuple, Optional, Tuple
 
 from . import _files
 from ._work import Done, Task, checksum
 
 NAME = "qvbatch.manifest"
-_HEADER = {"qvbatch": 1, "columns": ["output", "chain", "source", "source size and time",
+_HEADER = {"qvbatch": 1, "columns": ["output", "qvtool", "source", "source size and time",
                                      "output size and time", "output CRC-32"]}
 
 
 class Entry(NamedTuple):
-    chain: str
+    command: Tuple[str, ...]
     source: str
     source_stamp: _files.Stamp
     stamp: _files.Stamp
@@ -41,18 +41,19 @@ class Manifest:
             if json.loads(header)["qvbatch"] != 1:
                 raise ValueError
             for line in lines:
-                name, chain, source, source_stamp, stamp, check = json.loads(line)
-                self._entries[name] = Entry(chain, source, (source_stamp[0], source_stamp[1]),
-                                            (stamp[0], stamp[1]), int(check, 16))
+                name, command, source, source_stamp, stamp, check = json.loads(line)
+                self._entries[name] = Entry(
+                    tuple(command), source, (source_stamp[0], source_stamp[1]),
+                    (stamp[0], stamp[1]), int(check, 16))
         except (ValueError, KeyError, TypeError):
             raise ValueError(f"{self._address}: is no manifest of this version; without it, "
                              "everything is done again") from None
 
     def has(self, task: Task, source: Optional[_files.Stamp]) -> bool:
-        """Whether the output is there as it was made from this source with this chain. Where its
+        """Whether the output is there as it was made from this source by this command. Where its
         time alone differs, as in a folder that has been copied, the checksum decides."""
         entry = self._entries.get(task.name)
-        if entry is None or entry[:3] != (task.chain, task.source, source):
+        if entry is None or entry[:3] != (task.command, task.source, source):
             return False
         found = _files.stamp(task.target)
         if found is None or found[0] != entry.stamp[0]:
@@ -65,7 +66,7 @@ class Manifest:
         return True
 
     def add(self, task: Task, done: Done) -> None:
-        self._entries[task.name] = Entry(task.chain, task.source, done.source, done.target,
+        self._entries[task.name] = Entry(task.command, task.source, done.source, done.target,
                                          done.checksum)
         self._changed = True
         if time.monotonic() > self._next:

@@ -9,7 +9,7 @@ import logging
 import queue
 import threading
 import time
-from typing import Any, Callable, Deque, Dict, Iterator, List, Optional, Tuple, Union
+from typing import Any, Callable, Deque, Dict, Iterator, List, Optional, Sequence, Tuple, Union
 
 from . import _work
 from ._work import Done, Failed, Task
@@ -31,7 +31,7 @@ class Runner:
 
     window: int
 
-    def check(self, chain: str, extensions: List[str], cwd: str) -> None:
+    def check(self, command: Sequence[str], extensions: List[str], cwd: str) -> None:
         raise NotImplementedError
 
     def submit(self, task: Task, avoid: str = "") -> None:
@@ -74,8 +74,8 @@ class Local(Runner):
         self._finished: "queue.SimpleQueue[Tuple[Task, concurrent.futures.Future[Result]]]" = (
             queue.SimpleQueue())
 
-    def check(self, chain: str, extensions: List[str], cwd: str) -> None:
-        _work.check(chain, extensions, cwd)
+    def check(self, command: Sequence[str], extensions: List[str], cwd: str) -> None:
+        _work.check(command, extensions, cwd)
 
     def submit(self, task: Task, avoid: str = "") -> None:
         self._pool.submit(_work.work, task).add_done_callback(
@@ -133,8 +133,8 @@ class Cluster(Runner):
         threads: int = sum(worker["nthreads"] for worker in self._workers.values())
         return max(64, 4 * threads)
 
-    def check(self, chain: str, extensions: List[str], cwd: str) -> None:
-        future = self._client.submit(_work.check, chain, extensions, cwd, pure=False)
+    def check(self, command: Sequence[str], extensions: List[str], cwd: str) -> None:
+        future = self._client.submit(_work.check, command, extensions, cwd, pure=False)
         self._completed.add(future)
         while not self._completed.has_ready():
             self._look()

@@ -4,7 +4,6 @@ from __future__ import annotations
 import contextlib
 import os
 import re
-import shlex
 import shutil
 import signal
 import subprocess
@@ -12,18 +11,18 @@ import sys
 import tempfile
 import uuid
 from pathlib import Path
-from typing import List, NamedTuple, Set, Union
+from typing import List, NamedTuple, Sequence, Set, Tuple, Union
 
 from .. import crc32
 from . import _files
 
 
 class Task(NamedTuple):
-    name: str    # of the output, below the folder for all of them
+    name: str  # of the output, below the folder for all of them
     source: str
     target: str
-    chain: str
-    cwd: str     # what relative paths in the chain start from
+    command: Tuple[str, ...]  # of qvtool, without its files
+    cwd: str                  # what relative paths in it start from
     parts: str = ""  # a folder for outputs that are not complete, if they do not go to an address
 
 
@@ -79,20 +78,21 @@ def run_tool() -> None:
     os.execv(tool, [tool, *sys.argv[1:]])
 
 
-def _run(chain: str, source: str, target: str, cwd: str) -> "subprocess.CompletedProcess[bytes]":
-    command = [find(), *shlex.split(chain), source, target]
+def _run(command: Sequence[str], source: str, target: str,
+         cwd: str) -> "subprocess.CompletedProcess[bytes]":
+    words = [find(), *command, source, target]
     try:
-        child = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+        child = subprocess.Popen(words, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                  stderr=subprocess.PIPE, cwd=cwd if os.path.isdir(cwd) else None)
     except OSError as error:
-        raise Trouble(f"{command[0]}: {error.strerror}") from None
+        raise Trouble(f"{words[0]}: {error.strerror}") from None
     with child:
         _children.add(child)
         try:
             _, errors = child.communicate()
         finally:
             _children.discard(child)
-    return subprocess.CompletedProcess(command, child.returncode, b"", errors)
+    return subprocess.CompletedProcess(words, child.returncode, b"", errors)
 
 
 def _reason(result: "subprocess.CompletedProcess[bytes]") -> str:
@@ -101,14 +101,10 @@ def _reason(result: "subprocess.CompletedProcess[bytes]") -> str:
     return re.sub(r" \(see qvtool .*--help\)$", "", last[8:] if last[:8] == "qvtool: " else last)
 
 
-def check(chain: str, extensions: List[str], cwd: str) -> None:
-    """Tries the chain on nothing. Raises WrongChain if it goes with none of the outputs."""
-    try:
-        shlex.split(chain)
-    except ValueError as error:
-        raise WrongChain(f"{chain}: {error}") from None
+def check(command: Sequence[str], extensions: List[str], cwd: str) -> None:
+    """Tries the command on nothing. Raises WrongChain if it goes with none of the outputs."""
     with tempfile.TemporaryDirectory(prefix="qvbatch-") as folder:
-        results = [_run(chain, os.devnull, os.path.join(folder, "x" + extension), cwd)
+        results = [_run(command, os.devnull, os.path.join(folder, "x" + extension), cwd)
                    for extension in extensions]
     if all(result.returncode == 2 for result in results):
         raise WrongChain(_reason(results[0]))
@@ -185,7 +181,7 @@ def _work(task: Task) -> Union[Done, Failed]:
         part = os.path.join(task.parts or scratch,
                             uuid.uuid4().hex + os.path.splitext(task.target)[1])
         stack.callback(_files.remove, part)
-        result = _run(task.chain, source, part, task.cwd)
+        result = _run(task.command, source, part, task.cwd)
         if result.returncode < 0:
             raise Trouble(f"qvtool has ended: {signal.strsignal(-result.returncode)}")
         if result.returncode:
