@@ -12,7 +12,7 @@ import time
 from typing import Any, Callable, Deque, Dict, Iterator, List, Optional, Sequence, Tuple, Union
 
 from . import _work
-from ._work import Done, Failed, Task
+from ._work import ALONE, ELSEWHERE, Done, Failed, Task
 
 # How often a file is tried where it was the machine that failed. Of workers that die, the
 # scheduler keeps count (distributed.scheduler.allowed-failures).
@@ -48,6 +48,7 @@ class Runner:
     def run(self, tasks: Iterator[Task]) -> Iterator[Finished]:
         """What became of each task, in the order in which they finish."""
         tried: Dict[Task, int] = {}
+        suspects: List[Task] = []
         more = True
         while True:
             while more and len(tried) < self.window:
@@ -56,14 +57,22 @@ class Runner:
                 if task is not None:
                     tried[task] = 1
                     self.submit(task)
-            if not tried:
-                return
+            alone = not tried
+            if alone:
+                if not suspects:
+                    return
+                tried[suspects[0]] = TRIES
+                self.submit(suspects.pop(0))
             task, result = self.next()
-            if isinstance(result, Failed) and result.elsewhere and tried[task] < TRIES:
+            failed = result if isinstance(result, Failed) else None
+            if failed and failed.again == ELSEWHERE and tried[task] < TRIES:
                 tried[task] += 1
-                self.submit(task, result.worker)
+                self.submit(task, failed.worker)
                 continue
             del tried[task]
+            if failed and failed.again == ALONE and not alone:
+                suspects.append(task)
+                continue
             yield task, result
 
 
@@ -108,7 +117,8 @@ class Cluster(Runner):
             distributed: Any = importlib.import_module("distributed")
         except ImportError:
             raise Gone("--scheduler needs Dask (Debian: python3-distributed)") from None
-        logging.getLogger("distributed").setLevel(logging.CRITICAL)
+        for name in ("distributed", "distributed.client", "asyncio"):
+            logging.getLogger(name).setLevel(logging.CRITICAL)  # what matters is said here
         self._address, self._patience, self._say = address, patience, say
         self._exhausted = distributed.scheduler.KilledWorker
         late = threading.Timer(3, say, [f"{address} does not answer; waiting {patience:g} s"])
@@ -187,8 +197,8 @@ class Cluster(Runner):
 
     def _failed(self, error: BaseException) -> Failed:
         if isinstance(error, self._exhausted):
-            return Failed("every worker that had it has died", False)
-        return Failed(f"{type(error).__name__}: {error}".splitlines()[0], True)
+            return Failed("every worker that had it has died", ALONE)
+        return Failed(f"{type(error).__name__}: {error}".splitlines()[0], ELSEWHERE)
 
     def _gather(self, futures: List[Any]) -> List[Result]:
         """Their results. A worker may have died with some, so that they are made again."""

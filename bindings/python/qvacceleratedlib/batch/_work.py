@@ -33,9 +33,14 @@ class Done(NamedTuple):
     frames: int
 
 
+# What a failure leaves to try: nothing; another machine, as it was this one rather than the file;
+# or the file with no other beside it, as it may have been one of those.
+NEVER, ELSEWHERE, ALONE = "never", "elsewhere", "alone"
+
+
 class Failed(NamedTuple):
     reason: str
-    elsewhere: bool   # it was the machine rather than the file
+    again: str = NEVER
     worker: str = ""
 
 
@@ -154,9 +159,9 @@ def work(task: Task) -> Union[Done, Failed]:
     try:
         return _work(task)
     except Trouble as trouble:
-        return Failed(str(trouble), True)
+        return Failed(str(trouble), ELSEWHERE)
     except OSError as error:
-        return Failed(str(error), True)
+        return Failed(str(error), ELSEWHERE)
 
 
 def _stamp(name: str) -> _files.Stamp:
@@ -187,7 +192,7 @@ def _work(task: Task) -> Union[Done, Failed]:
         if result.returncode:
             reason = _reason(result)
             return Failed(reason.replace(source, task.source).replace(part, task.target),
-                          result.returncode not in (1, 2))
+                          NEVER if result.returncode in (1, 2) else ELSEWHERE)
         if _stamp(task.source) != before:
             raise Trouble(f"{task.source}: has changed while it was read")
         value, frames = checksum(part), frames_of(part)
