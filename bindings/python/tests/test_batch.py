@@ -95,6 +95,8 @@ def test_local(tmp_path):
         code, text = run(*sources, "--out", out)
         assert code == 0 and f"{made} of 9 files" in text, text
     assert content(out) == {**before, "clip004.y4m": before["clip000.y4m"]}
+    (out / "qvbatch.manifest").write_text("nothing")
+    assert run(*sources, "--out", out)[0] == 1
     assert {name for name in times if (out / name).stat().st_ctime_ns != times[name]} == {
         f"clip00{i}.y4m" for i in range(3)}
 
@@ -120,7 +122,8 @@ def test_wrong_arguments_are_told_in_a_line(tmp_path, monkeypatch, capsys, argum
     assert list(tmp_path.iterdir()) == []
 
 
-def test_addresses_and_folders(tmp_path, capsys):
+def test_addresses_and_folders(tmp_path, monkeypatch, capsys):
+    monkeypatch.setattr(command, "Bar", command.NoBar)
     memory = pytest.importorskip("fsspec").filesystem("memory")
     sources = clips(tmp_path / "in", 3)
     assert command.main([CHAIN, *sources, "--out", str(tmp_path / "out")]) == 0

@@ -22,24 +22,29 @@ from ._work import Done, Task, Trouble, WrongChain
 DONE, FAILED, USAGE, INTERRUPTED = 0, 1, 2, 130
 _PARTS = ".qvbatch"  # below the folder of the outputs, as long as a run goes on
 
-try:
-    from tqdm import tqdm as Bar  # type: ignore[import]
-except ImportError:
-    class Bar:  # type: ignore[no-redef]
-        """Nothing to look at where tqdm is missing."""
+class NoBar:
+    """Nothing to look at where tqdm is missing."""
 
-        def __init__(self, **_: Any) -> None:
-            pass
+    def __init__(self, **_: Any) -> None:
+        pass
 
-        def update(self, count: int = 1) -> None:
-            pass
+    def update(self) -> None:
+        pass
 
-        set_postfix_str = update
-        close = update
+    def set_postfix_str(self, text: str, refresh: bool) -> None:
+        pass
 
-        @staticmethod
-        def write(text: str, file: Any) -> None:
-            print(text, file=file)
+    def close(self) -> None:
+        pass
+
+    @staticmethod
+    def write(text: str, file: Any) -> None:
+        print(text, file=file)
+
+
+Bar: Any = NoBar
+with contextlib.suppress(ImportError):
+    from tqdm import tqdm as Bar  # type: ignore[import,no-redef]
 
 
 class Usage(Exception):

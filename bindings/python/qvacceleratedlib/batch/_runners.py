@@ -100,6 +100,14 @@ class Local(Runner):
         self._pool.shutdown()
 
 
+def _check_on_worker(command: Sequence[str], extensions: List[str], cwd: str) -> None:
+    from distributed import get_worker
+    try:
+        _work.check(command, extensions, cwd)
+    except _work.Trouble as trouble:
+        raise _work.Trouble(f"{get_worker().address}: {trouble}") from None
+
+
 def _work_on_worker(task: Task) -> Result:
     from distributed import get_worker
     result = _work.work(task)
@@ -144,7 +152,7 @@ class Cluster(Runner):
         return max(64, 4 * threads)
 
     def check(self, command: Sequence[str], extensions: List[str], cwd: str) -> None:
-        future = self._client.submit(_work.check, command, extensions, cwd, pure=False)
+        future = self._client.submit(_check_on_worker, command, extensions, cwd, pure=False)
         self._completed.add(future)
         while not self._completed.has_ready():
             self._look()
