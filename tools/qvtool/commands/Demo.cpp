@@ -27,7 +27,7 @@ void Run(const Options& options) {
   demo::Page page(options.folder, options.pictures, scene);
   for (const demo::PanelSource* source : demo::AllPanels()) {
     page.Begin(source->heading);
-    source->make(scene, page);
+    for (demo::MakePanels* const make : source->makers) make(scene, page);
   }
   page.Finish();
   std::printf("%s shows %d operations\n",

@@ -22,7 +22,7 @@
 //                  .after = {{"Mirrored", result}}});
 //   }
 //
-//   const PanelSource source{80, "Mirror", Make};   // rank on the page, heading
+//   const PanelSource source{80, "Mirror", {Make}};   // rank on the page, heading
 //
 //   }  // namespace
 //   }  // namespace qvtool::demo
@@ -35,6 +35,7 @@
 
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -81,6 +82,24 @@ inline Picture Detail(const std::string& caption, const Frame& frame, Spot middl
   return {caption, frame, Around(frame, middle, kDetail)};
 }
 
+// A dark Bgr frame: what rotations and warps leave of it stays as it is.
+Frame Blank(IppiSize size);
+
+// A code that an operation takes, among others that are shown beside it.
+struct Variant {
+  int code;
+  const char* name;
+  const char* title;
+};
+
+// The methods of the class; rotation and warps have the first three.
+inline constexpr Variant kMethods[] = {{1, "nearest", "nearest neighbour, code 1"},
+                                       {2, "linear", "linear, code 2"},
+                                       {4, "cubic", "cubic (Keys 1981), code 4"},
+                                       {8, "area", "area averaging, code 8"},
+                                       {16, "lanczos", "Lanczos, code 16"}};
+inline constexpr std::span<const Variant> kWarpMethods = std::span(kMethods).first(3);
+
 // Takes panels and turns them into files and a page.
 class Gallery {
  public:
@@ -88,14 +107,16 @@ class Gallery {
   virtual void Add(const Panel& panel) = 0;
 };
 
+using MakePanels = void(const Scene&, Gallery&);
+
 class PanelSource {
  public:
-  // Registers the panels of one family.
-  PanelSource(int rank, const char* heading, void (*make)(const Scene&, Gallery&));
+  // Registers the panels of one family, made in this order.
+  PanelSource(int rank, const char* heading, std::vector<MakePanels*> makers);
 
   int rank;
   const char* heading;
-  void (*make)(const Scene&, Gallery&);
+  std::vector<MakePanels*> makers;
 };
 
 // All families by rank.

@@ -84,7 +84,7 @@ void Make(const Scene& scene, Gallery& gallery) {
       QV_CALL(CqvAccLib::qvAdler32(CqvAccLib::OneChannel, src, length, &adler)));
 }
 
-const PanelSource source{130, "Checksums", Make};
+const PanelSource source{130, "Checksums", {Make}};
 
 }  // namespace
 }  // namespace qvtool::demo

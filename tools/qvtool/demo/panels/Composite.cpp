@@ -240,14 +240,7 @@ void MakeOperations(const Scene& scene, Gallery& gallery) {
                .after = {{"codes 0 to 11", result}}});
 }
 
-void Make(const Scene& scene, Gallery& gallery) {
-  MakeOver(scene, gallery);
-  MakeLogo(scene, gallery);
-  MakeMask(scene, gallery);
-  MakeOperations(scene, gallery);
-}
-
-const PanelSource source{50, "Compositing", Make};
+const PanelSource source{50, "Compositing", {MakeOver, MakeLogo, MakeMask, MakeOperations}};
 
 }  // namespace
 }  // namespace qvtool::demo

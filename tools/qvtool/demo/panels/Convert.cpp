@@ -98,7 +98,7 @@ void Make(const Scene& scene, Gallery& gallery) {
                .after = {{"Cb", cb}, {"Cr", cr}}});
 }
 
-const PanelSource source{65, "Camera layouts", Make};
+const PanelSource source{65, "Camera layouts", {Make}};
 
 }  // namespace
 }  // namespace qvtool::demo

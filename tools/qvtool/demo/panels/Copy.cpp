@@ -24,28 +24,26 @@ struct Planes {
 };
 
 void Whole(const Scene& scene, Gallery& gallery) {
-  Frame colour(Layout::Bgr, scene.colour.Width(), scene.colour.Height());
-  {
-    const Plane& src = scene.colour.PlaneAt(0);
-    const Plane& dst = colour.PlaneAt(0);
-    gallery.Add({.name = "copy-colour",
-                 .title = "Copy three-byte pixels",
-                 .formula = "dst[3k + c] = src[3k + c]",
-                 .calls = {QV_CALL(CqvAccLib::qvCopy(CqvAccLib::ThreeChannels, src.data, src.step,
-                                                     dst.data, dst.step, src.Size()))},
-                 .before = {{"the frame", scene.colour}},
-                 .after = {{"its copy", colour}}});
+  const struct {
+    const Frame& frame;
+    const char* name;
+    const char* title;
+    const char* formula;
+  } kinds[] = {{scene.colour, "copy-colour", "pixels of three bytes", "dst[3k + c] = src[3k + c]"},
+               {scene.grey, "copy-plane", "a plane", "dst[k] = src[k]"}};
+  for (const auto& kind : kinds) {
+    Frame result(kind.frame.GetLayout(), kind.frame.Width(), kind.frame.Height());
+    const Plane& src = kind.frame.PlaneAt(0);
+    const Plane& dst = result.PlaneAt(0);
+    const auto type = src.Type("qvCopy");
+    gallery.Add({.name = kind.name,
+                 .title = std::string("Copy ") + kind.title,
+                 .formula = kind.formula,
+                 .calls = {QV_CALL(CqvAccLib::qvCopy(type, src.data, src.step, dst.data, dst.step,
+                                                     src.Size()))},
+                 .before = {{kind.title, kind.frame}},
+                 .after = {{"the copy", result}}});
   }
-  Frame grey(Layout::Grey, scene.grey.Width(), scene.grey.Height());
-  const Plane& src = scene.grey.PlaneAt(0);
-  const Plane& dst = grey.PlaneAt(0);
-  gallery.Add({.name = "copy-plane",
-               .title = "Copy a plane",
-               .formula = "dst[k] = src[k]",
-               .calls = {QV_CALL(CqvAccLib::qvCopy(CqvAccLib::OneChannel, src.data, src.step,
-                                                   dst.data, dst.step, src.Size()))},
-               .before = {{"a grey plane", scene.grey}},
-               .after = {{"its copy", grey}}});
 }
 
 void Merge(const Scene& scene, Gallery& gallery) {
@@ -124,14 +122,7 @@ void Alpha(const Scene& scene, Gallery& gallery) {
                .after = {{"three bytes a pixel", dropped}}});
 }
 
-void Make(const Scene& scene, Gallery& gallery) {
-  Whole(scene, gallery);
-  Merge(scene, gallery);
-  Duplicate(scene, gallery);
-  Alpha(scene, gallery);
-}
-
-const PanelSource source{110, "Copy", Make};
+const PanelSource source{110, "Copy", {Whole, Merge, Duplicate, Alpha}};
 
 }  // namespace
 }  // namespace qvtool::demo

@@ -69,12 +69,7 @@ void AddFields(const Scene& scene, Gallery& gallery) {
                .after = {Detail("woven", woven, scene.moving)}});
 }
 
-void Make(const Scene& scene, Gallery& gallery) {
-  AddSmoothed(scene, gallery);
-  AddFields(scene, gallery);
-}
-
-const PanelSource source{70, "Fields", Make};
+const PanelSource source{70, "Fields", {AddSmoothed, AddFields}};
 
 }  // namespace
 }  // namespace qvtool::demo

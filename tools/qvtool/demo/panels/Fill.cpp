@@ -34,7 +34,7 @@ void Make(const Scene& scene, Gallery& gallery) {
                .after = {{"its middle filled", blanked}}});
 }
 
-const PanelSource source{120, "Fill", Make};
+const PanelSource source{120, "Fill", {Make}};
 
 }  // namespace
 }  // namespace qvtool::demo

@@ -37,7 +37,7 @@ void Make(const Scene& scene, Gallery& gallery) {
   }
 }
 
-const PanelSource source{80, "Palette", Make};
+const PanelSource source{80, "Palette", {Make}};
 
 }  // namespace
 }  // namespace qvtool::demo

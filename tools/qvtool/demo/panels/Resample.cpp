@@ -134,13 +134,7 @@ void AddAlpha(const Scene&, Gallery& gallery) {
   }
 }
 
-void Make(const Scene& scene, Gallery& gallery) {
-  AddEnlarged(scene, gallery);
-  AddReduced(scene, gallery);
-  AddAlpha(scene, gallery);
-}
-
-const PanelSource source{10, "Resample", Make};
+const PanelSource source{10, "Resample", {AddEnlarged, AddReduced, AddAlpha}};
 
 }  // namespace
 }  // namespace qvtool::demo

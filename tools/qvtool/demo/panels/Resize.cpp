@@ -5,18 +5,6 @@
 namespace qvtool::demo {
 namespace {
 
-struct Method {
-  int code;
-  const char* name;
-  const char* title;
-};
-
-constexpr Method kMethods[] = {{1, "nearest", "nearest neighbour, code 1"},
-                               {2, "linear", "linear, code 2"},
-                               {4, "cubic", "cubic (Keys 1981), code 4"},
-                               {8, "area", "area averaging, code 8"},
-                               {16, "lanczos", "Lanczos, code 16"}};
-
 struct Scale {
   const char* name;
   const char* title;
@@ -48,7 +36,7 @@ void AddScale(const Scene& scene, const Scale& scale, Gallery& gallery) {
   const double yFactor = static_cast<double>(size.height) / from.rows;
   Frame result(Layout::Bgr, size.width, size.height);
   const Plane& dst = result.PlaneAt(0);
-  for (const Method& method : kMethods) {
+  for (const Variant& method : kMethods) {
     const int code = method.code;
     gallery.Add({.name = std::string("resize-") + scale.name + "-" + method.name,
                  .title = scale.title,
@@ -99,7 +87,7 @@ void Make(const Scene& scene, Gallery& gallery) {
   AddPacked(scene, gallery);
 }
 
-const PanelSource source{20, "Resize", Make};
+const PanelSource source{20, "Resize", {Make}};
 
 }  // namespace
 }  // namespace qvtool::demo

@@ -8,24 +8,8 @@ namespace {
 
 constexpr char kFormula[] =
     "x' = cos a * x + sin a * y + xShift, y' = -sin a * x + cos a * y + yShift";
-constexpr unsigned char kBackground[] = {64, 64, 64};
-
-Frame Canvas(int width, int height) {
-  Frame canvas(Layout::Bgr, width, height);
-  const Plane& dst = canvas.PlaneAt(0);
-  CqvAccLib::qvSet(CqvAccLib::ThreeChannels, kBackground, dst.data, dst.step, dst.Size());
-  return canvas;
-}
 
 void AddTilted(const Scene& scene, Gallery& gallery) {
-  struct Method {
-    int code;
-    const char* name;
-    const char* title;
-  };
-  constexpr Method kMethods[] = {{1, "nearest", "nearest neighbour, code 1"},
-                                 {2, "linear", "linear, code 2"},
-                                 {4, "cubic", "cubic (Keys 1981), code 4"}};
   const Plane& src = scene.colour.PlaneAt(0);
   const IppiRect all = scene.colour.Bounds();
   const double angle = 12;
@@ -38,10 +22,10 @@ void AddTilted(const Scene& scene, Gallery& gallery) {
   const Spot spot = scene.letters;
   const Spot turned = {static_cast<int>(c * spot.x + s * spot.y + shift[0]),
                        static_cast<int>(-s * spot.x + c * spot.y + shift[1])};
-  Frame result = Canvas(fit.width, fit.height);
+  Frame result = Blank({fit.width, fit.height});
   const Plane& dst = result.PlaneAt(0);
   const IppiRect canvas = result.Bounds();
-  for (const Method& method : kMethods) {
+  for (const Variant& method : kWarpMethods) {
     const int code = method.code;
     Panel panel = {
         .name = std::string("rotate-") + method.name,
@@ -68,8 +52,8 @@ void AddQuarters(const Scene& scene, Gallery& gallery) {
     const int code = 1;
     double bound[2][2];
     CqvAccLib::qvGetRotateBound(CqvAccLib::ThreeChannels, all, bound, angle, 0, 0);
-    Frame result = Canvas(static_cast<int>(std::floor(bound[1][0] - bound[0][0])) + 1,
-                          static_cast<int>(std::floor(bound[1][1] - bound[0][1])) + 1);
+    Frame result = Blank({static_cast<int>(std::floor(bound[1][0] - bound[0][0])) + 1,
+                          static_cast<int>(std::floor(bound[1][1] - bound[0][1])) + 1});
     const Plane& dst = result.PlaneAt(0);
     const IppiRect canvas = result.Bounds();
     const std::string degrees = std::to_string(static_cast<int>(angle)) + " degrees";
@@ -88,12 +72,7 @@ void AddQuarters(const Scene& scene, Gallery& gallery) {
   }
 }
 
-void Make(const Scene& scene, Gallery& gallery) {
-  AddTilted(scene, gallery);
-  AddQuarters(scene, gallery);
-}
-
-const PanelSource source{30, "Rotate", Make};
+const PanelSource source{30, "Rotate", {AddTilted, AddQuarters}};
 
 }  // namespace
 }  // namespace qvtool::demo

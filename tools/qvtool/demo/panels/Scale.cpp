@@ -24,7 +24,7 @@ void Make(const Scene& scene, Gallery& gallery) {
                .after = {{"at 112 / 255 of its brightness", result}}});
 }
 
-const PanelSource source{90, "Scale", Make};
+const PanelSource source{90, "Scale", {Make}};
 
 }  // namespace
 }  // namespace qvtool::demo

@@ -3,25 +3,6 @@
 namespace qvtool::demo {
 namespace {
 
-struct Method {
-  int code;
-  const char* name;
-  const char* title;
-};
-
-constexpr Method kMethods[] = {{1, "nearest", "nearest neighbour, code 1"},
-                               {2, "linear", "linear, code 2"},
-                               {4, "cubic", "cubic (Keys 1981), code 4"}};
-
-constexpr unsigned char kBackground[] = {64, 64, 64};
-
-Frame Blank(const Frame& like) {
-  Frame blank(Layout::Bgr, like.Width(), like.Height());
-  const Plane& plane = blank.PlaneAt(0);
-  CqvAccLib::qvSet(CqvAccLib::ThreeChannels, kBackground, plane.data, plane.step, plane.Size());
-  return blank;
-}
-
 Spot Warped(Spot spot, const double (&c)[3][3]) {
   const auto row = [&](int i) { return c[i][0] * spot.x + c[i][1] * spot.y + c[i][2]; };
   return {static_cast<int>(row(0) / row(2)), static_cast<int>(row(1) / row(2))};
@@ -29,12 +10,13 @@ Spot Warped(Spot spot, const double (&c)[3][3]) {
 
 void AddTwo(const Scene& scene, const double (&onto)[3][3], Gallery& gallery) {
   const IppiRect all = scene.colour.Bounds();
-  Frame page = Blank(scene.colour), edge(Layout::Grey, all.width, all.height);
+  Frame page = Blank(scene.colour.Size()), edge(Layout::Grey, all.width, all.height);
   const Plane& src = scene.colour.PlaneAt(0);
   const Plane& mask = scene.mask.PlaneAt(0);
   const Plane& dst = page.PlaneAt(0);
   const Plane& dstMask = edge.PlaneAt(0);
-  CqvAccLib::qvSet(CqvAccLib::OneChannel, kBackground, dstMask.data, dstMask.step, dstMask.Size());
+  const unsigned char none = 0;
+  CqvAccLib::qvSet(CqvAccLib::OneChannel, &none, dstMask.data, dstMask.step, dstMask.Size());
   const int code = 2;
   gallery.Add({.name = "warp-two",
                .title = "Warp a frame and its alpha plane",
@@ -58,9 +40,9 @@ void Make(const Scene& scene, Gallery& gallery) {
   if (CqvAccLib::qvGetPerspectiveTransform(CqvAccLib::ThreeChannels, all, quad, onto) != StatusOk)
     return;  // a frame of a single row or column
   const Spot spot = scene.letters;
-  Frame page = Blank(scene.colour), back = Blank(scene.colour);
+  Frame page = Blank(scene.colour.Size()), back = Blank(scene.colour.Size());
   const Plane& slanted = page.PlaneAt(0);
-  for (const Method& method : kMethods) {
+  for (const Variant& method : kWarpMethods) {
     const int code = method.code;
     Panel panel = {.name = std::string("warp-") + method.name,
                    .title = "Warp onto a quadrilateral",
@@ -78,7 +60,7 @@ void Make(const Scene& scene, Gallery& gallery) {
     gallery.Add(panel);
   }
   const Plane& dst = back.PlaneAt(0);
-  for (const Method& method : kMethods) {
+  for (const Variant& method : kWarpMethods) {
     const int code = method.code;
     Panel panel = {.name = std::string("unwarp-") + method.name,
                    .title = "Unwarp: a page made straight",
@@ -97,7 +79,7 @@ void Make(const Scene& scene, Gallery& gallery) {
   AddTwo(scene, onto, gallery);
 }
 
-const PanelSource source{40, "Perspective", Make};
+const PanelSource source{40, "Perspective", {Make}};
 
 }  // namespace
 }  // namespace qvtool::demo

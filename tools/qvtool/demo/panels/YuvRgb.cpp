@@ -6,25 +6,13 @@
 namespace qvtool::demo {
 namespace {
 
-struct Siting {
-  int code;
-  const char* name;
-  const char* title;
-};
+constexpr Variant kSitings[] = {{QV_CHROMA_REPEATED, "repeated", "chroma repeated"},
+                                {QV_CHROMA_CENTRE, "centre", "interpolated, amid four pixels"},
+                                {QV_CHROMA_LEFT, "left", "interpolated, between the left two"}};
 
-constexpr Siting kSitings[] = {{QV_CHROMA_REPEATED, "repeated", "chroma repeated"},
-                               {QV_CHROMA_CENTRE, "centre", "interpolated, lies amid four pixels"},
-                               {QV_CHROMA_LEFT, "left", "interpolated, lies between the left two"}};
-
-struct Matrix {
-  int code;
-  const char* name;
-  const char* title;
-};
-
-constexpr Matrix kMatrices[] = {{QV_BT601, "bt601", "BT.601, as they were made"},
-                                {QV_BT709, "bt709", "BT.709"},
-                                {QV_BT2020, "bt2020", "BT.2020"}};
+constexpr Variant kMatrices[] = {{QV_BT601, "bt601", "BT.601, as they were made"},
+                                 {QV_BT709, "bt709", "BT.709"},
+                                 {QV_BT2020, "bt2020", "BT.2020"}};
 
 void Make(const Scene& scene, Gallery& gallery) {
   const qv_size size = {scene.colour.Width(), scene.colour.Height()};
@@ -37,7 +25,7 @@ void Make(const Scene& scene, Gallery& gallery) {
     planes[i] = planar.PlaneAt(i).data;
     steps[i] = planar.PlaneAt(i).step;
   }
-  for (const Siting& siting : kSitings) {
+  for (const Variant& siting : kSitings) {
     const int code = siting.code;
     gallery.Add({.name = std::string("siting-") + siting.name,
                  .title = "Pixels to 4:2:0 and back",
@@ -57,7 +45,7 @@ void Make(const Scene& scene, Gallery& gallery) {
 
   qv_rgb_to_yuv(QV_LAYOUT_BGR, src.data, src.step, QV_LAYOUT_I420, planes, steps, size, QV_BT601,
                 QV_STUDIO_RANGE, QV_CHROMA_LEFT);
-  for (const Matrix& matrix : kMatrices) {
+  for (const Variant& matrix : kMatrices) {
     const int code = matrix.code;
     gallery.Add({.name = std::string("matrix-") + matrix.name,
                  .title = "The same samples by three matrices",
@@ -72,7 +60,7 @@ void Make(const Scene& scene, Gallery& gallery) {
   }
 }
 
-const PanelSource source{60, "Luma and chroma", Make};
+const PanelSource source{60, "Luma and chroma", {Make}};
 
 }  // namespace
 }  // namespace qvtool::demo
