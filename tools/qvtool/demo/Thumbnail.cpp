@@ -71,7 +71,7 @@ Embedded Embed(const Picture& picture, const Limits& limits) {
   };
   Frame shown = picture.detail ? cut(*picture.detail) : Shrunk(frame, limits.size);
   if (shown.GetLayout() == Layout::Bgra) shown = OverChecks(shown);
-  auto bytes = EncodePng(shown, picture.caption, 9);
+  auto bytes = EncodePng(shown, picture.caption);
   std::string type = "png";
   for (int quality : kQualities) {
     if (picture.detail) break;
