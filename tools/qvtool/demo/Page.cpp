@@ -162,8 +162,7 @@ std::string Page::Cover() {
   const Frame sheet = ContactSheet(covers_);
   const Embedded shown = Embed({"cover", sheet}, kCover);
   return "<figure class=\"cover\"><button>" +
-         Image("", Escape(coverTitles_), shown.uri, shown.width,
-               shown.height) +
+         Image("", Escape(coverTitles_), shown.uri, shown.width, shown.height) +
          "</button><figcaption>" + Escape(coverTitles_) + "</figcaption></figure>\n";
 }
 
