@@ -53,9 +53,11 @@ export -f ffplay ffmpeg
 
 run() {
   local place=${1%% *} command=${1#* } name
-  for name in $(grep -oE "[^ '\"]+\.(y4m|mp4|dv|yuv|raw|jpg|png)\b" <<<"$command" | grep -v '[%*]'); do
+  while IFS= read -r name; do
+    name=${name//\*/any}
+    [[ $name != *%* ]] || printf -v name "$name" 1  # the first of numbered ones
     [ -e "$name" ] || make_file "$name"
-  done
+  done < <(grep -oE "[^ '\"]+\.(y4m|mp4|dv|yuv|raw|jpg|png)\b" <<<"$command")
   bash -euo pipefail -c "$command" </dev/null >log 2>&1 && return
   echo "$place: fails: $command"; tail -n 3 log
   return 1
