@@ -184,7 +184,7 @@ const Bad kBad[] = {
     {"exactMitchell", "resize whole.png x.png --to 9x9 --exact-api --method mitchell", 2,
      {"mitchell"}},
     {"checksumNoFile", "checksum nothing", 1, {"nothing: cannot open"}},
-    {"checksumFolder", "checksum folder", 1, {"is a directory"}},
+    {"checksumFolder", "checksum folder", 1, {"folder: holds no files"}},
     {"checksumAlgorithm", "checksum --algorithm md5 empty", 2, {"crc32|adler32"}},
     {"checksumList", "checksum --check sums.txt", 1, {"sums.txt: line 2:"}},
     {"demoBadInput", "demo page --input cut.png", 1, {"cut.png"}},
