@@ -3,8 +3,9 @@
 namespace qvtool {
 namespace {
 
-// Beside the one that is being read and the one that is worked on: enough to bridge a pause.
-constexpr std::size_t kFramesAhead = 2;
+// Beside the one that is being read and the one that is worked on. More of them are slower, since
+// they leave the caches.
+constexpr std::size_t kFramesAhead = 1;
 
 }  // namespace
 

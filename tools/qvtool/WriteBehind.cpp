@@ -5,8 +5,8 @@
 namespace qvtool {
 namespace {
 
-// Beside the one that is being written and the one that is worked on.
-constexpr std::size_t kFramesBehind = 2;
+// Beside the one that is being written and the one that is worked on (see ReadAhead.cpp).
+constexpr std::size_t kFramesBehind = 1;
 
 }  // namespace
 
@@ -16,7 +16,9 @@ WriteBehind::WriteBehind(FrameWriter& writer, std::function<void()> onFailure)
       waiting_(kFramesBehind),
       thread_([this] { Work(); }) {}
 
-WriteBehind::~WriteBehind() {
+WriteBehind::~WriteBehind() { Join(); }
+
+void WriteBehind::Join() {
   if (!thread_.joinable()) return;
   waiting_.End();
   thread_.join();
@@ -29,8 +31,7 @@ void WriteBehind::Write(Frame& frame) {
 }
 
 void WriteBehind::Drain() {
-  waiting_.End();
-  thread_.join();
+  Join();
   if (error_) std::rethrow_exception(error_);
 }
 

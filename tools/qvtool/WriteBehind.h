@@ -28,6 +28,7 @@ class WriteBehind {
 
  private:
   void Work();
+  void Join();
 
   FrameWriter& writer_;
   std::function<void()> onFailure_;
