@@ -20,9 +20,8 @@ struct Options {
   std::string alpha;
 };
 
-// The frame itself, or a copy of the part that the region covers.
-Frame& Crop(const Options& options, const Frame& in, Frame& out) {
-  const IppiRect region = options.region.value_or(in.Bounds());
+// A copy of the part that the region covers.
+Frame& Crop(const IppiRect& region, const Frame& in, Frame& out) {
   CheckRegion(region, in);
   const LayoutInfo& info = in.Info();
   // Chroma of a region that starts between two chroma samples would be shifted against its luma.
@@ -73,9 +72,9 @@ class Copier {
   explicit Copier(const Options& options) : options_(options) {}
 
   const Frame& operator()(Frame& in, Frame& out) {
-    const Frame& part = options_.region ? Crop(options_, in, cropped_) : in;
+    const Frame& part = options_.region ? Crop(*options_.region, in, cropped_) : in;
     switch (options_.target) {
-      case Target::Same: return options_.region ? part : Crop(options_, in, out);
+      case Target::Same: return part;
       case Target::Bgr: return conversion_(part, Layout::Bgr, part.coding);
       case Target::Bgra: return ToBgra(part);
       default: return IntoChannel(part, out);
