@@ -1,11 +1,27 @@
 #include "io/Samples.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "Error.h"
 
 namespace qvtool {
+namespace {
+
+// Compilers make vectors of spacings that they know.
+template <int kFrom, int kTo>
+void CopyRow(const unsigned char* from, unsigned char* to, std::ptrdiff_t count) {
+  for (std::ptrdiff_t x = 0; x < count; ++x) to[kTo * x] = from[kFrom * x];
+}
+
+template <int kFrom>
+constexpr auto kCopiesFrom =
+    std::array{CopyRow<kFrom, 1>, CopyRow<kFrom, 2>, CopyRow<kFrom, 3>, CopyRow<kFrom, 4>};
+
+constexpr std::array kRowCopies = {kCopiesFrom<1>, kCopiesFrom<2>, kCopiesFrom<3>, kCopiesFrom<4>};
+
+}  // namespace
 
 Channel ChannelOf(const Frame& frame, int channel) {
   const LayoutInfo& info = frame.Info();
@@ -37,19 +53,20 @@ Channel Channel::Cut(const IppiRect& region) const {
 }
 
 void CopyChannel(const Channel& from, const Channel& to) {
+  const auto copyRow = kRowCopies[from.spacing - 1][to.spacing - 1];
   const int both = std::min(from.columns, to.columns);
   for (int y = 0; y < to.rows; ++y) {
-    if (from.spacing == 1 && to.spacing == 1)
-      std::memcpy(to.Row(y), from.Row(y), static_cast<std::size_t>(both));
-    else
-      for (int x = 0; x < both; ++x) to.At(x, y) = from.At(x, y);
+    copyRow(from.Row(y), to.Row(y), both);
     if (to.columns > both) to.At(both, y) = from.At(both - 1, y);
   }
 }
 
 void FillChannel(const Channel& channel, unsigned char value) {
   for (int y = 0; y < channel.rows; ++y)
-    for (int x = 0; x < channel.columns; ++x) channel.At(x, y) = value;
+    if (channel.spacing == 1)
+      std::memset(channel.Row(y), value, static_cast<std::size_t>(channel.columns));
+    else
+      for (int x = 0; x < channel.columns; ++x) channel.At(x, y) = value;
 }
 
 }  // namespace qvtool
