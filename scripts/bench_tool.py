@@ -3,9 +3,9 @@
 
     scripts/bench_tool.py [OPTION...] QVTOOL RESULTS.json
 
-Clips and pictures are made here and lie in memory; frames that are made of them go to /dev/null. The
-contenders of a row take turns, so that a noisy moment hits them all. Prints a line for each row, and
-writes all figures for scripts/performance_tool.py.
+Clips and pictures are made here and lie in memory; frames that are made of them go to /dev/null.
+The contenders of a row take turns, so that a noisy moment hits them all. Prints a line for each row,
+and writes all figures for scripts/performance_tool.py.
 """
 import argparse
 import contextlib
@@ -98,9 +98,13 @@ def files_to_nothing(qvtool, job):
 
 
 def between_ffmpegs(qvtool, job):
-    return {"qvtool": f"{FFMPEG} -i clip.mp4 -f yuv4mpegpipe - | {qvtool_on(qvtool, job, '-')} | "
-                      f"{FFMPEG} -i - {H264}",
-            "ffmpeg": ffmpeg_on(job, "clip.mp4") + f" {H264}"}
+    def with_tool(tool):
+        return f"{FFMPEG} -i clip.mp4 -f yuv4mpegpipe - | {tool} | {FFMPEG} -i - {H264}"
+    contenders = {"qvtool": with_tool(qvtool_on(qvtool, job, "-")),
+                  "ffmpeg": ffmpeg_on(job, "clip.mp4") + f" {H264}"}
+    if job == "copy":
+        contenders["cat"] = with_tool("cat")
+    return contenders
 
 
 def make(source, target, more, folder):
@@ -108,7 +112,8 @@ def make(source, target, more, folder):
 
 
 def make_clip(frames, folder):
-    make("testsrc2=size=1920x1080:rate=25,format=yuv420p", "clip.y4m", f"-frames:v {frames}", folder)
+    make("testsrc2=size=1920x1080:rate=25,format=yuv420p", "clip.y4m", f"-frames:v {frames}",
+         folder)
     run(f"{FFMPEG} -i clip.y4m -c:v libx264 -preset ultrafast clip.mp4", folder)
     # Transparent on the left, then half, then opaque.
     make("testsrc2=size=320x120,format=rgba,geq=r='r(X,Y)':g='g(X,Y)':b='b(X,Y)'"
@@ -167,6 +172,12 @@ def memory_folder():
     return memory if memory.is_dir() and shutil.disk_usage(memory).free > 2 << 30 else None
 
 
+def cpu_name():
+    with open("/proc/cpuinfo") as lines:
+        return next((line.split(":")[1].strip() for line in lines
+                     if line.startswith("model name")), "unknown processor")
+
+
 def first_line(command):
     return subprocess.run(command, check=True, capture_output=True, text=True).stdout.split("\n")[0]
 
@@ -189,7 +200,7 @@ def main():
     options = parser.parse_args()
     with tempfile.TemporaryDirectory(dir=memory_folder()) as folder:
         results = {
-            "date": datetime.date.today().isoformat(), "cpus": CPUS,
+            "date": datetime.date.today().isoformat(), "cpu": cpu_name(), "cpus": CPUS,
             "frames": options.frames, "photos": options.photos,
             "repetitions": options.repetitions, "versions": versions(options.qvtool),
             "rows": list(measured(options, pathlib.Path(folder)))}
