@@ -22,18 +22,22 @@ void Overlap(int at, int length, int limit, int& first, int& count) {
 // Opacity, in 1 / 255, is a factor of the foreground's alpha.
 void OverAlpha(const Frame& colours, const Channel& alpha, const Frame& frame,
                const IppiRect& place, int opacity) {
-  const Channel belowAlpha = ChannelOf(frame, 3).Cut(place);
-  for (int c = 0; c < 4; ++c) {
-    const Channel fore = ChannelOf(colours, c), below = ChannelOf(frame, c).Cut(place);
-    for (int y = 0; y < below.rows; ++y)
-      for (int x = 0; x < below.columns; ++x) {
-        const long long a = alpha.At(x, y) * opacity, ba = belowAlpha.At(x, y);
-        if (a == 0) continue;
-        const long long rest = ba * (65025 - a), all = a * 255 + rest;
-        const long long colour = (fore.At(x, y) * a * 255 + below.At(x, y) * rest + all / 2) / all;
-        below.At(x, y) = static_cast<unsigned char>(c < 3 ? colour : (all + 32512) / 65025);
-      }
+  Channel fore[3], below[3];
+  for (int c = 0; c < 3; ++c) {
+    fore[c] = ChannelOf(colours, c);
+    below[c] = ChannelOf(frame, c).Cut(place);
   }
+  const Channel belowAlpha = ChannelOf(frame, 3).Cut(place);
+  for (int y = 0; y < alpha.rows; ++y)
+    for (int x = 0; x < alpha.columns; ++x) {
+      const long long a = alpha.At(x, y) * opacity, ba = belowAlpha.At(x, y);
+      if (a == 0) continue;
+      const long long rest = ba * (65025 - a), all = a * 255 + rest;
+      for (int c = 0; c < 3; ++c)
+        below[c].At(x, y) = static_cast<unsigned char>(
+            (fore[c].At(x, y) * a * 255 + below[c].At(x, y) * rest + all / 2) / all);
+      belowAlpha.At(x, y) = static_cast<unsigned char>((all + 32512) / 65025);
+    }
 }
 
 }  // namespace
@@ -46,15 +50,17 @@ bool Foreground::LayOver(const Frame& frame, int opacity) {
   if (visible.width == 0 || visible.height == 0) return false;
   if (!IsReadyFor(frame)) MakeReadyFor(frame, visible);
   if (frame.Info().alphaPlane >= 0) {
-    OverAlpha(colours_, ChannelOf(alphas_, 3), frame, place_, opacity);
+    OverAlpha(colours_, ChannelOf(alphas_, 0), frame, place_, opacity);
     return true;
   }
   for (int i = 0; i < frame.Planes(); ++i) {
     const Plane below = frame.PlaneAt(i).Cut(place_, frame.Info().plane[i]);
     const Plane &colours = colours_.PlaneAt(i), &alphas = alphas_.PlaneAt(i);
-    const qv_size size = {below.RowBytes(), below.rows};
-    Check("qv_over", qv_over(1, below.data, below.step, size, 1, colours.data, colours.step, size,
-                             alphas.data, alphas.step, 0, 0, opacity, QV_ALPHA_OVER));
+    const int channels = below.RowBytes() / alphas.RowBytes();
+    const qv_size size = {alphas.RowBytes(), below.rows};
+    Check("qv_over",
+          qv_over(channels, below.data, below.step, size, channels, colours.data, colours.step,
+                  size, alphas.data, alphas.step, 0, 0, opacity, QV_ALPHA_OVER));
   }
   return true;
 }
@@ -81,19 +87,18 @@ void Foreground::MakeReadyFor(const Frame& frame, const IppiRect& visible) {
   place_.width = visible.x + visible.width - place_.x;
   place_.height = visible.y + visible.height - place_.y;
   colours_.Reset(layout, place_.width, place_.height);
-  alphas_.Reset(layout, place_.width, place_.height);
+  alphas_.Reset(frame.Info().isYCbCr ? layout : Layout::Grey, place_.width, place_.height);
   colours_.coding = frame.coding;
 
   const Layout full = frame.Info().isYCbCr ? Layout::I444
                       : layout == Layout::Grey ? Layout::Grey : Layout::Bgr;
   const Frame& recoloured = conversion_(picture_, full, frame.coding);
   for (int c = 0; c < frame.Info().Channels(); ++c) AverageChannel(c, ChannelOf(recoloured, c));
-  if (frame.Info().alphaPlane >= 0) AverageChannel(3, ChannelOf(picture_, 3));
 }
 
 void Foreground::AverageChannel(int channel, const Channel& picture) {
-  const Channel colours = ChannelOf(colours_, channel), alphas = ChannelOf(alphas_, channel);
-  const Channel alpha = ChannelOf(picture_, 3);
+  const Channel colours = ChannelOf(colours_, channel), alpha = ChannelOf(picture_, 3);
+  const Channel alphas = ChannelOf(alphas_, std::min(channel, alphas_.Info().Channels() - 1));
   const int width = 1 << colours.shiftX, height = 1 << colours.shiftY;
   for (int row = 0; row < colours.rows; ++row)
     for (int column = 0; column < colours.columns; ++column) {

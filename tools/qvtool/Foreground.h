@@ -10,10 +10,10 @@
 namespace qvtool {
 
 // Works on the bytes of a frame where they lie: the picture is kept as the bytes that frames of
-// the layout and coding have in its place, with an alpha for every byte. A chroma sample has the
-// mean alpha of its pixels, those outside the picture being transparent, and their mean colour
-// weighted by alpha. So bytes of opaque pixels arrive as they are, and transparent ones leave the
-// frame's.
+// the layout and coding have in its place, with an alpha for every byte of samples or for every
+// pixel. A chroma sample has the mean alpha of its pixels, those outside the picture being
+// transparent, and their mean colour weighted by alpha. So bytes of opaque pixels arrive as they
+// are, and transparent ones leave the frame's.
 class Foreground {
  public:
   // Its upper left pixel comes to lie on `at`, which may be anywhere.
@@ -34,8 +34,9 @@ class Foreground {
   Position at_;
 
   IppiSize frameSize_ = {};
-  IppiRect place_ = {};     // of the two in their frame
-  Frame colours_, alphas_;  // in the frame's layout
+  IppiRect place_ = {};  // of the two in their frame
+  Frame colours_;        // in the frame's layout
+  Frame alphas_;         // in the same, or of pixels a plane
 };
 
 }  // namespace qvtool
