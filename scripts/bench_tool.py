@@ -4,7 +4,7 @@
     scripts/bench_tool.py [OPTION...] QVTOOL RESULTS.json
 
 Clips and pictures are made here and lie in memory; frames that are made of them go to /dev/null.
-The contenders of a row take turns, so that a noisy moment hits them all. Prints a line for each row,
+The contenders of a row take turns, so that a noisy moment hits them all. Prints a line for each row
 and writes all figures for scripts/performance_tool.py.
 """
 import argparse

@@ -3,38 +3,41 @@
 
 #include "Command.h"
 #include "Foreground.h"
-#include "Pipeline.h"
 
 namespace qvtool {
 namespace {
 
 struct Options {
-  InputSpec input;
-  OutputSpec output;
   std::string logo;
   Position at;
   int opacity = 255;
 };
 
-void SayOutside(Position at, const Frame& frame) {
-  std::fprintf(stderr, "qvtool: --at: at %d,%d the picture lies outside of frames of %dx%d\n", at.x,
-               at.y, frame.Width(), frame.Height());
-}
+class Overlay : public Step {
+ public:
+  explicit Overlay(const Options& options)
+      : options_(options), foreground_(ReadPicture(options.logo), options.at) {}
 
-void Run(const Options& options) {
-  Foreground foreground(ReadPicture(options.logo), options.at);
-  bool saidOutside = false;
-  ForEachFrame(options.input, options.output, [&](Frame& in, Frame&) -> Frame& {
-    if (!foreground.LayOver(in, options.opacity) && !saidOutside) {
-      SayOutside(options.at, in);
-      saidOutside = true;
-    }
-    return in;
-  });
-}
+  Frame& operator()(Frame& frame, Frame&) override {
+    if (!foreground_.LayOver(frame, options_.opacity)) SayOutside(frame);
+    return frame;
+  }
 
-void Configure(CLI::App& app) {
-  const auto options = AddFrames(app, Run);
+ private:
+  void SayOutside(const Frame& frame) {
+    if (!saidOutside_)
+      std::fprintf(stderr, "qvtool: --at: at %d,%d the picture lies outside of frames of %dx%d\n",
+                   options_.at.x, options_.at.y, frame.Width(), frame.Height());
+    saidOutside_ = true;
+  }
+
+  Options options_;
+  Foreground foreground_;
+  bool saidOutside_ = false;
+};
+
+MakeStep Configure(CLI::App& app) {
+  auto options = std::make_shared<Options>();
   app.add_option("--with", options->logo, "Picture to place on the frames: a PNG with alpha")
       ->type_name("FILE")
       ->required();
@@ -49,6 +52,7 @@ void Configure(CLI::App& app) {
       "What sticks out of the frame is cut off. Frames of every layout are taken: the picture is\n"
       "converted to theirs. Where it is transparent, frames keep their pixels; opaque pixels arrive\n"
       "as they are.");
+  return EachFrameWith<Overlay>(options);
 }
 
 const Command command{"overlay", "Place a picture with alpha over frames", Configure};
