@@ -30,6 +30,10 @@ JOBS = {
     "deinterlace, three taps": ("deinterlace IN OUT", "pp=lb"),
     "overlay a logo": ("overlay IN OUT --with logo.png --at 1500,61", "overlay=1500:61"),
     "mirror left to right": ("mirror IN OUT", "hflip"),
+    "crop, deinterlace, resize, overlay": (
+        "run 'crop 0,0,1440,1080; deinterlace; resize --to 960x720; "
+        "overlay --with logo.png --at 600,41' IN OUT",
+        "[0]crop=1440:1080:0:0,pp=lb,scale=960:720:flags=bicubic[v];[v][1]overlay=600:41"),
     "convert to BGR": ("convert IN OUT --to bgr --format raw", "format=bgr24"),
 }
 FFMPEG = "ffmpeg -v error -y"
@@ -83,8 +87,8 @@ def qvtool_on(qvtool, job, source):
 
 def ffmpeg_on(job, source):
     filters = JOBS[job][1]
-    if job.startswith("overlay"):
-        return f"{FFMPEG} -i {source} -i logo.png -filter_complex {filters}"
+    if "overlay" in filters:
+        return f"{FFMPEG} -i {source} -i logo.png -filter_complex '{filters}'"
     return f"{FFMPEG} -i {source} -vf {filters}"
 
 
@@ -160,7 +164,7 @@ def measured(options, folder):
         figures = in_turns(measure, contenders, options.repetitions, folder)
         if amount:
             figures = {name: [amount / t for t in times] for name, times in figures.items()}
-        print(f"{setting:8}{job:27}", ", ".join(
+        print(f"{setting:8}{job:36}", ", ".join(
             f"{name} {statistics.median(f):.4g} ({min(f):.4g} to {max(f):.4g})"
             for name, f in figures.items()), unit, flush=True)
         yield {"setting": setting, "job": job, "unit": unit, "figures": figures}
