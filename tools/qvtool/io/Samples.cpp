@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
+#include <cstdint>
 #include <cstring>
 
 #include "Error.h"
@@ -9,9 +11,25 @@
 namespace qvtool {
 namespace {
 
-// Compilers make vectors of spacings that they know.
+// Compilers make vectors of loops that replace the first byte of words, but not of such as leave out
+// bytes. The last word may reach beyond the row.
+template <int kFrom, class Word>
+void ReplaceFirstBytes(const unsigned char* from, unsigned char* to, std::ptrdiff_t count) {
+  static_assert(std::endian::native == std::endian::little);
+  constexpr std::ptrdiff_t kTo = sizeof(Word);
+  for (std::ptrdiff_t x = 0; x < count - 1; ++x) {
+    Word word;
+    std::memcpy(&word, to + kTo * x, sizeof word);
+    word = static_cast<Word>((word & ~Word{0xff}) | from[kFrom * x]);
+    std::memcpy(to + kTo * x, &word, sizeof word);
+  }
+  to[kTo * (count - 1)] = from[kFrom * (count - 1)];
+}
+
 template <int kFrom, int kTo>
 void CopyRow(const unsigned char* from, unsigned char* to, std::ptrdiff_t count) {
+  if constexpr (kTo == 2) return ReplaceFirstBytes<kFrom, std::uint16_t>(from, to, count);
+  if constexpr (kTo == 4) return ReplaceFirstBytes<kFrom, std::uint32_t>(from, to, count);
   for (std::ptrdiff_t x = 0; x < count; ++x) to[kTo * x] = from[kFrom * x];
 }
 
