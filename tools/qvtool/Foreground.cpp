@@ -90,8 +90,9 @@ void Foreground::MakeReadyFor(const Frame& frame, const IppiRect& visible) {
   alphas_.Reset(frame.Info().isYCbCr ? layout : Layout::Grey, place_.width, place_.height);
   colours_.coding = frame.coding;
 
-  const Layout full = frame.Info().isYCbCr ? Layout::I444
-                      : layout == Layout::Grey ? Layout::Grey : Layout::Bgr;
+  const Layout full = frame.Info().isYCbCr     ? Layout::I444
+                      : layout == Layout::Grey ? Layout::Grey
+                                               : Layout::Bgr;
   const Frame& recoloured = conversion_(picture_, full, frame.coding);
   for (int c = 0; c < frame.Info().Channels(); ++c) AverageChannel(c, ChannelOf(recoloured, c));
 }

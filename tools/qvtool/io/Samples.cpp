@@ -11,8 +11,8 @@
 namespace qvtool {
 namespace {
 
-// Compilers make vectors of loops that replace the first byte of words, but not of such as leave out
-// bytes. The last word may reach beyond the row.
+// Compilers make vectors of loops that replace the first byte of words, but not of such as leave
+// out bytes. The last word may reach beyond the row.
 template <int kFrom, class Word>
 void ReplaceFirstBytes(const unsigned char* from, unsigned char* to, std::ptrdiff_t count) {
   static_assert(std::endian::native == std::endian::little);
