@@ -219,9 +219,9 @@ def page(title, results, goals, remarks, without=()):
 
 CHARTED = (
     "copy 3 bytes", "fill 3 bytes", "mirror 1 byte, left-right", "mirror 3 bytes, left-right",
-    "palette to 3 bytes", "packed 4:2:2 to BGR", "planar 4:2:0 to BGR",
+    "palette to 3 bytes", "packed 4:2:2 to BGR", "planar 4:2:0 to BGR", "BGR to I420",
     "two-plane to planar 4:2:0", "constant alpha, 3 bytes, over", "over, 3 bytes",
-    "deinterlace 1 byte",
+    "deinterlace 1 byte", "bob, both fields, mean",
     "quarter turn 3 bytes", "warp perspective linear 3", "rotate 30 degrees cubic 3",
     "resize nearest 3", "resize linear 3", "resize cubic 3", "resize Lanczos 3", "resize area 1",
     "resample Lanczos 3", "CRC-32", "Adler-32",
