@@ -22,8 +22,9 @@ SETTINGS = {
              "ultrafast` beside a single ffmpeg with the filter. Most of the time goes to the "
              "encoder, and what any program in this place costs is two pipes: so much `cat` "
              "shows."),
-    "photos": ("Thumbnails", "JPEG photos to JPEG, photos a second: a program for each photo, as "
-               "many at once as there are processors."),
+    "photos": ("Thumbnails", "JPEG photos to JPEG, photos a second. vipsthumbnail takes one after "
+               "the other, or a program is started for each photo, as many at once as there are "
+               "processors."),
     "memory": ("Peak memory", "Of a thumbnail of one picture, MiB."),
 }
 
