@@ -2,7 +2,7 @@
 import math
 from xml.sax.saxutils import escape
 
-WIDTH, ROW, LABELS, NOTES = 800, 20, 240, 190
+WIDTH, ROW, LABELS, NOTES = 820, 20, 270, 190
 FASTER, SLOWER = "#2a7", "#c54"
 
 
