@@ -105,7 +105,8 @@ def between_ffmpegs(qvtool, job):
     def with_tool(tool):
         return f"{FFMPEG} -i clip.mp4 -f yuv4mpegpipe - | {tool} | {FFMPEG} -i - {H264}"
     contenders = {"qvtool": with_tool(qvtool_on(qvtool, job, "-")),
-                  "ffmpeg": ffmpeg_on(job, "clip.mp4") + f" {H264}"}
+                  "ffmpeg": with_tool(ffmpeg_on(job, "-") + " -f yuv4mpegpipe -"),
+                  "one ffmpeg for all": ffmpeg_on(job, "clip.mp4") + f" {H264}"}
     if job == "copy":
         contenders["cat"] = with_tool("cat")
     return contenders

@@ -19,9 +19,9 @@ SETTINGS = {
     "busy": ("On a busy machine", "The same beside as many endless loops as there are processors."),
     "pipe": ("Between a decoder and an encoder",
              "From H.264 to H.264, frames a second: `ffmpeg | qvtool | ffmpeg -c:v libx264 -preset "
-             "ultrafast` beside a single ffmpeg with the filter. Most of the time goes to the "
-             "encoder, and what any program in this place costs is two pipes: so much `cat` "
-             "shows."),
+             "ultrafast`, beside ffmpeg with the filter in qvtool's place, and beside a single "
+             "ffmpeg that does it all. Most of the time goes to the encoder, and what any program "
+             "in this place costs is two pipes: so much `cat` shows."),
     "photos": ("Thumbnails", "JPEG photos to JPEG, photos a second. vipsthumbnail takes one after "
                "the other, or a program is started for each photo, as many at once as there are "
                "processors."),
