@@ -17,8 +17,7 @@ double Floor(double x) {
 }
 
 double StretchOf(const SampleAxis& axis, const FilterShape& shape) {
-  const double step = StepOf(axis);
-  return shape.widened && step > 1 ? step : 1;
+  return IsWidened(axis, shape) ? StepOf(axis) : 1;
 }
 
 // Half of what a destination sample reaches: of the interval that it covers, or of the filter.
@@ -44,21 +43,6 @@ int CommonDivisor(int a, int b) {
   return a;
 }
 
-// Samples after which positions come again, so many source samples further: where the extent is a
-// whole number of these.
-struct Period {
-  int samples, advance;
-};
-
-Period PeriodOf(const SampleAxis& axis) {
-  const double extent = axis.extent - (axis.aligned ? 1 : 0);
-  const int steps = axis.count - (axis.aligned ? 1 : 0);
-  if (!(steps > 0 && extent > 0 && extent < INT32_MAX && extent == Floor(extent)))
-    return {axis.count, 0};
-  const int common = CommonDivisor(steps, static_cast<int>(extent));
-  return {steps / common, static_cast<int>(extent) / common};
-}
-
 WorkLayout SamplesLayout(int count) {
   WorkLayout layout;
   layout.Add<double>(count);
@@ -81,11 +65,32 @@ double StepOf(const SampleAxis& axis) {
 
 // Products come before quotients: where extents are whole numbers, so are positions that ought to
 // be.
+void PositionsOf(const SampleAxis& axis, int first, int count, double* position) {
+  const bool aligned = axis.aligned;
+  const double half = aligned ? 0 : 0.5, extent = aligned ? axis.extent - 1 : axis.extent;
+  const int steps = aligned ? axis.count - 1 : axis.count;
+  if (steps == 0) {
+    *position = axis.start + extent / 2 - axis.srcPhase;
+    return;
+  }
+  for (int k = 0; k < count; ++k)
+    position[k] = axis.start + (first + k + half + axis.dstPhase) * extent / steps - half -
+                  axis.srcPhase;
+}
+
 double PositionOf(const SampleAxis& axis, int i) {
-  if (!axis.aligned)
-    return axis.start + (i + 0.5 + axis.dstPhase) * axis.extent / axis.count - 0.5 - axis.srcPhase;
-  if (axis.count == 1) return axis.start + (axis.extent - 1) / 2 - axis.srcPhase;
-  return axis.start + (i + axis.dstPhase) * (axis.extent - 1) / (axis.count - 1) - axis.srcPhase;
+  double position;
+  PositionsOf(axis, i, 1, &position);
+  return position;
+}
+
+Period PeriodOf(const SampleAxis& axis) {
+  const double extent = axis.extent - (axis.aligned ? 1 : 0);
+  const int steps = axis.count - (axis.aligned ? 1 : 0);
+  if (!(steps > 0 && extent > 0 && extent < INT32_MAX && extent == Floor(extent)))
+    return {axis.count, 0};
+  const int common = CommonDivisor(steps, static_cast<int>(extent));
+  return {steps / common, static_cast<int>(extent) / common};
 }
 
 void NearestSamples(const SampleAxis& axis, int* sample) {
@@ -101,6 +106,20 @@ void NearestSamples(const SampleAxis& axis, int* sample) {
     const double at = Floor(PositionOf(axis, i) + 0.5);
     sample[i] = at > 0 ? (at < last ? static_cast<int>(at) : last) : 0;
   }
+}
+
+bool IsWidened(const SampleAxis& axis, const FilterShape& shape) {
+  return shape.widened && StepOf(axis) > 1;
+}
+
+int FitTaps(int count, int length, int* first, const int* end) {
+  int taps = 1, lowest = length - 1;
+  for (int i = count - 1; i >= 0; --i) {
+    lowest = first[i] = first[i] < lowest ? first[i] : lowest;
+    taps = end[i] - lowest > taps ? end[i] - lowest : taps;
+  }
+  for (int i = count - 1; i >= 0 && first[i] > length - taps; --i) first[i] = length - taps;
+  return taps;
 }
 
 double MostTaps(const SampleAxis& axis, const FilterShape& shape) {
@@ -254,14 +273,7 @@ int ExactAxis::Trim(double least, int* first) const {
     first[i] = first_[i] + low;
     end_[i] = first_[i] + high + 1;
   }
-  int taps = 1, lowest = axis_.length - 1;
-  for (int i = axis_.count - 1; i >= 0; --i) {
-    lowest = first[i] = first[i] < lowest ? first[i] : lowest;
-    taps = end_[i] - lowest > taps ? end_[i] - lowest : taps;
-  }
-  for (int i = axis_.count - 1; i >= 0 && first[i] > axis_.length - taps; --i)
-    first[i] = axis_.length - taps;
-  return taps;
+  return FitTaps(axis_.count, axis_.length, first, end_);
 }
 
 bool ExactAxis::Repeats(int i, const int* first) const {
