@@ -115,6 +115,13 @@ Reach ReachOf(int first, int count, const AxisTaps& a, const FloatTaps& b) {
           aEnd > bEnd ? aEnd : bEnd};
 }
 
+// Whether few levels filter along x by shuffles: a pair of taps of each of four samples, about
+// 3 * step + 2 source samples, has to be within 16 bytes.
+bool IsFarApart(const AxisTaps& taps) {
+  const long long steps = 3ll * (taps.first[taps.count - 1] - taps.first[0]);
+  return taps.taps > 8 && steps + 2 * (taps.count - 1) > 16ll * (taps.count - 1);
+}
+
 // Whether a filter's taps are those that resizing has.
 bool IsNarrow(const SampleAxis& x, const SampleAxis& y, const FilterShape& shape) {
   const bool has = shape.code == InterpolateLinear || shape.code == InterpolateCubic ||
@@ -222,7 +229,8 @@ IppStatus Resampling::PlanNarrow(const Axes& axes, const FilterShape& shape) {
 IppStatus Resampling::PlanExact(const ExactAxis& x, const ExactAxis& y) {
   across_.taps = x.Trim(LeastOf(kShortBits), across_.first);
   down_.taps = y.Trim(LeastOf(kShortBits), down_.first);
-  if (across_.taps > kMaxTaps || down_.taps > kMaxTaps) return PlanLong(x, y);
+  const bool many = across_.taps > kMaxTaps || down_.taps > kMaxTaps;
+  if (many || (IsFarApart(across_) && IsFarApart(down_))) return PlanLong(x, y);
   if (!TakeWeights(across_.taps, down_.taps)) return StatusMemAllocErr;
   x.Store(across_.first, across_.taps, kShortBits, across_.taps, across_.weights);
   y.Store(down_.first, down_.taps, kShortBits, down_.taps, down_.weights);
