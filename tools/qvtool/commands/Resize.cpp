@@ -4,15 +4,13 @@
 
 #include "Command.h"
 #include "ExactApi.h"
-#include "Pipeline.h"
+#include "StreamFields.h"
 #include "io/Resizer.h"
 
 namespace qvtool {
 namespace {
 
 struct Options {
-  InputSpec input;
-  OutputSpec output;
   std::optional<IppiSize> size;
   std::optional<double> factor;
   std::optional<IppiRect> region;
@@ -46,36 +44,45 @@ IppiSize Scaled(const IppiRect& region, double factor) {
   return {Scaled(region.width, factor), Scaled(region.height, factor)};
 }
 
-Frame& Resize(const Options& options, Resizer& resizer, const Frame& in, Frame& out) {
-  if (options.region) CheckRegion(*options.region, in);
-  const IppiRect region = options.region.value_or(in.Bounds());
-  const IppiSize size = options.size ? *options.size : Scaled(region, *options.factor);
-  if (options.exactApi) {
-    out.Reset(in.GetLayout(), size.width, size.height);
-    ExactResize(in, region, out, options.method);
-  } else {
-    resizer(in, region, size, options.method, out);
+class Resize : public Step {
+ public:
+  explicit Resize(const Options& options) : options_(options) {
+    if (options.exactApi && options.method == QV_INTERPOLATE_MITCHELL)
+      throw UsageError("--method: mitchell is none of the methods of --exact-api");
   }
-  return out;
-}
 
-void Run(const Options& given) {
-  Options options = given;
-  // Files know their own size: what --size says of them is the size wanted.
-  if (options.input.size && !options.input.layout && !options.size)
-    options.size.swap(options.input.size);
-  if (options.size.has_value() == options.factor.has_value())
-    throw UsageError("resize wants one of --to (or --size) and --factor");
-  if (options.exactApi && options.method == QV_INTERPOLATE_MITCHELL)
-    throw UsageError("--method: mitchell is none of the methods of --exact-api");
-  Resizer resizer;
-  ForEachFrame(options.input, options.output, [&](Frame& in, Frame& out) -> Frame& {
-    return Resize(options, resizer, in, out);
-  });
-}
+  void Begin(InputSpec& input, const OutputSpec&) override {
+    // Files know their own size: what --size says of them is the size wanted.
+    if (input.size && !input.layout && !options_.size) options_.size.swap(input.size);
+    if (options_.size.has_value() == options_.factor.has_value())
+      throw UsageError("resize wants one of --to (or --size) and --factor");
+  }
 
-void Configure(CLI::App& app) {
-  const auto options = AddFrames(app, Run);
+  Frame& operator()(Frame& in, Frame& out) override {
+    if (options_.region) CheckRegion("--region", *options_.region, in);
+    const IppiRect region = options_.region.value_or(in.Bounds());
+    const IppiSize size = options_.size ? *options_.size : Scaled(region, *options_.factor);
+    if (options_.exactApi) {
+      out.Reset(in.GetLayout(), size.width, size.height);
+      ExactResize(in, region, out, options_.method);
+    } else {
+      resizer_(in, region, size, options_.method, out);
+    }
+    return out;
+  }
+
+  VideoFields Fields(const VideoFields& fields, IppiSize before, IppiSize after) const override {
+    if (options_.region) before = {options_.region->width, options_.region->height};
+    return ScaleAspect(fields, before, after);
+  }
+
+ private:
+  Options options_;
+  Resizer resizer_;
+};
+
+MakeStep Configure(CLI::App& app) {
+  auto options = std::make_shared<Options>();
   app.add_option_function<std::string>(
          "--to", [options](const std::string& text) { options->size = ParseSize("--to", text); },
          "The size of the result; --size without --layout is the same")
@@ -99,6 +106,7 @@ void Configure(CLI::App& app) {
       "The edges of the frame, or of the region, are those of the result, and chroma stays where\n"
       "it lies among the luma. Colours count by their alpha. The result is the same on any number\n"
       "of threads.");
+  return EachFrameWith<Resize>(options);
 }
 
 const Command command{"resize", "Scale frames, or a part of them, to another size", Configure};
