@@ -9,8 +9,23 @@ namespace qv {
 
 namespace {
 
-// Positions are taken in chunks, so that the compiler can work on several at once.
-constexpr int kChunk = 64;
+// Calls each(first, count, positions) for chunks of an axis, so that the compiler can work on
+// several positions at once.
+template <class Each>
+void ForEachChunk(const SampleAxis& axis, Each each) {
+  constexpr int kChunk = 64;
+  double position[kChunk];
+  for (int i = 0; i < axis.count; i += kChunk) {
+    const int count = axis.count - i < kChunk ? axis.count - i : kChunk;
+    PositionsOf(axis, i, count, position);
+    each(i, count, position);
+  }
+}
+
+double Limit(double x, double most) {
+  const double above = x > 0 ? x : 0;
+  return above < most ? above : most;
+}
 
 // Whether a weight is neither none nor all.
 bool SplitPositions(const double* position, int count, int last, int* sample,
@@ -18,7 +33,7 @@ bool SplitPositions(const double* position, int count, int last, int* sample,
   const int lastBefore = last > 0 ? last - 1 : 0;
   int between = 0;
   for (int k = 0; k < count; ++k) {
-    const double above = position[k] > 0 ? position[k] : 0, at = above < last ? above : last;
+    const double at = Limit(position[k], last);
     const int whole = static_cast<int>(at), before = whole < lastBefore ? whole : lastBefore;
     const int next = kWeightOne - static_cast<int>((1 - (at - before)) * kWeightOne + 0.5);
     sample[k] = before;
@@ -59,14 +74,18 @@ void MoveWeights(const int* first, int count, AxisTaps* taps) {
 
 }  // namespace
 
+void NearestSamples(const SampleAxis& axis, int* sample) {
+  ForEachChunk(axis, [&](int i, int count, const double* position) {
+    for (int k = 0; k < count; ++k)
+      sample[i + k] = static_cast<int>(Limit(position[k] + 0.5, axis.length - 1));
+  });
+}
+
 int LinearSamples(const SampleAxis& axis, int* sample, unsigned short* weight) {
   bool isBetween = false;
-  for (int i = 0; i < axis.count; i += kChunk) {
-    const int count = axis.count - i < kChunk ? axis.count - i : kChunk;
-    double position[kChunk];
-    PositionsOf(axis, i, count, position);
+  ForEachChunk(axis, [&](int i, int count, const double* position) {
     isBetween |= SplitPositions(position, count, axis.length - 1, sample + i, weight + i);
-  }
+  });
   if (isBetween) return 1;
   for (int i = 0; i < axis.count; ++i) {
     sample[i] += weight[i] / kWeightOne;

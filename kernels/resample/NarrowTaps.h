@@ -1,5 +1,5 @@
-// The taps of filters that are not widened: two of the linear filter, four of Keys' cubic, six of
-// Lanczos'. As quick as resizing makes them, which matters where positions never come again.
+// The taps of filters that are not widened: the nearest sample, two of the linear filter, four of
+// Keys' cubic, six of Lanczos'. As quick as resizing makes them, which matters for small images.
 #ifndef QV_KERNELS_RESAMPLE_NARROWTAPS_H
 #define QV_KERNELS_RESAMPLE_NARROWTAPS_H
 
@@ -7,6 +7,10 @@
 #include "kernels/resize/AxisTaps.h"
 
 namespace qv {
+
+// floor(position + 0.5), limited to the source: the sample that a position lies in, the later one
+// of two where it lies between them.
+void NearestSamples(const SampleAxis& axis, int* sample);
 
 // The linear filter: a position is sample + weight / 16384, the weight being the next sample's,
 // rounded. Outside are the positions of the first and the last sample; a position on the last one

@@ -43,6 +43,21 @@ int CommonDivisor(int a, int b) {
   return a;
 }
 
+// Samples after which positions come again, so many source samples further: where the extent is a
+// whole number of these.
+struct Period {
+  int samples, advance;
+};
+
+Period PeriodOf(const SampleAxis& axis) {
+  const double extent = axis.extent - (axis.aligned ? 1 : 0);
+  const int steps = axis.count - (axis.aligned ? 1 : 0);
+  if (!(steps > 0 && extent > 0 && extent < INT32_MAX && extent == Floor(extent)))
+    return {axis.count, 0};
+  const int common = CommonDivisor(steps, static_cast<int>(extent));
+  return {steps / common, static_cast<int>(extent) / common};
+}
+
 WorkLayout SamplesLayout(int count) {
   WorkLayout layout;
   layout.Add<double>(count);
@@ -82,30 +97,6 @@ double PositionOf(const SampleAxis& axis, int i) {
   double position;
   PositionsOf(axis, i, 1, &position);
   return position;
-}
-
-Period PeriodOf(const SampleAxis& axis) {
-  const double extent = axis.extent - (axis.aligned ? 1 : 0);
-  const int steps = axis.count - (axis.aligned ? 1 : 0);
-  if (!(steps > 0 && extent > 0 && extent < INT32_MAX && extent == Floor(extent)))
-    return {axis.count, 0};
-  const int common = CommonDivisor(steps, static_cast<int>(extent));
-  return {steps / common, static_cast<int>(extent) / common};
-}
-
-void NearestSamples(const SampleAxis& axis, int* sample) {
-  const Period period = PeriodOf(axis);
-  const int last = axis.length - 1;
-  for (int i = 0; i < axis.count; ++i) {
-    // Samples at the ends may have been limited.
-    const int before = i >= period.samples ? sample[i - period.samples] : 0;
-    if (before > 0 && before < last - period.advance) {
-      sample[i] = before + period.advance;
-      continue;
-    }
-    const double at = Floor(PositionOf(axis, i) + 0.5);
-    sample[i] = at > 0 ? (at < last ? static_cast<int>(at) : last) : 0;
-  }
 }
 
 bool IsWidened(const SampleAxis& axis, const FilterShape& shape) {

@@ -28,18 +28,6 @@ double PositionOf(const SampleAxis& axis, int i);
 // Of samples first .. first + count - 1.
 void PositionsOf(const SampleAxis& axis, int first, int count, double* position);
 
-// floor(position + 0.5), limited to the source: the sample that a position lies in, the later one
-// of two where it lies between them.
-void NearestSamples(const SampleAxis& axis, int* sample);
-
-// Samples after which positions come again, `advance` source samples on: where the extent is a
-// whole number of these. As many as there are if they do not.
-struct Period {
-  int samples, advance;
-};
-
-Period PeriodOf(const SampleAxis& axis);
-
 // Given the source samples first[i] .. end[i] - 1 that destination samples take, makes `first`
 // rise, and returns how many from there each one takes: first[i] + taps is within `length`.
 int FitTaps(int count, int length, int* first, const int* end);
