@@ -25,11 +25,12 @@ QV_INLINE RowPair RowsOf(const RgbFrame<const Byte>& src, const YuvFrame<Byte>& 
                          ptrdiff_t y) {
   const ptrdiff_t below = dst.halfHeight && y + 1 < size.height ? y + 1 : y;
   const ptrdiff_t k = dst.halfHeight ? y / 2 : y;
+  const int last = src.channels == 1 ? 0 : 2;  // of the bytes that are looked at
   return {{RowAt(src.pixels, src.step, y), RowAt(src.pixels, src.step, below)},
           src.channels,
-          src.redFirst ? 2 : 0,
-          src.channels == 1 ? 0 : 1,
-          src.redFirst || src.channels == 1 ? 0 : 2,
+          src.redFirst ? last : 0,
+          last / 2,
+          src.redFirst ? 0 : last,
           {RowAt(dst.luma, dst.lumaStep, y), RowAt(dst.luma, dst.lumaStep, below)},
           dst.lumaApart,
           {RowAt(dst.chroma[0], dst.chromaStep[0], k), RowAt(dst.chroma[1], dst.chromaStep[1], k)},
