@@ -57,7 +57,7 @@ void Configure(CLI::App& app) {
   const auto files = AddFiles(app, "[IN] OUT");
   app.footer("Without IN, a frame of --size and --layout (bgr) is made.");
   app.callback([options, files] {
-    if (files->paths.size() == 1)
+    if (files->paths.size() == 1 && files->folder.empty())
       MakeFrame(*options, *files);
     else
       files->Run(OneStep(StepOf(options)));

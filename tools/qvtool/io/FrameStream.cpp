@@ -1,11 +1,11 @@
 #include "io/FrameStream.h"
 
-#include <algorithm>
 #include <cctype>
-#include <cstdio>
 
 #include "Error.h"
+#include "Report.h"
 #include "io/JpegFile.h"
+#include "io/PictureWriter.h"
 #include "io/PngFile.h"
 #include "io/RawFrames.h"
 #include "io/Y4mFile.h"
@@ -32,79 +32,10 @@ class PictureReader : public FrameReader {
   bool done_ = false;
 };
 
-// The place of the frame number in a path such as frame-%04d.png, if it has one.
-struct Numbering {
-  std::size_t at;
-  std::size_t length;
-  int digits;
-};
-
-std::optional<Numbering> FindNumbering(const std::string& path) {
-  const std::size_t at = path.find('%');
-  if (at == std::string::npos) return {};
-  std::size_t end = at + 1;
-  int digits = 0;
-  while (end < path.size() && std::isdigit(static_cast<unsigned char>(path[end])) && digits < 100)
-    digits = digits * 10 + (path[end++] - '0');
-  if (end >= path.size() || !std::isalpha(static_cast<unsigned char>(path[end]))) return {};
-  if (path[end] != 'd')
-    throw UsageError(path + ": '" + path.substr(at, end + 1 - at) +
-                     "' given; wanted is the number of the frame, such as %04d");
-  return Numbering{at, end + 1 - at, std::min(digits, 12)};
-}
-
-class PictureWriter : public FrameWriter {
- public:
-  PictureWriter(const OutputSpec& spec, FileFormat format)
-      : FrameWriter(spec.coding),
-        path_(spec.path),
-        format_(format),
-        quality_(spec.quality),
-        numbering_(FindNumbering(path_)) {}
-
-  Layout Holds(const LayoutInfo& info) const override { return info.inPictures; }
-
-  void WriteFrame(const Frame& frame) override {
-    ++frames_;
-    if (frames_ == 2 && !numbering_)
-      throw Error(path_ +
-                  ": the input has more than one frame; a name such as frame-%04d.png makes "
-                  "a picture of each");
-    const std::string path = numbering_ ? Numbered(frames_) : path_;
-    auto bytes = Encode(frame, path);
-    if (numbering_)
-      WriteFile(path, bytes);
-    else
-      only_ = std::move(bytes);
-  }
-
-  void Finish() override {
-    if (!numbering_ && frames_ == 1) WriteFile(path_, only_);
-  }
-
- private:
-  std::vector<unsigned char> Encode(const Frame& frame, const std::string& path) {
-    if (format_ == FileFormat::Png) return EncodePng(frame, path);
-    if (frame.GetLayout() != Layout::Bgra) return EncodeJpeg(frame, path, quality_);
-    Flatten(frame, opaque_);
-    return EncodeJpeg(opaque_, path, quality_);
-  }
-
-  std::string Numbered(long frame) const {
-    char number[32];
-    std::snprintf(number, sizeof number, "%0*ld", numbering_->digits, frame);
-    std::string path = path_;
-    return path.replace(numbering_->at, numbering_->length, number);
-  }
-
-  std::string path_;
-  FileFormat format_;
-  int quality_;
-  std::optional<Numbering> numbering_;
-  long frames_ = 0;
-  std::vector<unsigned char> only_;
-  Frame opaque_;
-};
+// The first one of a format is the usual one.
+constexpr std::pair<const char*, FileFormat> kExtensions[] = {
+    {".png", FileFormat::Png}, {".jpg", FileFormat::Jpeg}, {".jpeg", FileFormat::Jpeg},
+    {".y4m", FileFormat::Y4m}, {".raw", FileFormat::Raw},  {".yuv", FileFormat::Raw}};
 
 std::string Extension(const std::string& path) {
   const std::size_t dot = path.rfind('.');
@@ -130,10 +61,16 @@ bool FrameReader::Next(Frame& frame) {
   if (!ReadFrame(frame)) return false;
   frame.coding = coding_.ForRows(frame.Height());
   if (verbose_ && frame.Info().isYCbCr && !(coding_.matrix && coding_.range))
-    std::fprintf(stderr, "qvtool: %s: taken for %s; --matrix and --range say otherwise\n",
-                 source_->Name().c_str(), NameOf(frame.coding).c_str());
+    Report(source_->Name() + ": taken for " + NameOf(frame.coding) +
+           "; --matrix and --range say otherwise");
   verbose_ = false;
   return true;
+}
+
+StreamInfo FrameReader::Describe() {
+  Frame frame;
+  if (!Next(frame)) throw Error(source_->Name() + ": holds no frame");
+  return {frame.GetLayout(), frame.Size(), 1};
 }
 
 void FrameReader::Override(const CodingHints& hints, bool verbose) {
@@ -171,14 +108,24 @@ std::unique_ptr<FrameReader> OpenInput(const InputSpec& spec) {
   return reader;
 }
 
+std::optional<FileFormat> FormatOfName(const std::string& path) {
+  const std::string extension = Extension(path);
+  for (const auto& [name, format] : kExtensions)
+    if (extension == name) return format;
+  return {};
+}
+
+const char* ExtensionOf(FileFormat format) {
+  for (const auto& [name, of] : kExtensions)
+    if (of == format) return name;
+  return "";
+}
+
 FileFormat OutputFormat(const OutputSpec& spec, FileFormat input) {
   if (spec.format) return *spec.format;
   if (spec.path == "-") return input;
+  if (const auto format = FormatOfName(spec.path)) return *format;
   const std::string extension = Extension(spec.path);
-  if (extension == ".png") return FileFormat::Png;
-  if (extension == ".jpg" || extension == ".jpeg") return FileFormat::Jpeg;
-  if (extension == ".y4m") return FileFormat::Y4m;
-  if (extension == ".raw" || extension == ".yuv") return FileFormat::Raw;
   throw UsageError(spec.path + ": " +
                    (extension.empty()
                         ? std::string("the name has no extension")

@@ -14,13 +14,17 @@ class Y4mReader : public FrameReader {
   explicit Y4mReader(std::unique_ptr<ByteSource> source);
   Layout GetLayout() const { return layout_; }
   IppiSize Size() const { return size_; }
+  StreamInfo Describe() override;
 
  private:
   bool ReadFrame(Frame& frame) override;
+  // The line before a frame; false at the end.
+  bool ReadFrameHeader(std::string& line);
 
   Layout layout_ = Layout::I420;
   IppiSize size_ = {};
   long frames_ = 0;
+  Pieces pieces_;
 };
 
 // Writes the fields that it was given into the stream header, with those for the layout, the siting
@@ -36,6 +40,7 @@ class Y4mWriter : public FrameWriter {
   void WriteHeader(const Frame& frame);
 
   OutputFile file_;
+  Pieces pieces_;
   Layout layout_ = Layout::Grey;
   IppiSize size_ = {};
 };
