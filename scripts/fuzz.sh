@@ -34,7 +34,7 @@ seconds=$1
 shift
 families=("$@")
 [ $# -gt 0 ] || families=(checksum color composite copy deinterlace geometry resize \
-  resample overlay fields matrices)
+  resample overlay fields matrices yuv)
 
 # A corpus has an input a line in hexadecimal, libFuzzer wants files.
 unpack() {  # DIRECTORY CORPUS

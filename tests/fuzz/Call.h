@@ -132,6 +132,7 @@ void FuzzMatrices(Input& in);
 void FuzzOverlay(Input& in);
 void FuzzResample(Input& in);
 void FuzzResize(Input& in);
+void FuzzYuv(Input& in);
 
 struct FuzzFamily {
   const char* name;
@@ -148,6 +149,7 @@ constexpr FuzzFamily kFuzzFamilies[] = {
     {"overlay", FuzzOverlay, {"qv_over"}},
     {"fields", FuzzFields, {"qv_deinterlace_bob", "qv_weave"}},
     {"matrices", FuzzMatrices, {"qv_invert_transform", "qv_rotation_canvas"}},
+    {"yuv", FuzzYuv, {"qv_yuv_to_rgb", "qv_rgb_to_yuv"}},
 };
 
 }  // namespace qv::test
