@@ -240,11 +240,12 @@ CLI::Option* AddRegion(CLI::App& app, std::optional<IppiRect>& region) {
 }
 
 void CheckRegion(const IppiRect& region, const Frame& frame) {
-  if (region.x > frame.Width() - region.width || region.y > frame.Height() - region.height)
+  const IppiSize size = frame.FullSize();
+  if (region.x > size.width - region.width || region.y > size.height - region.height)
     throw UsageError("--region: " + std::to_string(region.x) + "," + std::to_string(region.y) +
                      "," + std::to_string(region.width) + "," + std::to_string(region.height) +
-                     " given; wanted is a part of the frame of " + std::to_string(frame.Width()) +
-                     "x" + std::to_string(frame.Height()));
+                     " given; wanted is a part of the frame of " + std::to_string(size.width) +
+                     "x" + std::to_string(size.height));
 }
 
 CLI::Option* AddInteger(CLI::App& app, const std::string& name, int& value, int least, int most,

@@ -14,8 +14,7 @@ void ForEachFrame(const InputSpec& input, const OutputSpec& output, const FrameF
   Frame out;
   long frames = 0;
   while (reader->Next(in)) {
-    out.coding = in.coding;
-    out.parameters = in.parameters;
+    out.Inherit(in);
     writer->Write(work(in, out));
     progress.Show(++frames, reader->Source().Position(), reader->Source().Size());
   }
