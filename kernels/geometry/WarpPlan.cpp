@@ -89,7 +89,8 @@ bool WarpSourcePosition(const double coeffs[3][3], const Corners& source, double
   return true;
 }
 
-// The rows that the image of the source's rectangle, tolerance included, can touch.
+// The rows that the image of the source's rectangle, tolerance included, can touch. They are whole
+// numbers before the destination's rows cut them, so that every band has its part of the same rows.
 void WarpPlan::FindRows(const double coeffs[3][3]) {
   double low = destination_.y0, high = destination_.y1;
   const Corners wide = {low_[0], low_[1], high_[0], high_[1]};
@@ -104,8 +105,9 @@ void WarpPlan::FindRows(const double coeffs[3][3]) {
     if (!(w * signAt0 > 0)) bounded = false;
   }
   if (bounded) {
-    if (bound[0][1] - 1 > low) low = bound[0][1] - 1;
-    if (bound[1][1] + 1 < high) high = bound[1][1] + 1;
+    const double first = floor(bound[0][1] - 1), last = floor(bound[1][1] + 1);
+    if (first > low) low = first;
+    if (last < high) high = last;
   }
   if (low <= high) rows_ = {static_cast<int>(low), static_cast<int>(high)};
 }

@@ -117,8 +117,9 @@ TEST(Blend, NamesEveryOperation) {
     const std::string a(bytes, '\xc8'), b(bytes, '\x50');
     ASSERT_EQ(place.Run("copy - b.png" + frame, b).exitCode, 0);
     for (const auto& [name, expected] : cases) {
-      const Outcome outcome = place.Run("blend - b.png - --alpha1 100 --alpha2 180 --operation " +
-                                            std::string(name) + frame, a);
+      const Outcome outcome =
+          place.Run("blend - - --with b.png --alpha1 100 --alpha2 180 --operation " +
+                        std::string(name) + frame, a);
       EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
       EXPECT_TRUE(outcome.out == std::string(bytes, static_cast<char>(expected)))
           << name << ' ' << layout;
@@ -157,6 +158,7 @@ TEST(Deinterlace, FiltersEveryPlaneByItself) {
     for (const std::size_t height : {7, 4}) {
       std::string clip = "YUV4MPEG2 W6 H" + std::to_string(height) + " C420jpeg F25:1 It\n";
       std::string expected = clip;
+      expected.replace(expected.find("It"), 2, "Ip");
       const std::size_t luma = 6 * height, chroma = 3 * ((height + 1) / 2);
       for (unsigned frame = 1; frame < 4; ++frame) {
         clip += "FRAME\n";

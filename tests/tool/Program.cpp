@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
+#include <iomanip>
 #include <iterator>
 #include <sstream>
 #include <stdexcept>
@@ -27,7 +28,9 @@ std::string ReadFile(const fs::path& path) {
 
 Arguments Words(const std::string& line) {
   std::istringstream stream(line);
-  return {std::istream_iterator<std::string>(stream), {}};
+  Arguments words;
+  for (std::string word; stream >> std::quoted(word, '\'');) words.push_back(word);
+  return words;
 }
 
 Workplace::Workplace() {

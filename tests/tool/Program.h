@@ -10,7 +10,7 @@ namespace tooltest {
 
 using Arguments = std::vector<std::string>;
 
-// A command line as one would type it; no argument holds a space.
+// A command line as one would type it; an argument with blanks stands between single quotes.
 Arguments Words(const std::string& line);
 
 struct Outcome {

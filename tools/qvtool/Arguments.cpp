@@ -214,22 +214,6 @@ void AddOutputOptions(CLI::App& app, OutputSpec& spec) {
   AddRange(app, "--to-range", spec.coding, "Range of the output, if another than that of IN");
 }
 
-void AddInput(CLI::App& app, InputSpec& spec) {
-  app.add_option("IN", spec.path,
-                 "PNG, JPEG or Y4M file, headerless frames, or - for standard input")
-      ->required();
-  AddRawInputOptions(app, spec);
-}
-
-void AddOutput(CLI::App& app, OutputSpec& spec) {
-  app.add_option(
-         "OUT", spec.path,
-         ".png, .jpg, .y4m, .raw or .yuv file, frame-%04d.png for a picture of every frame, "
-         "or - for standard output")
-      ->required();
-  AddOutputOptions(app, spec);
-}
-
 CLI::Option* AddRegion(CLI::App& app, std::optional<IppiRect>& region) {
   return app
       .add_option_function<std::string>(
@@ -239,10 +223,10 @@ CLI::Option* AddRegion(CLI::App& app, std::optional<IppiRect>& region) {
       ->type_name("X,Y,W,H");
 }
 
-void CheckRegion(const IppiRect& region, const Frame& frame) {
+void CheckRegion(const std::string& argument, const IppiRect& region, const Frame& frame) {
   const IppiSize size = frame.FullSize();
   if (region.x > size.width - region.width || region.y > size.height - region.height)
-    throw UsageError("--region: " + std::to_string(region.x) + "," + std::to_string(region.y) +
+    throw UsageError(argument + ": " + std::to_string(region.x) + "," + std::to_string(region.y) +
                      "," + std::to_string(region.width) + "," + std::to_string(region.height) +
                      " given; wanted is a part of the frame of " + std::to_string(size.width) +
                      "x" + std::to_string(size.height));

@@ -46,11 +46,7 @@ class Colour {
   std::vector<unsigned char> values_;
 };
 
-// The positional IN and OUT with what belongs to them.
-void AddInput(CLI::App& app, InputSpec& spec);
-void AddOutput(CLI::App& app, OutputSpec& spec);
-
-// The same without the positional, for sub-commands that name their files in another way.
+// What belongs to IN and to OUT, without the positionals themselves.
 void AddRawInputOptions(CLI::App& app, InputSpec& spec);
 void AddOutputOptions(CLI::App& app, OutputSpec& spec);
 
@@ -59,8 +55,8 @@ void AddExactApi(CLI::App& app, bool& exactApi, const std::string& about);
 
 CLI::Option* AddRegion(CLI::App& app, std::optional<IppiRect>& region);
 
-// Throws a UsageError when the region is not inside the frame.
-void CheckRegion(const IppiRect& region, const Frame& frame);
+// Throws a UsageError that names the argument when the region is not inside the frame.
+void CheckRegion(const std::string& argument, const IppiRect& region, const Frame& frame);
 
 CLI::Option* AddInteger(CLI::App& app, const std::string& name, int& value, int least, int most,
                         const std::string& about);

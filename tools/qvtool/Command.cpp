@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string_view>
 
+#include "Files.h"
+
 namespace qvtool {
 namespace {
 
@@ -12,10 +14,28 @@ std::vector<const Command*>& Registered() {
   return commands;
 }
 
+void ConfigureWithFiles(CLI::App& app, ConfigureStep configure) {
+  const MakeStep make = configure(app);
+  const auto files = AddFiles(app);
+  app.callback([files, make] { files->Run(OneStep(make)); });
+}
+
 }  // namespace
 
 Command::Command(const char* name, const char* about, void (*configure)(CLI::App&))
-    : name(name), about(about), configure(configure) {
+    : Command(name, about, configure, nullptr) {}
+
+Command::Command(const char* name, const char* about, ConfigureStep step)
+    : name(name),
+      about(about),
+      configure([step](CLI::App& app) { ConfigureWithFiles(app, step); }),
+      step(step) {
+  Registered().push_back(this);
+}
+
+Command::Command(const char* name, const char* about, void (*configure)(CLI::App&),
+                 ConfigureStep step)
+    : name(name), about(about), configure(configure), step(step) {
   Registered().push_back(this);
 }
 

@@ -1,30 +1,28 @@
 // The sub-commands of qvtool.
 //
-// To add one, add a file commands/Name.cpp and nothing else; the build finds it:
+// To add one that makes a frame of every frame, add a file commands/Name.cpp and nothing else; the
+// build finds it, and it is also a step that `qvtool run` knows:
 //
 //   #include "Command.h"
-//   #include "Pipeline.h"
 //
 //   namespace qvtool {
 //   namespace {
 //
 //   struct Options {
-//     InputSpec input;
-//     OutputSpec output;
 //     int amount = 0;
 //   };
 //
-//   void Run(const Options& options) {
-//     ForEachFrame(options.input, options.output, [&](Frame& in, Frame& out) -> Frame& {
-//       out.ResetLike(in);
-//       ...                    // one operation for every plane
-//       return out;            // or `in`, for an operation that works in place
-//     });
+//   Frame& Work(const Options& options, const Frame& in, Frame& out) {
+//     out.ResetLike(in);
+//     ...                      // one operation for every plane
+//     return out;              // or `in`, for an operation that works in place
 //   }
 //
-//   void Configure(CLI::App& app) {
-//     const auto options = AddFrames(app, Run);
+//   MakeStep Configure(CLI::App& app) {
+//     auto options = std::make_shared<Options>();
 //     app.add_option("--amount", options->amount, "How much")->required();
+//     return EachFrame(
+//         [options](Frame& in, Frame& out) -> Frame& { return Work(*options, in, out); });
 //   }
 //
 //   const Command command{"name", "What it does, in one line", Configure};
@@ -32,7 +30,11 @@
 //   }  // namespace
 //   }  // namespace qvtool
 //
-// A callback throws UsageError for arguments that contradict each other (exit code 2) and Error for
+// One that keeps something from frame to frame, reads a file of its own, or changes what a stream
+// says of itself, is a class, derived from Step and made of its options: EachFrameWith<Work>. One
+// that does something else has `void Configure(CLI::App& app)`, which sets a callback.
+//
+// UsageError is thrown for arguments that contradict each other (exit code 2) and Error for
 // everything that goes wrong while running (exit code 1).
 #ifndef QV_TOOLS_QVTOOL_COMMAND_H
 #define QV_TOOLS_QVTOOL_COMMAND_H
@@ -40,35 +42,33 @@
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "Arguments.h"
 #include "Error.h"
+#include "Step.h"
 
 namespace qvtool {
 
+// Adds the arguments of a step, without those of its files.
+using ConfigureStep = MakeStep (*)(CLI::App&);
+
 class Command {
  public:
-  // Registers the sub-command.
+  // Each registers the sub-command. The first is for those that are no steps, the second for those
+  // that take IN and OUT as well, the third for a step that names its files in another way.
   Command(const char* name, const char* about, void (*configure)(CLI::App&));
+  Command(const char* name, const char* about, ConfigureStep step);
+  Command(const char* name, const char* about, void (*configure)(CLI::App&), ConfigureStep step);
 
   const char* name;
   const char* about;
-  void (*configure)(CLI::App&);
+  std::function<void(CLI::App&)> configure;
+  ConfigureStep step = nullptr;
 };
-
-// The options of a sub-command that reads frames from IN, which is options->input, works on them in
-// `run` and writes them to OUT, options->output.
-template <class Options>
-std::shared_ptr<Options> AddFrames(CLI::App& app, void (*run)(const Options&)) {
-  auto options = std::make_shared<Options>();
-  AddInput(app, options->input);
-  AddOutput(app, options->output);
-  app.callback([options, run] { run(*options); });
-  return options;
-}
 
 // All sub-commands by name.
 std::vector<const Command*> AllCommands();

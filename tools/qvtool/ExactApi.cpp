@@ -100,7 +100,7 @@ ExactConverter::ExactConverter(Layout target) : target_(target) {
                      " given; with --exact-api wanted is bgr, i420 or yv12");
 }
 
-const Frame& ExactConverter::operator()(const Frame& in, Frame& out) {
+Frame& ExactConverter::operator()(const Frame& in, Frame& out) {
   const Layout from = in.GetLayout();
   const bool isPlanar = from == Layout::I420 || from == Layout::Yv12;
   if (from != Layout::Yuyv && from != Layout::Nv12 && !isPlanar)

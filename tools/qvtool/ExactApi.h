@@ -17,7 +17,7 @@ class ExactConverter {
   explicit ExactConverter(Layout target);
 
   // Frames that the operations do not take throw an Error.
-  const Frame& operator()(const Frame& in, Frame& out);
+  Frame& operator()(const Frame& in, Frame& out);
 
  private:
   Layout target_;

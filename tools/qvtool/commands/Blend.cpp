@@ -1,15 +1,12 @@
 // qvtool blend: composes two pictures under an alpha each.
 #include "Command.h"
-#include "Pipeline.h"
 #include "io/Status.h"
 
 namespace qvtool {
 namespace {
 
 struct Options {
-  InputSpec input;
-  OutputSpec output;
-  std::string second;
+  std::string below;
   IppiAlphaType operation = AlphaOver;
   int alpha1 = 128;
   int alpha2 = 255;
@@ -26,8 +23,8 @@ Frame& Blend(const Options& options, const Frame& a, const Frame& b, Frame& out)
   if (a.Info().isYCbCr)
     throw Error("blend: " + NameOf(a.GetLayout()) + " frames given; wanted is grey, bgr or bgra");
   if (a.GetLayout() != b.GetLayout() || a.Width() != b.Width() || a.Height() != b.Height())
-    throw Error("blend: " + options.input.path + " is " + Shape(a) + ", and " + options.second +
-                " is " + Shape(b) + "; wanted are two alike");
+    throw Error("blend: the frames are " + Shape(a) + ", and " + options.below + " is " + Shape(b) +
+                "; wanted are two alike");
   out.ResetLike(a);
   for (int i = 0; i < a.Planes(); ++i) {
     const Plane& first = a.PlaneAt(i);
@@ -42,19 +39,23 @@ Frame& Blend(const Options& options, const Frame& a, const Frame& b, Frame& out)
   return out;
 }
 
-void Run(const Options& options) {
-  const Frame second = ReadPicture(options.second);
-  ForEachFrame(options.input, options.output, [&](Frame& in, Frame& out) -> Frame& {
-    return Blend(options, in, second, out);
-  });
-}
+class Blending : public Step {
+ public:
+  explicit Blending(const Options& options)
+      : options_(options), below_(ReadPicture(options.below)) {}
 
-void Configure(CLI::App& app) {
+  Frame& operator()(Frame& in, Frame& out) override { return Blend(options_, in, below_, out); }
+
+ private:
+  Options options_;
+  Frame below_;
+};
+
+MakeStep Configure(CLI::App& app) {
   auto options = std::make_shared<Options>();
-  AddInput(app, options->input);
-  app.add_option("SECOND", options->second, "The picture below: of the same size and layout")
+  app.add_option("--with", options->below, "The picture below: of the same size and layout")
+      ->type_name("FILE")
       ->required();
-  AddOutput(app, options->output);
   AddChoice<IppiAlphaType>(app, "--operation", options->operation,
                            {{"over", AlphaOver},
                             {"in", AlphaIn},
@@ -70,11 +71,11 @@ void Configure(CLI::App& app) {
                             {"plus-premultiplied", AlphaPlusPremul}},
                            "How (over), after Porter and Duff 1984");
   AddInteger(app, "--alpha1", options->alpha1, 0, 255, "Alpha of all of IN (128)");
-  AddInteger(app, "--alpha2", options->alpha2, 0, 255, "Alpha of all of SECOND (255)");
+  AddInteger(app, "--alpha2", options->alpha2, 0, 255, "Alpha of all of the picture below (255)");
   app.footer(
       "The premultiplied operations take pictures that are scaled by their alphas already. Bytes\n"
       "of an alpha plane are composed like those of colours.");
-  app.callback([options] { Run(*options); });
+  return EachFrameWith<Blending>(options);
 }
 
 const Command command{"blend", "Compose two pictures under an alpha each", Configure};

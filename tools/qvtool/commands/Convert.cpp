@@ -1,34 +1,42 @@
 // qvtool convert: another layout of pixels or of luma and chroma.
-#include <functional>
-
 #include "Command.h"
 #include "ExactApi.h"
-#include "Pipeline.h"
 
 namespace qvtool {
 namespace {
 
 struct Options {
-  InputSpec input;
-  OutputSpec output;
   Layout target = Layout::Bgr;
   bool exactApi = false;
 };
 
-void Run(const Options& options) {
-  if (options.exactApi) {
-    ExactConverter converter(options.target);
-    ForEachFrame(options.input, options.output, std::ref(converter));
-    return;
-  }
-  Conversion conversion;
-  ForEachFrame(options.input, options.output, [&](Frame& in, Frame&) -> const Frame& {
-    return conversion(in, options.target, options.output.coding.Over(in.coding));
-  });
-}
+class Converting : public Step {
+ public:
+  explicit Converting(const Options& options) : target_(options.target) {}
 
-void Configure(CLI::App& app) {
-  const auto options = AddFrames(app, Run);
+  void Begin(InputSpec&, const OutputSpec& output) override { coding_ = output.coding; }
+
+  Frame& operator()(Frame& in, Frame& out) override {
+    return conversion_(in, target_, coding_.Over(in.coding), out);
+  }
+
+ private:
+  Layout target_;
+  CodingHints coding_;
+  Conversion conversion_;
+};
+
+class ExactConverting : public Step {
+ public:
+  explicit ExactConverting(const Options& options) : converter_(options.target) {}
+  Frame& operator()(Frame& in, Frame& out) override { return converter_(in, out); }
+
+ private:
+  ExactConverter converter_;
+};
+
+MakeStep Configure(CLI::App& app) {
+  auto options = std::make_shared<Options>();
   app.add_option_function<std::string>(
          "--to",
          [options](const std::string& text) { options->target = ParseLayout("--to", text); },
@@ -40,6 +48,10 @@ void Configure(CLI::App& app) {
   app.footer(
       "Files that do not hold the layout get the nearest one that they do: PNG and JPEG pixels,\n"
       "Y4M planes. Samples are moved as they are where matrix, range and grid stay the same.");
+  return [options]() -> std::unique_ptr<Step> {
+    if (options->exactApi) return std::make_unique<ExactConverting>(*options);
+    return std::make_unique<Converting>(*options);
+  };
 }
 
 const Command command{"convert", "Change the layout of frames", Configure};

@@ -1,8 +1,7 @@
 // qvtool copy: copies, crops and changes the layout of pixels.
-#include <functional>
-
 #include "Command.h"
-#include "Pipeline.h"
+#include "CropFrame.h"
+#include "StreamFields.h"
 #include "io/Samples.h"
 #include "io/Status.h"
 
@@ -12,41 +11,11 @@ namespace {
 enum class Target { Same, Bgr, Bgra, Blue, Green, Red };
 
 struct Options {
-  InputSpec input;
-  OutputSpec output;
   std::optional<IppiRect> region;
   Target target = Target::Same;
   std::string onto;
   std::string alpha;
 };
-
-// The frame itself, or a copy of the part that the region covers.
-Frame& Crop(const Options& options, const Frame& in, Frame& out) {
-  const IppiRect region = options.region.value_or(in.Bounds());
-  CheckRegion(region, in);
-  const LayoutInfo& info = in.Info();
-  // Chroma of a region that starts between two chroma samples would be shifted against its luma.
-  for (int i = 0; i < info.planes; ++i) {
-    const int columns = 1 << info.plane[i].shiftX;
-    const int rows = 1 << info.plane[i].shiftY;
-    if (region.x % columns != 0 || region.y % rows != 0)
-      throw UsageError("--region: " + std::to_string(region.x) + "," + std::to_string(region.y) +
-                       " given as its corner; wanted is a multiple of " + std::to_string(columns) +
-                       "," + std::to_string(rows) + ", where " + NameOf(in.GetLayout()) +
-                       " frames have chroma samples");
-  }
-  out.Reset(in.GetLayout(), region.width, region.height);
-  out.coding = in.coding;
-  for (int i = 0; i < in.Planes(); ++i) {
-    const Plane from = in.PlaneAt(i).Cut(region, info.plane[i]);
-    const Plane& to = out.PlaneAt(i);
-    const bool isColour = from.bytes == 3;
-    Check("qvCopy", CqvAccLib::qvCopy(isColour ? CqvAccLib::ThreeChannels : CqvAccLib::OneChannel,
-                                      from.data, from.step, to.data, to.step,
-                                      isColour ? from.Size() : from.SizeInBytes()));
-  }
-  return out;
-}
 
 void GreyToBgr(const Plane& from, const Plane& to) {
   Check("qvDup", CqvAccLib::qvDup(CqvAccLib::OneChannel, from.data, from.step, to.data, to.step,
@@ -68,23 +37,35 @@ Frame Companion(const char* option, const std::string& path, const Frame& frame)
   return picture;
 }
 
-class Copier {
+class Copy : public Step {
  public:
-  explicit Copier(const Options& options) : options_(options) {}
+  explicit Copy(const Options& options) : options_(options) {
+    const bool intoChannel = options.target >= Target::Blue;
+    if (!options.onto.empty() && !intoChannel)
+      throw UsageError("--onto: only with --to blue, --to green or --to red");
+    if (!options.alpha.empty() && options.target != Target::Bgra)
+      throw UsageError("--alpha: only with --to bgra");
+  }
 
-  const Frame& operator()(Frame& in, Frame& out) {
-    const Frame& part = options_.region ? Crop(options_, in, cropped_) : in;
+  Frame& operator()(Frame& in, Frame& out) override {
+    const bool isLast = options_.target == Target::Same;
+    Frame& part = !options_.region ? in : isLast ? out : cropped_;
+    if (options_.region) CropFrame("--region", *options_.region, in, part);
     switch (options_.target) {
-      case Target::Same: return options_.region ? part : Crop(options_, in, out);
-      case Target::Bgr: return conversion_(part, Layout::Bgr, part.coding);
-      case Target::Bgra: return ToBgra(part);
+      case Target::Same: return part;
+      case Target::Bgr: return conversion_(part, Layout::Bgr, part.coding, out);
+      case Target::Bgra: return ToBgra(part, out);
       default: return IntoChannel(part, out);
     }
   }
 
+  VideoFields Fields(const VideoFields& fields, IppiSize, IppiSize) const override {
+    return options_.region && options_.region->y % 2 != 0 ? SwapRowParity(fields) : fields;
+  }
+
  private:
-  const Frame& ToBgra(const Frame& in) {
-    const Frame& out = conversion_(in, Layout::Bgra, in.coding);
+  Frame& ToBgra(Frame& in, Frame& result) {
+    Frame& out = conversion_(in, Layout::Bgra, in.coding, result);
     if (options_.alpha.empty()) return out;
     if (companion_.Empty()) companion_ = Companion("--alpha", options_.alpha, in);
     if (companion_.GetLayout() != Layout::Grey)
@@ -121,24 +102,14 @@ class Copier {
     return out;
   }
 
-  const Options& options_;
+  Options options_;
   Conversion conversion_;
   Frame cropped_;
   Frame companion_;
 };
 
-void Run(const Options& options) {
-  const bool intoChannel = options.target >= Target::Blue;
-  if (!options.onto.empty() && !intoChannel)
-    throw UsageError("--onto: only with --to blue, --to green or --to red");
-  if (!options.alpha.empty() && options.target != Target::Bgra)
-    throw UsageError("--alpha: only with --to bgra");
-  Copier copier(options);
-  ForEachFrame(options.input, options.output, std::ref(copier));
-}
-
-void Configure(CLI::App& app) {
-  const auto options = AddFrames(app, Run);
+MakeStep Configure(CLI::App& app) {
+  auto options = std::make_shared<Options>();
   AddRegion(app, options->region);
   AddChoice<Target>(
       app, "--to", options->target,
@@ -156,6 +127,7 @@ void Configure(CLI::App& app) {
   app.add_option("--alpha", options->alpha,
                  "Grey picture that becomes the alpha of --to bgra (255)")
       ->type_name("FILE");
+  return EachFrameWith<Copy>(options);
 }
 
 const Command command{"copy", "Copy, crop, or change between grey, BGR and BGRA", Configure};

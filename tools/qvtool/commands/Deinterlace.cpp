@@ -2,15 +2,13 @@
 #include <vector>
 
 #include "Command.h"
-#include "Pipeline.h"
+#include "StreamFields.h"
 #include "io/Status.h"
 
 namespace qvtool {
 namespace {
 
 struct Options {
-  InputSpec input;
-  OutputSpec output;
   int centreWeight = 128;
   unsigned mode = 0;
 };
@@ -22,15 +20,16 @@ void CopyRows(const Plane& from, const Plane& to) {
 
 // Modes 4 and 16 begin a row above the image and read one row more: the filter runs on the plane
 // with its first row repeated twice above, and what it writes above the plane is dropped.
-class Filter {
+class Deinterlace : public Step {
  public:
-  explicit Filter(const Options& options) : options_(options) {}
+  explicit Deinterlace(const Options& options) : options_(options) {}
 
-  Frame& operator()(const Frame& in, Frame& out) {
+  Frame& operator()(Frame& in, Frame& out) override {
     if (in.Height() < 3)
       throw Error("deinterlace: the frames are " + std::to_string(in.Height()) +
                   " rows high; wanted is 3 at least");
     out.ResetLike(in);
+    out.parameters = WithoutFieldOrder(in.parameters);
     for (int i = 0; i < in.Planes(); ++i) {
       const Plane& from = in.PlaneAt(i);
       const Plane& to = out.PlaneAt(i);
@@ -42,6 +41,10 @@ class Filter {
         FilterRows(from, to);
     }
     return out;
+  }
+
+  VideoFields Fields(const VideoFields& fields, IppiSize, IppiSize) const override {
+    return Progressive(fields);
   }
 
  private:
@@ -74,18 +77,12 @@ class Filter {
     return extended;
   }
 
-  const Options& options_;
+  Options options_;
   std::vector<unsigned char> source_, result_;
 };
 
-void Run(const Options& options) {
-  Filter filter(options);
-  ForEachFrame(options.input, options.output,
-               [&](Frame& in, Frame& out) -> Frame& { return filter(in, out); });
-}
-
-void Configure(CLI::App& app) {
-  const auto options = AddFrames(app, Run);
+MakeStep Configure(CLI::App& app) {
+  auto options = std::make_shared<Options>();
   AddInteger(app, "--centre-weight", options->centreWeight, 0, 256,
              "Weight of a row in its own result, in 1/256; its neighbours share the rest (128)");
   AddChoice<unsigned>(app, "--mode", options->mode, {{"0", 0}, {"1", 1}, {"4", 4}, {"16", 16}},
@@ -94,7 +91,8 @@ void Configure(CLI::App& app) {
   app.footer(
       "Other rows stay as they are: modes 1 and 4, which leave the last row to the caller, give\n"
       "the frames of 0 and 16. With 4 and 16 the first row is its own upper neighbour. Every\n"
-      "plane is filtered on its own grid.");
+      "plane is filtered on its own grid. A stream says of itself then that it is progressive.");
+  return EachFrameWith<Deinterlace>(options);
 }
 
 const Command command{"deinterlace", "Smooth the combing of interlaced frames", Configure};

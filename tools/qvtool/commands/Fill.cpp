@@ -1,69 +1,71 @@
 // qvtool fill: makes a frame of one colour, or fills a region of the frames given.
 #include "Command.h"
+#include "Files.h"
 #include "FillFrame.h"
-#include "Pipeline.h"
 
 namespace qvtool {
 namespace {
 
 struct Options {
-  std::vector<std::string> paths;
-  InputSpec input;
-  OutputSpec output;
   std::optional<IppiRect> region;
   std::optional<Colour> colour;
 };
 
-void MakeFrame(const Options& options) {
-  if (!options.input.size)
+Frame& Fill(const Options& options, Frame& frame) {
+  const IppiRect region = options.region.value_or(frame.Bounds());
+  CheckRegion("--region", region, frame);
+  FillFrame(frame, region, *options.colour);
+  return frame;
+}
+
+void MakeFrame(const Options& options, const Files& files) {
+  const InputSpec& input = files.input;
+  OutputSpec output = files.output;
+  output.path = files.paths.front();
+  if (!input.size)
     throw UsageError("--size: wanted when there is no input, such as --size 1920x1080");
   if (options.region) throw UsageError("--region: wants an input whose region is filled");
-  const auto layout = options.input.layout.value_or(Layout::Bgr);
-  const auto writer =
-      OpenOutput(options.output, FileFormat::Raw, {"F" + options.input.rate, "Ip", "A1:1"});
-  Frame frame(layout, options.input.size->width, options.input.size->height);
-  frame.coding = options.output.coding.Over(options.input.coding.ForRows(frame.Height()));
+  const auto writer = OpenOutput(output, FileFormat::Raw);
+  writer->SetFields({"F" + input.rate, "Ip", "A1:1"});
+  Frame frame(input.layout.value_or(Layout::Bgr), input.size->width, input.size->height);
+  frame.coding = output.coding.Over(input.coding.ForRows(frame.Height()));
   FillFrame(frame, frame.Bounds(), *options.colour);
   writer->Write(frame);
   writer->Finish();
 }
 
-void Run(Options& options) {
-  options.output.path = options.paths.back();
-  if (options.paths.size() == 1) {
-    MakeFrame(options);
-    return;
-  }
-  options.input.path = options.paths.front();
-  ForEachFrame(options.input, options.output, [&](Frame& in, Frame&) -> Frame& {
-    const IppiRect region = options.region.value_or(in.Bounds());
-    CheckRegion(region, in);
-    FillFrame(in, region, *options.colour);
-    return in;
-  });
-}
-
-void Configure(CLI::App& app) {
+std::shared_ptr<Options> AddOptions(CLI::App& app) {
   auto options = std::make_shared<Options>();
-  app.add_option(
-         "[IN] OUT", options->paths,
-         "The frames to fill, if any, and the file to write; - for standard input or output")
-      ->required()
-      ->expected(1, 2);
   app.add_option_function<std::string>(
          "--colour,--color",
          [options](const std::string& text) { options->colour = Colour::Parse("--colour", text); },
          "#rrggbb, one value, or one value a channel in the order of the layout (B,G,R or Y,Cb,Cr)")
       ->type_name("COLOUR")
       ->required();
-  AddRawInputOptions(app, options->input);
   AddRegion(app, options->region);
-  AddOutputOptions(app, options->output);
-  app.footer("Without IN, a frame of --size and --layout (bgr) is made.");
-  app.callback([options] { Run(*options); });
+  return options;
 }
 
-const Command command{"fill", "Make a frame of one colour, or fill a region of frames", Configure};
+MakeStep StepOf(std::shared_ptr<Options> options) {
+  return EachFrame([options](Frame& in, Frame&) -> Frame& { return Fill(*options, in); });
+}
+
+MakeStep ConfigureStep(CLI::App& app) { return StepOf(AddOptions(app)); }
+
+void Configure(CLI::App& app) {
+  const auto options = AddOptions(app);
+  const auto files = AddFiles(app, "[IN] OUT");
+  app.footer("Without IN, a frame of --size and --layout (bgr) is made.");
+  app.callback([options, files] {
+    if (files->paths.size() == 1)
+      MakeFrame(*options, *files);
+    else
+      files->Run(OneStep(StepOf(options)));
+  });
+}
+
+const Command command{"fill", "Make a frame of one colour, or fill a region of frames", Configure,
+                      ConfigureStep};
 
 }  // namespace
 }  // namespace qvtool

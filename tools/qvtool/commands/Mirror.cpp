@@ -1,42 +1,49 @@
 // qvtool mirror: flips frames.
 #include "Command.h"
-#include "Pipeline.h"
+#include "StreamFields.h"
 #include "io/Status.h"
 
 namespace qvtool {
 namespace {
 
 struct Options {
-  InputSpec input;
-  OutputSpec output;
   IppiAxis axis = AxisVertical;
 };
 
-Frame& Mirror(IppiAxis axis, const Frame& in, Frame& out) {
-  out.ResetLike(in);
-  for (int i = 0; i < in.Planes(); ++i) {
-    const Plane& from = in.PlaneAt(i);
-    const Plane& to = out.PlaneAt(i);
+class Mirror : public Step {
+ public:
+  explicit Mirror(const Options& options) : axis_(options.axis) {}
+
+  Frame& operator()(Frame& in, Frame& out) override {
+    out.ResetLike(in);
+    for (int i = 0; i < in.Planes(); ++i) MirrorPlane(in.PlaneAt(i), out.PlaneAt(i));
+    return out;
+  }
+
+  // The last row of an even number of rows is of the other field than the first.
+  VideoFields Fields(const VideoFields& fields, IppiSize before, IppiSize) const override {
+    return axis_ == AxisVertical || before.height % 2 != 0 ? fields : SwapRowParity(fields);
+  }
+
+ private:
+  void MirrorPlane(const Plane& from, const Plane& to) const {
     // Top to bottom, rows stay whole, so that groups of any number of bytes can be flipped.
-    const bool asBytes = axis == AxisHorizontal && from.bytes != 3;
+    const bool asBytes = axis_ == AxisHorizontal && from.bytes != 3;
     const auto type = asBytes ? CqvAccLib::OneChannel : from.Type("mirroring left to right");
     Check("qvMirror", CqvAccLib::qvMirror(type, from.data, from.step, to.data, to.step,
-                                          asBytes ? from.SizeInBytes() : from.Size(), axis));
+                                          asBytes ? from.SizeInBytes() : from.Size(), axis_));
   }
-  return out;
-}
 
-void Run(const Options& options) {
-  ForEachFrame(options.input, options.output,
-               [&](Frame& in, Frame& out) -> Frame& { return Mirror(options.axis, in, out); });
-}
+  IppiAxis axis_;
+};
 
-void Configure(CLI::App& app) {
-  const auto options = AddFrames(app, Run);
+MakeStep Configure(CLI::App& app) {
+  auto options = std::make_shared<Options>();
   AddChoice<IppiAxis>(
       app, "--axis", options->axis,
       {{"top-bottom", AxisHorizontal}, {"left-right", AxisVertical}, {"both", AxisBoth}},
       "Which way to flip (left-right); both is a turn by 180 degrees");
+  return EachFrameWith<Mirror>(options);
 }
 
 const Command command{"mirror", "Flip top to bottom, left to right or both", Configure};

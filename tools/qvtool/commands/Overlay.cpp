@@ -3,7 +3,6 @@
 #include <cstdio>
 
 #include "Command.h"
-#include "Pipeline.h"
 #include "io/Samples.h"
 #include "io/Status.h"
 
@@ -11,8 +10,6 @@ namespace qvtool {
 namespace {
 
 struct Options {
-  InputSpec input;
-  OutputSpec output;
   std::string logo;
   Position at;
   int opacity = 255;
@@ -34,14 +31,14 @@ void OverAlpha(const Plane& colours, const Plane& alpha, const Plane& below,
     }
 }
 
-class Overlay {
+class Overlay : public Step {
  public:
   explicit Overlay(const Options& options)
       : options_(options),
         picture_(ReadPicture(options.logo)),
         logo_(conversion_(picture_, Layout::Bgra, picture_.coding)) {}
 
-  Frame& operator()(Frame& frame) {
+  Frame& operator()(Frame& frame, Frame&) override {
     const IppiRect region = Visible(frame);
     if (region.width < 1 || region.height < 1) {
       SayOutside(frame);
@@ -103,7 +100,7 @@ class Overlay {
 
   static constexpr PlaneShape kWhole = {};  // of planes with a unit for every pixel
 
-  const Options& options_;
+  Options options_;
   Conversion conversion_, recolour_;
   Frame picture_;
   const Frame& logo_;  // in BGRA
@@ -112,14 +109,8 @@ class Overlay {
   bool saidOutside_ = false;
 };
 
-void Run(const Options& options) {
-  Overlay overlay(options);
-  ForEachFrame(options.input, options.output,
-               [&](Frame& in, Frame&) -> Frame& { return overlay(in); });
-}
-
-void Configure(CLI::App& app) {
-  const auto options = AddFrames(app, Run);
+MakeStep Configure(CLI::App& app) {
+  auto options = std::make_shared<Options>();
   app.add_option("--with", options->logo, "Picture to place on the frames: a PNG with alpha")
       ->type_name("FILE")
       ->required();
@@ -134,6 +125,7 @@ void Configure(CLI::App& app) {
       "What sticks out of the frame is cut off. Frames of every layout are taken: the picture is\n"
       "converted to theirs. Where it is transparent, frames keep their pixels; opaque pixels arrive\n"
       "as they are.");
+  return EachFrameWith<Overlay>(options);
 }
 
 const Command command{"overlay", "Place a picture with alpha over frames", Configure};

@@ -2,25 +2,25 @@
 #include "Palettes.h"
 
 #include "Command.h"
-#include "Pipeline.h"
 #include "io/Status.h"
 
 namespace qvtool {
 namespace {
 
 struct Options {
-  InputSpec input;
-  OutputSpec output;
   std::string name = "heat";
   std::string file;
   int bits = 8;
 };
 
-void Run(const Options& options) {
-  const std::vector<unsigned char> palette = options.file.empty()
-                                                 ? NamedPalette(options.name, options.bits)
-                                                 : ReadPalette(options.file, options.bits);
-  ForEachFrame(options.input, options.output, [&](Frame& in, Frame& out) -> Frame& {
+class Colouring : public Step {
+ public:
+  explicit Colouring(const Options& options)
+      : palette_(options.file.empty() ? NamedPalette(options.name, options.bits)
+                                      : ReadPalette(options.file, options.bits)),
+        bits_(options.bits) {}
+
+  Frame& operator()(Frame& in, Frame& out) override {
     const Plane& indices = in.PlaneAt(0);
     if (indices.bytes != 1)
       throw Error("a palette takes one byte a pixel, and the frames are " + NameOf(in.GetLayout()));
@@ -28,13 +28,17 @@ void Run(const Options& options) {
     const Plane& to = out.PlaneAt(0);
     Check("qvLUTPalette",
           CqvAccLib::qvLUTPalette(CqvAccLib::OneChannel, indices.data, indices.step, to.data,
-                                  to.step, to.Size(), palette.data(), options.bits));
+                                  to.step, to.Size(), palette_.data(), bits_));
     return out;
-  });
-}
+  }
 
-void Configure(CLI::App& app) {
-  const auto options = AddFrames(app, Run);
+ private:
+  std::vector<unsigned char> palette_;
+  int bits_;
+};
+
+MakeStep Configure(CLI::App& app) {
+  auto options = std::make_shared<Options>();
   std::vector<std::pair<std::string, std::string>> names;
   for (const std::string& name : PaletteNames()) names.emplace_back(name, name);
   CLI::Option* named = AddChoice<std::string>(app, "--name", options->name, names,
@@ -46,6 +50,7 @@ void Configure(CLI::App& app) {
   AddInteger(app, "--bits", options->bits, 1, 8,
              "Only so many low bits of a byte are the index; the palette has 2^bits entries (8)");
   app.footer("Of frames with luma and chroma the luma is coloured.");
+  return EachFrameWith<Colouring>(options);
 }
 
 const Command command{"palette", "Colour a grey plane through a palette", Configure};

@@ -4,16 +4,15 @@
 
 #include "Command.h"
 #include "ExactApi.h"
-#include "Pipeline.h"
+#include "StreamFields.h"
+#include "TargetSize.h"
 #include "io/Resizer.h"
 
 namespace qvtool {
 namespace {
 
 struct Options {
-  InputSpec input;
-  OutputSpec output;
-  std::optional<IppiSize> size;
+  std::optional<TargetSize> size;
   std::optional<double> factor;
   std::optional<IppiRect> region;
   int method = QV_INTERPOLATE_CUBIC;
@@ -46,40 +45,65 @@ IppiSize Scaled(const IppiRect& region, double factor) {
   return {Scaled(region.width, factor), Scaled(region.height, factor)};
 }
 
-Frame& Resize(const Options& options, Resizer& resizer, const Frame& in, Frame& out) {
-  if (options.region) CheckRegion(*options.region, in);
-  const IppiRect region = options.region.value_or(in.Bounds());
-  const IppiSize size = options.size ? *options.size : Scaled(region, *options.factor);
-  if (options.exactApi) {
-    out.Reset(in.GetLayout(), size.width, size.height);
-    ExactResize(in, region, out, options.method);
-  } else {
-    resizer(in, region, size, options.method, out);
+class Resize : public Step {
+ public:
+  explicit Resize(const Options& options) : options_(options) {
+    if (options.exactApi && options.method == QV_INTERPOLATE_MITCHELL)
+      throw UsageError("--method: mitchell is none of the methods of --exact-api");
+    if (options.size.has_value() == options.factor.has_value())
+      throw UsageError("resize wants one of --to, --fit and --factor");
   }
-  return out;
-}
 
-void Run(const Options& given) {
-  Options options = given;
-  // Files know their own size: what --size says of them is the size wanted.
-  if (options.input.size && !options.input.layout && !options.size)
-    options.size.swap(options.input.size);
-  if (options.size.has_value() == options.factor.has_value())
-    throw UsageError("resize wants one of --to (or --size) and --factor");
-  if (options.exactApi && options.method == QV_INTERPOLATE_MITCHELL)
-    throw UsageError("--method: mitchell is none of the methods of --exact-api");
-  Resizer resizer;
-  ForEachFrame(options.input, options.output, [&](Frame& in, Frame& out) -> Frame& {
-    return Resize(options, resizer, in, out);
-  });
-}
+  // In both directions; what the nearest pixels are depends on all that there are.
+  double Reduction(IppiSize frame) const override {
+    if (options_.exactApi || options_.method == QV_INTERPOLATE_NEAREST) return 1;
+    const IppiRect region = options_.region.value_or(IppiRect{0, 0, frame.width, frame.height});
+    const IppiSize size = SizeFor(region);
+    return std::min(static_cast<double>(region.width) / size.width,
+                    static_cast<double>(region.height) / size.height);
+  }
 
-void Configure(CLI::App& app) {
-  const auto options = AddFrames(app, Run);
-  app.add_option_function<std::string>(
-         "--to", [options](const std::string& text) { options->size = ParseSize("--to", text); },
-         "The size of the result; --size without --layout is the same")
-      ->type_name("WxH");
+  Frame& operator()(Frame& in, Frame& out) override {
+    if (options_.region) CheckRegion("--region", *options_.region, in);
+    const IppiSize full = in.FullSize();
+    const IppiRect region = options_.region.value_or(IppiRect{0, 0, full.width, full.height});
+    const IppiSize size = SizeFor(region);
+    if (options_.exactApi) {
+      out.Reset(in.GetLayout(), size.width, size.height);
+      ExactResize(in, region, out, options_.method);
+    } else {
+      resizer_(in, region, size, options_.method, out);
+    }
+    return out;
+  }
+
+  VideoFields Fields(const VideoFields& fields, IppiSize before, IppiSize after) const override {
+    if (options_.region) before = {options_.region->width, options_.region->height};
+    return ScaleAspect(fields, before, after);
+  }
+
+ private:
+  IppiSize SizeFor(const IppiRect& region) const {
+    return options_.size ? options_.size->For({region.width, region.height})
+                         : Scaled(region, *options_.factor);
+  }
+
+  Options options_;
+  Resizer resizer_;
+};
+
+MakeStep Configure(CLI::App& app) {
+  auto options = std::make_shared<Options>();
+  auto* to = app.add_option_function<std::string>(
+      "--to",
+      [options](const std::string& text) { options->size = TargetSize::Parse("--to", text); },
+      "The size of the result; 640x or x360 keeps the shape");
+  auto* fit = app.add_option_function<std::string>(
+      "--fit",
+      [options](const std::string& text) { options->size = TargetSize::ParseFit("--fit", text); },
+      "The largest size of the frame's shape within this one");
+  to->type_name("WxH");
+  fit->type_name("WxH")->excludes(to);
   app.add_option_function<std::string>(
          "--factor", [options](const std::string& text) { options->factor = ParseFactor(text); },
          "Result over source, both ways: 0.5 halves")
@@ -98,7 +122,10 @@ void Configure(CLI::App& app) {
   app.footer(
       "The edges of the frame, or of the region, are those of the result, and chroma stays where\n"
       "it lies among the luma. Colours count by their alpha. The result is the same on any number\n"
-      "of threads.");
+      "of threads.\n"
+      "  qvtool resize photo.jpg small.png --fit 320x320\n"
+      "  qvtool resize clip.y4m half.y4m --factor 0.5 --method lanczos");
+  return EachFrameWith<Resize>(options);
 }
 
 const Command command{"resize", "Scale frames, or a part of them, to another size", Configure};

@@ -1,27 +1,41 @@
 // qvtool rotate: turns frames about their middle.
-#include "Pipeline.h"
+#include <cmath>
+
 #include "Projection.h"
+#include "StreamFields.h"
 
 namespace qvtool {
 namespace {
 
 struct Options {
-  InputSpec input;
-  OutputSpec output;
   ProjectionOptions projection;
   double angle = 0;
   bool fit = false;
 };
 
-void Run(const Options& options) {
-  ForEachFrame(options.input, options.output, [&](Frame& in, Frame& out) -> Frame& {
-    Rotate(options.projection, in, options.angle, options.fit, out);
-    return out;
-  });
-}
+class Turn : public Step {
+ public:
+  explicit Turn(const Options& options) : options_(options) {}
 
-void Configure(CLI::App& app) {
-  const auto options = AddFrames(app, Run);
+  Frame& operator()(Frame& in, Frame& out) override {
+    Rotate(options_.projection, in, options_.angle, options_.fit, out);
+    return out;
+  }
+
+  VideoFields Fields(const VideoFields& fields, IppiSize before, IppiSize) const override {
+    const double quarters = std::fmod(options_.angle, 360) / 90;
+    if (quarters == 0) return fields;
+    if (std::abs(quarters) == 2) return before.height % 2 ? fields : SwapRowParity(fields);
+    const bool onSide = quarters == std::floor(quarters);
+    return WithoutRows(onSide ? TurnAspect(fields) : fields);
+  }
+
+ private:
+  Options options_;
+};
+
+MakeStep Configure(CLI::App& app) {
+  auto options = std::make_shared<Options>();
   app.add_option_function<std::string>(
          "--angle",
          [options](const std::string& text) {
@@ -35,6 +49,7 @@ void Configure(CLI::App& app) {
   app.footer(
       "Without --fit the canvas keeps the frame's size and its corners are cut off. With --fit,\n"
       "turns by 90, 180 and 270 degrees move pixels as they are.");
+  return EachFrameWith<Turn>(options);
 }
 
 const Command command{"rotate", "Turn frames by any angle", Configure};

@@ -1,14 +1,11 @@
 // qvtool scale: darkens frames by a constant.
 #include "Command.h"
-#include "Pipeline.h"
 #include "io/Status.h"
 
 namespace qvtool {
 namespace {
 
 struct Options {
-  InputSpec input;
-  OutputSpec output;
   int value = 255;
   bool alpha = false;
 };
@@ -35,19 +32,15 @@ Frame& Scale(const Options& options, Frame& frame) {
   return frame;
 }
 
-void Run(const Options& options) {
-  ForEachFrame(options.input, options.output,
-               [&](Frame& in, Frame&) -> Frame& { return Scale(options, in); });
-}
-
-void Configure(CLI::App& app) {
-  const auto options = AddFrames(app, Run);
+MakeStep Configure(CLI::App& app) {
+  auto options = std::make_shared<Options>();
   AddInteger(app, "--by", options->value, 0, 255,
              "Every byte becomes floor(byte * this / 255): 255 changes nothing, 0 is black")
       ->required();
   app.add_flag("--alpha", options->alpha,
                "Scale the alpha instead of the colours: fade to nothing");
   app.footer("Of frames with luma and chroma only the luma is scaled.");
+  return EachFrame([options](Frame& in, Frame&) -> Frame& { return Scale(*options, in); });
 }
 
 const Command command{"scale", "Multiply all samples by a constant from 0 to 1", Configure};

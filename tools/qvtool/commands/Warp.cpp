@@ -2,15 +2,12 @@
 #include <algorithm>
 #include <cmath>
 
-#include "Pipeline.h"
 #include "Projection.h"
 
 namespace qvtool {
 namespace {
 
 struct Options {
-  InputSpec input;
-  OutputSpec output;
   ProjectionOptions projection;
   std::vector<double> quad;
   std::optional<IppiSize> size;
@@ -57,13 +54,8 @@ Frame& Warp(const Options& options, const Frame& in, Frame& out) {
   return out;
 }
 
-void Run(const Options& options) {
-  ForEachFrame(options.input, options.output,
-               [&](Frame& in, Frame& out) -> Frame& { return Warp(options, in, out); });
-}
-
-void Configure(CLI::App& app) {
-  const auto options = AddFrames(app, Run);
+MakeStep Configure(CLI::App& app) {
+  auto options = std::make_shared<Options>();
   app.add_option_function<std::string>(
          "--quad",
          [options](const std::string& text) {
@@ -84,6 +76,7 @@ void Configure(CLI::App& app) {
   AddProjectionOptions(app, options->projection);
   app.footer(
       "Points are pixel centres: the top-left pixel is 0,0. They may lie outside of the result.");
+  return EachFrame([options](Frame& in, Frame& out) -> Frame& { return Warp(*options, in, out); });
 }
 
 const Command command{"warp", "Place frames on a quadrilateral, or make one straight", Configure};

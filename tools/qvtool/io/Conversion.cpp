@@ -53,31 +53,31 @@ SampleGrid GridOf(const Channel& at, const Channel& grid, Phase phase) {
 
 }  // namespace
 
-const Frame& Conversion::operator()(const Frame& frame, Layout layout, const Coding& coding) {
+bool Conversion::Convert(const Frame& frame, Layout layout, const Coding& coding, Frame& result) {
   const LayoutInfo &from = frame.Info(), &to = Describe(layout);
   const bool hasColours = !to.isYCbCr || frame.coding.HasColoursOf(coding);
   const bool hasPlaces = !HalvesRows(to) || frame.coding.siting == coding.siting;
-  if (layout == from.layout && hasColours && hasPlaces) return frame;
+  if (layout == from.layout && hasColours && hasPlaces) return false;
 
-  result_.Reset(layout, frame.Width(), frame.Height());
-  result_.Inherit(frame);
-  result_.coding = coding;
+  result.Reset(layout, frame.Width(), frame.Height());
+  result.Inherit(frame);
+  result.coding = coding;
   if (from.isYCbCr && to.isYCbCr) {
     if (hasColours) {
-      Rearrange(frame, result_);
+      Rearrange(frame, result);
     } else {
       pixels_.Reset(WithAlphaOf(frame, Layout::Bgra, Layout::Bgr), frame.Width(), frame.Height());
       ToPixels(frame, pixels_);
-      ToSamples(pixels_, result_);
+      ToSamples(pixels_, result);
     }
   } else if (from.isYCbCr) {
-    ToPixels(frame, result_);
+    ToPixels(frame, result);
   } else if (to.isYCbCr) {
-    ToSamples(frame, result_);
+    ToSamples(frame, result);
   } else {
-    ChangePixels(frame, result_);
+    ChangePixels(frame, result);
   }
-  return result_;
+  return true;
 }
 
 void Conversion::ToPixels(const Frame& in, const Frame& out) {

@@ -16,9 +16,17 @@ class Conversion {
  public:
   // The frame in this layout and, if it has luma and chroma, this coding: the frame itself where it
   // has both, or one that is valid until the next call.
-  const Frame& operator()(const Frame& frame, Layout layout, const Coding& coding);
+  const Frame& operator()(const Frame& frame, Layout layout, const Coding& coding) {
+    return Convert(frame, layout, coding, result_) ? result_ : frame;
+  }
+  // The frame itself, or `result`.
+  Frame& operator()(Frame& frame, Layout layout, const Coding& coding, Frame& result) {
+    return Convert(frame, layout, coding, result) ? result : frame;
+  }
 
  private:
+  // False, and nothing is done, when the frame has both already.
+  bool Convert(const Frame& frame, Layout layout, const Coding& coding, Frame& result);
   void ToPixels(const Frame& in, const Frame& out);
   void ToSamples(const Frame& in, const Frame& out);
   void Rearrange(const Frame& in, const Frame& out);

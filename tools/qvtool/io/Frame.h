@@ -53,7 +53,7 @@ class Frame {
   void Reset(Layout layout, int width, int height);
   void ResetLike(const Frame& other) {
     Reset(other.layout_, other.width_, other.height_);
-    coding = other.coding;
+    Inherit(other);
   }
   // Takes over what the other one has besides its samples.
   void Inherit(const Frame& other);

@@ -159,10 +159,9 @@ FileFormat OutputFormat(const OutputSpec& spec, FileFormat input) {
                    "; wanted is .png, .jpg, .jpeg, .ppm, .pgm, .y4m, .raw or .yuv, or --format");
 }
 
-std::unique_ptr<FrameWriter> OpenOutput(const OutputSpec& spec, FileFormat input,
-                                        const VideoFields& fields) {
+std::unique_ptr<FrameWriter> OpenOutput(const OutputSpec& spec, FileFormat input) {
   switch (const FileFormat format = OutputFormat(spec, input); format) {
-    case FileFormat::Y4m: return std::make_unique<Y4mWriter>(spec, fields);
+    case FileFormat::Y4m: return std::make_unique<Y4mWriter>(spec);
     case FileFormat::Raw: return std::make_unique<RawWriter>(spec);
     default: return std::make_unique<PictureWriter>(spec, format);
   }

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "io/ByteSource.h"
@@ -96,12 +97,17 @@ class FrameWriter {
   // Makes the output appear under its name. Without it, nothing is left behind.
   virtual void Finish() = 0;
 
+  // What a stream says of itself; to be known before the first frame is written.
+  void SetFields(VideoFields fields) { fields_ = std::move(fields); }
+
  protected:
   explicit FrameWriter(const CodingHints& coding) : coding_(coding) {}
 
   // The layout that frames of this one are written in.
   virtual Layout Holds(const LayoutInfo& info) const = 0;
   virtual void WriteFrame(const Frame& frame) = 0;
+
+  VideoFields fields_;
 
  private:
   CodingHints coding_;
@@ -117,8 +123,7 @@ std::unique_ptr<FrameReader> OpenInput(const InputSpec& spec);
 FileFormat OutputFormat(const OutputSpec& spec, FileFormat input);
 
 // A path such as frame-%04d.png makes a picture of every frame, counted from 1.
-std::unique_ptr<FrameWriter> OpenOutput(const OutputSpec& spec, FileFormat input,
-                                        const VideoFields& fields);
+std::unique_ptr<FrameWriter> OpenOutput(const OutputSpec& spec, FileFormat input);
 
 // The whole of a picture file, or the first frame of a video.
 Frame ReadPicture(const std::string& path);

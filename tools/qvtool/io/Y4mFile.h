@@ -23,12 +23,11 @@ class Y4mReader : public FrameReader {
   long frames_ = 0;
 };
 
-// Writes `fields` into the stream header, with those for the layout, the siting of chroma and the
-// range adjusted to the frames.
+// Writes the fields that it was given into the stream header, with those for the layout, the siting
+// of chroma and the range adjusted to the frames.
 class Y4mWriter : public FrameWriter {
  public:
-  Y4mWriter(const OutputSpec& spec, const VideoFields& fields)
-      : FrameWriter(spec.coding), fields_(fields), file_(spec.path) {}
+  explicit Y4mWriter(const OutputSpec& spec) : FrameWriter(spec.coding), file_(spec.path) {}
   void Finish() override { file_.Commit(); }
 
  private:
@@ -36,7 +35,6 @@ class Y4mWriter : public FrameWriter {
   void WriteFrame(const Frame& frame) override;
   void WriteHeader(const Frame& frame);
 
-  VideoFields fields_;
   OutputFile file_;
   Layout layout_ = Layout::Grey;
   IppiSize size_ = {};
