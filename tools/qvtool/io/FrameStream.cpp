@@ -100,7 +100,8 @@ namespace {
 std::unique_ptr<FrameReader> OpenSource(const InputSpec& spec) {
   if (spec.layout.has_value() != spec.size.has_value())
     throw UsageError(spec.layout ? "--layout without --size: headerless frames need both"
-                                 : "--size without --layout: headerless frames need both");
+                                 : "--size without --layout: it is the size of headerless frames, "
+                                   "which need both; the size of a result is --to");
   auto source = std::make_unique<ByteSource>(spec.path);
   if (spec.layout)
     return std::make_unique<RawReader>(std::move(source), *spec.layout, *spec.size, spec.rate);
