@@ -118,7 +118,9 @@ void Configure(CLI::App& app) {
   app.add_flag("--tag", options->tag, "Name the algorithm in each line: CRC32 (FILE) = value");
   app.add_flag("--check", options->check,
                "FILE is a list that this command wrote: compare the files in it");
-  app.footer("Prints a line per file: eight hexadecimal digits, two spaces, its name.");
+  app.footer(
+      "Prints a line per file: eight hexadecimal digits, two spaces, its name.\n"
+      "  qvtool checksum photo.jpg logo.png");
   app.callback([options] {
     if (options->files.empty()) options->files = {"-"};
     options->check ? Verify(*options) : Print(*options);

@@ -62,6 +62,7 @@ void Configure(CLI::App& app) {
   app.add_option("IN", input->path,
                  "A file to describe instead of the library; - for standard input");
   AddRawInputOptions(app, *input);
+  app.footer("  qvtool info\n  qvtool info clip.y4m");
   app.callback([input] {
     if (input->path.empty())
       PrintHost();

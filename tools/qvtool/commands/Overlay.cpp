@@ -124,7 +124,8 @@ MakeStep Configure(CLI::App& app) {
   app.footer(
       "What sticks out of the frame is cut off. Frames of every layout are taken: the picture is\n"
       "converted to theirs. Where it is transparent, frames keep their pixels; opaque pixels arrive\n"
-      "as they are.");
+      "as they are.\n"
+      "  qvtool overlay clip.y4m branded.y4m --with logo.png --at 40,40 --opacity 200");
   return EachFrameWith<Overlay>(options);
 }
 

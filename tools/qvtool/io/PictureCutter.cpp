@@ -32,17 +32,12 @@ std::size_t PictureCutter::All() {
 }
 
 std::string_view PictureCutter::Peek() {
+  do {
+    const auto first = std::find_if(ahead_.begin(), ahead_.end(), [](auto byte) { return byte; });
+    ahead_.erase(ahead_.begin(), first);
+  } while (ahead_.empty() && Has(1));
   Has(12);
   return {reinterpret_cast<const char*>(ahead_.data()), std::min<std::size_t>(ahead_.size(), 12)};
-}
-
-bool PictureCutter::IsFilling() {
-  do {
-    if (std::any_of(ahead_.begin(), ahead_.end(), [](unsigned char byte) { return byte != 0; }))
-      return false;
-    ahead_.clear();
-  } while (Has(1));
-  return true;
 }
 
 Bytes PictureCutter::Cut(FileFormat format) {

@@ -13,12 +13,11 @@ class PictureCutter {
  public:
   explicit PictureCutter(ByteSource& source) : source_(source) {}
 
-  // The first bytes of what follows, fewer than twelve only at the end.
+  // The first bytes of what follows, fewer than twelve only at the end. Bytes of 0 before it, with
+  // which some programs fill files up, are left out.
   std::string_view Peek();
   // The picture that follows, all that is left if its end cannot be told.
   Bytes Cut(FileFormat format);
-  // Whether nothing follows but bytes of 0, with which some programs fill files up.
-  bool IsFilling();
 
  private:
   bool Has(std::size_t bytes);

@@ -48,7 +48,7 @@ void PictureReader::FindNext() {
 void PictureReader::FindNextInSource() {
   const std::string_view first = cutter_->Peek();
   picture_ = PictureFormatOf(first);
-  if (!picture_ && !cutter_->IsFilling())
+  if (!picture_ && !first.empty())
     std::fprintf(stderr, "qvtool: %s: what follows picture %ld is none and is left out\n",
                  source_->Name().c_str(), number_ - 1);
 }
