@@ -7,8 +7,10 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <csignal>
 #include <sstream>
 #include <thread>
+#include <utility>
 
 #include "Program.h"
 
@@ -66,6 +68,94 @@ TEST(Output, ThatCannotBePrintedIsAFailure) {
   EXPECT_EQ(WaitFor(Start(place.Path(""), {"info"}, null, full, null)), 1);
   close(null);
   close(full);
+}
+
+// A pipe to and from the tool, which can be closed and filled at will.
+class Stream {
+ public:
+  Stream(const Workplace& place, const std::string& line) {
+    int in[2], out[2], err[2];
+    EXPECT_EQ(::pipe2(in, O_CLOEXEC) | ::pipe2(out, O_CLOEXEC) | ::pipe2(err, O_CLOEXEC), 0);
+    process_ = Start(place.Path(""), Words(line), in[0], out[1], err[1]);
+    for (const int end : {in[0], out[1], err[1]}) close(end);
+    in_ = in[1], out_ = out[0], err_ = err[0];
+  }
+  ~Stream() {
+    for (const int end : {in_, out_, err_}) close(end);
+  }
+  void Write(const std::string& bytes) const {
+    EXPECT_EQ(write(in_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+  }
+  std::string Read(std::size_t count) const { return ReadFrom(out_, count); }
+  std::string Messages() const { return ReadFrom(err_, 1000); }
+  void CloseOutput() { close(std::exchange(out_, -1)); }
+  void EndInput() { close(std::exchange(in_, -1)); }
+  int Wait() const { return WaitFor(process_); }
+
+ private:
+  static std::string ReadFrom(int end, std::size_t count) {
+    std::string bytes(count, '\0');
+    std::size_t done = 0;
+    while (done < count) {
+      const ssize_t got = read(end, bytes.data() + done, count - done);
+      if (got <= 0) break;
+      done += static_cast<std::size_t>(got);
+    }
+    return bytes.substr(0, done);
+  }
+  int process_, in_, out_, err_;
+};
+
+const std::string kHead = "YUV4MPEG2 W2 H1 Cmono F25:1\n";
+
+// A frame leaves as soon as it has come in whole, however slowly, and as it would alone.
+TEST(Output, IsNotHeldBackByASlowInput) {
+  Workplace place;
+  Stream stream(place, "mirror - -");
+  const std::string frame = "FRAME\nab", mirrored = "FRAME\nba";
+  for (const char c : kHead) stream.Write(std::string(1, c));
+  for (int i = 0; i < 20; ++i) {
+    for (const char c : frame) stream.Write(std::string(1, c));
+    EXPECT_EQ(stream.Read((i == 0 ? kHead : "").size() + 8), (i == 0 ? kHead : "") + mirrored);
+  }
+  stream.Write(frame + frame + "FRAME\nc");
+  stream.EndInput();
+  EXPECT_EQ(stream.Read(1000), mirrored + mirrored);
+  EXPECT_EQ(stream.Messages(), "qvtool: standard input: frame 23 is cut short: 1 of 2 bytes\n");
+  EXPECT_EQ(stream.Wait(), 1);
+}
+
+// Nobody reads what it writes: it ends, although its input has not, with the signal or, where this
+// is ignored, with a message.
+TEST(Output, ThatIsClosedEndsTheProgramAtOnce) {
+  for (const bool ignored : {false, true}) {
+    Workplace place;
+    if (ignored) std::signal(SIGPIPE, SIG_IGN);
+    Stream stream(place, "copy - -");
+    std::signal(SIGPIPE, SIG_DFL);
+    stream.CloseOutput();
+    stream.Write(kStart);
+    EXPECT_EQ(stream.Wait(), ignored ? 1 : 128 + SIGPIPE);
+    EXPECT_EQ(stream.Messages(),
+              ignored ? "qvtool: standard output: cannot write: Broken pipe\n" : "");
+  }
+}
+
+// Files of the frames before are there and whole; of those behind, whatever thread had them, none.
+TEST(Output, OfPicturesEndsBeforeTheFirstThatFails) {
+  Workplace place;
+  std::string clip = "YUV4MPEG2 W64 H64 Cmono\n";
+  for (unsigned i = 0; i < 12; ++i) clip += "FRAME\n" + Noise(4096, i);
+  EXPECT_EQ(place.Run("copy - cut-%d.png", clip.substr(0, clip.size() - 1)).exitCode, 1);
+  EXPECT_EQ(place.Files().size(), 11u);
+  std::filesystem::create_directory(place.Path("all-5.png"));
+  const Outcome outcome = place.Run("copy - all-%d.png", clip);
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_EQ(outcome.err, "qvtool: all-5.png: is a directory; wanted is the name of a file\n");
+  EXPECT_EQ(place.Files().size(), 16u);
+  for (const int i : {1, 2, 3, 4})
+    EXPECT_EQ(place.Read("all-" + std::to_string(i) + ".png"),
+              place.Read("cut-" + std::to_string(i) + ".png"));
 }
 
 // Copies a stream that takes longer than the tool waits before it shows a bar.

@@ -60,7 +60,7 @@ void Configure(CLI::App& app) {
       "  qvtool fill clip.y4m covered.y4m --region 40,40,320,90 --colour '#000000'\n"
       "  qvtool fill blue.png --size 640x360 --colour '#2040ff'");
   app.callback([options, files] {
-    if (files->paths.size() == 1)
+    if (files->paths.size() == 1 && files->folder.empty())
       MakeFrame(*options, *files);
     else
       files->Run(OneStep(StepOf(options)));

@@ -1,10 +1,10 @@
 // qvtool sheet: a contact sheet of pictures and of the frames of videos.
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 #include "Command.h"
 #include "FillFrame.h"
+#include "Report.h"
 #include "TargetSize.h"
 #include "io/Resizer.h"
 #include "io/Status.h"
@@ -111,13 +111,13 @@ void Run(Options& options) {
   if (options.output.path == "-" && !options.output.format) options.output.format = FileFormat::Png;
   OutputFormat(options.output, FileFormat::Png);  // an extension that is unknown
   Sheet sheet(options);
-  std::size_t failed = 0;
+  bool allSucceed = true;
   for (const std::string& path : options.paths) {
     try {
       sheet.AddFile(path);
     } catch (const Error& error) {
-      std::fprintf(stderr, "qvtool: %s\n", error.what());
-      ++failed;
+      Report(error.what());
+      allSucceed = false;
     }
   }
   if (sheet.Count() > 0) {
@@ -126,9 +126,7 @@ void Run(Options& options) {
     writer->Write(result);
     writer->Finish();
   }
-  if (failed > 0)
-    throw Error(std::to_string(failed) + " of " + std::to_string(options.paths.size()) +
-                " files are not on the sheet");
+  if (!allSucceed) throw Reported();
 }
 
 void Configure(CLI::App& app) {

@@ -5,7 +5,6 @@
 #include <climits>
 #include <cstdio>
 #include <cstring>
-#include <new>
 
 #include "Error.h"
 #include "io/Status.h"
@@ -15,6 +14,9 @@ namespace {
 
 // Rows start on a cache line of their own, which also means that steps are rarely the row length.
 constexpr long long kRowAlignment = 64;
+
+// Where frames start: the system copies from there on at its best.
+constexpr std::size_t kPage = 4096;
 
 std::string Gigabytes(double bytes) {
   char text[32];
@@ -80,7 +82,8 @@ void Frame::Reset(Layout layout, int width, int height) {
 
   planes_ = 0;
   memory_.reset();  // the old memory goes first, so that only one frame is held at a time
-  memory_.reset(new (std::nothrow) unsigned char[static_cast<std::size_t>(total)]);
+  const std::size_t pages = static_cast<std::size_t>(total) / kPage + 1;
+  memory_.reset(static_cast<unsigned char*>(std::aligned_alloc(kPage, pages * kPage)));
   if (!memory_)
     TooLarge(layout, width, height, "no " + Gigabytes(total) + " of memory could be obtained");
   for (int i = 0; i < info.planes; ++i) {

@@ -3,6 +3,7 @@
 #define QV_TOOLS_QVTOOL_IO_FRAME_H
 
 #include <cstddef>
+#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <string>
@@ -92,7 +93,10 @@ class Frame {
   int height_ = 0;
   int planes_ = 0;
   Plane plane_[4];
-  std::unique_ptr<unsigned char[]> memory_;
+  struct Release {
+    void operator()(unsigned char* memory) const { std::free(memory); }
+  };
+  std::unique_ptr<unsigned char, Release> memory_;  // from the start of a page on
 };
 
 // Between the packed form of files (four bytes a pixel, `width * 4` bytes a row) and the two planes

@@ -1,64 +1,23 @@
 #include "io/FrameStream.h"
 
 #include <cctype>
-#include <cstdio>
-#include <filesystem>
 
 #include "Error.h"
+#include "Report.h"
 #include "io/Numbering.h"
 #include "io/PictureReader.h"
+#include "io/PictureWriter.h"
 #include "io/RawFrames.h"
 #include "io/Y4mFile.h"
 
 namespace qvtool {
 namespace {
 
-class PictureWriter : public FrameWriter {
- public:
-  PictureWriter(const OutputSpec& spec, FileFormat format)
-      : FrameWriter(spec.coding),
-        path_(spec.path),
-        format_(format),
-        quality_(spec.quality),
-        numbering_(Numbering::Find(path_)) {}
-
-  Layout Holds(const LayoutInfo& info) const override { return info.inPictures; }
-
-  void WriteFrame(const Frame& frame) override {
-    ++frames_;
-    if (frames_ == 2 && !numbering_)
-      throw Error(path_ +
-                  ": the input has more than one frame; a name such as frame-%04d.png makes "
-                  "a picture of each");
-    const std::string path = numbering_ ? numbering_->Path(frames_) : path_;
-    auto bytes = Encode(frame, path);
-    if (numbering_)
-      WriteFile(path, bytes);
-    else
-      only_ = std::move(bytes);
-  }
-
-  void Finish() override {
-    if (!numbering_ && frames_ == 1) WriteFile(path_, only_);
-  }
-
- private:
-  Bytes Encode(const Frame& frame, const std::string& path) {
-    const PictureFormat& format = *PictureFormatOf(format_);
-    if (format.holdsAlpha || frame.GetLayout() != Layout::Bgra)
-      return format.encode(frame, path, quality_);
-    Flatten(frame, opaque_);
-    return format.encode(opaque_, path, quality_);
-  }
-
-  std::string path_;
-  FileFormat format_;
-  int quality_;
-  std::optional<Numbering> numbering_;
-  long frames_ = 0;
-  std::vector<unsigned char> only_;
-  Frame opaque_;
-};
+// The first one of a format is the usual one.
+constexpr std::pair<const char*, FileFormat> kExtensions[] = {
+    {".png", FileFormat::Png},    {".jpg", FileFormat::Jpeg},   {".jpeg", FileFormat::Jpeg},
+    {".ppm", FileFormat::Netpbm}, {".pgm", FileFormat::Netpbm}, {".pnm", FileFormat::Netpbm},
+    {".y4m", FileFormat::Y4m},    {".raw", FileFormat::Raw},    {".yuv", FileFormat::Raw}};
 
 std::string Extension(const std::string& path) {
   const std::size_t dot = path.rfind('.');
@@ -82,10 +41,16 @@ bool FrameReader::Next(Frame& frame) {
   } while (++read_ < range_.first);
   frame.coding = coding_.ForRows(frame.Height());
   if (verbose_ && frame.Info().isYCbCr && !(coding_.matrix && coding_.range))
-    std::fprintf(stderr, "qvtool: %s: taken for %s; --matrix and --range say otherwise\n",
-                 source_->Name().c_str(), NameOf(frame.coding).c_str());
+    Report(source_->Name() + ": taken for " + NameOf(frame.coding) +
+           "; --matrix and --range say otherwise");
   verbose_ = false;
   return true;
+}
+
+StreamInfo FrameReader::Describe() {
+  Frame frame;
+  if (!Next(frame)) throw Error(source_->Name() + ": holds no frame");
+  return {frame.GetLayout(), frame.Size(), 1};
 }
 
 void FrameReader::Override(const CodingHints& hints, bool verbose) {
@@ -141,18 +106,27 @@ std::unique_ptr<FrameReader> OpenInput(const InputSpec& spec) {
   return reader;
 }
 
+std::optional<FileFormat> FormatOfName(const std::string& path) {
+  const std::string extension = Extension(path);
+  for (const auto& [name, format] : kExtensions)
+    if (extension == name) return format;
+  return {};
+}
+
+const char* ExtensionOf(FileFormat format) {
+  for (const auto& [name, of] : kExtensions)
+    if (of == format) return name;
+  return "";
+}
+
 FileFormat OutputFormat(const OutputSpec& spec, FileFormat input) {
   if (spec.format) return *spec.format;
   if (spec.path == "-") {
     const PictureFormat* format = PictureFormatOf(input);
     return format && !format->encode ? FileFormat::Png : input;
   }
+  if (const auto format = FormatOfName(spec.path)) return *format;
   const std::string extension = Extension(spec.path);
-  if (extension == ".png") return FileFormat::Png;
-  if (extension == ".jpg" || extension == ".jpeg") return FileFormat::Jpeg;
-  if (extension == ".ppm" || extension == ".pgm" || extension == ".pnm") return FileFormat::Netpbm;
-  if (extension == ".y4m") return FileFormat::Y4m;
-  if (extension == ".raw" || extension == ".yuv") return FileFormat::Raw;
   throw UsageError(spec.path + ": " +
                    (extension.empty()
                         ? std::string("the name has no extension")

@@ -52,6 +52,13 @@ struct OutputSpec {
   CodingHints coding;
 };
 
+// What is known of a stream before its frames are read.
+struct StreamInfo {
+  Layout layout;
+  IppiSize size;
+  std::optional<long> frames;  // not of pipes
+};
+
 class FrameReader {
  public:
   virtual ~FrameReader() = default;
@@ -62,12 +69,18 @@ class FrameReader {
   // Leaves out all frames but these.
   void Select(const FrameRange& frames) { range_ = frames; }
 
+  // Instead of Next: what the headers say. Throws an Error when frames are damaged or missing, as
+  // far as these tell.
+  virtual StreamInfo Describe();
+
   // Puts what arguments say of the coding in the place of what the stream says.
   void Override(const CodingHints& hints, bool verbose);
 
   FileFormat Format() const { return format_; }
   const VideoFields& Fields() const { return fields_; }
   ByteSource& Source() { return *source_; }
+  // Bytes of the source read so far.
+  std::uint64_t Position() const { return source_->Position(); }
   bool IsVideo() const { return format_ == FileFormat::Y4m || format_ == FileFormat::Raw; }
 
  protected:
@@ -90,10 +103,9 @@ class FrameReader {
 class FrameWriter {
  public:
   virtual ~FrameWriter() = default;
-  // Converts the frame to what the file holds, and to the coding asked for.
-  void Write(const Frame& frame) {
-    WriteFrame(conversion_(frame, Holds(frame.Info()), coding_.Over(frame.coding)));
-  }
+  // Converts the frame to what the file holds, and to the coding asked for. May keep its memory and
+  // put a frame with other memory in its place.
+  virtual void Write(Frame& frame) { WriteFrame(Converted(frame, conversion_)); }
   // Makes the output appear under its name. Without it, nothing is left behind.
   virtual void Finish() = 0;
 
@@ -107,6 +119,10 @@ class FrameWriter {
   virtual Layout Holds(const LayoutInfo& info) const = 0;
   virtual void WriteFrame(const Frame& frame) = 0;
 
+  const Frame& Converted(const Frame& frame, Conversion& conversion) const {
+    return conversion(frame, Holds(frame.Info()), coding_.Over(frame.coding));
+  }
+
   VideoFields fields_;
 
  private:
@@ -118,6 +134,10 @@ class FrameWriter {
 // frame-%04d.png, unless there is a file of this very name, is a picture of every number from 0 or
 // 1 on.
 std::unique_ptr<FrameReader> OpenInput(const InputSpec& spec);
+
+// The format that a name's extension stands for, and the usual extension of a format.
+std::optional<FileFormat> FormatOfName(const std::string& path);
+const char* ExtensionOf(FileFormat format);
 
 // The format that `spec` asks for; `input` is what an output to a pipe follows.
 FileFormat OutputFormat(const OutputSpec& spec, FileFormat input);

@@ -1,9 +1,9 @@
 #include "io/PictureReader.h"
 
-#include <cstdio>
 #include <filesystem>
 
 #include "Error.h"
+#include "Report.h"
 
 namespace qvtool {
 
@@ -49,8 +49,8 @@ void PictureReader::FindNextInSource() {
   const std::string_view first = cutter_->Peek();
   picture_ = PictureFormatOf(first);
   if (!picture_ && !first.empty())
-    std::fprintf(stderr, "qvtool: %s: what follows picture %ld is none and is left out\n",
-                 source_->Name().c_str(), number_ - 1);
+    Report(source_->Name() + ": what follows picture " + std::to_string(number_ - 1) +
+           " is none and is left out");
 }
 
 }  // namespace qvtool

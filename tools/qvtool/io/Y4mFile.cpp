@@ -140,9 +140,18 @@ void Y4mReader::ReadDeepPlanes(const Frame& frame) {
   }
 }
 
-bool Y4mReader::ReadFrame(Frame& frame) {
+StreamInfo Y4mReader::Describe() {
+  if (!source_->Size()) return {layout_, size_, {}};
+  for (std::string line; ReadFrameHeader(line);) {
+    const int bytes = bits_ > 8 ? 2 : 1;  // a sample
+    for (int i = 0; i < bytes; ++i) SkipPlanes(*source_, layout_, size_, frames_);
+  }
+  if (frames_ == 0) throw Error(source_->Name() + ": holds no frame");
+  return {layout_, size_, frames_};
+}
+
+bool Y4mReader::ReadFrameHeader(std::string& line) {
   const std::string& name = source_->Name();
-  std::string line;
   if (!source_->ReadLine(line, kLongestLine)) {
     if (line.empty()) return false;
     throw Error(name + ": frame " + std::to_string(frames_ + 1) + " is cut short in its header");
@@ -151,16 +160,22 @@ bool Y4mReader::ReadFrame(Frame& frame) {
   if (line != "FRAME" && !line.starts_with("FRAME "))
     throw Error(name + ": there is no frame header where frame " + std::to_string(frames_) +
                 " should begin");
+  return true;
+}
+
+bool Y4mReader::ReadFrame(Frame& frame) {
+  std::string line;
+  if (!ReadFrameHeader(line)) return false;
   try {
     frame.Reset(layout_, size_.width, size_.height);
   } catch (const Error& error) {
-    throw Error(name + ": " + error.what());
+    throw Error(source_->Name() + ": " + error.what());
   }
   frame.parameters = line.substr(5);
   if (bits_ > 8)
     ReadDeepPlanes(frame);
   else
-    ReadPlanes(*source_, frame, frames_);
+    ReadPlanes(*source_, frame, pieces_, frames_);
   return true;
 }
 
@@ -203,8 +218,11 @@ void Y4mWriter::WriteFrame(const Frame& frame) {
   if (frame.GetLayout() != layout_ || frame.Width() != size_.width ||
       frame.Height() != size_.height)
     throw Error(file_.Name() + ": all frames of a Y4M stream have one size and layout");
-  file_.Write("FRAME" + frame.parameters + "\n");
-  WritePlanes(file_, frame);
+  const std::string line = "FRAME" + frame.parameters + "\n";
+  pieces_.Clear();
+  pieces_.Add(line.data(), line.size());
+  pieces_.AddPlanes(frame);
+  file_.Write(pieces_);
 }
 
 }  // namespace qvtool

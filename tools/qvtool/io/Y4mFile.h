@@ -15,15 +15,19 @@ class Y4mReader : public FrameReader {
   explicit Y4mReader(std::unique_ptr<ByteSource> source);
   Layout GetLayout() const { return layout_; }
   IppiSize Size() const { return size_; }
+  StreamInfo Describe() override;
 
  private:
   bool ReadFrame(Frame& frame) override;
   void ReadDeepPlanes(const Frame& frame);
+  // The line before a frame; false at the end.
+  bool ReadFrameHeader(std::string& line);
 
   Layout layout_ = Layout::I420;
   int bits_ = 8;
   IppiSize size_ = {};
   long frames_ = 0;
+  Pieces pieces_;
   std::vector<unsigned char> row_;  // of deep samples
 };
 
@@ -40,6 +44,7 @@ class Y4mWriter : public FrameWriter {
   void WriteHeader(const Frame& frame);
 
   OutputFile file_;
+  Pieces pieces_;
   Layout layout_ = Layout::Grey;
   IppiSize size_ = {};
 };
