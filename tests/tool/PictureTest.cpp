@@ -60,8 +60,9 @@ TEST(Orientation, IsAppliedUnlessItIsKept) {
     ASSERT_EQ(out.size(), blocks.size());
     for (int i = 0; i < 6; ++i) {
       const int at = ((i / columns * 8 + 4) * columns + i % columns) * 8 + 4;
-      EXPECT_NEAR(Byte(out, static_cast<std::size_t>(at)), 40 + 40 * (upright[orientation][i] - 'A'),
-                  2) << orientation << ' ' << i;
+      const int block = upright[orientation][i] - 'A';
+      EXPECT_NEAR(Byte(out, static_cast<std::size_t>(at)), 40 + 40 * block, 2)
+          << orientation << ' ' << i;
     }
     EXPECT_NEAR(Byte(place.Run("copy in.jpg - --format raw --keep-orientation").out, 0), 40, 2);
 
@@ -84,7 +85,8 @@ TEST(Orientation, IsAppliedUnlessItIsKept) {
     for (std::size_t i = 0; i < small.size(); ++i)
       EXPECT_NEAR(Byte(small, i), Byte(expected, i), 3) << orientation << ' ' << i;
   }
-  for (std::size_t cut = 0; cut < Exif(6, false).size(); cut += 3) {  // damaged: as if there were none
+  // Damaged data are as if there were none.
+  for (std::size_t cut = 0; cut < Exif(6, false).size(); cut += 3) {
     place.Write("in.jpg", WithExif(jpeg, Exif(6, cut % 2 == 0).substr(0, cut)));
     EXPECT_EQ(place.Run("copy in.jpg - --format raw").out.size(), blocks.size()) << cut;
   }
@@ -125,8 +127,8 @@ TEST(Netpbm, IsReadAndWritten) {
     ASSERT_EQ(place.Run("copy - a.ppm", file).exitCode, 0);
     EXPECT_EQ(place.Run("copy a.ppm - --format raw").out, pixels);
   }
-  EXPECT_EQ(place.Run("copy - - --format raw", "P5 2 1 65535\n\x7f\x7f\x7f\xff" "P5 2 1 65535\nabcd")
-                .out.size(), 4u);
+  const std::string two = "P5 2 1 255\nabP5 2 1 255\ncd";
+  EXPECT_EQ(place.Run("copy - - --format raw", two).out, "abcd");
 }
 
 TEST(Pictures, AreAStreamWhereThereAreMore) {
@@ -139,23 +141,23 @@ TEST(Pictures, AreAStreamWhereThereAreMore) {
     png += place.Read("a.png");
     jpeg += place.Read("a.jpg") + std::string(3, '\0');
   }
-  for (const auto& [value, number] : {std::pair("10", "5"), {"20", "6"}, {"30", "7"}})
-    place.Write(std::string("k-") + number + ".png", place.Read(std::string("n-0") + value + ".png"));
+  for (const std::string number : {"1", "2", "3"})
+    place.Write("k-" + number + ".png", place.Read("n-0" + number + "0.png"));
   const std::string a(8, '\12'), b(8, '\24'), c(8, '\36');
   const std::string raw = " - --format raw";
   EXPECT_EQ(place.Run("copy -" + raw, png).out, a + b + c);
   EXPECT_EQ(place.Run("copy -" + raw, jpeg + png).out, a + b + c + a + b + c);
   EXPECT_EQ(place.Run("copy -" + raw + " --frames 2-2", jpeg).out, b);
   EXPECT_EQ(place.Run("copy - x.png", png).exitCode, 1);
-  EXPECT_EQ(place.Run("copy k-%d.png --frames 5-" + raw).out, a + b + c);
-  EXPECT_EQ(place.Run("copy k-%d.png --frames 6-6" + raw).out, b);
+  EXPECT_EQ(place.Run("copy k-%d.png" + raw).out, a + b + c);
+  EXPECT_EQ(place.Run("copy k-%d.png --frames 2-2" + raw).out, b);
   const Outcome cut = place.Run("copy -" + raw, png.substr(0, png.size() - 9));
   EXPECT_EQ(cut.exitCode, 1);
   EXPECT_NE(cut.err.find("standard input: picture 3: not a whole PNG"), std::string::npos);
 
   // On a sheet, each in the middle of its cell, without what cannot be read.
   const Outcome sheet = place.Run(
-      "sheet a.jpg k-5.png nothing.png n-020.png sheet.ppm --cell 10x3 --gap 1 --background 0");
+      "sheet a.jpg k-1.png nothing.png n-020.png sheet.ppm --cell 10x3 --gap 1 --background 0");
   EXPECT_EQ(sheet.exitCode, 1);
   EXPECT_NE(sheet.err.find("nothing.png: cannot open"), std::string::npos);
   const std::string pixels = place.Run("copy sheet.ppm" + raw).out;

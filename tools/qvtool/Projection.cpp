@@ -26,7 +26,7 @@ IppiRect InPlane(const IppiRect& region, const PlaneShape& shape) {
   return {x, y, right - x, bottom - y};
 }
 
-// ---- Colours by their alpha -----------------------------------------------------------------------
+// ---- Colours by their alpha -----------------------------------------------------------------
 
 // What the samples around a place count there, from the one numbered `first` on, along an axis.
 struct Taps {

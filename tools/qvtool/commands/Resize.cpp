@@ -54,7 +54,7 @@ class Resize : public Step {
       throw UsageError("resize wants one of --to, --fit and --factor");
   }
 
-  // In both directions; what the nearest pixels are depends on all that there are.
+  // The nearest pixels are some of the file's own, and a reduced picture has none of these.
   double Reduction(IppiSize frame) const override {
     if (options_.exactApi || options_.method == QV_INTERPOLATE_NEAREST) return 1;
     const IppiRect region = options_.region.value_or(IppiRect{0, 0, frame.width, frame.height});

@@ -1,6 +1,7 @@
 #include "io/FrameStream.h"
 
 #include <cctype>
+#include <filesystem>
 
 #include "Error.h"
 #include "Report.h"

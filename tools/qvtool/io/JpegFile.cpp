@@ -101,7 +101,7 @@ std::shared_ptr<const Metadata> ReadMetadata(JpegReader& reader) {
   if (reader.jpeg.saw_JFIF_marker) {
     constexpr Density::Unit kUnits[] = {Density::Aspect, Density::PerInch, Density::PerCentimetre};
     const int x = reader.jpeg.X_density, y = reader.jpeg.Y_density, unit = reader.jpeg.density_unit;
-    const bool says = unit == 0 ? x != y : unit <= 2;  // square pixels are what all take for granted
+    const bool says = unit == 0 ? x != y : unit <= 2;  // that pixels are square goes without saying
     if (says && x > 0 && y > 0)
       metadata->density = {kUnits[unit], static_cast<double>(x), static_cast<double>(y)};
   }

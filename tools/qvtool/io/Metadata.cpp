@@ -7,7 +7,7 @@
 namespace qvtool {
 namespace {
 
-// ---- EXIF (CIPA DC-008): directories of twelve-byte entries, as in TIFF 6.0 -----------------------
+// ---- EXIF (CIPA DC-008): directories of twelve-byte entries, as in TIFF 6.0 --------------------
 
 constexpr unsigned kOrientation = 0x0112, kThumbnail = 0x0201, kThumbnailBytes = 0x0202;
 constexpr unsigned kShort = 3, kLong = 4;

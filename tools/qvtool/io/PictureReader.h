@@ -1,5 +1,5 @@
-// Pictures as a stream of frames: that of a file, numbered files, or pictures one after the other on
-// standard input.
+// Pictures as a stream of frames: that of a file, those of numbered files, or those that
+// follow each other on standard input.
 #ifndef QV_TOOLS_QVTOOL_IO_PICTUREREADER_H
 #define QV_TOOLS_QVTOOL_IO_PICTUREREADER_H
 

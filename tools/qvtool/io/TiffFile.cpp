@@ -78,8 +78,8 @@ std::shared_ptr<const Metadata> ReadMetadata(TIFF* file) {
   return metadata;
 }
 
-// libtiff would multiply colours by an alpha beside them. It leaves them alone where it is told that
-// they are multiplied already, which is what this answers: whether they really are.
+// libtiff would multiply colours by an alpha beside them. It leaves them alone where it is told
+// that they are multiplied already. The answer is whether they really are.
 bool PassColoursAsTheyAre(TIFF* file) {
   std::uint16_t count = 0, *kinds = nullptr;
   if (!TIFFGetField(file, TIFFTAG_EXTRASAMPLES, &count, &kinds) || count == 0) return false;

@@ -71,8 +71,8 @@ Colour ParseColour(const std::string& name, std::string_view token) {
   for (const Colour& colour : kColours)
     known += (known.empty() ? "" : ", ") + std::string(colour.token);
   throw Error(name + ": the Y4M colour format is '" + std::string(token) +
-              "'; wanted is one of " + known + ", 420p10, 422p10, 444p10, mono10 and these with other "
-              "numbers of bits");
+              "'; wanted is one of " + known +
+              ", 420p10, 422p10, 444p10, mono10 and these with other numbers of bits");
 }
 
 bool Fits(const Colour& colour, const Frame& frame) {

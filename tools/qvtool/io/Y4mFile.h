@@ -8,8 +8,8 @@ namespace qvtool {
 
 bool LooksLikeY4m(std::string_view firstBytes);
 
-// Reads 4:2:0 in all its sitings, 4:1:1, 4:2:2, 4:4:4 with or without alpha, mono; and 4:2:0, 4:2:2,
-// 4:4:4 and mono of 9 to 16 bits, which become 8.
+// Reads 4:2:0 in all its sitings, 4:1:1, 4:2:2, 4:4:4 with or without alpha, mono; and 4:2:0,
+// 4:2:2, 4:4:4 and mono of 9 to 16 bits, which become 8.
 class Y4mReader : public FrameReader {
  public:
   explicit Y4mReader(std::unique_ptr<ByteSource> source);
