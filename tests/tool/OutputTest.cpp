@@ -200,8 +200,8 @@ TEST(Progress, IsNotWrittenIntoFiles) {
 TEST(Help, IsThereForEverySubCommand) {
   Workplace place;
   for (const char* file : {"photo.jpg --size 900x600", "in.jpg --size 90x60",
-                           "first.png --size 9x9",
-                           "second.png --size 9x9", "in.y4m --size 1280x720 --layout i420"})
+                           "first.png --size 9x9", "second.png --size 9x9",
+                           "in.y4m --size 1280x720 --layout i420"})
     ASSERT_EQ(place.Run(std::string("fill --colour 99 ") + file).exitCode, 0);
   ASSERT_EQ(place.Run("convert first.png logo.png --to bgra").exitCode, 0);
   place.Write("my logo.png", place.Read("logo.png"));
