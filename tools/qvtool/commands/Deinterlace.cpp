@@ -18,6 +18,10 @@ void CopyRows(const Plane& from, const Plane& to) {
                                     to.SizeInBytes()));
 }
 
+Plane LastRow(const Plane& plane) {
+  return {plane.Row(plane.rows - 1), plane.step, plane.columns, 1, plane.bytes};
+}
+
 // Modes 4 and 16 begin a row above the image and read one row more: the filter runs on the plane
 // with its first row repeated twice above, and what it writes above the plane is dropped.
 class Deinterlace : public Step {
@@ -33,12 +37,14 @@ class Deinterlace : public Step {
     for (int i = 0; i < in.Planes(); ++i) {
       const Plane& from = in.PlaneAt(i);
       const Plane& to = out.PlaneAt(i);
-      CopyRows(from, to);  // for the rows that the mode does not write
-      if (from.rows < 3) continue;  // chroma of a frame of a few rows
-      if (options_.mode == 4 || options_.mode == 16)
+      if (from.rows < 3) {  // chroma of a frame of a few rows
+        CopyRows(from, to);
+      } else if (options_.mode == 4 || options_.mode == 16) {
         FilterExtended(from, to);
-      else
+      } else {
         FilterRows(from, to);
+        CopyRows(LastRow(from), LastRow(to));  // which mode 1 leaves unwritten
+      }
     }
     return out;
   }

@@ -115,7 +115,7 @@ Frame Frame::Clone() const {
 
 void UnpackAlpha(const unsigned char* packed, const Frame& frame) {
   const Plane& colour = frame.PlaneAt(0);
-  const Plane& alpha = frame.PlaneAt(1);
+  const Plane alpha = frame.PlaneAt(1);  // a copy, which no byte written can change
   const int step = frame.Width() * 4;
   Check("qvCopy", CqvAccLib::qvCopy(CqvAccLib::FourToThreeChannels, packed, step, colour.data,
                                     colour.step, colour.Size()));
@@ -128,7 +128,7 @@ void UnpackAlpha(const unsigned char* packed, const Frame& frame) {
 
 void PackAlpha(const Frame& frame, unsigned char* packed) {
   const Plane& colour = frame.PlaneAt(0);
-  const Plane& alpha = frame.PlaneAt(1);
+  const Plane alpha = frame.PlaneAt(1);
   const int step = frame.Width() * 4;
   for (int y = 0; y < alpha.rows; ++y) {
     const unsigned char* from = alpha.Row(y);

@@ -89,13 +89,16 @@ void Resizer::ResizeUnits(const Frame& in, const Area& region, const Frame& out,
 
 void Resizer::ResizeWithAlpha(const Frame& in, const Area& region, const Frame& out,
                               int filter) {
+  const bool isPixels = in.GetLayout() == Layout::Bgra;
   pixels_.resize(in.PackedBytes());
   resized_.resize(out.PackedBytes());
-  for (int c = 0; c < 4; ++c)
+  if (isPixels) PackAlpha(in, pixels_.data());
+  for (int c = 0; c < 4 && !isPixels; ++c)
     CopyChannel(ChannelOf(in, c), PackedChannel(pixels_, in.Size(), c));
   Resample(QV_PIXELS_STRAIGHT, PackedGrid(pixels_, in.Size()), region,
            PackedGrid(resized_, out.Size()), out.Size(), filter);
-  for (int c = 0; c < 4; ++c)
+  if (isPixels) UnpackAlpha(resized_.data(), out);
+  for (int c = 0; c < 4 && !isPixels; ++c)
     CopyChannel(PackedChannel(resized_, out.Size(), c), ChannelOf(out, c));
 }
 
