@@ -52,8 +52,8 @@ QV_INLINE QV_V ShiftRightSigned32(QV_V v, int n) {
 template <int n> QV_INLINE QV_V ShiftLeft64(QV_V v) { return QV_V_OP(slli_epi64)(v, n); }
 template <int n> QV_INLINE QV_V ShiftRight64(QV_V v) { return QV_V_OP(srli_epi64)(v, n); }
 
-// Within each 128-bit lane: interleave the low or high halves of two vectors; PackUnsigned16 and
-// PackSigned32 narrow with saturation, low halves from `a`. Pack(InterleaveLow(x, zero),
+// Within each 128-bit lane: interleave the low or high halves of two vectors; PackUnsigned16,
+// PackSigned16 and PackSigned32 narrow with saturation, low halves from `a`. Pack(InterleaveLow(x, zero),
 // InterleaveHigh(x, zero)) is x at every vector width.
 QV_INLINE QV_V InterleaveLow8(QV_V a, QV_V b) { return QV_V_OP(unpacklo_epi8)(a, b); }
 QV_INLINE QV_V InterleaveHigh8(QV_V a, QV_V b) { return QV_V_OP(unpackhi_epi8)(a, b); }
@@ -64,6 +64,7 @@ QV_INLINE QV_V InterleaveHigh32(QV_V a, QV_V b) { return QV_V_OP(unpackhi_epi32)
 QV_INLINE QV_V InterleaveLow64(QV_V a, QV_V b) { return QV_V_OP(unpacklo_epi64)(a, b); }
 QV_INLINE QV_V InterleaveHigh64(QV_V a, QV_V b) { return QV_V_OP(unpackhi_epi64)(a, b); }
 QV_INLINE QV_V PackUnsigned16(QV_V a, QV_V b) { return QV_V_OP(packus_epi16)(a, b); }
+QV_INLINE QV_V PackSigned16(QV_V a, QV_V b) { return QV_V_OP(packs_epi16)(a, b); }
 QV_INLINE QV_V PackSigned32(QV_V a, QV_V b) { return QV_V_OP(packs_epi32)(a, b); }
 
 // Within each 128-bit lane: 32-bit lanes 0 and 2, or 1 and 3, of `a` and then of `b`; and the sums
