@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 #include "Program.h"
 
@@ -153,10 +154,11 @@ std::string Filtered(const std::string& plane, int rowBytes, int weight, int mod
 }
 
 TEST(Deinterlace, FiltersEveryPlaneByItself) {
-  for (const auto& [mode, weight] : {std::pair(0, 100), {1, 0}, {4, 128}, {16, 256}, {16, 30}}) {
+  for (const auto& [name, mode, weight] : {std::tuple("0", 0, 100), {"inner", 1, 0}, {"1", 1, 99},
+                                           {"4", 4, 128}, {"16", 16, 256}, {"upper", 16, 30}}) {
     Workplace place;
-    const std::string how = "deinterlace - - --mode " + std::to_string(mode) +
-                            " --centre-weight " + std::to_string(weight);
+    const std::string how = std::string("deinterlace - - --mode ") + name + " --centre-weight " +
+                            std::to_string(weight);
     const std::string bgr = Noise(std::size_t{37} * 3 * 11, 5);
     EXPECT_TRUE(place.Run(how + " --layout bgr --size 37x11", bgr).out ==
                 Filtered(bgr, 111, weight, mode)) << how;

@@ -196,8 +196,17 @@ TEST(Progress, IsNotWrittenIntoFiles) {
   EXPECT_EQ(place.Read("log"), "");
 }
 
+// With examples that work as they stand, where there are these files.
 TEST(Help, IsThereForEverySubCommand) {
   Workplace place;
+  for (const char* file : {"photo.jpg --size 900x600", "in.jpg --size 90x60",
+                           "first.png --size 9x9", "second.png --size 9x9",
+                           "in.y4m --size 1280x720 --layout i420"})
+    ASSERT_EQ(place.Run(std::string("fill --colour 99 ") + file).exitCode, 0);
+  ASSERT_EQ(place.Run("convert first.png logo.png --to bgra").exitCode, 0);
+  place.Write("my logo.png", place.Read("logo.png"));
+  place.Write("clip.y4m", "YUV4MPEG2 W400 H200 Cmono\nFRAME\n" + Noise(80000, 1) + "FRAME\n" +
+                              Noise(80000, 2));
   const Outcome all = place.Run("--help");
   EXPECT_EQ(all.exitCode, 0);
   std::istringstream lines(all.out.substr(all.out.find("Subcommands:")));
@@ -213,6 +222,17 @@ TEST(Help, IsThereForEverySubCommand) {
     EXPECT_EQ(help.exitCode, 0) << name;
     EXPECT_NE(help.out.find("Usage: qvtool " + name), std::string::npos) << help.out;
     EXPECT_EQ(help.err, "");
+    int examples = 0;
+    std::istringstream text(help.out);
+    for (std::string said; std::getline(text, said);) {
+      if (!said.starts_with("  qvtool ")) continue;
+      if (const auto all = said.find("*.jpg"); all != std::string::npos)
+        said.replace(all, 5, "photo.jpg in.jpg");  // as a shell does
+      const Outcome example = place.Run(said.substr(9));
+      EXPECT_EQ(example.exitCode, 0) << said << "\n" << example.err;
+      ++examples;
+    }
+    EXPECT_GE(examples, 1) << name;
   }
   EXPECT_GE(commands, 7);
 }

@@ -122,9 +122,10 @@ void Files::Run(const MakeChain& make) const {
 std::shared_ptr<Files> AddFiles(CLI::App& app, const std::string& name) {
   auto files = std::make_shared<Files>();
   app.add_option(name, files->paths,
-                 "PNG, JPEG or Y4M file, headerless frames, or - for standard input; and the file "
-                 "to write: .png, .jpg, .y4m, .raw or .yuv, frame-%04d.png for a picture of every "
-                 "frame, or - for standard output. With --out, all are IN")
+                 "Picture, Y4M stream, headerless frames, frame-%04d.png for numbered pictures, or "
+                 "- for standard input; and the file to write: .png, .jpg, .ppm, .pgm, .y4m, .raw "
+                 "or .yuv, frame-%04d.png for a picture of every frame, or - for standard output. "
+                 "With --out, all are IN")
       ->required()
       ->type_name("");
   CLI::Option* out = app.add_option("--out", files->folder,

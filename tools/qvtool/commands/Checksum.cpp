@@ -155,7 +155,9 @@ void Verify(const Options& options) {
 
 void Configure(CLI::App& app) {
   auto options = std::make_shared<Options>();
-  app.add_option("FILE", options->files, "Files of any length, and folders with all in them; - (default) is standard input")
+  app.add_option("FILE", options->files,
+                 "Files of any length, and folders with all in them; - (default) is standard "
+                 "input")
       ->type_name("");
   AddChoice(app, "--algorithm", options->algorithm, {{"crc32", &kCrc32}, {"adler32", &kAdler32}},
             "CRC-32 as in gzip and PNG (default), or Adler-32 as in zlib");
@@ -163,8 +165,9 @@ void Configure(CLI::App& app) {
   app.add_flag("--check", options->check,
                "FILE is a list that this command wrote: compare the files in it");
   app.footer(
-      "Prints a line per file: eight hexadecimal digits, two spaces, its name. What cannot be read\n"
-      "is reported, and the others go on.");
+      "Prints a line per file: eight hexadecimal digits, two spaces, its name. What cannot be\n"
+      "read is reported, and the others go on.\n"
+      "  qvtool checksum photo.jpg logo.png");
   app.callback([options] {
     if (options->files.empty()) options->files = {"-"};
     options->check ? Verify(*options) : Print(*options);

@@ -41,7 +41,9 @@ void Configure(CLI::App& app) {
                  "A picture or Y4M clip of your own instead of the test card; - for standard input")
       ->type_name("FILE");
   app.add_flag("--pictures", options->pictures, "All pictures in full size beside it, as PNG");
-  app.footer("index.html holds its pictures and needs nothing else.");
+  app.footer(
+      "index.html holds its pictures and needs nothing else.\n"
+      "  qvtool demo page --input clip.y4m");
   app.callback([options] { Run(*options); });
 }
 

@@ -50,8 +50,9 @@ MakeStep Configure(CLI::App& app) {
              "All of its alphas are scaled by this / 255: 255 leaves them, 0 hides it");
   app.footer(
       "What sticks out of the frame is cut off. Frames of every layout are taken: the picture is\n"
-      "converted to theirs. Where it is transparent, frames keep their pixels; opaque pixels arrive\n"
-      "as they are.");
+      "converted to theirs. Where it is transparent, frames keep their pixels; opaque pixels\n"
+      "arrive as they are.\n"
+      "  qvtool overlay clip.y4m branded.y4m --with logo.png --at 40,40 --opacity 200");
   return EachFrameWith<Overlay>(options);
 }
 

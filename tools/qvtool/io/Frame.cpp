@@ -96,10 +96,16 @@ void Frame::Reset(Layout layout, int width, int height) {
   planes_ = info.planes;
 }
 
+void Frame::Inherit(const Frame& other) {
+  coding = other.coding;
+  parameters = other.parameters;
+  metadata = other.metadata;
+}
+
 Frame Frame::Clone() const {
   Frame copy(layout_, width_, height_);
-  copy.coding = coding;
-  copy.parameters = parameters;
+  copy.Inherit(*this);
+  copy.reduction = reduction;
   for (int i = 0; i < planes_; ++i)
     Check("qvCopy",
           CqvAccLib::qvCopy(CqvAccLib::OneChannel, plane_[i].data, plane_[i].step,

@@ -2,6 +2,7 @@
 #ifndef QV_TOOLS_QVTOOL_IO_FRAMESTREAM_H
 #define QV_TOOLS_QVTOOL_IO_FRAMESTREAM_H
 
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -12,24 +13,30 @@
 #include "io/Conversion.h"
 #include "io/Frame.h"
 #include "io/OutputFile.h"
+#include "io/Pictures.h"
 
 namespace qvtool {
-
-enum class FileFormat { Png, Jpeg, Y4m, Raw };
-
-const char* NameOf(FileFormat format);
 
 // What a video stream says of itself besides its size: the fields of a Y4M header as they are
 // written there ("F25:1", "Ip", "A1:1", "C420jpeg", "XYSCSS=420"). Empty for pictures.
 using VideoFields = std::vector<std::string>;
+
+// Which frames are wanted, the first of all being 1.
+struct FrameRange {
+  long first = 1;
+  long last = std::numeric_limits<long>::max();
+};
 
 struct InputSpec {
   std::string path;
   // Both are given for headerless frames, and neither otherwise.
   std::optional<Layout> layout;
   std::optional<IppiSize> size;
-  // Frame rate of headerless frames, "25:1".
+  // Frame rate of headerless frames and of pictures, "25:1".
   std::string rate = "25:1";
+  // Of numbered pictures, their numbers.
+  std::optional<FrameRange> frames;
+  DecodeOptions decode;
   // What the stream does not say of itself, or says wrongly.
   CodingHints coding;
   // Says on standard error what is taken for granted.
@@ -59,6 +66,9 @@ class FrameReader {
   // Reads the next frame; false at the end. Throws an Error for damaged input.
   bool Next(Frame& frame);
 
+  // Leaves out all frames but these.
+  void Select(const FrameRange& frames) { range_ = frames; }
+
   // Instead of Next: what the headers say. Throws an Error when frames are damaged or missing, as
   // far as these tell.
   virtual StreamInfo Describe();
@@ -85,6 +95,8 @@ class FrameReader {
   CodingHints coding_;  // as far as the stream says
 
  private:
+  FrameRange range_;
+  long read_ = 0;
   bool verbose_ = false;
 };
 
@@ -118,7 +130,9 @@ class FrameWriter {
   Conversion conversion_;
 };
 
-// Chooses by the first bytes of the input; headerless frames by the layout given.
+// Chooses by the first bytes of the input; headerless frames by the layout given. A path such as
+// frame-%04d.png, unless there is a file of this very name, is a picture of every number from 0 or
+// 1 on.
 std::unique_ptr<FrameReader> OpenInput(const InputSpec& spec);
 
 // The format that a name's extension stands for, and the usual extension of a format.

@@ -1,41 +1,19 @@
 #include "io/PictureWriter.h"
 
-#include <algorithm>
-#include <cctype>
-#include <cstdio>
 #include <exception>
 #include <utility>
 
 #include "Error.h"
-#include "io/JpegFile.h"
-#include "io/PngFile.h"
 #include "qvAcceleratedLib/qv.h"
 
 namespace qvtool {
-namespace {
-
-std::optional<Numbering> FindNumbering(const std::string& path) {
-  const std::size_t at = path.find('%');
-  if (at == std::string::npos) return {};
-  std::size_t end = at + 1;
-  int digits = 0;
-  while (end < path.size() && std::isdigit(static_cast<unsigned char>(path[end])) && digits < 100)
-    digits = digits * 10 + (path[end++] - '0');
-  if (end >= path.size() || !std::isalpha(static_cast<unsigned char>(path[end]))) return {};
-  if (path[end] != 'd')
-    throw UsageError(path + ": '" + path.substr(at, end + 1 - at) +
-                     "' given; wanted is the number of the frame, such as %04d");
-  return Numbering{at, end + 1 - at, std::min(digits, 12)};
-}
-
-}  // namespace
 
 PictureWriter::PictureWriter(const OutputSpec& spec, FileFormat format)
     : FrameWriter(spec.coding),
       path_(spec.path),
-      format_(format),
+      format_(*PictureFormatOf(format)),
       quality_(spec.quality),
-      numbering_(FindNumbering(path_)),
+      numbering_(Numbering::Find(path_)),
       places_(numbering_ ? static_cast<std::size_t>(qv_threads()) : 0) {}
 
 void PictureWriter::Write(Frame& frame) {
@@ -44,15 +22,20 @@ void PictureWriter::Write(Frame& frame) {
     CompressAside(frame);
     return;
   }
-  if (frames_ == 2)
+  if (frames_ == 2 && path_ != "-")
     throw Error(path_ +
                 ": the input has more than one frame; a name such as frame-%04d.png makes "
                 "a picture of each");
   FrameWriter::Write(frame);
 }
 
+void PictureWriter::WriteFrame(const Frame& frame) {
+  only_ = Encode(frame, path_);
+  if (path_ == "-") WriteFile(path_, std::exchange(only_, {}));
+}
+
 void PictureWriter::Finish() {
-  if (!numbering_ && frames_ == 1) WriteFile(path_, only_);
+  if (!only_.empty()) WriteFile(path_, only_);
   for (std::size_t i = 1; i <= places_.size(); ++i) {  // from the oldest on
     Place& place = places_[(static_cast<std::size_t>(frames_) + i) % places_.size()];
     if (place.done.valid()) place.done.get();
@@ -69,7 +52,7 @@ void PictureWriter::CompressAside(Frame& frame) {
 
 void PictureWriter::Compress(Place& place, long number) {
   qv_set_thread_limit(1);  // the others are busy with frames of their own
-  const std::string path = Numbered(number);
+  const std::string path = numbering_->Path(number);
   std::vector<unsigned char> bytes;
   std::exception_ptr error;
   try {
@@ -100,18 +83,11 @@ void PictureWriter::WriteInTurn(long number, const std::function<void()>& write)
 
 std::vector<unsigned char> PictureWriter::Encode(const Frame& frame,
                                                  const std::string& path) const {
-  if (format_ == FileFormat::Png) return EncodePng(frame, path);
-  if (frame.GetLayout() != Layout::Bgra) return EncodeJpeg(frame, path, quality_);
+  if (format_.holdsAlpha || frame.GetLayout() != Layout::Bgra)
+    return format_.encode(frame, path, quality_);
   Frame opaque;
   Flatten(frame, opaque);
-  return EncodeJpeg(opaque, path, quality_);
-}
-
-std::string PictureWriter::Numbered(long frame) const {
-  char number[32];
-  std::snprintf(number, sizeof number, "%0*ld", numbering_->digits, frame);
-  std::string path = path_;
-  return path.replace(numbering_->at, numbering_->length, number);
+  return format_.encode(opaque, path, quality_);
 }
 
 }  // namespace qvtool

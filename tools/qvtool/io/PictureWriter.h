@@ -1,4 +1,4 @@
-// Frames as PNG or JPEG files.
+// Frames as picture files.
 #ifndef QV_TOOLS_QVTOOL_IO_PICTUREWRITER_H
 #define QV_TOOLS_QVTOOL_IO_PICTUREWRITER_H
 
@@ -8,19 +8,13 @@
 #include <mutex>
 
 #include "io/FrameStream.h"
+#include "io/Numbering.h"
 
 namespace qvtool {
 
-// The place of the frame number in a path such as frame-%04d.png, if it has one.
-struct Numbering {
-  std::size_t at;
-  std::size_t length;
-  int digits;
-};
-
-// Writes one picture, or, under a path with a number, one of every frame. Those are compressed side
-// by side, on as many threads as the library uses; each file appears once the one before is there,
-// and none after one that could not be written.
+// Writes one picture; to standard output, one after the other; or, under a path with a number, one
+// of every frame. Those are compressed side by side, on as many threads as the library uses; each
+// file appears once the one before is there, and none after one that could not be written.
 class PictureWriter : public FrameWriter {
  public:
   PictureWriter(const OutputSpec& spec, FileFormat format);
@@ -36,16 +30,15 @@ class PictureWriter : public FrameWriter {
   };
 
   Layout Holds(const LayoutInfo& info) const override { return info.inPictures; }
-  void WriteFrame(const Frame& frame) override { only_ = Encode(frame, path_); }
+  void WriteFrame(const Frame& frame) override;
 
   void CompressAside(Frame& frame);
   void Compress(Place& place, long number);
   void WriteInTurn(long number, const std::function<void()>& write);
   std::vector<unsigned char> Encode(const Frame& frame, const std::string& path) const;
-  std::string Numbered(long frame) const;
 
   std::string path_;
-  FileFormat format_;
+  const PictureFormat& format_;
   int quality_;
   std::optional<Numbering> numbering_;
   long frames_ = 0;
