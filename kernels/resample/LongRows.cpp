@@ -96,10 +96,9 @@ void SumColumns(const Byte* src, int srcStep, const LongTaps& y, int i, FreshRow
   const short* const weights = y.weights + ptrdiff_t{i} * y.stride;
   const auto block = [&](ptrdiff_t b) QV_INLINE_LAMBDA {
     Vec sums[4] = {Zero(), Zero(), Zero(), Zero()};
-    const Byte* p = fresh.first + b;
-    if (b % 64 == 0)
-      for (int r = 0; r < fresh.count; ++r, p += srcStep) __builtin_prefetch(p);
-    p = rows + b;
+    for (int r = 0; b % 64 == 0 && r < fresh.count; ++r)
+      __builtin_prefetch(RowAt(fresh.first, srcStep, r) + b);
+    const Byte* p = rows + b;
     const auto add = [&](Vec upper, Vec lower, const short* pair) QV_INLINE_LAMBDA {
       int weight;
       memcpy(&weight, pair, sizeof weight);

@@ -117,7 +117,7 @@ const Bad kBad[] = {
     {"manyWithoutFolder", "mirror whole.png grey.png alpha.png", 2, {"3 files given", "--out"}},
     {"manyInOne", "mirror whole.png folder/whole.png --out folder", 2,
      {"whole.png and folder/whole.png", "folder/whole.png"}},
-    {"manyInOneByFormat", "mirror whole.png whole.jpg --out new --format png", 2, {"new/whole.png"}},
+    {"manyToOneName", "mirror whole.png whole.jpg --out new --format png", 2, {"new/whole.png"}},
     {"manyWithoutName", "mirror whole.png - --out new", 2, {"-: is not the name", "--out"}},
     {"manyExtension", "mirror whole.png palette.txt --out new", 2, {"'.txt'", "--format"}},
     {"manyArgument", "resize whole.png whole.jpg --out new", 2, {"--to"}},

@@ -77,7 +77,8 @@ TEST(Overlay, LeavesFramesOfEveryLayoutUnderATransparentPicture) {
       EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
       EXPECT_TRUE(outcome.out == frame) << layout << ' ' << at;
     }
-    const std::string fill = "fill - - --colour " + std::string(layout == "grey" ? "76" : "#ff0000");
+    const char* const colour = layout == "grey" ? "76" : "#ff0000";
+    const std::string fill = std::string("fill - - --colour ") + colour;
     for (const std::string at : {"4,2", "0,4"})
       EXPECT_TRUE(place.Run("overlay - - --with red.png --at " + at + shape, frame).out ==
                   place.Run(fill + " --region " + at + ",4,2" + shape, frame).out)

@@ -1,4 +1,4 @@
-// Chains of sub-commands, many files in one go, and what each makes of what a stream says of itself.
+// Chains of sub-commands, many files in one go, and what they make of what a stream says of itself.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -14,8 +14,8 @@ namespace qvtool {
 
 class WriteBehind {
  public:
-  // The writer belongs to the thread until Drain. `onFailure` is called there when a frame cannot be
-  // written, for those who wait for something else then.
+  // The writer belongs to the thread until Drain. `onFailure` is called there when a frame cannot
+  // be written, for those who wait for something else then.
   WriteBehind(FrameWriter& writer, std::function<void()> onFailure);
   ~WriteBehind();
 

@@ -60,7 +60,7 @@ class ByteSource {
 
   std::string name_;
   Descriptor file_;
-  Descriptor wakeUp_, wake_;  // both ends of a pipe that ends a wait; none for files, which never do
+  Descriptor wakeUp_, wake_;  // ends of a pipe that ends a wait; none for files, which never do
   std::optional<std::uint64_t> size_;
   std::uint64_t position_ = 0;
   unsigned char ahead_[kLookAhead];

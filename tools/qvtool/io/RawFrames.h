@@ -6,8 +6,8 @@
 
 namespace qvtool {
 
-// Reads all planes of a frame, rows without padding; alpha as a plane of its own. `pieces` is memory
-// that is used again, `number` is what an error calls the frame.
+// Reads all planes of a frame, rows without padding; alpha as a plane of its own. `pieces` is
+// memory that is used again, `number` is what an error calls the frame.
 void ReadPlanes(ByteSource& source, const Frame& frame, Pieces& pieces, long number);
 // Passes over the planes of one.
 void SkipPlanes(ByteSource& source, Layout layout, IppiSize size, long number);
