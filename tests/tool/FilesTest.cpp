@@ -173,6 +173,9 @@ TEST(Inputs, AreRecognisedByContentAlsoFromPipes) {
   place.Write("wrong.txt", place.Read("a.png"));
   EXPECT_NE(place.Run("info wrong.txt").out.find("format  PNG"), std::string::npos);
   EXPECT_NE(place.Run("info -", place.Read("a.jpg")).out.find("format  JPEG"), std::string::npos);
+  // Headers are enough.
+  place.Write("cut.png", place.Read("a.png").substr(0, 60));
+  EXPECT_NE(place.Run("info cut.png").out.find("size    9x5"), std::string::npos);
   EXPECT_EQ(place.Run("copy - -", place.Read("a.png")).out.substr(1, 3), "PNG");
   const std::string info = place.Run("info -", "YUV4MPEG2 W2 H1 F24:1 Cmono\nFRAME\nab").out;
   for (const char* part :

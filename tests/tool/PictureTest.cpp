@@ -65,6 +65,8 @@ TEST(Orientation, IsAppliedUnlessItIsKept) {
           << orientation << ' ' << i;
     }
     EXPECT_NEAR(Byte(place.Run("copy in.jpg - --format raw --keep-orientation").out, 0), 40, 2);
+    const char* const size = columns == 3 ? "size    24x16" : "size    16x24";
+    EXPECT_NE(place.Run("info in.jpg").out.find(size), std::string::npos) << orientation;
 
     // The tag goes with the pixels, and the picture of what they were is gone.
     ASSERT_EQ(place.Run("copy in.jpg kept.jpg --keep-orientation").exitCode, 0);

@@ -60,7 +60,7 @@ void Configure(CLI::App& app) {
                  "A file to describe instead of the library; - for standard input");
   AddRawInputOptions(app, *input);
   app.footer(
-      "Of videos the headers alone are read; frames are counted in files, not in pipes.\n"
+      "Headers alone are read; frames are counted in files, not in pipes.\n"
       "  qvtool info\n  qvtool info clip.y4m");
   app.callback([input] {
     if (input->path.empty())

@@ -229,6 +229,7 @@ Frame DecodeJpeg(std::span<const unsigned char> bytes, const std::string& name,
   if (const double divisor = jpeg.scale_denom; divisor > 1)
     frame.reduction = Reduction{size, 0, 0, size.width / divisor, size.height / divisor};
   frame.metadata = std::move(metadata);
+  if (options.headersOnly) return frame;
   std::vector<unsigned char> inks(channels == 4 ? jpeg.output_width * std::size_t{4} : 0);
   if (!ReadRows(reader, frame.PlaneAt(0), channels == 4 ? inks.data() : nullptr)) throw damaged();
   return frame;

@@ -89,7 +89,8 @@ std::size_t NetpbmBytes(std::span<const unsigned char> bytes) {
   return header ? header->bytes + header->RowBytes() * static_cast<std::size_t>(header->height) : 0;
 }
 
-Frame DecodeNetpbm(std::span<const unsigned char> bytes, const std::string& name) {
+Frame DecodeNetpbm(std::span<const unsigned char> bytes, const std::string& name,
+                   const DecodeOptions& options) {
   const auto damaged = [&](const char* why) {
     return Error(name + ": not a whole PGM or PPM: " + why);
   };
@@ -98,6 +99,7 @@ Frame DecodeNetpbm(std::span<const unsigned char> bytes, const std::string& name
   Frame frame;
   ResetFor(frame, header->channels == 1 ? Layout::Grey : Layout::Bgr, header->width,
            header->height, name);
+  if (options.headersOnly) return frame;
   if (bytes.size() < NetpbmBytes(bytes)) throw damaged("it is cut short");
   const Plane& to = frame.PlaneAt(0);
   const unsigned char* from = bytes.data() + header->bytes;

@@ -16,7 +16,8 @@ std::size_t NetpbmBytes(std::span<const unsigned char> bytes);
 
 // Decodes P5 to a Grey frame and P6 to a Bgr frame. Samples of up to 16 bits are scaled to 255 and
 // rounded.
-Frame DecodeNetpbm(std::span<const unsigned char> bytes, const std::string& name);
+Frame DecodeNetpbm(std::span<const unsigned char> bytes, const std::string& name,
+                   const DecodeOptions& options);
 
 // Writes a Grey frame as P5 and a Bgr frame as P6; any other layout throws an Error.
 Bytes EncodeNetpbm(const Frame& frame, const std::string& name);

@@ -20,12 +20,24 @@ void PictureReader::GoOn(const Numbering& numbering, long number) {
   cutter_.reset();
 }
 
+StreamInfo PictureReader::Describe() {
+  options_.headersOnly = true;
+  const Frame frame = Decode(source_->Name());
+  const IppiSize size = frame.metadata ? options_.Turned(frame.Size(), *frame.metadata)
+                                       : frame.Size();
+  return {frame.GetLayout(), size, 1};
+}
+
+Frame PictureReader::Decode(const std::string& name) {
+  const Bytes bytes = cutter_ ? cutter_->Cut(picture_->format) : source_->ReadAll();
+  return picture_->decode(bytes, name, options_);
+}
+
 bool PictureReader::ReadFrame(Frame& frame) {
   if (!picture_) return false;
   std::string name = source_->Name();
   if (cutter_ && number_ > 1) name += ": picture " + std::to_string(number_);
-  const Bytes bytes = cutter_ ? cutter_->Cut(picture_->format) : source_->ReadAll();
-  frame = picture_->decode(bytes, name, options_);
+  frame = Decode(name);
   if (!options_.keepOrientation) TurnUpright(frame);
   ++number_;
   FindNext();

@@ -18,8 +18,11 @@ class PictureReader : public FrameReader {
   // missing.
   void GoOn(const Numbering& numbering, long number);
 
+  StreamInfo Describe() override;
+
  private:
   bool ReadFrame(Frame& frame) override;
+  Frame Decode(const std::string& name);
   void FindNext();
   void FindNextInSource();
 

@@ -51,43 +51,21 @@ Frame Mirrored(const Frame& in, IppiAxis axis) {
   return out;
 }
 
-Frame ReadPng(std::span<const unsigned char> bytes, const std::string& name,
-              const DecodeOptions&) {
-  return DecodePng(bytes, name);
-}
 Bytes WritePng(const Frame& frame, const std::string& name, int) { return EncodePng(frame, name); }
 
-Frame ReadNetpbm(std::span<const unsigned char> bytes, const std::string& name,
-                 const DecodeOptions&) {
-  return DecodeNetpbm(bytes, name);
-}
 Bytes WriteNetpbm(const Frame& frame, const std::string& name, int) {
   return EncodeNetpbm(frame, name);
 }
 
-#ifdef QVTOOL_WEBP
-Frame ReadWebp(std::span<const unsigned char> bytes, const std::string& name,
-               const DecodeOptions&) {
-  return DecodeWebp(bytes, name);
-}
-#endif
-
-#ifdef QVTOOL_TIFF
-Frame ReadTiff(std::span<const unsigned char> bytes, const std::string& name,
-               const DecodeOptions&) {
-  return DecodeTiff(bytes, name);
-}
-#endif
-
 constexpr PictureFormat kFormats[] = {
-    {FileFormat::Png, LooksLikePng, ReadPng, WritePng, true},
+    {FileFormat::Png, LooksLikePng, DecodePng, WritePng, true},
     {FileFormat::Jpeg, LooksLikeJpeg, DecodeJpeg, EncodeJpeg, false},
-    {FileFormat::Netpbm, LooksLikeNetpbm, ReadNetpbm, WriteNetpbm, false},
+    {FileFormat::Netpbm, LooksLikeNetpbm, DecodeNetpbm, WriteNetpbm, false},
 #ifdef QVTOOL_WEBP
-    {FileFormat::Webp, LooksLikeWebp, ReadWebp, nullptr, false},
+    {FileFormat::Webp, LooksLikeWebp, DecodeWebp, nullptr, false},
 #endif
 #ifdef QVTOOL_TIFF
-    {FileFormat::Tiff, LooksLikeTiff, ReadTiff, nullptr, false},
+    {FileFormat::Tiff, LooksLikeTiff, DecodeTiff, nullptr, false},
 #endif
 };
 
@@ -126,9 +104,12 @@ std::string PictureFormatNames() {
 }
 
 double DecodeOptions::ReductionOf(IppiSize size, const Metadata& metadata) const {
-  if (!reduction) return 1;
+  return reduction ? reduction(Turned(size, metadata)) : 1;
+}
+
+IppiSize DecodeOptions::Turned(IppiSize size, const Metadata& metadata) const {
   if (!keepOrientation && metadata.Orientation() >= 5) std::swap(size.width, size.height);
-  return reduction(size);
+  return size;
 }
 
 void ResetFor(Frame& frame, Layout layout, int width, int height, const std::string& name) {

@@ -17,6 +17,9 @@ const char* NameOf(FileFormat format);
 
 // How pictures are read.
 struct DecodeOptions {
+  // Reads headers alone: the frame has its layout, its size and the metadata that stands before the
+  // samples, and nothing was written to its planes.
+  bool headersOnly = false;
   // Leaves pixels as they lie in the file, and its orientation with them. Otherwise they are turned
   // upright.
   bool keepOrientation = false;
@@ -25,6 +28,8 @@ struct DecodeOptions {
 
   // For a picture of this size in its file.
   double ReductionOf(IppiSize size, const Metadata& metadata) const;
+  // What that size becomes when the picture is turned, if it is.
+  IppiSize Turned(IppiSize size, const Metadata& metadata) const;
 };
 
 // Frame::Reset for a picture that is to be decoded; errors name it.

@@ -194,7 +194,8 @@ bool LooksLikePng(std::string_view firstBytes) {
   return firstBytes.starts_with("\x89PNG\r\n\x1a\n");
 }
 
-Frame DecodePng(std::span<const unsigned char> bytes, const std::string& name) {
+Frame DecodePng(std::span<const unsigned char> bytes, const std::string& name,
+                const DecodeOptions& options) {
   PngState state;
   state.at = bytes.data();
   state.end = bytes.data() + bytes.size();
@@ -206,6 +207,8 @@ Frame DecodePng(std::span<const unsigned char> bytes, const std::string& name) {
 
   Frame frame;
   ResetFor(frame, state.layout, state.width, state.height, name);
+  frame.metadata = ReadMetadata(state);
+  if (options.headersOnly) return frame;
   const Plane& pixels = frame.PlaneAt(0);
   if (state.paletteBits > 0) {
     Frame indices(Layout::Grey, state.width, state.height);

@@ -15,7 +15,8 @@ bool LooksLikePng(std::string_view firstBytes);
 // colour to a Bgra frame, all others to a Bgr frame. Samples are taken as they are, whatever gamma
 // the file states; 16-bit samples are rounded to the nearest 8-bit value. `name` is what errors
 // call the picture.
-Frame DecodePng(std::span<const unsigned char> bytes, const std::string& name);
+Frame DecodePng(std::span<const unsigned char> bytes, const std::string& name,
+                const DecodeOptions& options);
 
 // Encodes a Grey, Bgr or Bgra frame and its metadata; any other layout throws an Error. `level` is
 // the compression effort from 1 (fast) to 9 (small).

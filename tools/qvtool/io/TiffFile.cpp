@@ -129,7 +129,8 @@ bool LooksLikeTiff(std::string_view firstBytes) {
          start == std::string_view("II+\0", 4) || start == std::string_view("MM\0+", 4);
 }
 
-Frame DecodeTiff(std::span<const unsigned char> bytes, const std::string& name) {
+Frame DecodeTiff(std::span<const unsigned char> bytes, const std::string& name,
+                 const DecodeOptions& options) {
   static const bool quiet = [] {
     TIFFSetErrorHandler(nullptr);
     TIFFSetWarningHandler(nullptr);
@@ -160,11 +161,12 @@ Frame DecodeTiff(std::span<const unsigned char> bytes, const std::string& name) 
   Frame frame;
   ResetFor(frame, layout, static_cast<int>(std::min(pixels.width, kLongest)),
            static_cast<int>(std::min(pixels.height, kLongest)), name);
+  frame.metadata = std::move(metadata);
+  if (options.headersOnly) return frame;
   const std::size_t count = std::size_t{pixels.width} * pixels.height;
   const std::unique_ptr<std::uint32_t[]> raster(new std::uint32_t[count]);
   if (!TIFFRGBAImageGet(&pixels, raster.get(), pixels.width, pixels.height)) throw damaged();
   Store(raster.get(), multiplied, frame);
-  frame.metadata = std::move(metadata);
   return frame;
 }
 

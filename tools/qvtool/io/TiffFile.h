@@ -13,7 +13,8 @@ bool LooksLikeTiff(std::string_view firstBytes);
 
 // Decodes the first page of a file, of any kind that libtiff makes pixels of: one channel of grey
 // to a Grey frame, one with alpha to a Bgra frame, any other to a Bgr frame.
-Frame DecodeTiff(std::span<const unsigned char> bytes, const std::string& name);
+Frame DecodeTiff(std::span<const unsigned char> bytes, const std::string& name,
+                 const DecodeOptions& options);
 
 }  // namespace qvtool
 

@@ -52,7 +52,8 @@ bool LooksLikeWebp(std::string_view firstBytes) {
          firstBytes.substr(8).starts_with("WEBP");
 }
 
-Frame DecodeWebp(std::span<const unsigned char> bytes, const std::string& name) {
+Frame DecodeWebp(std::span<const unsigned char> bytes, const std::string& name,
+                 const DecodeOptions& options) {
   const auto check = [&](VP8StatusCode status) {
     if (status != VP8_STATUS_OK) throw Error(name + ": not a whole WebP: " + Explain(status));
   };
@@ -65,6 +66,8 @@ Frame DecodeWebp(std::span<const unsigned char> bytes, const std::string& name) 
   Frame frame;
   ResetFor(frame, alpha ? Layout::Bgra : Layout::Bgr, config.input.width, config.input.height,
            name);
+  frame.metadata = ReadMetadata(bytes);
+  if (options.headersOnly) return frame;
   Bytes packed(alpha ? frame.PackedBytes() : 0);
   const Plane& pixels = frame.PlaneAt(0);
   config.output.colorspace = alpha ? MODE_BGRA : MODE_BGR;
@@ -75,7 +78,6 @@ Frame DecodeWebp(std::span<const unsigned char> bytes, const std::string& name) 
       static_cast<std::size_t>(config.output.u.RGBA.stride) * static_cast<std::size_t>(pixels.rows);
   check(WebPDecode(bytes.data(), bytes.size(), &config));
   if (alpha) UnpackAlpha(packed.data(), frame);
-  frame.metadata = ReadMetadata(bytes);
   return frame;
 }
 

@@ -12,7 +12,8 @@ namespace qvtool {
 bool LooksLikeWebp(std::string_view firstBytes);
 
 // Decodes a still picture to a Bgr frame, or one with alpha to a Bgra frame.
-Frame DecodeWebp(std::span<const unsigned char> bytes, const std::string& name);
+Frame DecodeWebp(std::span<const unsigned char> bytes, const std::string& name,
+                 const DecodeOptions& options);
 
 }  // namespace qvtool
 
