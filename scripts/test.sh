@@ -20,12 +20,15 @@ step() { printf '\n== %s\n' "$*"; }
 
 "$root/scripts/setup.sh" libgtest-dev qemu-user libomp5-14 python3-numpy \
   python3-pytest python3-hypothesis
-[ $all = 0 ] || "$root/scripts/setup.sh" chromium
+[ $all = 0 ] || "$root/scripts/setup.sh" chromium python3-distributed python3-fsspec python3-tqdm
 
 step 'Release build and tests'
 cmake --preset release >/dev/null
 cmake --build --preset release
 ctest --test-dir build/release --output-on-failure -j "$(nproc)"
+
+/usr/bin/python3 -c 'import distributed, fsspec' 2>/dev/null ||
+  echo 'SKIPPED: qvacceleratedlib.batch on a cluster, without python3-distributed and python3-fsspec'
 
 [ $all = 1 ] || exit 0
 

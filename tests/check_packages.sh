@@ -42,6 +42,24 @@ configure() {
   quietly cmake --build "$work/$name"
 }
 
+# readme COMMENT [VARIABLE...]: the commands below a comment of README, but for apt-get, on a clip.
+readme() {
+  local comment=$1
+  shift
+  rm -rf "$work/readme"
+  mkdir "$work/readme"
+  ln -s "$folder" "$work/readme/out"
+  ln -s "$root/examples" "$work/readme/examples"
+  sed -n '/^```python$/,/^```$/p' "$root/README.md" | sed '1d;$d' >"$work/readme/example.py"
+  { printf 'YUV4MPEG2 W64 H48 F25:1 Cmono\nFRAME\n'; head -c 3072 /dev/zero; } \
+    >"$work/readme/clip.y4m"
+  sed -n "/^    # $comment/,/^\$/s/^    //p" "$root/README.md" | grep -v '^sudo ' \
+    >"$work/readme/commands"
+  [ "$(grep -c '^[a-z.]' "$work/readme/commands")" -ge 4 ] || fail "README has no '$comment'"
+  (cd "$work/readme" && quietly env "$@" bash -e commands)
+  has "$work/readme" small/clip.y4m small/qvbatch.manifest
+}
+
 check_linux() {
   local name=qvAcceleratedLib-$version-linux-x64
   tar -C "$work" -xzf "$folder/$name.tar.gz"
@@ -105,15 +123,17 @@ check_linux() {
   done
   echo 'Linux, Debian packages: work'
 
-  # Python's example, from the wheel in an environment of its own and from Debian's package.
+  # README's commands: with Debian's packages, and with the wheel in an environment of its own.
   "$root/scripts/setup.sh" python3-venv python3-numpy
-  sed -n '/^```python$/,/^```$/p' "$root/README.md" | sed '1d;$d' >"$work/example.py"
-  quietly /usr/bin/python3 -m venv --system-site-packages "$work/python"
-  quietly "$work/python/bin/pip" install --no-index "$folder/qvacceleratedlib-$version-py3-none-linux_$(uname -m).whl"
-  quietly "$work/python/bin/python" "$work/example.py"
   quietly dpkg-deb --extract "$folder/python3-qvacceleratedlib_${version}_all.deb" "$work/debian"
-  quietly env PYTHONPATH="$work/debian/usr/lib/python3/dist-packages" LD_LIBRARY_PATH="$work/debian/usr/lib" \
-    /usr/bin/python3 "$work/example.py"
+  local usr=$work/debian/usr
+  readme "for Debian's own compiler" LD_LIBRARY_PATH="$usr/lib" PKG_CONFIG_PATH="$usr/lib/pkgconfig" \
+    PYTHONPATH="$usr/lib/python3/dist-packages" PATH="$usr/bin:/usr/bin:$PATH"
+  readme 'in an environment for Python' PIP_NO_INDEX=1 PATH="/usr/bin:$PATH"
+  quietly "$work/readme/qv/bin/qvtool" selftest
+  needed=$(ldd "$work"/readme/qv/lib/python3*/site-packages/qvacceleratedlib/qvtool |
+    grep -oE '^\s*lib[a-z+]+' | sort | paste -sd' ' | tr -d '\t')
+  [ "$needed" = 'libc libm' ] || fail "the wheel's qvtool needs $needed"
   dpkg-deb --field "$folder/python3-qvacceleratedlib_${version}_all.deb" Depends |
     grep -q "$runtime (= $version)" || fail "the Python package does not need $runtime"
   echo 'Linux, Python: works'
@@ -128,7 +148,13 @@ check_windows() {
     lib/qvAcceleratedLib{,C}.lib include/qvAcceleratedLib/{CqvAccLib,qv}.h README.md LICENSE
   local wheel=win_amd64
   [ "$bits" = 64 ] || wheel=win32
-  has "$folder" "qvacceleratedlib-$version-py3-none-$wheel.whl"
+  quietly unzip -q "$folder/qvacceleratedlib-$version-py3-none-$wheel.whl" -d "$work/wheel$bits"
+  grep -q "^Tag: py3-none-$wheel" "$work/wheel$bits"/*.dist-info/WHEEL || fail "a wheel's tag"
+  mv "$work/wheel$bits/qvacceleratedlib/qvAcceleratedLibC.dll" "$work/wheel$bits/"
+  "$root/tests/check_dll.sh" "${compiler%-g++*}-objdump" "$work/wheel$bits/qvAcceleratedLibC.dll" \
+    "$root/build/windows$bits/bindings/c/exports.def" >/dev/null
+  quietly diff -r -x __pycache__ "$work/wheel$bits/qvacceleratedlib" \
+    "$root/bindings/python/qvacceleratedlib"
   "$root/tests/check_dll.sh" "${compiler%-g++*}-objdump" "$prefix/bin/qvAcceleratedLib.dll" \
     "$root/qvAcceleratedLib/exports/windows$bits.def" >/dev/null
 

@@ -6,6 +6,7 @@
 Prints a table in Markdown: the least of several rounds, in which the contenders take turns.
 """
 import ctypes
+import random
 import time
 
 import numpy as np
@@ -24,11 +25,13 @@ except ImportError:
 
 
 def best(calls, seconds, together, in_a_row):
-    """The least time of each call in seconds: so many are timed together, so often in a row."""
+    """The least time of each call in seconds: so many are timed together, so often in a row. Who
+    follows whom is drawn, as one call leaves caches and threads to the next."""
     least = [float("inf")] * len(calls)
     end = time.perf_counter() + seconds
     while time.perf_counter() < end:
-        for i, call in enumerate(calls):
+        for i in random.sample(range(len(calls)), len(calls)):
+            call = calls[i]
             for _ in range(in_a_row if call else 0):
                 start = time.perf_counter()
                 for _ in range(together):

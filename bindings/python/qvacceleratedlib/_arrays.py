@@ -107,11 +107,11 @@ def target(out: Optional[Image], shape: Tuple[int, ...], *sources: Optional[Imag
     return out, address, step
 
 
-def in_place(image: Image, out: Optional[Image], channels: Collection[int],
-             *sources: Optional[Image], argument: str = "image") -> Tuple[Image, Pixels]:
+def in_place(image: Image, described: Pixels, out: Optional[Image],
+             *sources: Optional[Image]) -> Tuple[Image, Pixels]:
     """For operations that work in place: `image` itself where it is `out`, else a copy of it, in
-    `out` or in a new array."""
-    described = pixels(image, argument, channels, out is image)
+    `out` or in a new array. `described` is what pixels() says of `image`, which is written if it
+    is `out`."""
     if out is not image:
         copy, address, step = target(out, image.shape, image, *sources)
         np.copyto(copy, image)

@@ -38,7 +38,8 @@ def overlay(frame: Image, foreground: Image, at: Sequence[int] = (0, 0),
     array([[  0, 128, 128]], dtype=uint8)
     """
     fg, fg_step, width, height, channels = pixels(foreground, "foreground", (1, 3, 4))
-    under = pixels(frame, "frame", (1, 3, 4))[4]
+    described = pixels(frame, "frame", (1, 3, 4), out is frame)
+    under = described[4]
     if (under, channels) not in _PAIRS:
         raise Error(Status.CHANNEL_ERR, "foreground",
                     f"{channels} channels do not go over the frame's {under}")
@@ -50,8 +51,7 @@ def overlay(frame: Image, foreground: Image, at: Sequence[int] = (0, 0),
         same_size(alpha, "alpha", width, height)
     opacity = byte_of(opacity, "opacity")
     x, y = point_of(at, "at", -2**31)
-    out, (to, to_step, columns, rows, _) = in_place(frame, out, (1, 3, 4), foreground, alpha,
-                                                    argument="frame")
+    out, (to, to_step, columns, rows, _) = in_place(frame, described, out, foreground, alpha)
     status = lib.qv_over(under, to, to_step, Size(columns, rows), channels, fg, fg_step,
                          Size(width, height), plane, plane_step, x, y, opacity,
                          PREMULTIPLIED if premultiplied else 0)
@@ -112,7 +112,9 @@ def merge_alpha_over(foreground: Image, foreground_alpha: Image, background: Ima
     >>> merge_alpha_over(colour, opaque, np.zeros_like(colour), opaque)[1]
     array([[255]], dtype=uint8)
     """
-    width, height = pixels(foreground, "foreground", (3,))[2:4]
+    colours, alpha = (None, None) if out is None else out
+    described = pixels(foreground, "foreground", (3,), colours is foreground)
+    width, height = described[2:4]
     ground, ground_step, _, _, _ = pixels(background, "background", (3,))
     fa, fa_step, _, _, _ = pixels(foreground_alpha, "foreground_alpha", (1,))
     ba, ba_step, _, _, _ = pixels(background_alpha, "background_alpha", (1,))
@@ -122,7 +124,6 @@ def merge_alpha_over(foreground: Image, foreground_alpha: Image, background: Ima
     if height > 1 and abs(fa_step) < width:
         raise Error(Status.STEP_ERR, "foreground_alpha", "its rows overlap")
     planes = (background, foreground_alpha, background_alpha)
-    colours, alpha = (None, None) if out is None else out
     if alpha is None:
         alpha = np.empty((height, abs(fa_step)), UINT8)[:, :width]
         alpha = alpha if fa_step > 0 else alpha[::-1]
@@ -132,8 +133,7 @@ def merge_alpha_over(foreground: Image, foreground_alpha: Image, background: Ima
                     f"rows {a_step} bytes apart, {fa_step} as of foreground_alpha wanted")
     if colours is not None:
         separate(alpha, "out[1]", colours)
-    colours, (f, f_step, _, _, _) = in_place(foreground, colours, (3,), *planes,
-                                             argument="foreground")
+    colours, (f, f_step, _, _, _) = in_place(foreground, described, colours, *planes)
     np.copyto(alpha, foreground_alpha)
     status = lib.qv_merge_alpha_over(0, f, f_step, fa, fa_step, ground, ground_step, ba, ba_step, a,
                                      3 * width, width, height)
@@ -158,10 +158,10 @@ def merge_alpha_plus(image: Image, source: Image, alpha: Image,
     s, s_step, width, height, channels = pixels(source, "source", TYPES)
     a, a_step, _, _, _ = pixels(alpha, "alpha", (1,))
     same_size(alpha, "alpha", width, height)
-    pixels(image, "image", TYPES)
+    described = pixels(image, "image", TYPES, out is image)
     if image.shape != source.shape:
         raise Error(Status.SIZE_ERR, "source", f"shape {source.shape} given, {image.shape} wanted")
-    out, (to, to_step, _, _, _) = in_place(image, out, TYPES, source, alpha)
+    out, (to, to_step, _, _, _) = in_place(image, described, out, source, alpha)
     status = lib.qv_merge_alpha_plus(TYPES[channels], to, to_step, s, s_step, a, a_step, width,
                                      height)
     if status:

@@ -196,7 +196,8 @@ def scale(image: Image, value: int, out: Optional[Image] = None) -> Image:
     value = byte_of(value, "value")
     if out is not None and pixels(out, "out", ANY, True)[1] < 1:
         raise Error(Status.STEP_ERR, "out", "rows from bottom to top, which scale does not take")
-    out, (to, to_step, width, height, channels) = in_place(image, out, ANY)
+    described = pixels(image, "image", ANY, out is image)
+    out, (to, to_step, width, height, channels) = in_place(image, described, out)
     status = lib.qv_mul_c_scale(_SCALE, value, to, to_step, Size(width * channels, height))
     if status:
         raise failed(status)

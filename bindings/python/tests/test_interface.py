@@ -4,6 +4,8 @@ import hashlib
 import inspect
 import pickle
 import re
+import shutil
+import subprocess
 import sys
 from pathlib import Path
 
@@ -12,6 +14,7 @@ import pytest
 
 import qvacceleratedlib as qv
 from qvacceleratedlib import _library
+from qvacceleratedlib.batch import __main__  # noqa: F401: its modules have examples too
 
 ROOT = Path(__file__).resolve().parents[3]
 HEADER = (ROOT / "include/qvAcceleratedLib/qv.h").read_text()
@@ -68,6 +71,17 @@ def test_readme():
     text = (ROOT / "README.md").read_text()
     example, = re.findall(r"```python\n(.*?)```", text, re.S)
     exec(compile(example, "README.md", "exec"), {})
+
+
+@pytest.mark.skipif(not shutil.which("ffmpeg"), reason="there is no ffmpeg")
+def test_camera_example():
+    frames = np.random.default_rng(1).integers(0, 256, (3, 480, 640, 2), np.uint8)
+    written = subprocess.run(
+        [sys.executable, str(ROOT / "examples/camera.py"), "-f", "rawvideo", "-pix_fmt", "yuyv422",
+         "-s", "640x480", "-i", "-"], input=frames.tobytes(), stdout=subprocess.PIPE, check=True)
+    assert written.stdout == b"".join(
+        qv.resize(qv.mirror(qv.convert(qv.Yuyv(frame), "bgr", matrix="bt601")), (320, 240), "area")
+        .tobytes() for frame in frames)
 
 
 def test_process():
