@@ -120,14 +120,17 @@ void Suite::Peer(const std::string& job, IppiSize size, const std::string& name,
   Add(job, size, name, 1, false, 0, std::move(work), label);
 }
 
+std::string Text(IppiSize size) {
+  return std::to_string(size.width) + "x" + std::to_string(size.height);
+}
+
 // The name of a benchmark is "job|contender|size|threads"; scripts/performance.py takes it apart. 0
 // threads are as many as the library takes by itself; on one it stays when it is called as here,
 // from inside a parallel region of the host's.
 void Suite::Add(const std::string& job, IppiSize size, const std::string& contender, int threads,
                 bool plain, double movedBytes, std::function<void()> work,
                 const std::string& label) {
-  const std::string frame =
-      label.empty() ? std::to_string(size.width) + "x" + std::to_string(size.height) : label;
+  const std::string frame = label.empty() ? Text(size) : label;
   const double pixels = static_cast<double>(Pixels(size));
   benchmark::RegisterBenchmark(
       (job + "|" + contender + "|" + frame + "|" + std::to_string(threads)).c_str(),

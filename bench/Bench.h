@@ -33,6 +33,15 @@ inline std::size_t Pixels(IppiSize size) {
   return static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height);
 }
 
+std::string Text(IppiSize size);  // "640x360"
+
+// A size and the one that it is made.
+struct Scaling {
+  std::string Label() const { return Text(from) + " to " + Text(to); }
+
+  IppiSize from, to;
+};
+
 // Work buffers of a frame size, shared by all jobs: random bytes, four bytes a pixel and some rows
 // to spare on both sides, cache-line aligned.
 struct Buffers {

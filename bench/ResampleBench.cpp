@@ -30,30 +30,22 @@ const char* NameOf(int filter) {
   }
 }
 
-struct Pair {
-  IppiSize from, to;
-};
-
-constexpr Pair kPairs[] = {{{1280, 720}, {1920, 1080}},
-                           {{1920, 1080}, {1280, 720}},
-                           {{3840, 2160}, {640, 360}}};
-
-std::string Text(IppiSize size) {
-  return std::to_string(size.width) + "x" + std::to_string(size.height);
-}
+constexpr bench::Scaling kScalings[] = {{{1280, 720}, {1920, 1080}},
+                                        {{1920, 1080}, {1280, 720}},
+                                        {{3840, 2160}, {640, 360}}};
 
 }  // namespace
 
 static const bench::Family resample([](bench::Suite& s) {
-  for (const Pair& pair : kPairs)
+  for (const bench::Scaling& scaling : kScalings)
     for (const Kind& kind : kKinds)
       for (const int filter : kind.filters) {
-        const IppiSize from = pair.from, to = pair.to;
+        const IppiSize from = scaling.from, to = scaling.to;
         if (filter == 0 || (filter == 8 && to.width > from.width)) continue;
         const unsigned char* const src = s.Frame(from).src;
         unsigned char* const dst = s.Frame(to).dst;
         const std::string job = std::string("resample ") + NameOf(filter) + " " + kind.name;
-        const std::string label = Text(from) + " to " + Text(to);
+        const std::string label = scaling.Label();
         const double read = double(bench::Pixels(from)) / double(bench::Pixels(to));
         qv::ResampleOptions options = {};
         options.pixels = kind.pixels;

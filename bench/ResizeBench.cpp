@@ -16,25 +16,17 @@ struct Method {
 constexpr Method kMethods[] = {
     {1, "nearest"}, {2, "linear"}, {4, "cubic"}, {8, "area"}, {16, "Lanczos"}};
 
-struct Pair {
-  IppiSize from, to;
-};
-
-constexpr Pair kPairs[] = {{{640, 360}, {1280, 720}},
-                           {{1280, 720}, {1920, 1080}},
-                           {{1920, 1080}, {1280, 720}},
-                           {{3840, 2160}, {1920, 1080}}};
-
-std::string Text(IppiSize size) {
-  return std::to_string(size.width) + "x" + std::to_string(size.height);
-}
+constexpr bench::Scaling kScalings[] = {{{640, 360}, {1280, 720}},
+                                        {{1280, 720}, {1920, 1080}},
+                                        {{1920, 1080}, {1280, 720}},
+                                        {{3840, 2160}, {1920, 1080}}};
 
 }  // namespace
 
 static const bench::Family resize([](bench::Suite& s) {
-  for (const Pair& pair : kPairs) {
-    const IppiSize from = pair.from, to = pair.to;
-    const std::string label = Text(from) + " to " + Text(to);
+  for (const bench::Scaling& scaling : kScalings) {
+    const IppiSize from = scaling.from, to = scaling.to;
+    const std::string label = scaling.Label();
     const unsigned char* const src = s.Frame(from).src;
     unsigned char* const dst = s.Frame(to).dst;
     const IppiRect all = {0, 0, from.width, from.height};

@@ -66,9 +66,9 @@ void PrintToPixels(Frames& f, int matrix, int range, const char* contender, Conv
   for (std::size_t i = 0; i < kAll; ++i)
     for (int c = 0; c < 3; ++c) f.plane[c][i] = static_cast<unsigned char>(i >> 8 * c);
   convert(f);
-  const test::Colors colors = test::ColorsOf(matrix, range);
+  const test::Colours colours = test::ColoursOf(matrix, range);
   Errors errors;
-  for (std::size_t i = 0; i < kAll; ++i) errors.Add(f.Pixel(i), ExactRgb(colors, f.Samples(i)));
+  for (std::size_t i = 0; i < kAll; ++i) errors.Add(f.Pixel(i), ExactRgb(colours, f.Samples(i)));
   PrintRow("to pixels", matrix, range, contender, errors);
 }
 
@@ -79,9 +79,9 @@ void PrintToSamples(Frames& f, int matrix, int range, const char* contender, Con
     for (std::size_t c = 0; c < 3; ++c)
       f.pixels[4 * i + c] = static_cast<unsigned char>(i >> 8 * c);
   convert(f);
-  const test::Colors colors = test::ColorsOf(matrix, range);
+  const test::Colours colours = test::ColoursOf(matrix, range);
   Errors errors, trip;
-  for (std::size_t i = 0; i < kAll; ++i) errors.Add(f.Samples(i), ExactYuv(colors, f.Pixel(i)));
+  for (std::size_t i = 0; i < kAll; ++i) errors.Add(f.Samples(i), ExactYuv(colours, f.Pixel(i)));
   PrintRow("to samples", matrix, range, contender, errors);
   YuvToRgb(QV_LAYOUT_I444, f.plane, f.step, QV_LAYOUT_BGRA, f.pixels.data(), 4 * kSide, kSize,
            matrix, range, QV_CHROMA_REPEATED);

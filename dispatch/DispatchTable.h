@@ -2,8 +2,9 @@
 // level's.
 //
 // `Own` tells what there is: Own::Rows, the type of the rows; Own::kLevels, a LevelSet with the
-// plain level in it; and Own::kRows, for each level of the roll a pointer to its rows, null for
-// those that are not in kLevels.
+// plain level in it; Own::kRows, for each level of the roll a pointer to its rows, null for those
+// that are not in kLevels; and Own::kWidth, the number of the argument with the width by which
+// wide levels are chosen, or -1.
 #ifndef QV_DISPATCH_DISPATCHTABLE_H
 #define QV_DISPATCH_DISPATCHTABLE_H
 
@@ -24,6 +25,24 @@ constexpr typename Own::Rows* ServingRows(int slot, int wide) {
   return Own::kRows[static_cast<int>(ServingLevel(Own::kLevels, slot, wide))];
 }
 
+constexpr int WidthOf(int width) { return width; }
+constexpr int WidthOf(IppiSize size) { return size.width; }
+
+// The width that argument `number` has.
+template <int number, class First, class... Rest>
+constexpr int WidthIn(const First& first, const Rest&... rest) {
+  if constexpr (number == 0)
+    return WidthOf(first);
+  else
+    return WidthIn<number - 1>(rest...);
+}
+
+// The highest WideLevel up to `wide` of which `width` fills a vector, or 0.
+constexpr int WideLevelFor(int width, int wide) {
+  while (wide > 0 && width < VectorBytesOf(wide)) --wide;
+  return wide;
+}
+
 // The last slot of a kernel that gains from wider vectors: chooses once more, by WideLevel.
 template <class Own, class Rows = typename Own::Rows>
 struct WideForwarder;
@@ -40,7 +59,11 @@ struct WideForwarder<Own, Result(Args...)> {
     return table;
   }();
 
-  static Result Forward(Args... args) { return kTable.rows[Current(WideLevel)](args...); }
+  static Result Forward(Args... args) {
+    int wide = Current(WideLevel);
+    if constexpr (Own::kWidth >= 0) wide = WideLevelFor(WidthIn<Own::kWidth>(args...), wide);
+    return kTable.rows[wide](args...);
+  }
 };
 
 template <class Own>

@@ -42,6 +42,9 @@ constexpr int CarrylessLevelFor(const LevelInfo& level) {
   return level.slot < 4 ? 0 : level.wide < InfoOf(LevelId::avx512).wide ? 1 : 2;
 }
 
+// Bytes in a vector of the levels of a WideLevel.
+constexpr int VectorBytesOf(int wide) { return 16 << wide; }
+
 // Some of the levels.
 class LevelSet {
  public:

@@ -18,12 +18,14 @@
 #define QV_OWN_ROWS(level, slot, wide, kernel) \
   kLevels.Has(LevelId::level) ? level::kernel : nullptr,
 
-#define QV_KERNEL(kernel, ...)                                     \
+#define QV_KERNEL(kernel, ...) QV_KERNEL_BY_WIDTH(kernel, -1, __VA_ARGS__)
+#define QV_KERNEL_BY_WIDTH(kernel, width, ...)                     \
   namespace qv {                                                   \
   QV_EACH_LEVEL(QV_DECLARE_ROWS, kernel)                           \
   namespace {                                                      \
   struct kernel##_Own {                                            \
     using Rows = decltype(qv::kernel)::Rows;                       \
+    static constexpr int kWidth = width;                           \
     static constexpr LevelSet kLevels =                            \
         QV_LEVEL_SET(__VA_ARGS__) & QV_LEVEL_SET(QV_BUILT_LEVELS); \
     static constexpr Rows* kRows[kLevelCount] = {                  \

@@ -126,7 +126,7 @@ IppStatus YuvToRgb(int yuvLayout, const unsigned char* const planes[], const int
     });
   }
   const auto src = FrameOf(layout, planes, steps, pixel.redFirst);
-  const RgbFrame<unsigned char> to = {dst, dstStep, pixel.channels};
+  const RgbFrame<unsigned char> to = {dst, dstStep, pixel.channels, pixel.redFirst};
   const YuvToRgbTerms& terms = kYuvToRgb.at[matrix][range][pixel.redFirst];
   return RunRows(YuvToRgb_8u, yuvLayout, rgbLayout, size, [&](int first, int rows) {
     YuvToRgb_8u(&src, &to, &terms, SitingOf(siting), size, first, rows);
@@ -167,9 +167,9 @@ IppStatus RgbToYuv(int rgbLayout, const unsigned char* src, int srcStep, int yuv
       GreyToPlanes(src, srcStep, dst, layout.planes, size, range, {first, rows});
     });
   }
-  const auto dst = FrameOf(layout, planes, steps, pixel.redFirst);
-  const RgbFrame<const unsigned char> from = {src, srcStep, pixel.channels};
-  const RgbToYuvTerms& terms = kRgbToYuv.at[matrix][range][pixel.redFirst];
+  const auto dst = FrameOf(layout, planes, steps, false);
+  const RgbFrame<const unsigned char> from = {src, srcStep, pixel.channels, pixel.redFirst};
+  const RgbToYuvTerms& terms = kRgbToYuv.at[matrix][range];
   return RunRows(RgbToYuv_8u, yuvLayout, rgbLayout, size, [&](int first, int rows) {
     RgbToYuv_8u(&from, &dst, &terms, SitingOf(siting), size, first, rows);
   });

@@ -13,6 +13,8 @@ import re
 import sys
 import textwrap
 
+import generated
+
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 CLASS_HEADER = ROOT / "include" / "qvAcceleratedLib" / "CqvAccLib.h"
 C_HEADER = ROOT / "include" / "qvAcceleratedLib" / "qv.h"
@@ -172,22 +174,12 @@ def split(text):
     return before, rest.split(END)[1]
 
 
-def main():
-    check = sys.argv[1:] == ["--check"]
-    if sys.argv[1:] and not check:
-        sys.exit(__doc__)
+def contents():
     before, after = split(C_HEADER.read_text())
     header = f"{before}{BEGIN}\n{Translation().section()}\n{END}{after}"
     names = re.findall(r"^QV_API\([^)]*\) (qv_\w+)\(", header, re.M)
-    differing = []
-    for path, text in ((C_HEADER, header), (EXPORTS, "".join(f"{name}\n" for name in names))):
-        if not check:
-            path.write_text(text)
-        elif not path.exists() or path.read_text() != text:
-            differing.append(path.name)
-    if differing:
-        sys.exit("scripts/c_header.py writes others than " + ", ".join(differing))
+    return {C_HEADER: header, EXPORTS: "".join(f"{name}\n" for name in names)}
 
 
 if __name__ == "__main__":
-    main()
+    generated.main(__doc__, contents)

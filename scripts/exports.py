@@ -15,6 +15,8 @@ import re
 import subprocess
 import sys
 
+import generated
+
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 HEADER = ROOT / "include" / "qvAcceleratedLib" / "CqvAccLib.h"
 FOLDER = ROOT / "qvAcceleratedLib" / "exports"
@@ -55,21 +57,10 @@ def export_list(architecture):
     return "\n".join(lines) + "\n"
 
 
-def main():
-    check = sys.argv[1:] == ["--check"]
-    if sys.argv[1:] and not check:
-        sys.exit(__doc__)
-    differing = []
-    for name, architecture in ARCHITECTURES.items():
-        path = FOLDER / f"{name}.def"
-        text = export_list(architecture)
-        if not check:
-            path.write_text(text)
-        elif not path.exists() or path.read_text() != text:
-            differing.append(path.name)
-    if differing:
-        sys.exit("the header gives other names than " + ", ".join(differing))
+def contents():
+    return {FOLDER / f"{name}.def": export_list(architecture)
+            for name, architecture in ARCHITECTURES.items()}
 
 
 if __name__ == "__main__":
-    main()
+    generated.main(__doc__, contents)

@@ -33,7 +33,8 @@ fi
 seconds=$1
 shift
 families=("$@")
-[ $# -gt 0 ] || families=(checksum color composite copy deinterlace geometry resize)
+[ $# -gt 0 ] || families=(checksum color composite copy deinterlace geometry resize \
+  resample overlay fields matrices yuv)
 
 # A corpus has an input a line in hexadecimal, libFuzzer wants files.
 unpack() {  # DIRECTORY CORPUS

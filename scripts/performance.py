@@ -1,18 +1,21 @@
 #!/usr/bin/env python3
 """Renders docs/performance.md, docs/performance-avx2.md and docs/performance.svg from benchmarks.
 
-    scripts/performance.py RESULTS.json BUSY.json AVX2.json
+    scripts/performance.py [--goals] RESULTS.json BUSY.json AVX2.json
 
 All are qvbench's JSON output with repetitions, the second one of `qvbench --busy`, the third one of
-`qvbench --level avx2`. A time is the fastest repetition, of the second one the mean; the spread is
-how far the median lies above the fastest.
+`qvbench --level avx2`. A time is the fastest repetition; with several threads it is the median, and
+in the second file the mean. With --goals nothing is written: a table for those who work on the
+library is printed, of what was aimed at.
 """
+import argparse
 import csv
 import json
 import pathlib
 import statistics
-import sys
 from collections import defaultdict
+
+import chart
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 FRAMES = ["640x360", "1920x1080", "3840x2160"]
@@ -46,8 +49,8 @@ class Results:
         runs = self.times[job][label].get((contender, threads))
         return min(runs) if runs else None
 
-    def median(self, job, label, contender):
-        return statistics.median(self.times[job][label][contender, 1])
+    def median(self, job, label, contender, threads=1):
+        return statistics.median(self.times[job][label][contender, threads])
 
     def mean(self, job, label, contender, threads):
         runs = self.times[job][label].get((contender, threads))
@@ -96,16 +99,147 @@ def number(value):
     return "" if value is None else f"{value:.3f}" if value < 10 else f"{value:.1f}"
 
 
+def times(value):
+    return f"{value:.2f}" if value < 10 else f"{value:.0f}"
+
+
 def in_order(results, goals):
     """(job, label) pairs in the order of the goals, frames from small to large; others follow."""
     rank = {key: i for i, key in enumerate(goals)}
     jobs = {}
     for job, _ in goals:
         jobs.setdefault(job, len(jobs))
-    pairs = [(job, label) for job, labels in results.times.items() for label in labels]
+    pairs = [(job, label) for job, labels in results.times.items() for label in labels
+             if results.best(job, label, "ours")]
     return sorted(pairs, key=lambda p: (jobs.get(p[0], len(jobs)), p[0], rank.get(p, 0),
                                         results.pixels[p[1]]))
 
+
+def usual(results, job):
+    """The label that stands for the job: the frame of HD, or the nearest there is."""
+    labels = list(results.times[job])
+    named = [label for label in ("1920x1080", "1920x1080 to 1280x720") if label in labels]
+    return (named or sorted(labels, key=lambda label: results.pixels[label])[-1:])[0]
+
+
+def best_peers(results, job, label):
+    """(time, name) of the fastest that does the same work, and of the fastest like it, or None."""
+    peers = results.peers(job, label)
+    return (next(((t, n) for t, n in peers if not n.startswith("~")), None),
+            next(((t, n[1:]) for t, n in peers if n.startswith("~")), None))
+
+
+# ---- What everybody reads -----------------------------------------------------------------------
+
+def row(results, job, label):
+    """The cells of a row, by their heads."""
+    ours = results.best(job, label, "ours")
+    plain = results.best(job, label, "plain")
+    same, similar = best_peers(results, job, label)
+    nearest = same or similar
+    return {
+        "operation": job,
+        "frame": label,
+        "one thread": number(ours),
+        f"{results.context['num_cpus']} threads": number(results.median(job, label, "ours", 0)),
+        "plain C++": number(plain),
+        "same work by": f"{number(same[0])} {same[1]}" if same else "",
+        "similar work by": f"{number(similar[0])} {similar[1]}" if similar else "",
+        "faster": ("" if same else "~") + times(nearest[0] / ours) if nearest else "",
+    }
+
+
+def columns(results):
+    threads = f"{results.context['num_cpus']} threads"
+    return {
+        "operation": "its numbers are bytes a pixel.",
+        "one thread": "the library, called on one thread.",
+        threads: "as it comes; the median, because not every call finds a thread awake that could "
+        "help. Several cores have several caches: where the parts of a frame fit theirs and the "
+        "whole does not fit one's, threads save more than their number says.",
+        "plain C++": "the library's portable code, which runs where there are no vectors, on one "
+        "thread.",
+        "same work by": "the fastest library of Debian's that does exactly this, on one thread.",
+        "similar work by": "the fastest that does something like it, such as less, or with "
+        "coarser rounding; the words behind its name say what.",
+        "faster": "how many times faster the library is than that peer, both on one thread; below "
+        "1 the peer is faster. With ~ it is the peer of similar work.",
+    }
+
+
+def table(rows, without=()):
+    heads = [head for head in rows[0] if head not in without]
+    yield "| " + " | ".join(heads) + " |"
+    yield "|" + " --- |" * len(heads)
+    for cells in rows:
+        yield "| " + " | ".join(cells[head] for head in heads) + " |"
+
+
+def noise(results, keys):
+    spreads = sorted(results.spread(job, label, "ours") for job, label in keys)
+    return (f"The median repetition takes {100 * statistics.median(spreads):.0f} % longer than the "
+            f"fastest (the median of all rows; {100 * spreads[-1]:.0f} % in the worst).")
+
+
+def beside_busy_loops(busy, keys):
+    ratios = sorted(busy.mean(*key, "ours", 0) / busy.mean(*key, "ours", 1)
+                    for key in keys if busy.mean(*key, "ours", 1))
+    return (f"- On a busy machine, beside as many endless loops as there are processors, the "
+            f"library as it comes takes {statistics.median(ratios):.2f} times what it takes on one "
+            f"thread (the median of all rows; {ratios[-1]:.2f} in the worst).")
+
+
+def cpu_name():
+    with open("/proc/cpuinfo") as lines:
+        return next((line.split(":")[1].strip() for line in lines
+                     if line.startswith("model name")), "unknown processor")
+
+
+def page(title, results, goals, remarks, without=()):
+    context = results.context
+    keys = in_order(results, goals)
+    first = [key for key in keys if key[1] == usual(results, key[0])]
+    copies = ", ".join(f"{f} {results.best('copy 1 byte', f, 'memcpy'):.3f}" for f in FRAMES
+                       if results.best("copy 1 byte", f, "memcpy"))
+    return "\n".join([
+        f"# {title}", "",
+        "Nanoseconds for each pixel of the result (checksums: for each byte), the fastest of "
+        "repetitions that all contenders made in turns. 0.1 is 0.2 ms for a frame of 1920 x 1080. "
+        "Written by `scripts/bench.sh`.", "",
+        f"- Machine: {cpu_name()}, {context['num_cpus']} CPUs; level {context['levels']}; "
+        f"version {context['version']}; measured {context['date'][:10]}. " + noise(results, keys),
+        f"- A plain copy of a frame of one byte a pixel (memcpy): {copies}.",
+        *(f"- *{head}*: {text}" for head, text in columns(results).items() if head not in without),
+        *remarks, "",
+        "## Frames of 1920 x 1080", "",
+        *table([row(results, *key) for key in first], without), "",
+        "## Other sizes", "",
+        *table([row(results, *key) for key in keys if key not in first], without), ""])
+
+
+CHARTED = (
+    "copy 3 bytes", "fill 3 bytes", "mirror 1 byte, left-right", "mirror 3 bytes, left-right",
+    "palette to 3 bytes", "packed 4:2:2 to BGR", "planar 4:2:0 to BGR", "BGR to I420",
+    "two-plane to planar 4:2:0", "constant alpha, 3 bytes, over", "over, 3 bytes",
+    "deinterlace 1 byte", "bob, both fields, mean",
+    "quarter turn 3 bytes", "warp perspective linear 3", "rotate 30 degrees cubic 3",
+    "resize nearest 3", "resize linear 3", "resize cubic 3", "resize Lanczos 3", "resize area 1",
+    "resample Lanczos 3", "CRC-32", "Adler-32",
+)
+
+
+def charted(results):
+    for job in CHARTED:
+        if job not in results.times:
+            continue
+        label = usual(results, job)
+        same, similar = best_peers(results, job, label)
+        time, name = same or similar
+        name = ("" if same else "~") + name.split(",")[0]
+        yield job, time / results.best(job, label, "ours"), name
+
+
+# ---- What was aimed at --------------------------------------------------------------------------
 
 def met(results, job, label, goal):
     """A goal is met if the fastest repetition and the median agree on it."""
@@ -117,17 +251,10 @@ def met(results, job, label, goal):
     return "yes" if results.median(job, label, "ours") <= goal else "fastest"
 
 
-def row(results, busy, job, label, goal):
-    """The cells of a row, by their heads; None if it is not of ours."""
-    ours = results.best(job, label, "ours")
-    if ours is None:
-        return None
-    plain = results.best(job, label, "plain")
-    shared = results.best(job, label, "ours", 0)
+def goal_row(results, busy, job, label, goal):
+    """Goals of bench/goals.csv times how much slower a copy is here than where they were set."""
+    ours, shared = (results.best(job, label, "ours", threads) for threads in (1, 0))
     busy_one, busy_shared = (busy.mean(job, label, "ours", threads) for threads in (1, 0))
-    peers = results.peers(job, label)
-    same = next(((t, n) for t, n in peers if not n.startswith("~")), None)
-    near = next(((t, n[1:]) for t, n in peers if n.startswith("~")), None)
     limit = results.limit(job, label)
     if goal:
         goal *= results.yardstick(label)
@@ -136,12 +263,7 @@ def row(results, busy, job, label, goal):
         "frame": label,
         "ours": number(ours),
         "spread": f"{100 * results.spread(job, label, 'ours'):.0f} %",
-        "plain": f"{number(plain)} ({plain / ours:.1f}x)" if plain else "",
-        "best peer": f"{number(same[0])} {same[1]}" if same else "",
-        "nearest peer": f"{number(near[0])} {near[1]}" if near else "",
-        "peer / ours": (f"{same[0] / ours:.2f}" if same
-                        else f"~{near[0] / ours:.2f}" if near else ""),
-        "limit / ours": f"{100 * limit / ours:.0f} %" if limit else "",
+        "copy / ours": f"{100 * limit / ours:.0f} %" if limit else "",
         "all threads": f"{number(shared)} ({ours / shared:.2f}x)",
         "busy": f"{busy_shared / busy_one:.2f}" if busy_one else "",
         "goal here": number(goal),
@@ -149,102 +271,37 @@ def row(results, busy, job, label, goal):
     }
 
 
-def table(results, busy, goals, without=()):
-    rows = [row(results, busy, *key, goals.get(key)) for key in in_order(results, goals)]
-    rows = [r for r in rows if r]
-    heads = [head for head in rows[0] if head not in without]
-    yield "| " + " | ".join(heads) + " |"
-    yield "|" + " --- |" * len(heads)
-    for r in rows:
-        yield "| " + " | ".join(r[head] for head in heads) + " |"
-
-
-def chart(results, goals):
-    """Bars: how many times faster than the best peer, at 1080p or the nearest there is."""
-    bars = []
-    for job in dict.fromkeys(job for job, _ in in_order(results, goals)):
-        labels = results.times[job]
-        label = "1920x1080" if "1920x1080" in labels else list(labels)[min(2, len(labels) - 1)]
-        ours = results.best(job, label, "ours")
-        peers = results.peers(job, label)
-        same = [p for p in peers if not p[1].startswith("~")] or peers
-        if ours and same:
-            bars.append((job, same[0][0] / ours, same[0][1]))
-    width, row, left = 900, 18, 260
-    top = max((b[1] for b in bars), default=1)
-    scale = (width - left - 220) / top
-    out = [f'<svg xmlns="http://www.w3.org/2000/svg" '
-           f'width="{width}" height="{row * len(bars) + 50}" '
-           'font-family="sans-serif" font-size="11">',
-           '<rect width="100%" height="100%" fill="#fff"/>',
-           '<text x="10" y="18" font-size="13">Speed beside the best peer on one thread '
-           '(1 = as fast as the peer; longer is faster)</text>']
-    for i, (job, ratio, peer) in enumerate(bars):
-        y = 30 + i * row
-        colour = "#2a7" if ratio >= 1 else "#c54"
-        name = job.replace("&", "&amp;")
-        out.append(f'<text x="{left - 6}" y="{y + 12}" text-anchor="end">{name}</text>'
-                   f'<rect x="{left}" y="{y + 2}" width="{ratio * scale:.1f}" height="{row - 5}" '
-                   f'fill="{colour}"/>'
-                   f'<text x="{left + ratio * scale + 4:.1f}" y="{y + 12}">'
-                   f'{ratio:.2f} {peer.lstrip("~")}</text>')
-    out.append(f'<line x1="{left + scale:.1f}" x2="{left + scale:.1f}" '
-               f'y1="26" y2="{30 + row * len(bars)}" stroke="#444"/>')
-    out.append("</svg>\n")
-    return "\n".join(out)
-
-
-COLUMNS = {
-    "spread": "how far the median repetition lies above the fastest.",
-    "plain": "our own plain rows.",
-    "best peer": "the fastest that does the same work; *nearest peer* does less or rounds coarser.",
-    "limit / ours": "the time that moving the bytes takes at the speed of that copy, as a share of "
-                    "ours.",
-    "all threads": "the library as it comes, and how many times faster than on one thread.",
-    "busy": "the mean time of the library as it comes over that on one thread, both beside as many "
-            "busy loops as there are processors: 1 is as fast, 2 takes twice as long.",
-    "goal here": "the goal of bench/goals.csv times how much slower that copy is here than where "
-                 "the goals were set; a bold figure says by how much the fastest repetition misses "
-                 "it, *fastest* that the median does.",
-}
-
-
-def page(title, results, busy, goals, remarks, without=()):
-    context = results.context
-    cpu = next((line.split(":")[1].strip() for line in open("/proc/cpuinfo")
-                if line.startswith("model name")), "unknown processor")
-    copies = ", ".join(f"{f} {results.best('copy 1 byte', f, 'memcpy'):.3f}" for f in FRAMES
-                       if results.best("copy 1 byte", f, "memcpy"))
-    columns = [f"- *{head}*: {text}" for head, text in COLUMNS.items() if head not in without]
-    return "\n".join([
-        f"# {title}", "",
-        "Nanoseconds per destination pixel (checksums: per byte) on one thread, the fastest of "
-        "interleaved repetitions; written by `scripts/bench.sh`.", "",
-        f"- Machine: {cpu}, {context['num_cpus']} CPUs; level {context['levels']}; "
-        f"version {context['version']}; measured {context['date'][:10]}.",
-        f"- A plain copy of a one-byte frame (memcpy), ns per byte: {copies}.",
-        *columns, *remarks, "",
-        *table(results, busy, goals, without), ""])
-
-
 def main():
-    results, busy, avx2 = (Results(path) for path in sys.argv[1:4])
+    parser = argparse.ArgumentParser(description="Renders benchmarks of the library.")
+    parser.add_argument("--goals", action="store_true", help="print what was aimed at")
+    parser.add_argument("results", nargs=3, type=Results, metavar="RESULTS.json")
+    options = parser.parse_args()
+    results, busy, avx2 = options.results
     goals = read_goals()
+    keys = in_order(results, goals)
+    if options.goals:
+        print(*table([goal_row(results, busy, *key, goals.get(key)) for key in keys]), sep="\n")
+        return
     docs = ROOT / "docs"
-    docs.joinpath("performance.md").write_text(page("Performance", results, busy, goals, [
+    docs.joinpath("performance.md").write_text(page("Performance", results, goals, [
+        beside_busy_loops(busy, keys),
         "- The same at the level of most machines, AVX2: "
         "[performance-avx2.md](performance-avx2.md).",
         "- The same on another maker's processor: [Intel Xeon](performance-intel.md), measured "
         "earlier.",
         "- How close the bytes of resizing and warping are to exact ones: "
-        "[accuracy.md](accuracy.md).", "",
-        "![Speed beside the best peer](performance.svg)"]))
+        "[accuracy.md](accuracy.md).",
+        "- Whole files and streams, beside other programs: "
+        "[performance-tool.md](performance-tool.md).", "",
+        "![Speed beside the best peer, ~ that of similar work](performance.svg)"]))
     remarks = [
         "- What an AVX2 processor has, and no more, is used by the library and by those peers that "
         "can be told: OpenCV, libyuv, zimg, swscale. The others use what this processor has."]
     docs.joinpath("performance-avx2.md").write_text(
-        page("Performance with AVX2", avx2, avx2, goals, remarks, without=("plain", "busy")))
-    docs.joinpath("performance.svg").write_text(chart(results, goals))
+        page("Performance with AVX2", avx2, goals, remarks, without=("plain C++",)))
+    docs.joinpath("performance.svg").write_text(chart.ratios(
+        "Times faster than the best peer, frames of 1920 x 1080, one thread",
+        list(charted(results))))
 
 
 if __name__ == "__main__":

@@ -6,7 +6,8 @@
 set -eu
 
 missing=
-for package in cmake ninja-build g++ libcli11-dev libpng-dev libjpeg-dev "$@"; do
+for package in cmake ninja-build g++ libcli11-dev libpng-dev libjpeg-dev libtiff-dev \
+  libwebp-dev "$@"; do
   state=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null) || state=
   [ "$state" = installed ] || missing="$missing $package"
 done

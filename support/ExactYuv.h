@@ -11,19 +11,19 @@ namespace qv::test {
 
 using Triple = std::array<double, 3>;  // Y, Cb, Cr or B, G, R
 
-struct Colors {
+struct Colours {
   double kr, kb;
   bool full;
 };
 
-inline Colors ColorsOf(int matrix, int range) {
+inline Colours ColoursOf(int matrix, int range) {
   constexpr double kr[] = {.299, .2126, .2627}, kb[] = {.114, .0722, .0593};
   return {kr[matrix], kb[matrix], range == QV_FULL_RANGE};
 }
 
 inline double Limit(double x) { return std::clamp(x, 0., 255.); }
 
-inline Triple ExactRgb(const Colors& k, const Triple& yuv) {
+inline Triple ExactRgb(const Colours& k, const Triple& yuv) {
   const double y = k.full ? yuv[0] / 255 : (yuv[0] - 16) / 219, scale = k.full ? 255 : 224;
   const double u = (yuv[1] - 128) / scale, v = (yuv[2] - 128) / scale, kg = 1 - k.kr - k.kb;
   return {Limit(255 * (y + 2 * (1 - k.kb) * u)),
@@ -31,7 +31,7 @@ inline Triple ExactRgb(const Colors& k, const Triple& yuv) {
           Limit(255 * (y + 2 * (1 - k.kr) * v))};
 }
 
-inline Triple ExactYuv(const Colors& k, const Triple& bgr) {
+inline Triple ExactYuv(const Colours& k, const Triple& bgr) {
   const double y = (k.kr * bgr[2] + (1 - k.kr - k.kb) * bgr[1] + k.kb * bgr[0]) / 255;
   const double u = (bgr[0] / 255 - y) / (2 * (1 - k.kb)), v = (bgr[2] / 255 - y) / (2 * (1 - k.kr));
   const double scale = k.full ? 255 : 224;

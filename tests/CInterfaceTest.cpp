@@ -22,8 +22,8 @@ namespace qv::test {
 namespace {
 
 // Arguments drawn by their types and order alone. Sizes, steps and coordinates are so small that
-// whatever an operation takes a number for, it stays within the memory around a pointer; an int next
-// to a byte pointer is a step, and wider than a row.
+// whatever an operation takes a number for, it stays within the memory around a pointer; an int
+// next to a byte pointer is a step, and wider than a row.
 class Arguments {
  public:
   explicit Arguments(int seed) : random_(static_cast<std::uint64_t>(seed)), initial_(Noise(kAll)) {}

@@ -28,11 +28,11 @@ class UsePath {
 // The formulas, a pixel at a time.
 constexpr unsigned PlainAlpha(unsigned fa, unsigned ba) { return fa + (((255 - fa) * ba) >> 8); }
 
-constexpr unsigned PlainColor(unsigned f, unsigned fa, unsigned b, unsigned ba) {
+constexpr unsigned PlainColour(unsigned f, unsigned fa, unsigned b, unsigned ba) {
   return (f * fa + ((b * (255 - fa) * ba) >> 8)) / (PlainAlpha(fa, ba) + 1);
 }
 
-unsigned FloatColor(unsigned f, unsigned fa, unsigned b, unsigned ba, unsigned a) {
+unsigned FloatColour(unsigned f, unsigned fa, unsigned b, unsigned ba, unsigned a) {
   // volatile: every operation is rounded to single precision whatever the unit that does it.
   const auto r = [](float x) {
     volatile float rounded = x;
@@ -53,7 +53,7 @@ constexpr unsigned Mixed(unsigned a, unsigned s, unsigned d) {
   return std::min(255u, ((p + 1 + (p >> 8)) >> 8) + ((q + 1) >> 8));
 }
 
-static_assert(PlainColor(255, 255, 0, 0) == 254 && PlainColor(10, 0, 200, 0) == 0);
+static_assert(PlainColour(255, 255, 0, 0) == 254 && PlainColour(10, 0, 200, 0) == 0);
 static_assert(PlainAlpha(0, 255) == 254);
 static_assert(Mixed(255, 255, 0) == 255 && Mixed(0, 0, 255) == 254);
 
@@ -99,8 +99,8 @@ struct Planes {
     for (std::size_t k = 0; k < fg.size(); ++k) {
       const unsigned fa = fgAlpha[k / 3], ba = bgAlpha[k / 3];
       fg[k] = static_cast<unsigned char>(accelerated
-                                             ? FloatColor(fg[k], fa, bg[k], ba, alphas[k / 3])
-                                             : PlainColor(fg[k], fa, bg[k], ba));
+                                             ? FloatColour(fg[k], fa, bg[k], ba, alphas[k / 3])
+                                             : PlainColour(fg[k], fa, bg[k], ba));
     }
   }
 };
@@ -139,12 +139,12 @@ TEST(MergeAlphaOver, MergesAllAlphaRowsBeforeTheColours) {
       for (int y = 0; y < height; ++y) a = std::min(255u, a + (((255 - a) * ba[x]) >> 8));
       ASSERT_EQ(d[x], a);
       for (int k = 3 * x; k < 3 * width * height; k += 3 * width)
-        ASSERT_EQ(fg[k], FloatColor(before[k], fa[x], bg[k], ba[x], a)) << x << ' ' << level.name;
+        ASSERT_EQ(fg[k], FloatColour(before[k], fa[x], bg[k], ba[x], a)) << x << ' ' << level.name;
     }
   }
 }
 
-TEST(MergeAlphaOver, ConvertsRowBytesOfColorWhateverTheWidth) {
+TEST(MergeAlphaOver, ConvertsRowBytesOfColourWhateverTheWidth) {
   const UsePath path(true);
   const Planes before(8);
   for (const int width : {256, 100, 0, -5})
@@ -156,7 +156,7 @@ TEST(MergeAlphaOver, ConvertsRowBytesOfColorWhateverTheWidth) {
         if (static_cast<int>(i % 256) >= width) {
           expected.dstAlpha[i] = before.dstAlpha[i];
           expected.fg[k] = static_cast<unsigned char>(
-              FloatColor(before.fg[k], before.fgAlpha[i], before.bg[k], before.bgAlpha[i],
+              FloatColour(before.fg[k], before.fgAlpha[i], before.bg[k], before.bgAlpha[i],
                           before.dstAlpha[i]));
         }
         if (static_cast<int>(k % 768) >= rowBytes) expected.fg[k] = before.fg[k];

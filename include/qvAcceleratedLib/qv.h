@@ -726,26 +726,31 @@ QV_API(int) qv_yuv_to_rgb(int yuv_layout, const unsigned char* const planes[], c
 // Converts pixels to luma and chroma:
 //   y = Kr R + Kg G + Kb B
 //   u = (B - y) / (2 (1 - Kb)),  v = (R - y) / (2 (1 - Kr))
-// Each byte is within 0.52 of the exact value; of a grey, Y is rounded correctly and Cb = Cr =
+// Each byte is within 0.53 of the exact value; of a grey, Y is rounded correctly and Cb = Cr =
 // 128. Alpha is not looked at. A grey byte counts as R = G = B.
 //
 // Chroma is made of the mean of the pixels that it serves, 2 x 2 or 2 x 1 (repeated, centre), or
-// of the column that it lies on and the ones beside it as 1 : 2 : 1 (left), without rounding
-// between. Beyond the edge lies the pixel of the edge. The groups of an odd width end with a
+// of the column that it lies on and the ones beside it as 1 : 2 : 1 (left), which is not rounded
+// to bytes. Beyond the edge lies the pixel of the edge. The groups of an odd width end with a
 // luma that no pixel has: it repeats the one before.
 //
-// The arithmetic: coefficients round(2^16 * exact), but those of G such that a grey comes out as
-// one; all sums in 256ths of a byte, and 256 times a mean is a whole number too:
-//   Y  = (R # yr + G # yg + B # yb + h) >> 8,  h = 16 * 256 + 129 or, in full range, 128
-//   Cb = (B # c - G # (c - ur) - R # ur + 128 * 256 + 127) >> 8
-//   Cr = (R # c - G # (c - vb) - B # vb + 128 * 256 + 127) >> 8
-//                     yr     yg     yb      c     ur     vb
-//   studio  BT.601   16829  33039   6416  28784   9714   4681
-//           BT.709   11966  40254   4064  28784   6596   2639
-//           BT.2020  14786  38160   3338  28784   8038   2315
-//   full    BT.601   19595  38470   7471  32768  11058   5329
-//           BT.709   13933  46871   4732  32768   7509   3005
-//           BT.2020  17216  44434   3886  32768   9151   2635
+// The arithmetic is that of integers, >> rounding down. From small whole numbers s, b and g, and
+// factors p, r, f, cb and cr of 16 bits, luma and what B and R have beyond it:
+//   L  = ((b B + g G) * p >> 16) + (s R * r >> 16)
+//   Y  = (L + h) * f + 2^14 >> 15
+//   Db = s B - L,  Dr = s R - L
+//   Cb = clamp(128 + ((cb * Sb >> 16) + 16 >> 5))
+//   Cr = clamp(128 + ((cr * Sr >> 16) + 16 >> 5))
+// where Sb and Sr are sums of four of Db and Dr: of the pixel's own four times, of two columns
+// twice each, or as 1 : 2 : 1. Where two rows share a sample, s B, s R and L are first replaced by
+// their means over both rows, (upper + lower + 1) >> 1.
+//                     s    h     f     b     g      p      r     cb    cr
+//   studio  BT.601   84  1566   335   20   103  31376  19597  3094  3911
+//           BT.709   84  1566   335   11   109  36125  13934  2955  3482
+//           BT.2020  84  1566   335    7    80  46656  17218  2914  3718
+//   full    BT.601   86     1   381   20   103  32123  19596  3440  4348
+//           BT.709   86     1   381   11   109  36984  13934  3285  3871
+//           BT.2020  86     1   381    7    80  47767  17217  3240  4134
 //
 // What is lost on the way from pixels to 4:4:4 samples and back: at most 2 units of a byte in
 // studio range and 1 in full range, with every matrix; it is the rounding of the samples, exact

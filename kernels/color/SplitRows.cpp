@@ -56,7 +56,14 @@ QV_INLINE void SplitPairs(const Byte* src, Byte* even, Byte* odd, ptrdiff_t coun
     Store(even + j, EvenBytes(low, high));
     Store(odd + j, OddBytes(low, high));
   };
-  if (!CoverWithBlocks<kVecBytes>(count, block)) SplitPairsPlain(src, even, odd, count);
+  // Two at a time: a block is so short that a processor's fetch of the loop around it tells.
+  const auto two = [=](ptrdiff_t j) {
+    block(j);
+    block(j + kVecBytes);
+  };
+  if (CoverWithBlocks<2 * kVecBytes>(count, two) || CoverWithBlocks<kVecBytes>(count, block))
+    return;
+  SplitPairsPlain(src, even, odd, count);
 }
 
 QV_INLINE void SplitGroups(const Byte* src, Byte* luma, Byte* cb, Byte* cr, ptrdiff_t groups) {

@@ -177,11 +177,9 @@ struct ForegroundOf<kAdds, Layout<4, 3>> {
       MakeByteTable([](int i) { return From(i, kAlpha); }),
       MakeByteTable([](int i) { return From(kVecBytes + i, kAlpha) - kVecBytes; }),
       MakeByteTable([](int i) { return From(2 * kVecBytes + i, kAlpha) - 2 * kVecBytes; })};
-  // Twelve bytes of a lane at its low end, or at the high one.
-  template <bool kAlpha>
-  static constexpr ByteTable kInLanes[2] = {
-      MakeByteTable([](int i) { return i % 16 < 12 ? From(i % 16, kAlpha) : 0x80; }),
-      MakeByteTable([](int i) { return i % 16 < 4 ? 0x80 : From(i % 16 - 4, kAlpha); })};
+  // The shuffles that JoinTwelves wants.
+  template <bool kAlpha, int i>
+  static constexpr ByteTable kTwelve = MakeTwelve(i, [](int k) { return From(k, kAlpha); });
 
   template <bool kAlpha>
   static QV_INLINE void Gather(const Vec (&v)[4], Vec (&to)[3]) {
@@ -189,11 +187,10 @@ struct ForegroundOf<kAdds, Layout<4, 3>> {
       for (int j = 0; j < 3; ++j)
         to[j] = PermuteBytes2(v[j], Load(kAcross<kAlpha>[j].b), v[j + 1]);
     } else {
-      const Vec low = Load(kInLanes<kAlpha>[0].b), high = Load(kInLanes<kAlpha>[1].b);
-      const Vec second = ShuffleBytes(v[1], high), third = ShuffleBytes(v[2], low);
-      to[0] = Or(ShuffleBytes(v[0], low), ShiftBytesUp<8>(second));
-      to[1] = Or(ShiftBytesDown<8>(second), ShiftBytesUp<8>(third));
-      to[2] = Or(ShiftBytesDown<8>(third), ShuffleBytes(v[3], high));
+      to[0] = ShuffleBytes(v[0], Load(&kTwelve<kAlpha, 0>));
+      to[1] = ShuffleBytes(v[1], Load(&kTwelve<kAlpha, 1>));
+      to[2] = ShuffleBytes(v[2], Load(&kTwelve<kAlpha, 2>));
+      JoinTwelves(to[0], to[1], to[2], ShuffleBytes(v[3], Load(&kTwelve<kAlpha, 3>)));
     }
   }
 };

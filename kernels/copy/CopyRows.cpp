@@ -63,7 +63,15 @@ void ChannelRow(const Byte* src, Byte* dst, ptrdiff_t width) {
         width, [&](ptrdiff_t k) { put(dst + 3 * k, Load(src + k), 64); }, PixelsToAlign3(dst));
     if (!done) put(dst, LoadPart(src, FirstOf64(width, 0)), width);
   } else {
-    ChannelRowPlain(src, dst, width);
+    // Only bytes may be stored. They are loaded eight at a time, so that stores alone count.
+    ptrdiff_t k = 0;
+    for (; k <= width - 8; k += 8) {
+      uint32_t words[2];
+      memcpy(words, src + k, 8);
+      for (int i = 0; i < 8; ++i)
+        dst[3 * (k + i)] = static_cast<Byte>(words[i / 4] >> (8 * (i % 4)));
+    }
+    ChannelRowPlain(src + k, dst + 3 * k, width - k);
   }
 }
 
@@ -90,25 +98,14 @@ void DropAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] 
       StorePart(dst + 3 * k, PermuteBytes(v, index0), FirstOf64(rest < 16 ? 3 * rest : 48, 0));
     }
   } else if constexpr (kHasByteShuffle) {
-    // Four vectors of 12 bytes each, at one end or the other, make three of 16.
-    static constexpr ByteTable kLow =
-        MakeByteTable([](int j) { return j < 12 ? WithoutFourths(j) : 128; });
-    static constexpr ByteTable kHigh =
-        MakeByteTable([](int j) { return j < 4 ? 128 : WithoutFourths(j - 4); });
-    const Vec128 low = Load128(&kLow), high = Load128(&kHigh);
-    const bool done = CoverWithBlocks<16>(
-        width, stream,
-        [&](ptrdiff_t x, auto store) {
-          const Vec128 v0 = ShuffleBytes(Load128(src + 4 * x), low);
-          const Vec128 v1 = ShuffleBytes(Load128(src + 4 * x + 16), high);
-          const Vec128 v2 = ShuffleBytes(Load128(src + 4 * x + 32), low);
-          const Vec128 v3 = ShuffleBytes(Load128(src + 4 * x + 48), high);
-          Byte* const to = dst + 3 * x;
-          store.Lane(to, Or(v0, ShiftBytesUp<8>(v1)));
-          store.Lane(to + 16, Or(ShiftBytesDown<8>(v1), ShiftBytesUp<8>(v2)));
-          store.Lane(to + 32, Or(ShiftBytesDown<8>(v2), v3));
-        },
-        PixelsToAlign3<16>(dst));
+    static constexpr ByteTable kTwelve[4] = {
+        MakeTwelve(0, WithoutFourths), MakeTwelve(1, WithoutFourths),
+        MakeTwelve(2, WithoutFourths), MakeTwelve(3, WithoutFourths)};
+    const bool done =
+        CoverWithLanes<false>(dst, width, stream, [=](int i, ptrdiff_t x, ptrdiff_t apart) {
+          const Vec v = LoadLanes(src + 4 * x + 16 * i, 4 * apart);
+          return ShuffleBytes(v, Load(&kTwelve[i]));
+        });
     if (!done) DropAlphaRowPlain(src, dst, width);
   } else {
     // Four bytes for each pixel, the fourth overwritten by the next pixel.

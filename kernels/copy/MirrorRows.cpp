@@ -51,12 +51,10 @@ void ReverseRow<1>(const Byte* src, Byte* dst, ptrdiff_t width, bool stream) {
 // MirroredByte(n, j) of the source.
 constexpr int MirroredByte(int n, int j) { return 3 * (n - 1 - j / 3) + j % 3; }
 
-// Where the bytes of result vector `to` lie, counted from source vector `from`.
-template <int n, int to, int from>
-constexpr ByteTable kMirror = MakeByteTable([](int j) {
-  const int at = MirroredByte(n, n * to + j) - n * from;
-  return n == 16 && (at < 0 || at >= n) ? 128 : at;  // a shuffle makes these 0
-});
+// Where the bytes of result vector `to` of 64 pixels lie, counted from source vector `from`.
+template <int to, int from>
+constexpr ByteTable kMirror =
+    MakeByteTable([](int j) { return MirroredByte(64, 64 * to + j) - 64 * from; });
 
 // The bytes of the middle one of three result vectors of 64 bytes that lie in source vector 2.
 constexpr unsigned long long MiddleFromLast() {
@@ -71,8 +69,8 @@ void ReverseRow<3>(const Byte* src, Byte* dst, ptrdiff_t width,
                    [[maybe_unused]] bool stream) {
   Byte* const end = dst + 3 * width;  // blocks go down from here
   if constexpr (kHasBytePermute) {
-    const Vec to0 = Load(&kMirror<64, 0, 1>), to1 = Load(&kMirror<64, 1, 0>),
-              to2 = Load(&kMirror<64, 2, 0>);
+    const Vec to0 = Load(&kMirror<0, 1>), to1 = Load(&kMirror<1, 0>),
+              to2 = Load(&kMirror<2, 0>);
     const bool done = CoverWithBlocks<64>(
         width, stream,
         [&](ptrdiff_t x, auto store) {
@@ -86,22 +84,18 @@ void ReverseRow<3>(const Byte* src, Byte* dst, ptrdiff_t width,
         65 - PixelsToAlign3<64>(end - 3));
     if (!done) ReverseRowPlain<3>(src, dst, width);
   } else if constexpr (kHasByteShuffle) {
-    const Vec128 from02 = Load128(&kMirror<16, 0, 2>), from01 = Load128(&kMirror<16, 0, 1>),
-                from12 = Load128(&kMirror<16, 1, 2>), from11 = Load128(&kMirror<16, 1, 1>),
-                from10 = Load128(&kMirror<16, 1, 0>), from21 = Load128(&kMirror<16, 2, 1>),
-                from20 = Load128(&kMirror<16, 2, 0>);
-    const bool done = CoverWithBlocks<16>(
-        width, stream,
-        [&](ptrdiff_t x, auto store) {
-          const Vec128 v0 = Load128(src + 3 * x), v1 = Load128(src + 3 * x + 16),
-                      v2 = Load128(src + 3 * x + 32);
-          Byte* const to = end - 48 - 3 * x;
-          store.Lane(to, Or(ShuffleBytes(v2, from02), ShuffleBytes(v1, from01)));
-          store.Lane(to + 16, Or(Or(ShuffleBytes(v2, from12), ShuffleBytes(v1, from11)),
-                                 ShuffleBytes(v0, from10)));
-          store.Lane(to + 32, Or(ShuffleBytes(v1, from21), ShuffleBytes(v0, from20)));
-        },
-        17 - PixelsToAlign3<16>(end - 3));
+    // Four pixels from the 16 bytes that begin with them, but a lane's last four from its last 16:
+    // the row may end there.
+    constexpr auto reversed = [](int k) { return MirroredByte(4, k); };
+    static constexpr ByteTable kTwelve[4] = {
+        MakeTwelve(0, [=](int k) { return reversed(k) + 4; }), MakeTwelve(1, reversed),
+        MakeTwelve(2, reversed), MakeTwelve(3, reversed)};
+    const Byte* const last = src + 3 * (width - 16);
+    const bool done =
+        CoverWithLanes<true>(dst, width, stream, [=](int i, ptrdiff_t x, ptrdiff_t apart) {
+          const Byte* const from = last - 3 * x + (i == 0 ? 32 : 36 - 12 * i);
+          return ShuffleBytes(LoadLanes(from, -3 * apart), Load(&kTwelve[i]));
+        });
     if (!done) ReverseRowPlain<3>(src, dst, width);
   } else {
     // Words of a pixel and the byte before it. The byte lands before the pixel, where the next word

@@ -31,13 +31,17 @@ struct PreparedPalette<false> {
     for (int n = mask + 1; n < 256; n *= 2) memcpy(entry + n, entry, 4 * static_cast<size_t>(n));
   }
 
-  // Two pixels at a time in words of eight bytes, whose last two the next pair overwrites.
+  // Two pixels at a time in words of eight bytes, whose last two the next pair overwrites; four
+  // pairs in turn, since the loop around one takes a tenth of the time.
   void Row(const Byte* src, Byte* dst, ptrdiff_t width) const {
+    const auto pair = [=, this](ptrdiff_t x) {
+      const uint64_t two = entry[src[x]] | static_cast<uint64_t>(entry[src[x + 1]]) << 24;
+      memcpy(dst + 3 * x, &two, 8);
+    };
     ptrdiff_t k = 0;
-    for (; k <= width - 3; k += 2) {
-      const uint64_t pair = entry[src[k]] | static_cast<uint64_t>(entry[src[k + 1]]) << 24;
-      memcpy(dst + 3 * k, &pair, 8);
-    }
+    for (; k <= width - 9; k += 8)
+      for (int i = 0; i < 8; i += 2) pair(k + i);
+    for (; k <= width - 3; k += 2) pair(k);
     for (; k < width; ++k) {
       const uint32_t p = entry[src[k]];
       for (int c = 0; c < 3; ++c) dst[3 * k + c] = static_cast<Byte>(p >> (8 * c));

@@ -15,28 +15,22 @@ void BlendRowPlain(const Byte* a, const Byte* b, Byte* dst, ptrdiff_t bytes, int
 
 #if QV_HAS_VECTORS
 
-// For weights from 1 to 255. Where pairs of bytes are multiplied and added, one factor is signed:
-// it is the bytes, less 128. Their sum is 32768 less, which fits, and comes back with the rounding.
+// a + (((b - a) * weight + 128) >> 8), for weights of b from 1 to 127: the second term is within
+// -126 .. 126.
 struct Blend {
-  Vec ofA, ofB;
+  Vec weights;  // of pairs of bytes, or of differences
 
-  explicit Blend(int weightOfB) {
-    constexpr int kUpper = kHasByteShuffle ? 256 : 0;
-    ofA = Splat16(256 - weightOfB + kUpper * weightOfB);
-    ofB = Splat16(weightOfB);
-  }
+  explicit Blend(int weightOfB)
+      : weights(Splat16(kHasByteShuffle ? weightOfB * 256 | (-weightOfB & 0xFF) : weightOfB)) {}
 
   QV_INLINE Vec operator()(Vec a, Vec b) const {
-    if constexpr (kHasByteShuffle) a = Xor(a, Splat8(-128)), b = Xor(b, Splat8(-128));
-    return PackUnsigned16(Half(InterleaveLow8(a, b)), Half(InterleaveHigh8(a, b)));
-  }
-
- private:
-  QV_INLINE Vec Half(Vec pairs) const {
-    if constexpr (kHasByteShuffle)
-      return ShiftRight16<8>(Add16(MulAddBytes(ofA, pairs), Splat16(-32768 + 128)));
-    const Vec a = And(pairs, Splat16(0xFF)), b = ShiftRight16<8>(pairs);
-    return ShiftRight16<8>(Add16(Add16(MulLow16(a, ofA), MulLow16(b, ofB)), Splat16(128)));
+    const auto toA = [this](Vec pairs) QV_INLINE_LAMBDA {
+      if constexpr (kHasByteShuffle)
+        return MulRounded15(MulAddBytes(pairs, weights), Splat16(128));
+      const Vec difference = Sub16(ShiftRight16<8>(pairs), And(pairs, Splat16(0xFF)));
+      return ShiftRightSigned16<8>(Add16(MulLow16(difference, weights), Splat16(128)));
+    };
+    return Add8(a, PackSigned16(toA(InterleaveLow8(a, b)), toA(InterleaveHigh8(a, b))));
   }
 };
 

@@ -206,6 +206,23 @@ QV_INLINE void FinishCubic(const View& view, const Prepared& p, Byte* out) {
   }
 }
 
+// A few neighbours, stored in one piece and as wide as they are fetched: a processor hands no fetch
+// what several stores, or a narrower one, have just written.
+template <int kBytes>
+QV_INLINE void CopyTaps(const Byte* from, Byte* to) {
+  if constexpr (kBytes == 2) {
+    const uint32_t word = static_cast<uint32_t>(from[0] | from[1] << 8);
+    memcpy(to, &word, sizeof word);
+  } else if constexpr (kBytes == 4) {
+    memcpy(to, from, 4);
+  } else if constexpr (kBytes == 6) {
+    Store64(to, InterleaveLow32(Load32(from), ShiftBytesDown<2>(Load32(from + 2))));
+  } else {
+    static_assert(kBytes == 12);
+    Store128(to, InterleaveLow64(Load64(from), Load32(from + 8)));
+  }
+}
+
 // Where fetches would pass the end of a row, or taps the edges: the bytes that count are brought
 // together first. Out of line, to keep the loop around it tight.
 template <IppiInterpolation kMethod, int kChannels, bool kGathers>
@@ -217,7 +234,7 @@ __attribute__((noinline)) void FinishAtEdge(const WarpSource& s, const View& vie
   } else {
     constexpr bool kLinear = kMethod == InterpolateLinear;
     constexpr int kRows = kLinear ? 2 : 4, kApart = kLinear ? 8 : 16;
-    Byte taps[kRows][kApart * kLanes32] = {};
+    Byte taps[kRows][kApart * kLanes32];
     int x[kLanes32], y[kLanes32];
     Store(x, ShiftRightSigned32<kWarpBits>(Clamp32(px, view.highX)));
     Store(y, ShiftRightSigned32<kWarpBits>(Clamp32(py, view.highY)));
@@ -228,12 +245,15 @@ __attribute__((noinline)) void FinishAtEdge(const WarpSource& s, const View& vie
       for (int r = 0; r < kRows; ++r) {
         Byte* const to = taps[r] + kApart * i;
         if constexpr (kMethod == InterpolateLinear) {
-          memcpy(to, view.first + p.offset[i] + r * view.stepBytes, 2 * kChannels);
+          CopyTaps<2 * kChannels>(view.first + p.offset[i] + r * view.stepBytes, to);
         } else if (isBeyond) {
+          Byte four[4 * kChannels];
           for (int k = 0; k < 4; ++k)
-            memcpy(to + k * kChannels, TapAt<kChannels>(s, x[i] - 1 + k, y[i] - 1 + r), kChannels);
+            memcpy(four + k * kChannels, TapAt<kChannels>(s, x[i] - 1 + k, y[i] - 1 + r),
+                   kChannels);
+          CopyTaps<4 * kChannels>(four, to);
         } else {
-          memcpy(to, TapAt<kChannels>(s, x[i] - 1, y[i] - 1 + r), 4 * kChannels);
+          CopyTaps<4 * kChannels>(TapAt<kChannels>(s, x[i] - 1, y[i] - 1 + r), to);
         }
       }
     }

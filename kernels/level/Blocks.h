@@ -20,12 +20,10 @@ QV_INLINE ptrdiff_t PixelsToAlign3(const Byte* p) {
 // The two ways to store a vector.
 struct StoreInCaches {
   QV_INLINE void operator()(void* p, Vec v) const { Store(p, v); }
-  QV_INLINE void Lane(void* p, Vec128 v) const { Store128(p, v); }
   QV_INLINE void LowHalf(void* p, Vec v) const { StoreLowHalf(p, v); }
 };
 struct StorePastCaches {
   QV_INLINE void operator()(void* p, Vec v) const { StreamStore(p, v); }
-  QV_INLINE void Lane(void* p, Vec128 v) const { StreamStore128(p, v); }
   QV_INLINE void LowHalf(void* p, Vec v) const { StreamStoreLowHalf(p, v); }
 };
 

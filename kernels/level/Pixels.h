@@ -37,6 +37,49 @@ QV_INLINE void StoreTriples(Byte* p, Vec v) {
   }
 }
 
+// The shuffle that JoinTwelves wants for vector i: byte k of its twelve comes from byte from(k).
+template <class From>
+constexpr ByteTable MakeTwelve(int i, From from) {
+  return MakeByteTable([=](int j) {
+    const int k = (j + 16 - kTwelveAt[i]) % 16;
+    return k < 12 ? from(k) : 0x80;
+  });
+}
+
+// Covers a row of three-byte pixels with lanes of 16, from its end down if `down`; false, with
+// nothing stored, if it has fewer. twelve(i, x, apart) is what JoinTwelves wants for vector i:
+// pixels 4 i to 4 i + 3 of those from x on in the first lane, of those from x + apart on in the
+// second. For levels of one or two lanes.
+template <bool down, class Twelve>
+QV_INLINE bool CoverWithLanes(Byte* dst, ptrdiff_t width, bool stream, Twelve twelve) {
+  const auto lanes = [=](ptrdiff_t x, ptrdiff_t apart, Vec& a, Vec& b, Vec& c) {
+    a = twelve(0, x, apart);
+    b = twelve(1, x, apart);
+    c = twelve(2, x, apart);
+    JoinTwelves(a, b, c, twelve(3, x, apart));
+  };
+  const auto block = [=](ptrdiff_t done, auto store) {
+    const ptrdiff_t x = down ? width - kVecBytes - done : done;
+    Vec a, b, c;
+    lanes(x, 16, a, b, c);
+    LanesInTurns(a, b, c);
+    store(dst + 3 * x, a);
+    store(dst + 3 * x + kVecBytes, b);
+    store(dst + 3 * x + 2 * kVecBytes, c);
+  };
+  const ptrdiff_t second =
+      down ? kVecBytes + 1 - PixelsToAlign3(dst + 3 * (width - 1)) : PixelsToAlign3(dst);
+  if (CoverWithBlocks<kVecBytes>(width, stream, block, second)) return true;
+  if (width < 16) return false;
+  const ptrdiff_t apart = width - 16;  // two lanes that overlap
+  Vec a, b, c;
+  lanes(0, apart, a, b, c);
+  StoreLanes(a, [=](int lane) { return dst + 3 * apart * lane; });
+  StoreLanes(b, [=](int lane) { return dst + 16 + 3 * apart * lane; });
+  StoreLanes(c, [=](int lane) { return dst + 32 + 3 * apart * lane; });
+  return true;
+}
+
 }  // namespace qv::QV_LEVEL
 
 #endif

@@ -59,6 +59,12 @@ Vec JoinHighHalves(Vec a, Vec b);
 // Three vectors' 128-bit lanes in turns: a0 b0 c0 a1 b1 c1 (not defined for four lanes).
 void LanesInTurns(Vec& a, Vec& b, Vec& c);
 
+// Four vectors of twelve bytes a lane become three without gaps: `a`, `b` and `c`. The twelve begin
+// at byte kTwelveAt[0] of the lanes of `a` and so on, and go on at byte 0 after byte 15 (not
+// defined for four lanes).
+constexpr int kTwelveAt[4] = {0, 12, 8, 4};
+void JoinTwelves(Vec& a, Vec& b, Vec& c, Vec d);
+
 // 128-bit lane `lane`; the lowest one; and a vector whose other lanes hold anything, or 0.
 template <int lane> Vec128 Lane(Vec v);
 QV_INLINE Vec128 LowLane(Vec v) { return Lane<0>(v); }

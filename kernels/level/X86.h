@@ -82,7 +82,6 @@ QV_INLINE void Store32(void* p, Vec128 v) {
   const uint32_t bits = LowBits32(v);
   memcpy(p, &bits, sizeof bits);
 }
-QV_INLINE void StreamStore128(void* p, Vec128 v) { _mm_stream_si128(static_cast<Vec128*>(p), v); }
 
 // Each 128-bit lane, of a Vec as well, moved up or down by n bytes; zeros follow.
 template <int n> QV_INLINE Vec128 ShiftBytesUp(Vec128 v) { return _mm_slli_si128(v, n); }

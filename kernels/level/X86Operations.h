@@ -52,9 +52,9 @@ QV_INLINE QV_V ShiftRightSigned32(QV_V v, int n) {
 template <int n> QV_INLINE QV_V ShiftLeft64(QV_V v) { return QV_V_OP(slli_epi64)(v, n); }
 template <int n> QV_INLINE QV_V ShiftRight64(QV_V v) { return QV_V_OP(srli_epi64)(v, n); }
 
-// Within each 128-bit lane: interleave the low or high halves of two vectors; PackUnsigned16 and
-// PackSigned32 narrow with saturation, low halves from `a`. Pack(InterleaveLow(x, zero),
-// InterleaveHigh(x, zero)) is x at every vector width.
+// Within each 128-bit lane: interleave the low or high halves of two vectors; PackUnsigned16,
+// PackSigned16 and PackSigned32 narrow with saturation, low halves from `a`.
+// Pack(InterleaveLow(x, zero), InterleaveHigh(x, zero)) is x at every vector width.
 QV_INLINE QV_V InterleaveLow8(QV_V a, QV_V b) { return QV_V_OP(unpacklo_epi8)(a, b); }
 QV_INLINE QV_V InterleaveHigh8(QV_V a, QV_V b) { return QV_V_OP(unpackhi_epi8)(a, b); }
 QV_INLINE QV_V InterleaveLow16(QV_V a, QV_V b) { return QV_V_OP(unpacklo_epi16)(a, b); }
@@ -64,6 +64,7 @@ QV_INLINE QV_V InterleaveHigh32(QV_V a, QV_V b) { return QV_V_OP(unpackhi_epi32)
 QV_INLINE QV_V InterleaveLow64(QV_V a, QV_V b) { return QV_V_OP(unpacklo_epi64)(a, b); }
 QV_INLINE QV_V InterleaveHigh64(QV_V a, QV_V b) { return QV_V_OP(unpackhi_epi64)(a, b); }
 QV_INLINE QV_V PackUnsigned16(QV_V a, QV_V b) { return QV_V_OP(packus_epi16)(a, b); }
+QV_INLINE QV_V PackSigned16(QV_V a, QV_V b) { return QV_V_OP(packs_epi16)(a, b); }
 QV_INLINE QV_V PackSigned32(QV_V a, QV_V b) { return QV_V_OP(packs_epi32)(a, b); }
 
 // Within each 128-bit lane: 32-bit lanes 0 and 2, or 1 and 3, of `a` and then of `b`; and the sums
@@ -98,14 +99,24 @@ QV_INLINE QV_V Clamp32(QV_V v, QV_V high) {
 }
 
 // kHasByteShuffle. ShuffleBytes picks within each 128-bit lane; an index byte with its top bit set
-// gives 0. MulAddBytes: the saturated sums of neighbouring products of unsigned bytes of `a` and
-// signed ones of `b`, in 16-bit lanes.
+// gives 0.
 #if defined(__SSSE3__)
 QV_INLINE QV_V ShuffleBytes(QV_V v, QV_V index) { return QV_V_OP(shuffle_epi8)(v, index); }
-QV_INLINE QV_V MulAddBytes(QV_V a, QV_V b) { return QV_V_OP(maddubs_epi16)(a, b); }
 #else
 QV_V ShuffleBytes(QV_V v, QV_V index);
-QV_V MulAddBytes(QV_V a, QV_V b);
+#endif
+
+// MulAddBytes: the saturated sums of neighbouring products of unsigned bytes of `a` and signed ones
+// of `b`, in 16-bit lanes.
+#if defined(__SSSE3__)
+QV_INLINE QV_V MulAddBytes(QV_V a, QV_V b) { return QV_V_OP(maddubs_epi16)(a, b); }
+#else
+QV_INLINE QV_V MulAddBytes(QV_V a, QV_V b) {
+  const QV_V even = MulLow16(And(a, QV_V_OP(set1_epi16)(255)),
+                             ShiftRightSigned16<8>(ShiftLeft16<8>(b)));
+  const QV_V odd = MulLow16(ShiftRight16<8>(a), ShiftRightSigned16<8>(b));
+  return AddSaturatedSigned16(even, odd);
+}
 #endif
 
 // Sums of neighbouring bytes as 16-bit lanes; and (a * b + 2^14) >> 15 of signed 16-bit lanes, not

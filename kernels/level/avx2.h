@@ -95,6 +95,12 @@ QV_INLINE void LanesInTurns(Vec& a, Vec& b, Vec& c) {
   b = second;
 }
 
+QV_INLINE void JoinTwelves(Vec& a, Vec& b, Vec& c, Vec d) {
+  a = _mm256_blend_epi32(a, b, 0x88);
+  b = _mm256_blend_epi32(b, c, 0xCC);
+  c = _mm256_blend_epi32(c, d, 0xEE);
+}
+
 QV_INLINE Vec LoadHalves(const void* low, const void* high) {
   return _mm256_loadu2_m128i(static_cast<const __m128i*>(high), static_cast<const __m128i*>(low));
 }

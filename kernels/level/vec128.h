@@ -60,6 +60,12 @@ QV_INLINE Vec JoinEvenLanes(Vec a, Vec) { return a; }
 QV_INLINE Vec JoinOddLanes(Vec, Vec b) { return b; }
 QV_INLINE void LanesInTurns(Vec&, Vec&, Vec&) {}
 
+QV_INLINE void JoinTwelves(Vec& a, Vec& b, Vec& c, Vec d) {
+  a = Select(_mm_setr_epi32(-1, -1, -1, 0), a, b);
+  b = _mm_castpd_si128(_mm_move_sd(_mm_castsi128_pd(c), _mm_castsi128_pd(b)));
+  c = _mm_castps_si128(_mm_move_ss(_mm_castsi128_ps(d), _mm_castsi128_ps(c)));
+}
+
 QV_INLINE Vec LoadHalves(const void* low, const void* high) {
   return InterleaveLow64(Load64(low), Load64(high));
 }

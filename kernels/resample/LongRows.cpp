@@ -96,20 +96,28 @@ void SumColumns(const Byte* src, int srcStep, const LongTaps& y, int i, FreshRow
   const short* const weights = y.weights + ptrdiff_t{i} * y.stride;
   const auto block = [&](ptrdiff_t b) QV_INLINE_LAMBDA {
     Vec sums[4] = {Zero(), Zero(), Zero(), Zero()};
-    const Byte* p = fresh.first + b;
-    for (int r = 0; r < fresh.count; ++r, p += srcStep) __builtin_prefetch(p);
-    p = rows + b;
-    for (int t = 0; t < y.taps; t += 2, p += 2 * ptrdiff_t{srcStep}) {
-      // A last tap alone has a weight of 0 beside it.
-      const Vec upper = Load(p), lower = Load(t + 1 < y.taps ? p + srcStep : p);
-      int pair;
-      memcpy(&pair, weights + t, sizeof pair);
-      const Vec w = Splat32(pair);
+    for (int r = 0; b % 64 == 0 && r < fresh.count; ++r)
+      __builtin_prefetch(RowAt(fresh.first, srcStep, r) + b);
+    const Byte* p = rows + b;
+    const auto add = [&](Vec upper, Vec lower, const short* pair) QV_INLINE_LAMBDA {
+      int weight;
+      memcpy(&weight, pair, sizeof weight);
+      const Vec w = Splat32(weight);
       const Vec low = InterleaveLow8(upper, lower), high = InterleaveHigh8(upper, lower);
       sums[0] = AddPairs<kCut>(sums[0], InterleaveLow8(low, Zero()), w, round);
       sums[1] = AddPairs<kCut>(sums[1], InterleaveHigh8(low, Zero()), w, round);
       sums[2] = AddPairs<kCut>(sums[2], InterleaveLow8(high, Zero()), w, round);
       sums[3] = AddPairs<kCut>(sums[3], InterleaveHigh8(high, Zero()), w, round);
+    };
+    int t = 0;
+    for (; t + 4 <= y.taps; t += 4, p += 4 * ptrdiff_t{srcStep}) {
+      add(Load(p), Load(p + srcStep), weights + t);
+      add(Load(p + 2 * ptrdiff_t{srcStep}), Load(p + 3 * ptrdiff_t{srcStep}), weights + t + 2);
+    }
+    for (; t < y.taps; t += 2, p += 2 * ptrdiff_t{srcStep}) {
+      // A last tap alone has a weight of 0 beside it.
+      const Vec upper = Load(p);
+      add(upper, t + 1 < y.taps ? Load(p + srcStep) : upper, weights + t);
     }
     StoreColumns(sums, round, values + b);
   };
@@ -126,39 +134,8 @@ void ColumnSums(const Byte* src, int srcStep, const LongTaps& y, int i, FreshRow
     SumColumns<false>(src, srcStep, y, i, fresh, round, bytes, values);
 }
 
-// Values of pixels of kChannels, channel by channel, `apart` values from one to the next: eight
-// pixels at a time are shuffled perfectly three times. A shuffle moves value k of n = 8 kChannels
-// to 2 k modulo n - 1, three of them to 8 k, which is m for k = kChannels m. Whole eights are
-// written.
-template <int kChannels>
-void SplitChannels(const short* values, ptrdiff_t pixels, short* split, ptrdiff_t apart) {
-  for (ptrdiff_t j = 0; j < pixels; j += 8) {
-    Vec128 v[kChannels];
-    for (int k = 0; k < kChannels; ++k) v[k] = Load128(values + j * kChannels + 8 * k);
-    for (int round = 0; round < 3; ++round) {
-      Vec128 u[kChannels];
-      // Fours of the first half and of the last one, which begins within a vector if there are
-      // three.
-      for (int four = 0; four < kChannels; ++four) {
-        const int other = four + kChannels;
-        const Vec128 a = v[four / 2], b = v[other / 2];
-        u[four] = InterleaveLow16(four % 2 ? InterleaveHigh64(a, a) : a,
-                                  other % 2 ? InterleaveHigh64(b, b) : b);
-      }
-      for (int k = 0; k < kChannels; ++k) v[k] = u[k];
-    }
-    for (int c = 0; c < kChannels; ++c) Store128(split + c * apart + j, v[c]);
-  }
-}
-
-void SplitChannels(const short* values, int channels, ptrdiff_t pixels, short* split,
-                   ptrdiff_t apart) {
-  if (channels == 2) SplitChannels<2>(values, pixels, split, apart);
-  else if (channels == 3) SplitChannels<3>(values, pixels, split, apart);
-  else SplitChannels<4>(values, pixels, split, apart);
-}
-
-// Partial sums of one destination sample. What is read past the taps has a weight of 0.
+// Partial sums of one destination sample of one channel. What is read past the taps has a weight
+// of 0.
 template <bool kCut>
 QV_INLINE Vec SumTaps(const short* values, const short* weights, int taps, const Rounding& round) {
   Vec sum = AddPairs<kCut>(Zero(), Load(values), Load(weights), round);
@@ -167,48 +144,169 @@ QV_INLINE Vec SumTaps(const short* values, const short* weights, int taps, const
   return sum;
 }
 
-// Samples a, b, c and d of a row as bytes.
-template <bool kCut>
-QV_INLINE void SumFour(const short* values, const LongTaps& x, ptrdiff_t a, ptrdiff_t b,
-                       ptrdiff_t c, ptrdiff_t d, const Rounding& round, Byte* dst) {
-  const auto sum = [&](ptrdiff_t i) QV_INLINE_LAMBDA {
-    return SumTaps<kCut>(values + x.first[i], x.weights + i * x.stride, x.taps, round);
-  };
-  const Vec sums =
-      AddNeighbours32(AddNeighbours32(sum(a), sum(b)), AddNeighbours32(sum(c), sum(d)));
+// The sum of a vector's 128-bit lanes.
+QV_INLINE Vec128 AddLanes32(Vec sums) {
   Vec128 total = LowLane(sums);
   if constexpr (kLanes128 >= 2) total = Add32(total, Lane<1>(sums));
   if constexpr (kLanes128 == 4) total = Add32(total, Add32(Lane<2>(sums), Lane<3>(sums)));
-  const Vec128 half = LowLane(Splat32(1 << (round.sum - 1)));
-  const Vec128 words = ShiftRightSigned32(Add32(total, half), round.sum);
-  Store32(dst, PackUnsigned16(PackSigned32(words, words), words));
+  return total;
+}
+
+// Channels are summed up beside each other: neighbouring pixels are woven into pairs of each
+// channel's values. A 128-bit lane has one of three or four channels, the fourth of which may be
+// anything, or two of two.
+template <int kChannels>
+constexpr int kWovenChannels = kChannels == 3 ? 4 : kChannels;
+template <int kChannels>
+constexpr int kTapsAtOnce = 2 * kLanes32 / kWovenChannels<kChannels>;
+
+template <int kChannels>
+QV_INLINE Vec WeavePairs(const short* p) {
+  if constexpr (kHasBytePermute) {
+    static constexpr ByteTable kOrder = MakeByteTable([](int i) {
+      constexpr int kWoven = kWovenChannels<kChannels>;
+      const int pixel = i / 4 / kWoven * 2 + i / 2 % 2;
+      return 2 * (pixel * kChannels + i / 4 % kWoven) + i % 2;
+    });
+    return PermuteBytes(Load(p), Load(kOrder.b));
+  } else if constexpr (kChannels == 2) {
+    return ShuffleHigh16<0, 2, 1, 3>(ShuffleLow16<0, 2, 1, 3>(Load(p)));
+  } else {
+    const Vec v = LoadLanes([=](int i) { return p + 2 * kChannels * i; });
+    return InterleaveLow16(v, ShiftBytesDown<2 * kChannels>(v));
+  }
+}
+
+// The weights of as many taps, each pair's for every channel. No more of them are read.
+template <int kChannels>
+QV_INLINE Vec SpreadWeights(const short* weights) {
+  constexpr int kTaps = kTapsAtOnce<kChannels>;
+  if constexpr (kTaps == 2) {
+    int pair;
+    memcpy(&pair, weights, sizeof pair);
+    return Splat32(pair);
+  } else if constexpr (!kHasLanePermute) {
+    const Vec w = FromLane(Load64(weights));
+    return InterleaveLow32(w, w);
+  } else {
+    static constexpr ByteTable kOrder =
+        MakeByteTable([](int i) { return i % 4 == 0 ? i / 4 / kWovenChannels<kChannels> : 0; });
+    const Vec w = kTaps == 4   ? FromLane(Load64(weights))
+                  : kTaps == 8 ? FromLane(Load128(weights))
+                               : LoadHalves(weights, weights);
+    return PermuteLanes32(w, Load(kOrder.b));
+  }
+}
+
+// The channels of a destination pixel.
+template <int kChannels, bool kCut>
+QV_INLINE Vec128 SumPixel(const short* values, const short* weights, int taps,
+                          const Rounding& round) {
+  Vec sum = Zero();
+  for (int t = 0; t < taps; t += kTapsAtOnce<kChannels>)
+    sum = AddPairs<kCut>(sum, WeavePairs<kChannels>(values + t * kChannels),
+                         SpreadWeights<kChannels>(weights + t), round);
+  const Vec128 total = AddLanes32(sum);
+  return kChannels == 2 ? Add32(total, InterleaveHigh64(total, total)) : total;
+}
+
+QV_INLINE Vec128 RoundSums(Vec128 sums, const Rounding& round) {
+  return ShiftRightSigned32(Add32(sums, LowLane(Splat32(1 << (round.sum - 1)))), round.sum);
+}
+
+// Eight samples of one channel, whose taps are half a vector at the most: at(0) .. at(7) of a row.
+template <bool kCut, class At>
+QV_INLINE void SumEightHalves(const short* values, const LongTaps& x, At at, const Rounding& round,
+                              Byte* line) {
+  const auto sums = [&](int k) QV_INLINE_LAMBDA {
+    const ptrdiff_t a = at(k), b = at(k + 4);
+    return AddPairs<kCut>(
+        Zero(), LoadHalves(values + x.first[a], values + x.first[b]),
+        LoadHalves(x.weights + a * x.stride, x.weights + b * x.stride), round);
+  };
+  const Vec all = AddNeighbours32(AddNeighbours32(sums(0), sums(1)),
+                                  AddNeighbours32(sums(2), sums(3)));
+  Vec128 low = LowLane(all), high = Lane<kLanes128 / 2>(all);
+  if constexpr (kLanes128 == 4) low = Add32(low, Lane<1>(all)), high = Add32(high, Lane<3>(all));
+  const Vec128 words = PackSigned32(RoundSums(low, round), RoundSums(high, round));
+  Store64(line, PackUnsigned16(words, words));
+}
+
+// Samples at(0) .. at(3) of a row as bytes, four for a pixel of three.
+template <int kChannels, bool kCut, class At>
+QV_INLINE void SumFour(const short* values, const LongTaps& x, At at, const Rounding& round,
+                       Byte* line) {
+  const auto sum = [&](int k) QV_INLINE_LAMBDA {
+    const ptrdiff_t i = at(k);
+    const short* const v = values + ptrdiff_t{x.first[i]} * kChannels;
+    const short* const weights = x.weights + i * x.stride;
+    if constexpr (kChannels == 1) return SumTaps<kCut>(v, weights, x.taps, round);
+    else return SumPixel<kChannels, kCut>(v, weights, x.taps, round);
+  };
+  if constexpr (kChannels == 1) {
+    const Vec sums =
+        AddNeighbours32(AddNeighbours32(sum(0), sum(1)), AddNeighbours32(sum(2), sum(3)));
+    const Vec128 words = RoundSums(AddLanes32(sums), round);
+    Store32(line, PackUnsigned16(PackSigned32(words, words), words));
+  } else if constexpr (kChannels == 2) {
+    const Vec128 words = PackSigned32(RoundSums(InterleaveLow64(sum(0), sum(1)), round),
+                                      RoundSums(InterleaveLow64(sum(2), sum(3)), round));
+    Store64(line, PackUnsigned16(words, words));
+  } else {
+    Store128(line, PackUnsigned16(
+                       PackSigned32(RoundSums(sum(0), round), RoundSums(sum(1), round)),
+                       PackSigned32(RoundSums(sum(2), round), RoundSums(sum(3), round))));
+  }
 }
 
 // `values` counts from source sample 0. The taps are passed by value: bytes that are stored might
-// be part of them otherwise.
-template <bool kCut>
-void SumRow(const short* values, LongTaps x, ptrdiff_t count, Rounding round, Byte* dst) {
+// be part of them otherwise. Whole groups of destination pixels are written.
+template <int kChannels, bool kCut, bool kHalves>
+void SumRow(const short* values, LongTaps x, ptrdiff_t count, Rounding round, Byte* line) {
+  constexpr int kGroup = kHalves ? 8 : 4;
+  const auto group = [&](auto at) QV_INLINE_LAMBDA {
+    if constexpr (kHalves) SumEightHalves<kCut>(values, x, at, round, line);
+    else SumFour<kChannels, kCut>(values, x, at, round, line);
+  };
   ptrdiff_t j = 0;
-  for (; j + 4 <= count; j += 4)
-    SumFour<kCut>(values, x, j, j + 1, j + 2, j + 3, round, dst + j);
-  const ptrdiff_t last = count - 1;
-  if (j < count)
-    SumFour<kCut>(values, x, j, j + 1 < last ? j + 1 : last, last, last, round, dst + j);
+  for (; j + kGroup <= count; j += kGroup, line += kGroup * kWovenChannels<kChannels>)
+    group([j](int k) { return j + k; });
+  if (j < count) group([j, count](int k) { return j + k < count ? j + k : count - 1; });
 }
 
-// Destination samples of one channel, whole fours of them.
-void RowSums(const short* values, const LongTaps& x, ptrdiff_t count, Byte* dst) {
+// The first three bytes of each group of four.
+void CopyTriples(const Byte* line, ptrdiff_t pixels, Byte* dst) {
+  const bool inBlocks = CoverWithBlocks<kLanes32>(
+      pixels, [=](ptrdiff_t j) { StoreTriples(dst + 3 * j, Load(line + 4 * j)); });
+  for (ptrdiff_t j = 0; !inBlocks && j < pixels; ++j) memcpy(dst + 3 * j, line + 4 * j, 3);
+}
+
+template <int kChannels, bool kCut>
+void SumRow(const short* values, const LongTaps& x, ptrdiff_t count, Byte* line) {
   const Rounding round(x.bits, kRowBits, kFraction);
-  if (round.pair > 0)
-    SumRow<true>(values, x, count, round, dst);
-  else
-    SumRow<false>(values, x, count, round, dst);
+  if constexpr (kChannels == 1 && kLanes128 > 1)
+    if (x.taps <= kVecBytes / 4) return SumRow<1, kCut, true>(values, x, count, round, line);
+  SumRow<kChannels, kCut, false>(values, x, count, round, line);
 }
 
-// The lines of the channels side by side.
-void JoinChannels(const Byte* lines, ptrdiff_t apart, int channels, ptrdiff_t count, Byte* dst) {
-  for (int c = 0; c < channels; ++c)
-    for (ptrdiff_t j = 0; j < count; ++j) dst[j * channels + c] = lines[c * apart + j];
+template <int kChannels>
+void RowSums(const short* values, const LongTaps& x, ptrdiff_t count, Byte* line, Byte* dst) {
+  if (x.bits > kRowBits)
+    SumRow<kChannels, true>(values, x, count, line);
+  else
+    SumRow<kChannels, false>(values, x, count, line);
+  if constexpr (kChannels == 3) CopyTriples(line, count, dst);
+  else memcpy(dst, line, static_cast<size_t>(count * kChannels));
+}
+
+void RowSums(const short* values, int channels, const LongTaps& x, ptrdiff_t count, Byte* line,
+             Byte* dst) {
+  switch (channels) {
+    case 1: return RowSums<1>(values, x, count, line, dst);
+    case 2: return RowSums<2>(values, x, count, line, dst);
+    case 3: return RowSums<3>(values, x, count, line, dst);
+    default: return RowSums<4>(values, x, count, line, dst);
+  }
 }
 
 #else
@@ -241,16 +339,12 @@ IppStatus LongRows_8u(const Byte* src, int srcStep, Byte* dst, int dstStep,
   const Byte* const from = src + ptrdiff_t{named.first} * t.channels;
   auto* const values = static_cast<short*>(scratch);
 #if QV_HAS_VECTORS
-  const ptrdiff_t apart = PaddedLine(named.count), dstApart = PaddedLine(t.width);
-  short* const split = t.channels > 1 ? values + PaddedLine(bytes) : values;
-  Byte* const lines = reinterpret_cast<Byte*>(values + PaddedLine(bytes) + t.channels * apart);
+  auto* const line = reinterpret_cast<Byte*>(values + PaddedLine(bytes));
   for (int i = 0; i < t.height; ++i) {
     const FreshRows fresh = i + 1 < t.height ? FreshAfter(from, srcStep, t.y, i) : FreshRows{};
     ColumnSums(from, srcStep, t.y, i, fresh, bytes, values);
-    if (t.channels > 1) SplitChannels(values, t.channels, named.count, split, apart);
-    for (int c = 0; c < t.channels; ++c)
-      RowSums(split + c * apart - named.first, t.x, t.width, lines + c * dstApart);
-    JoinChannels(lines, dstApart, t.channels, t.width, RowAt(dst, dstStep, i));
+    RowSums(values - ptrdiff_t{named.first} * t.channels, t.channels, t.x, t.width, line,
+            RowAt(dst, dstStep, i));
   }
 #else
   for (int i = 0; i < t.height; ++i) {

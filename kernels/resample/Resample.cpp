@@ -1,6 +1,8 @@
 // Checks, and the choice of rows.
 #include "kernels/resample/Resample.h"
 
+#include "kernels/resample/NarrowTaps.h"
+
 namespace qv {
 
 namespace {
@@ -88,28 +90,17 @@ bool IsSubtracting(const AxisTaps& taps) {
   return false;
 }
 
-// Whether every sample is the mean of two, two samples after the one before.
-bool IsHalvingAxis(const AxisTaps& taps) {
-  for (ptrdiff_t i = 0; i < taps.count; ++i)
-    if (taps.taps != 2 || taps.weights[2 * i] != taps.weights[2 * i + 1] ||
-        taps.first[i] != taps.first[0] + 2 * i)
-      return false;
-  return true;
-}
-
-// The bytes of pixels as samples of their own.
-const int* SpreadSamples(const int* sample, int count, int spread, int* bytes) {
-  for (ptrdiff_t j = 0; j < count; ++j)
-    for (int c = 0; c < spread; ++c) bytes[j * spread + c] = sample[j] * spread + c;
-  return bytes;
-}
-
-// The weights of second taps, if there are any, each `spread` times.
-void CopySecondTaps(const AxisTaps& taps, int spread, unsigned short* to) {
+// The weights of second taps, if there are any.
+void CopySecondWeights(const AxisTaps& taps, unsigned short* to) {
   for (ptrdiff_t j = 0; j < taps.count; ++j)
-    for (int c = 0; c < spread; ++c)
-      to[j * spread + c] =
-          static_cast<unsigned short>(taps.taps > 1 ? taps.weights[2 * j + 1] : 0);
+    to[j] = static_cast<unsigned short>(taps.taps > 1 ? taps.weights[2 * j + 1] : 0);
+}
+
+// Whether every sample is the mean of two, two samples after the one before.
+bool IsHalvingAxis(const LinearTaps& taps, int count) {
+  for (ptrdiff_t i = 0; i < count; ++i)
+    if (taps.weight[i] != kWeightOne / 2 || taps.first[i] != taps.first[0] + 2 * i) return false;
+  return taps.neighbour > 0;
 }
 
 // The source samples that taps of either kind name for some destination samples.
@@ -122,6 +113,20 @@ Reach ReachOf(int first, int count, const AxisTaps& a, const FloatTaps& b) {
   const int aEnd = a.first[last] + a.taps, bEnd = b.first[last] + b.taps;
   return {a.first[first] < b.first[first] ? a.first[first] : b.first[first],
           aEnd > bEnd ? aEnd : bEnd};
+}
+
+// Whether few levels filter along x by shuffles: a pair of taps of each of four samples, about
+// 3 * step + 2 source samples, has to be within 16 bytes.
+bool IsFarApart(const AxisTaps& taps) {
+  const long long steps = 3ll * (taps.first[taps.count - 1] - taps.first[0]);
+  return taps.taps > 8 && steps + 2 * (taps.count - 1) > 16ll * (taps.count - 1);
+}
+
+// Whether a filter's taps are those that resizing has.
+bool IsNarrow(const SampleAxis& x, const SampleAxis& y, const FilterShape& shape) {
+  const bool has = shape.code == InterpolateLinear || shape.code == InterpolateCubic ||
+                   shape.code == InterpolateLanczos;
+  return has && !IsWidened(x, shape) && !IsWidened(y, shape);
 }
 
 Layout LayoutOf(int channels) {
@@ -172,87 +177,118 @@ IppStatus Resampling::PlanNearest(const Axes& axes) {
   return PlanCopy(x, y);
 }
 
-// Pixels of two and four bytes are columns of bytes.
 IppStatus Resampling::PlanCopy(const int* x, const int* y) {
   route_ = Route::kCopy;
   const IppiSize to = images_.dstSize;
-  const int spread = channels_ == 2 || channels_ == 4 ? channels_ : 1;
-  if (spread > 1) {
-    derived_.emplace(CountLayout(static_cast<uint64_t>(to.width) * spread, sizeof(int)));
-    if (!*derived_) return StatusMemAllocErr;
-    x = SpreadSamples(x, to.width, spread, derived_->At<int>(0));
-  }
-  nearest_ = {to.width * spread, to.height, images_.srcSize.width * spread,
-              LayoutOf(channels_ / spread), x, y, nullptr};
+  nearest_ = {to.width, to.height, images_.srcSize.width, LayoutOf(channels_), x, y, nullptr};
   routeBytes_ = scratchBytes_ = RowsWorkBytes(static_cast<uint64_t>(to.width) * channels_);
   return StatusOk;
 }
 
 IppStatus Resampling::PlanFilter(const Axes& axes, const FilterShape& shape) {
-  const ExactAxis x(axes.x, shape), y(axes.y, shape);
-  if (!x || !y) return StatusMemAllocErr;
   const IppiSize to = images_.dstSize;
   firsts_.emplace(CountLayout(static_cast<uint64_t>(to.width) + to.height, sizeof(int)));
   if (!*firsts_) return StatusMemAllocErr;
-  int* const firsts = firsts_->At<int>(0);
-  across_ = {to.width, x.Trim(LeastOf(kShortBits), firsts), firsts, nullptr};
-  down_ = {to.height, y.Trim(LeastOf(kShortBits), firsts + to.width), firsts + to.width, nullptr};
-  const bool isLong = across_.taps > kMaxTaps || down_.taps > kMaxTaps;
-  const IppStatus status = isLong ? PlanLong(x, y) : PlanShort(x, y);
+  across_ = {to.width, 1, firsts_->At<int>(0), nullptr};
+  down_ = {to.height, 1, across_.first + to.width, nullptr};
   // Weights above 0 keep colours below their alpha, rounding included.
   limits_ = kind_ == PixelKind::kPremultiplied && shape.code != InterpolateLinear &&
             shape.code != InterpolateArea;
-  return status == StatusOk && kind_ == PixelKind::kStraight ? PlanWeighted(x, y) : status;
+  const bool isStraight = kind_ == PixelKind::kStraight;
+  if (IsNarrow(axes.x, axes.y, shape)) {
+    const IppStatus status =
+        shape.code == InterpolateLinear ? PlanLinear(axes) : PlanNarrow(axes, shape);
+    if (status != StatusOk || !isStraight) return status;
+    const ExactAxis x(axes.x, shape), y(axes.y, shape);
+    return x && y ? PlanWeighted(x, y) : StatusMemAllocErr;
+  }
+  const ExactAxis x(axes.x, shape), y(axes.y, shape);
+  if (!x || !y) return StatusMemAllocErr;
+  const IppStatus status = PlanExact(x, y);
+  return status == StatusOk && isStraight ? PlanWeighted(x, y) : status;
 }
 
-IppStatus Resampling::PlanShort(const ExactAxis& x, const ExactAxis& y) {
-  const uint64_t count = static_cast<uint64_t>(across_.count) * across_.taps;
-  weights_.emplace(
-      CountLayout(count + static_cast<uint64_t>(down_.count) * down_.taps, sizeof(short)));
-  if (!*weights_) return StatusMemAllocErr;
-  across_.weights = weights_->At<short>(0);
-  down_.weights = across_.weights + count;
+IppStatus Resampling::PlanLinear(const Axes& axes) {
+  if (!TakeSecondWeights()) return StatusMemAllocErr;
+  across_.taps = 1 + LinearSamples(axes.x, across_.first, second_.x);
+  down_.taps = 1 + LinearSamples(axes.y, down_.first, second_.y);
+  return PlanPairs();
+}
+
+IppStatus Resampling::PlanNarrow(const Axes& axes, const FilterShape& shape) {
+  across_.taps = TapCount(shape.code, axes.x.length);
+  down_.taps = TapCount(shape.code, axes.y.length);
+  const int most = across_.count > down_.count ? across_.count : down_.count;
+  const WorkMemory work(CountLayout(static_cast<uint64_t>(most), sizeof(double)));
+  if (!work || !TakeWeights(across_.taps, down_.taps)) return StatusMemAllocErr;
+  NarrowTaps(axes.x, shape, work.At<void>(0), &across_);
+  NarrowTaps(axes.y, shape, work.At<void>(0), &down_);
+  return PlanTaps();
+}
+
+IppStatus Resampling::PlanExact(const ExactAxis& x, const ExactAxis& y) {
+  across_.taps = x.Trim(LeastOf(kShortBits), across_.first);
+  down_.taps = y.Trim(LeastOf(kShortBits), down_.first);
+  const bool many = across_.taps > kMaxTaps || down_.taps > kMaxTaps;
+  if (many || (IsFarApart(across_) && IsFarApart(down_))) return PlanLong(x, y);
+  if (!TakeWeights(across_.taps, down_.taps)) return StatusMemAllocErr;
   x.Store(across_.first, across_.taps, kShortBits, across_.taps, across_.weights);
   y.Store(down_.first, down_.taps, kShortBits, down_.taps, down_.weights);
-  if (across_.taps == 1 && down_.taps == 1) return PlanCopy(across_.first, down_.first);
-  if (across_.taps <= 2 && down_.taps <= 2 && !IsSubtracting(across_) && !IsSubtracting(down_))
-    return PlanLinear();
+  return PlanTaps();
+}
+
+// `xStride` and `yStride` weights a sample.
+bool Resampling::TakeWeights(int xStride, int yStride) {
+  const uint64_t count = static_cast<uint64_t>(across_.count) * xStride;
+  weights_.emplace(
+      CountLayout(count + static_cast<uint64_t>(down_.count) * yStride, sizeof(short)));
+  if (!*weights_) return false;
+  across_.weights = weights_->At<short>(0);
+  down_.weights = across_.weights + count;
+  return true;
+}
+
+// The rows for few taps.
+IppStatus Resampling::PlanTaps() {
+  if (across_.taps <= 2 && down_.taps <= 2 && !IsSubtracting(across_) && !IsSubtracting(down_)) {
+    if (!TakeSecondWeights()) return StatusMemAllocErr;
+    CopySecondWeights(across_, second_.x);
+    CopySecondWeights(down_, second_.y);
+    return PlanPairs();
+  }
   route_ = Route::kTaps;
   routeBytes_ = scratchBytes_ =
       static_cast<uint64_t>(FilterScratchBytes(LayoutOf(channels_), {across_, {}}, down_));
   return StatusOk;
 }
 
-// Pixels of two bytes are columns of bytes whose neighbours are two bytes away.
-IppStatus Resampling::PlanLinear() {
-  if ((channels_ == 1 || channels_ == 3) && IsHalvingAxis(across_) && IsHalvingAxis(down_)) {
+bool Resampling::TakeSecondWeights() {
+  WorkLayout layout;
+  const uint64_t x = layout.Add<unsigned short>(across_.count);
+  const uint64_t y = layout.Add<unsigned short>(down_.count);
+  derived_.emplace(layout);
+  second_ = {derived_->At<unsigned short>(x), derived_->At<unsigned short>(y)};
+  return static_cast<bool>(*derived_);
+}
+
+// The rows for one tap or two, of which the weights of the second are known.
+IppStatus Resampling::PlanPairs() {
+  if (across_.taps == 1 && down_.taps == 1) return PlanCopy(across_.first, down_.first);
+  linear_ = {across_.count,
+             down_.count,
+             images_.srcSize.width,
+             LayoutOf(channels_),
+             {across_.taps - 1, across_.first, second_.x},
+             {down_.taps - 1, down_.first, second_.y},
+             {}};
+  const bool halves = IsHalvingAxis(linear_.x, across_.count) &&
+                      IsHalvingAxis(linear_.y, down_.count);
+  if (halves && (channels_ == 1 || channels_ == 3)) {
     route_ = Route::kHalve;
     return StatusOk;
   }
   route_ = Route::kLinear;
-  const int spread = channels_ == 2 ? 2 : 1;
-  const uint64_t columns = static_cast<uint64_t>(across_.count) * spread;
-  WorkLayout layout;
-  const uint64_t first = layout.Add<int>(spread > 1 ? columns : 0);
-  const uint64_t acrossWeight = layout.Add<unsigned short>(columns);
-  const uint64_t downWeight = layout.Add<unsigned short>(down_.count);
-  derived_.emplace(layout);
-  if (!*derived_) return StatusMemAllocErr;
-  const int* firsts = across_.first;
-  auto* const x = derived_->At<unsigned short>(acrossWeight);
-  auto* const y = derived_->At<unsigned short>(downWeight);
-  CopySecondTaps(across_, spread, x);
-  CopySecondTaps(down_, 1, y);
-  if (spread > 1) firsts = SpreadSamples(firsts, across_.count, spread, derived_->At<int>(first));
-  const int channels = channels_ / spread;
-  linear_ = {static_cast<int>(columns),
-             down_.count,
-             images_.srcSize.width * spread,
-             LayoutOf(channels),
-             {(across_.taps - 1) * spread, firsts, x},
-             {down_.taps - 1, down_.first, y},
-             {}};
-  routeBytes_ = scratchBytes_ = RowsWorkBytes(columns * channels);
+  routeBytes_ = scratchBytes_ = RowsWorkBytes(static_cast<uint64_t>(across_.count) * channels_);
   return StatusOk;
 }
 
@@ -263,19 +299,14 @@ IppStatus Resampling::PlanLong(const ExactAxis& x, const ExactAxis& y) {
   down_.taps = y.Trim(LeastOf(yBits), down_.first);
   const auto padded = [](int taps) { return (taps + kTapBlock - 1) / kTapBlock * kTapBlock; };
   const int xStride = padded(across_.taps), yStride = padded(down_.taps);
-  const uint64_t count = static_cast<uint64_t>(across_.count) * xStride;
-  weights_.emplace(
-      CountLayout(count + static_cast<uint64_t>(down_.count) * yStride, sizeof(short)));
-  if (!*weights_) return StatusMemAllocErr;
-  short* const xWeights = weights_->At<short>(0);
-  short* const yWeights = xWeights + count;
-  x.Store(across_.first, across_.taps, xBits, xStride, xWeights);
-  y.Store(down_.first, down_.taps, yBits, yStride, yWeights);
+  if (!TakeWeights(xStride, yStride)) return StatusMemAllocErr;
+  x.Store(across_.first, across_.taps, xBits, xStride, across_.weights);
+  y.Store(down_.first, down_.taps, yBits, yStride, down_.weights);
   long_ = {channels_,
            across_.count,
            down_.count,
-           {across_.taps, xStride, xBits, across_.first, xWeights},
-           {down_.taps, yStride, yBits, down_.first, yWeights}};
+           {across_.taps, xStride, xBits, across_.first, across_.weights},
+           {down_.taps, yStride, yBits, down_.first, down_.weights}};
   routeBytes_ = scratchBytes_ = LongScratchBytes(long_);
   return StatusOk;
 }

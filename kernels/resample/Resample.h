@@ -81,10 +81,15 @@ class Resampling {
   IppStatus PlanNearest(const Axes& axes);
   IppStatus PlanCopy(const int* x, const int* y);
   IppStatus PlanFilter(const Axes& axes, const FilterShape& shape);
-  IppStatus PlanShort(const ExactAxis& x, const ExactAxis& y);
-  IppStatus PlanLinear();
+  IppStatus PlanLinear(const Axes& axes);
+  IppStatus PlanNarrow(const Axes& axes, const FilterShape& shape);
+  IppStatus PlanExact(const ExactAxis& x, const ExactAxis& y);
+  IppStatus PlanTaps();
+  IppStatus PlanPairs();
   IppStatus PlanLong(const ExactAxis& x, const ExactAxis& y);
   IppStatus PlanWeighted(const ExactAxis& x, const ExactAxis& y);
+  bool TakeWeights(int xStride, int yStride);
+  bool TakeSecondWeights();
   void RunRoute(int first, int rows, void* scratch) const;
   void RunStraight(int first, int rows, void* scratch) const;
 
@@ -96,6 +101,9 @@ class Resampling {
   uint64_t scratchBytes_ = 0, routeBytes_ = 0;  // in all; without the flags of opaque rows
 
   AxisTaps across_ = {}, down_ = {};
+  struct {
+    unsigned short *x, *y;  // of two taps each
+  } second_ = {};
   NearestTables nearest_ = {};
   LinearTables linear_ = {};
   LongTables long_ = {};

@@ -42,8 +42,8 @@ __attribute__((always_inline)) constexpr long long PaddedLine(long long n) {
   return (n + 63) / 64 * 64 + 64;
 }
 
-// Bytes of scratch memory, aligned to 64: a row of values, the same channel by channel, and a
-// destination row channel by channel.
+// Bytes of scratch memory, aligned to 64: a row of values, and a destination row of up to four
+// bytes a pixel.
 unsigned long long LongScratchBytes(const LongTables& tables);
 
 // The separable filter with any number of taps. Along y first: with p the bytes of a column and w

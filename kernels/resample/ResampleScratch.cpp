@@ -4,10 +4,9 @@
 namespace qv {
 
 unsigned long long LongScratchBytes(const LongTables& t) {
-  const long long pixels = NamedBy(t.x.first, t.width, t.x.taps).count, channels = t.channels;
-  return static_cast<unsigned long long>(
-      2 * PaddedLine(channels * pixels) +
-      channels * (2 * PaddedLine(pixels) + PaddedLine(t.width)));
+  const long long pixels = NamedBy(t.x.first, t.width, t.x.taps).count;
+  return static_cast<unsigned long long>(2 * PaddedLine(t.channels * pixels) +
+                                         PaddedLine(4ll * t.width));
 }
 
 unsigned long long WeightedScratchBytes(const WeightedTables& t) {

@@ -17,8 +17,7 @@ double Floor(double x) {
 }
 
 double StretchOf(const SampleAxis& axis, const FilterShape& shape) {
-  const double step = StepOf(axis);
-  return shape.widened && step > 1 ? step : 1;
+  return IsWidened(axis, shape) ? StepOf(axis) : 1;
 }
 
 // Half of what a destination sample reaches: of the interval that it covers, or of the filter.
@@ -81,26 +80,37 @@ double StepOf(const SampleAxis& axis) {
 
 // Products come before quotients: where extents are whole numbers, so are positions that ought to
 // be.
-double PositionOf(const SampleAxis& axis, int i) {
-  if (!axis.aligned)
-    return axis.start + (i + 0.5 + axis.dstPhase) * axis.extent / axis.count - 0.5 - axis.srcPhase;
-  if (axis.count == 1) return axis.start + (axis.extent - 1) / 2 - axis.srcPhase;
-  return axis.start + (i + axis.dstPhase) * (axis.extent - 1) / (axis.count - 1) - axis.srcPhase;
+void PositionsOf(const SampleAxis& axis, int first, int count, double* position) {
+  const bool aligned = axis.aligned;
+  const double half = aligned ? 0 : 0.5, extent = aligned ? axis.extent - 1 : axis.extent;
+  const int steps = aligned ? axis.count - 1 : axis.count;
+  if (steps == 0) {
+    *position = axis.start + extent / 2 - axis.srcPhase;
+    return;
+  }
+  for (int k = 0; k < count; ++k)
+    position[k] = axis.start + (first + k + half + axis.dstPhase) * extent / steps - half -
+                  axis.srcPhase;
 }
 
-void NearestSamples(const SampleAxis& axis, int* sample) {
-  const Period period = PeriodOf(axis);
-  const int last = axis.length - 1;
-  for (int i = 0; i < axis.count; ++i) {
-    // Samples at the ends may have been limited.
-    const int before = i >= period.samples ? sample[i - period.samples] : 0;
-    if (before > 0 && before < last - period.advance) {
-      sample[i] = before + period.advance;
-      continue;
-    }
-    const double at = Floor(PositionOf(axis, i) + 0.5);
-    sample[i] = at > 0 ? (at < last ? static_cast<int>(at) : last) : 0;
+double PositionOf(const SampleAxis& axis, int i) {
+  double position;
+  PositionsOf(axis, i, 1, &position);
+  return position;
+}
+
+bool IsWidened(const SampleAxis& axis, const FilterShape& shape) {
+  return shape.widened && StepOf(axis) > 1;
+}
+
+int FitTaps(int count, int length, int* first, const int* end) {
+  int taps = 1, lowest = length - 1;
+  for (int i = count - 1; i >= 0; --i) {
+    lowest = first[i] = first[i] < lowest ? first[i] : lowest;
+    taps = end[i] - lowest > taps ? end[i] - lowest : taps;
   }
+  for (int i = count - 1; i >= 0 && first[i] > length - taps; --i) first[i] = length - taps;
+  return taps;
 }
 
 double MostTaps(const SampleAxis& axis, const FilterShape& shape) {
@@ -254,14 +264,7 @@ int ExactAxis::Trim(double least, int* first) const {
     first[i] = first_[i] + low;
     end_[i] = first_[i] + high + 1;
   }
-  int taps = 1, lowest = axis_.length - 1;
-  for (int i = axis_.count - 1; i >= 0; --i) {
-    lowest = first[i] = first[i] < lowest ? first[i] : lowest;
-    taps = end_[i] - lowest > taps ? end_[i] - lowest : taps;
-  }
-  for (int i = axis_.count - 1; i >= 0 && first[i] > axis_.length - taps; --i)
-    first[i] = axis_.length - taps;
-  return taps;
+  return FitTaps(axis_.count, axis_.length, first, end_);
 }
 
 bool ExactAxis::Repeats(int i, const int* first) const {

@@ -25,9 +25,12 @@ struct SampleAxis {
 double StepOf(const SampleAxis& axis);
 double PositionOf(const SampleAxis& axis, int i);
 
-// floor(position + 0.5), limited to the source: the sample that a position lies in, the later one
-// of two where it lies between them.
-void NearestSamples(const SampleAxis& axis, int* sample);
+// Of samples first .. first + count - 1.
+void PositionsOf(const SampleAxis& axis, int first, int count, double* position);
+
+// Given the source samples first[i] .. end[i] - 1 that destination samples take, makes `first`
+// rise, and returns how many from there each one takes: first[i] + taps is within `length`.
+int FitTaps(int count, int length, int* first, const int* end);
 
 // Filters beyond those that resizing has codes for.
 constexpr int kMitchell = 32;
@@ -44,6 +47,9 @@ struct FilterShape {
   double cubic;
   bool widened;
 };
+
+// Whether the filter is stretched.
+bool IsWidened(const SampleAxis& axis, const FilterShape& shape);
 
 // Source samples that a destination sample takes at the most.
 double MostTaps(const SampleAxis& axis, const FilterShape& shape);

@@ -4,8 +4,6 @@
 #include <stddef.h>
 #include <string.h>
 
-#include "kernels/KeysCubic.h"
-
 namespace qv {
 
 namespace {
@@ -17,9 +15,9 @@ constexpr int kChunk = 64;
 // Weights of the taps around positions with fractional part f in [0, 1), tap by tap.
 using ChunkWeights = float[6][kChunk];
 
-void CubicWeights(const float* fractions, int count, ChunkWeights& w) {
-  static_assert(kKeysMost <= kMostWeight && kKeysLeast >= kLeastWeight);
-  constexpr auto a = static_cast<float>(kKeysA);
+void CubicWeights(const float* fractions, int count, float a, ChunkWeights& w) {
+  // The outer two of a = -1 make -f g, of -1/4 at the least.
+  static_assert(1.25 <= kMostWeight && -0.25 >= kLeastWeight);
   for (int i = 0; i < count; ++i) {
     const float f = fractions[i], g = 1 - f;
     w[0][i] = a * f * g * g;
@@ -53,8 +51,8 @@ void LanczosWeights(const float* fractions, int count, ChunkWeights& w) {
   }
 }
 
-void WeightsOf(int interpolation, const float* f, int count, ChunkWeights& w) {
-  if (interpolation == 4) CubicWeights(f, count, w);
+void WeightsOf(int interpolation, const float* f, int count, double a, ChunkWeights& w) {
+  if (interpolation == 4) CubicWeights(f, count, static_cast<float>(a), w);
   else LanczosWeights(f, count, w);
 }
 
@@ -134,7 +132,7 @@ int TapCount(int interpolation, int sourceLength) {
   return sourceLength < taps ? sourceLength : taps;
 }
 
-void BuildTaps(const AxisPositions& positions, int interpolation, AxisTaps* taps) {
+void BuildTaps(const AxisPositions& positions, int interpolation, AxisTaps* taps, double a) {
   const int length = positions.sourceLength, kept = taps->taps;
   const int full = TapCount(interpolation, 6);
   const int before = full / 2 - 1;  // taps left of the position's sample
@@ -155,7 +153,7 @@ void BuildTaps(const AxisPositions& positions, int interpolation, AxisTaps* taps
       f[i] = static_cast<float>(p - whole[i]);
     }
     ChunkWeights w;
-    WeightsOf(interpolation, f, count, w);
+    WeightsOf(interpolation, f, count, a, w);
     short* const weights = taps->weights + start * kept;
     if (kept == full) {
       if (full == 4) StoreChunk<4>(w, count, weights);

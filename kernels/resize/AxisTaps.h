@@ -2,6 +2,8 @@
 #ifndef QV_KERNELS_RESIZE_AXISTAPS_H
 #define QV_KERNELS_RESIZE_AXISTAPS_H
 
+#include "kernels/KeysCubic.h"
+
 namespace qv {
 
 // Where the destination samples of one axis lie, in source samples from the region's origin, in
@@ -32,8 +34,9 @@ constexpr double kMostWeight = 1.5, kLeastWeight = -0.5;
 int TapCount(int interpolation, int sourceLength);
 
 // Fills taps->first and taps->weights, whose memory the caller provides; taps->count and taps->taps
-// are positions.count and TapCount().
-void BuildTaps(const AxisPositions& positions, int interpolation, AxisTaps* taps);
+// are positions.count and TapCount(). `a` is the cubic's parameter, -1 to 0.
+void BuildTaps(const AxisPositions& positions, int interpolation, AxisTaps* taps,
+               double a = kKeysA);
 
 // Area averaging along one axis: with n = first + i, destination sample i is the mean of the source
 // over the interval from n * inverse - origin to (n + 1) * inverse - origin, each source sample

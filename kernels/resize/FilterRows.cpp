@@ -7,9 +7,9 @@
 //
 // Error, in units of the result, beyond that of the weights: 1/64 from x, 1/64 for each tap along
 // y; with 8 of them together at most 0.15, as an independent error at most 0.03 root mean square.
-// An error of weights of half a unit each, 8 taps, adds at most 255 * 8 / 32768 = 0.07 on each axis.
-// So the result is never more than 0.5 + 0.3 from the exact value, and on average not more than
-// 0.25 + 0.03^2; with 12 taps, 0.5 + 0.4 and 0.25 + 0.04^2.
+// An error of weights of half a unit each, 8 taps, adds at most 255 * 8 / 32768 = 0.07 on each
+// axis. So the result is never more than 0.5 + 0.3 from the exact value, and on average not more
+// than 0.25 + 0.03^2; with 12 taps, 0.5 + 0.4 and 0.25 + 0.04^2.
 #include "kernels/resize/Filter.h"
 #include "kernels/level/Level.h"
 

@@ -121,21 +121,25 @@ ByteGather PlanGather(const Picks& picks, const GatherShape& shape) {
                                : GatherPlan<64>(picks, shape).Fill();
 }
 
+template <int kBytes>
+void FillPixels(const NearestTables& t, int* offset) {
+  for (ptrdiff_t j = 0; j < t.width; ++j)
+    for (int c = 0; c < kBytes; ++c) offset[kBytes * j + c] = kBytes * t.x[j] + c;
+}
+
 void FillOffsets(const NearestTables& t, int* offset) {
-  if (t.layout == Layout::kGray) {
-    memcpy(offset, t.x, sizeof(int) * static_cast<size_t>(t.width));
-  } else if (t.layout == Layout::kTriples) {
-    for (ptrdiff_t j = 0; j < t.width; ++j) {
-      const int first = 3 * t.x[j];
-      for (int c = 0; c < 3; ++c) offset[3 * j + c] = first + c;
-    }
-  } else {
-    for (ptrdiff_t j = 0; j < t.width / 2; ++j) {
-      offset[4 * j] = 2 * t.x[2 * j];
-      offset[4 * j + 1] = 4 * t.xChroma[j] + 1;
-      offset[4 * j + 2] = 2 * t.x[2 * j + 1];
-      offset[4 * j + 3] = 4 * t.xChroma[j] + 3;
-    }
+  switch (t.layout) {
+    case Layout::kGray: return FillPixels<1>(t, offset);
+    case Layout::kPairs: return FillPixels<2>(t, offset);
+    case Layout::kTriples: return FillPixels<3>(t, offset);
+    case Layout::kQuads: return FillPixels<4>(t, offset);
+    default: break;
+  }
+  for (ptrdiff_t j = 0; j < t.width / 2; ++j) {
+    offset[4 * j] = 2 * t.x[2 * j];
+    offset[4 * j + 1] = 4 * t.xChroma[j] + 1;
+    offset[4 * j + 2] = 2 * t.x[2 * j + 1];
+    offset[4 * j + 3] = 4 * t.xChroma[j] + 3;
   }
 }
 

@@ -18,10 +18,12 @@ QV_INLINE void HalvePlain(const Byte* upper, const Byte* lower, Byte* dst, ptrdi
 
 #if QV_HAS_VECTORS
 
-// Means of the byte pairs of two rows, as words.
+// Means of the byte pairs of two rows, as words. A multiplication rounds where vectors are wide;
+// with 128 bits the pairs keep the multipliers busy.
 QV_INLINE Vec MeanWords(Vec upper, Vec lower) {
-  return ShiftRight16<2>(
-      Add16(Add16(AddBytePairs(upper), AddBytePairs(lower)), Splat16(2)));
+  const Vec sum = Add16(AddBytePairs(upper), AddBytePairs(lower));
+  if constexpr (kLanes128 > 1) return MulRounded15(sum, Splat16(1 << 13));
+  return ShiftRight16<2>(Add16(sum, Splat16(2)));
 }
 
 QV_INLINE Vec HalveVector(const Byte* upper, const Byte* lower) {
@@ -66,9 +68,28 @@ QV_INLINE void HalveTriples(const Byte* upper, const Byte* lower, Byte* dst, ptr
     return;
   } else if constexpr (kHasByteShuffle) {
     // Two destination pixels from twelve bytes: word j is made of byte 6 * (j / 3) + j % 3 and the
-    // one three further. Eight bytes are stored, of which the next two pixels redo two.
-    static constexpr Byte kSides[16] = {0, 3, 1, 4, 2, 5, 6, 9, 7, 10, 8, 11, 0, 0, 0, 0};
-    const Vec128 sides = Load128(kSides), two = LowLane(Splat16(2));
+    // one three further.
+    constexpr auto side = [](int i) { return 6 * (i / 6) + i / 2 % 3 + i % 2 * 3; };
+    // Four are two such pairs, the second one from the 16 bytes that end with it.
+    static constexpr auto kFirst = MakeByteTable([=](int i) { return side(i % 16) % 16; });
+    static constexpr auto kSecond = MakeByteTable([=](int i) { return (side(i % 16) + 4) % 16; });
+    constexpr auto sixes = [](int k) { return k < 6 ? k : k + 2; };
+    static constexpr ByteTable kTwelve[4] = {MakeTwelve(0, sixes), MakeTwelve(1, sixes),
+                                             MakeTwelve(2, sixes), MakeTwelve(3, sixes)};
+    const auto fourPixels = [=](int i, ptrdiff_t first, ptrdiff_t apart) {
+      const auto mean = [=](ptrdiff_t from, const ByteTable& sides) QV_INLINE_LAMBDA {
+        const auto load = [=](const Byte* row) QV_INLINE_LAMBDA {
+          return ShuffleBytes(LoadLanes(row + from, 6 * apart), Load(&sides));
+        };
+        return MeanWords(load(upper), load(lower));
+      };
+      const ptrdiff_t from = 6 * (first + 4 * i);
+      const Vec means = PackUnsigned16(mean(from, kFirst), mean(from + 8, kSecond));
+      return ShuffleBytes(means, Load(&kTwelve[i]));
+    };
+    if (CoverWithLanes<false>(dst, width, false, fourPixels)) return;
+    // Fewer than a lane has: eight bytes are stored, of which the next two pixels redo two.
+    const Vec128 sides = LowLane(Load(&kFirst)), two = LowLane(Splat16(2));
     const auto sums = [&](const Byte* row) __attribute__((always_inline)) {
       return AddBytePairs(ShuffleBytes(Load128(row + 6 * x), sides));
     };

@@ -1,4 +1,4 @@
-// Nearest-neighbour rows of one- and three-byte pixels and of packed 4:2:2.
+// Nearest-neighbour rows of pixels of one to four bytes and of packed 4:2:2.
 #include "kernels/level/Level.h"
 #include "kernels/resize/ByteGather.h"
 #include "kernels/resize/ResizeRows.h"
@@ -7,11 +7,10 @@
 namespace qv::QV_LEVEL {
 
 static void PlainRow(const Byte* row, const NearestTables& t, Byte* dst) {
-  if (t.layout == Layout::kGray) {
-    for (int j = 0; j < t.width; ++j) dst[j] = row[t.x[j]];
-  } else if (t.layout == Layout::kTriples) {
+  if (t.layout != Layout::kPairs422) {
+    const int bytes = PixelBytes(t.layout);
     for (ptrdiff_t j = 0; j < t.width; ++j)
-      for (int c = 0; c < 3; ++c) dst[3 * j + c] = row[3 * ptrdiff_t{t.x[j]} + c];
+      for (int c = 0; c < bytes; ++c) dst[bytes * j + c] = row[bytes * ptrdiff_t{t.x[j]} + c];
   } else {
     for (ptrdiff_t j = 0; j < t.width / 2; ++j) {
       const Byte* const chroma = row + 4 * ptrdiff_t{t.xChroma[j]};

@@ -15,7 +15,7 @@ namespace qv {
 struct NearestTables {
   int width, height;   // of the destination, in pixels
   int srcWidth;        // of the region
-  Layout layout;       // kGray, kTriples or kPairs422
+  Layout layout;       // interleaved or kPairs422
   const int* x;
   const int* y;
   const int* xChroma;  // packed 4:2:2: the source pair of each destination pair

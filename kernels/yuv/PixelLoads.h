@@ -1,5 +1,8 @@
-// Pixels of three or four bytes taken apart, kVecBytes of them: the first bytes of all, the second
-// ones, the third ones.
+// Pixels of one, three or four bytes as pairs of bytes, kVecBytes of them.
+//
+// A block is loaded as groups of four pixels. Lane l of its first half has groups l and
+// kLanes128 + l, of its second half those 2 kLanes128 further on: what comes of shuffles within
+// lanes. InOrder puts the bytes made of them in order.
 #ifndef QV_KERNELS_YUV_PIXELLOADS_H
 #define QV_KERNELS_YUV_PIXELLOADS_H
 
@@ -9,94 +12,99 @@
 
 namespace qv::QV_LEVEL {
 
-struct ByteVectors {
-  Vec at[3];
+// Half a block: of each pixel B and G; R and any byte.
+struct BytePairs {
+  Vec blueGreen, red;
 };
 
-// ---- Where bytes are permuted across a vector ---------------------------------------------------
+struct BlockPairs {
+  BytePairs half[2];
+};
 
-// Bytes c of 64 three-byte pixels: of the first two vectors by index, of the third where `mask` is.
-struct ThirdBytes {
-  alignas(64) Byte low[64], high[64];
-  unsigned long long mask;
-  constexpr explicit ThirdBytes(int c) : low(), high(), mask(0) {
-    for (int i = 0; i < 64; ++i) {
-      const int at = 3 * i + c;
-      low[i] = static_cast<Byte>(at % 128);
-      high[i] = static_cast<Byte>(at % 64);
-      if (at >= 128) mask |= 1ull << i;
-    }
+// Groups of 32 bits in order from those of two halves that were packed; and the other way round.
+template <bool kBack = false>
+QV_INLINE Vec InOrder(Vec packed) {
+  if constexpr (!kHasLanePermute) {
+    return packed;
+  } else {
+    struct Index {
+      alignas(kVecBytes) uint32_t at[kLanes32];
+      constexpr Index() : at() {
+        constexpr uint32_t lanes = kLanes128;
+        for (uint32_t i = 0; i < kLanes32; ++i)
+          at[i] = kBack ? i % 4 * lanes + i / 4 : i % lanes * 4 + i / lanes;
+      }
+    };
+    static constexpr Index index;
+    return PermuteLanes32(packed, Load(index.at));
   }
-};
-
-template <int c>
-QV_INLINE Vec PermuteThirds(Vec v0, Vec v1, Vec v2) {
-  static constexpr ThirdBytes index(c);
-  return PermuteBytesOver(PermuteBytes2(v0, Load(index.low), v1), index.mask, v2, Load(index.high));
 }
 
-QV_INLINE ByteVectors PermuteFourths(const Byte* src) {
-  // The first and the second bytes of 32 pixels, and their third ones.
-  static constexpr ByteTable firstTwo = MakeByteTable([](int i) { return i % 32 * 4 + i / 32; });
-  static constexpr ByteTable third = MakeByteTable([](int i) { return i % 32 * 4 + 2; });
-  Vec two[2], one[2];
-  for (int half = 0; half < 2; ++half) {
-    const Vec low = Load(src + 128 * half), high = Load(src + 128 * half + 64);
-    two[half] = PermuteBytes2(low, Load(firstTwo.b), high);
-    one[half] = PermuteBytes2(low, Load(third.b), high);
-  }
-  return {{JoinLowHalves(two[0], two[1]), JoinHighHalves(two[0], two[1]),
-           JoinLowHalves(one[0], one[1])}};
+// ---- Where bytes are shuffled -------------------------------------------------------------------
+
+// Byte i of four pixels, the first of which is at byte `from`, as their B and G and then their R.
+constexpr int PairPlace(int i, int from, int channels, bool redFirst) {
+  const int blue = redFirst ? 2 : 0, byte = i < 8 ? (i % 2 ? 1 : blue) : 2 - blue;
+  return from + i / 2 % 4 * channels + byte;
 }
 
-// ---- Where they are shuffled within 128-bit lanes -----------------------------------------------
-
-// Four pixels of a lane sorted: their first bytes, their second ones, and so on. They begin at byte
-// `first` of the lane.
-struct SortIndex {
-  alignas(16) Byte at[16];
-  constexpr SortIndex(int pixelBytes, int first) : at() {
-    for (int i = 0; i < 16; ++i) {
-      const int byte = i / 4;
-      at[i] = static_cast<Byte>(byte < pixelBytes ? first + i % 4 * pixelBytes + byte : 0x80);
-    }
-  }
-};
-
-// Four vectors of four such pixels a lane.
+// Behind the last pixels of a block nothing is read: they end with the vector where bytes are
+// permuted across it, else with their lanes.
 template <int kChannels>
-QV_INLINE ByteVectors ShufflePixels(const Byte* src) {
-  static constexpr SortIndex index(kChannels, 0), last(kChannels, 16 - 4 * kChannels);
-  Vec v[4];
-  for (int j = 0; j < 4; ++j) {
-    // Lane i has pixels from 16 i + 4 j on. The last ones end with the lane: nothing behind them is
-    // read.
-    const Byte* const from = src + 4 * kChannels * j - (j == 3 ? 16 - 4 * kChannels : 0);
-    v[j] = ShuffleBytes(LoadLanes(from, 16 * kChannels), LoadSplat128(j == 3 ? last.at : index.at));
-  }
-  const Vec low0 = InterleaveLow32(v[0], v[1]), low1 = InterleaveLow32(v[2], v[3]);
-  const Vec high0 = InterleaveHigh32(v[0], v[1]), high1 = InterleaveHigh32(v[2], v[3]);
-  return {
-      {InterleaveLow64(low0, low1), InterleaveHigh64(low0, low1), InterleaveLow64(high0, high1)}};
+constexpr bool kAcross = kHasBytePermute&& kChannels == 3;
+template <int kChannels>
+constexpr int kBeforeLast = (4 - kChannels) * (kAcross<kChannels> ? kVecBytes / 4 : 4);
+
+template <int kChannels, bool kRedFirst, bool kLast>
+constexpr ByteTable MakePairIndex() {
+  return MakeByteTable([](int i) {
+    const int lane = kAcross<kChannels> ? i / 16 * 4 * kChannels : 0;
+    return lane + PairPlace(i % 16, kLast ? kBeforeLast<kChannels> : 0, kChannels, kRedFirst);
+  });
+}
+
+// Of the vectors of a block, and of its last one.
+struct PixelOrder {
+  bool redFirst;
+  Vec index, last;
+};
+
+template <int kChannels>
+QV_INLINE PixelOrder PixelOrderOf(bool redFirst) {
+  if constexpr (!kHasByteShuffle || kChannels == 1) return {redFirst, Zero(), Zero()};
+  static constexpr ByteTable index[] = {MakePairIndex<kChannels, false, false>(),
+                                        MakePairIndex<kChannels, true, false>()};
+  static constexpr ByteTable last[] = {MakePairIndex<kChannels, false, true>(),
+                                       MakePairIndex<kChannels, true, true>()};
+  return {redFirst, Load(index[redFirst].b), Load(last[redFirst].b)};
+}
+
+// Vector j of a block's four: in each lane four pixels, their B and G and then their R.
+template <int kChannels>
+QV_INLINE Vec LoadGroups4(const Byte* src, int j, const PixelOrder& order) {
+  const Byte* const from =
+      src + j * kLanes128 * 4 * kChannels - (j == 3 ? kBeforeLast<kChannels> : 0);
+  const Vec index = kChannels == 3 && j == 3 ? order.last : order.index;
+  if constexpr (kAcross<kChannels>) return PermuteBytes(Load(from), index);
+  return ShuffleBytes(kChannels == 4 ? Load(from) : LoadLanes(from, 4 * kChannels), index);
 }
 
 // ---- And where they are not, with 128-bit vectors -----------------------------------------------
 
-QV_INLINE ByteVectors PackFourths(const Vec (&v)[4]) {
-  const auto bytes = [&](auto part) {
-    return PackUnsigned16(PackSigned32(part(v[0]), part(v[1])),
-                          PackSigned32(part(v[2]), part(v[3])));
-  };
-  const Vec low = Splat32(0xff);
-  return {{bytes([=](Vec x) { return And(x, low); }),
-           bytes([=](Vec x) { return And(ShiftRight32<8>(x), low); }),
-           bytes([=](Vec x) { return And(ShiftRight32<16>(x), low); })}};
+// Four pixels of four bytes, their 16-bit halves sorted; R, G, B made B, G, R.
+QV_INLINE Vec SortHalves16(Vec v, bool redFirst) {
+  if (redFirst) {
+    const Vec low = Splat32(0xff);
+    v = Or(And(v, Splat32(0xff00)),
+           Or(ShiftLeft32<16>(And(v, low)), And(ShiftRight32<16>(v), low)));
+  }
+  return ShuffleLanes32<0, 2, 1, 3>(ShuffleHigh16<0, 2, 1, 3>(ShuffleLow16<0, 2, 1, 3>(v)));
 }
 
 // 16 pixels in 48 bytes. Each step interleaves the first half of what there is with the second
 // half: byte i goes to 2 i modulo 47, so that after four steps, 16 i modulo 47, byte 3 i + c has
 // come to i + 16 c.
-QV_INLINE ByteVectors InterleaveThirds(Vec v0, Vec v1, Vec v2) {
+QV_INLINE BlockPairs InterleaveThirds(Vec v0, Vec v1, Vec v2, bool redFirst) {
   // The high half of one, the low half of the other.
   const auto swapHalves = [](Vec low, Vec high) {
     return InterleaveLow64(InterleaveHigh64(low, low), high);
@@ -109,31 +117,34 @@ QV_INLINE ByteVectors InterleaveThirds(Vec v0, Vec v1, Vec v2) {
     v1 = b;
     v2 = c;
   }
-  return {{v0, v1, v2}};
+  const Vec blue = redFirst ? v2 : v0, red = redFirst ? v0 : v2;
+  return {{{InterleaveLow8(blue, v1), InterleaveLow8(red, red)},
+           {InterleaveHigh8(blue, v1), InterleaveHigh8(red, red)}}};
 }
 
 // ---- Of any kind --------------------------------------------------------------------------------
 
 template <int kChannels>
-QV_INLINE ByteVectors LoadPixels(const Byte* src) {
+QV_INLINE BlockPairs LoadPixels(const Byte* src, const PixelOrder& order) {
   if constexpr (kChannels == 1) {
-    const Vec grey = Load(src);
-    return {{grey, grey, grey}};
-  } else if constexpr (kHasBytePermute && kChannels == 3) {
-    const Vec v0 = Load(src), v1 = Load(src + 64), v2 = Load(src + 128);
-    return {
-        {PermuteThirds<0>(v0, v1, v2), PermuteThirds<1>(v0, v1, v2), PermuteThirds<2>(v0, v1, v2)}};
-  } else if constexpr (kHasBytePermute) {
-    return PermuteFourths(src);
-  } else if constexpr (kHasByteShuffle) {
-    return ShufflePixels<kChannels>(src);
+    const Vec grey = InOrder<true>(Load(src));
+    const Vec low = InterleaveLow8(grey, grey), high = InterleaveHigh8(grey, grey);
+    return {{{low, low}, {high, high}}};
+  } else if constexpr (!kHasByteShuffle && kChannels == 3) {
+    return InterleaveThirds(Load(src), Load(src + 16), Load(src + 32), order.redFirst);
   } else {
-    Vec v[kChannels];
-    for (int j = 0; j < kChannels; ++j) v[j] = Load(src + 16 * j);
-    if constexpr (kChannels == 4)
-      return PackFourths(v);
-    else
-      return InterleaveThirds(v[0], v[1], v[2]);
+    BlockPairs block;
+    for (int h = 0; h < 2; ++h) {
+      Vec v[2];
+      for (int j = 0; j < 2; ++j) {
+        if constexpr (kHasByteShuffle)
+          v[j] = LoadGroups4<kChannels>(src, 2 * h + j, order);
+        else
+          v[j] = SortHalves16(Load(src + 16 * (2 * h + j)), order.redFirst);
+      }
+      block.half[h] = {InterleaveLow64(v[0], v[1]), InterleaveHigh64(v[0], v[1])};
+    }
+    return block;
   }
 }
 

@@ -32,12 +32,12 @@ template <class Byte>
 struct RgbFrame {
   Byte* pixels;
   int step;
-  int channels;  // 3 or 4; RgbToYuv_8u also takes 1, a grey for all three
+  int channels;   // 3 or 4; RgbToYuv_8u also takes 1, a grey for all three
+  bool redFirst;  // R, G, B; YuvToRgb_8u is given the two chroma samples exchanged instead
 };
 
 // Products of two 16-bit numbers, of which the upper halves are used. Samples are multiplied by
-// 256, coefficients by 2^14 one way, so that sums are in 64ths and stay within 16 bits, and by 2^16
-// the other way, in 256ths.
+// 256, coefficients by 2^14, so that sums are in 64ths and stay within 16 bits.
 struct YuvToRgbTerms {
   uint16_t luma;
   uint16_t first, third;  // of the chroma that the byte hangs on
@@ -45,11 +45,16 @@ struct YuvToRgbTerms {
   int16_t offset[3];
 };
 
+// B, G and R are multiplied by small whole numbers, two products at a time. What that makes of a
+// byte is in parts of which `unit` are one, and so is the luma that chroma is a difference to.
 struct RgbToYuvTerms {
-  uint16_t luma[3];
-  uint16_t half;        // of the byte that the chroma hangs on
-  uint16_t less[2][2];  // subtracted: of the second byte, and of the one left
-  uint16_t lumaOffset, chromaOffset;
+  uint8_t unit;
+  uint8_t pair[2];     // of B and G, in luma; at most 128 together
+  uint16_t ofPair;     // of their sum, in 65536ths
+  uint16_t ofRed;      // and of `unit` times R
+  int16_t lumaOffset;  // in parts
+  int16_t toLuma;      // from parts, in 32768ths
+  int16_t quarter[2];  // of a quarter of a difference to 32nds of chroma, in 65536ths
 };
 
 struct LumaMap {
@@ -78,16 +83,15 @@ extern QV_HIDDEN const Dispatched<void(
     const YuvToRgbTerms* t, ChromaSiting siting, IppiSize size, int firstRow,
     int rows)> YuvToRgb_8u;
 
-// The other way. With a, b, c the pixel's bytes times 256 or, for chroma, their means times 256:
-//   luma        (a * t.luma[0] >> 16) + (b * t.luma[1] >> 16) + (c * t.luma[2] >> 16)
-//               + t.lumaOffset >> 8
-//   chroma[0]   (a * t.half >> 16) - (b * t.less[0][0] >> 16) - (c * t.less[0][1] >> 16)
-//               + t.chromaOffset >> 8
-//   chroma[1]   (c * t.half >> 16) - (b * t.less[1][0] >> 16) - (a * t.less[1][1] >> 16)
-//               + t.chromaOffset >> 8
-// A mean is that of a block of two columns and, at half the height, two rows; with Left columns
-// 2 i - 1, 2 i, 2 i + 1 count 1 : 2 : 1. Columns and rows outside are those of the edge. In packed
-// groups the second luma of an odd last one repeats the first. A fourth byte is not looked at.
+// The other way; `chroma` is Cb and Cr. With a, b, c a pixel's B, G and R, all >> floors:
+//   Y           ((a * t.pair[0] + b * t.pair[1]) * t.ofPair >> 16) + (c * t.unit * t.ofRed >> 16)
+//   luma        (Y + t.lumaOffset) * t.toLuma + 2^14 >> 15
+// and of a column, with <> the mean of two rows that share their chroma, (x + y + 1) >> 1:
+//   D[0], D[1]  <a * t.unit> - <Y>, <c * t.unit> - <Y>
+//   chroma[i]   clamp(128 + ((sum of weight * t.quarter[i] * D[i] >> 16) + 16 >> 5))
+// where weights are 4; for samples of two columns 2 and 2; with Left 1, 2, 1 for the columns
+// 2 i - 1, 2 i, 2 i + 1. Columns and rows outside are those of the edge. In packed groups the
+// second luma of an odd last one repeats the first. A fourth byte is not looked at.
 extern QV_HIDDEN const Dispatched<void(
     const RgbFrame<const unsigned char>* src, const YuvFrame<unsigned char>* dst,
     const RgbToYuvTerms* t, ChromaSiting siting, IppiSize size, int firstRow,

@@ -62,26 +62,96 @@ constexpr YuvToRgbTerms MakeYuvToRgb(ColorMatrix k, bool full, bool swapped) {
            static_cast<int16_t>(offset - (factor(third) >> 1))}};
 }
 
-constexpr RgbToYuvTerms MakeRgbToYuv(ColorMatrix k, bool full, bool swapped) {
-  constexpr int64_t one = 1 << 16, all = 10000;
+// Two whole numbers, together `least` + 1 to 128, whose proportion is nearly that of `first` to
+// `second`.
+struct Proportion {
+  int64_t first, second;
+};
+
+constexpr Proportion NearestProportion(int64_t first, int64_t second, int64_t least) {
+  Proportion best = {};
+  int64_t bestError = 0;
+  for (int64_t x = 1; x < 128; ++x) {
+    const int64_t own = Rounded(first * x, second), off = own * second - first * x;
+    const int64_t error = off < 0 ? -off : off;
+    if (own + x <= least || own + x > 128) continue;
+    if (best.second != 0 && error * best.second >= bestError * x) continue;
+    best = {own, x};
+    bestError = error;
+  }
+  return best;
+}
+
+constexpr int PartsOfLuma(const RgbToYuvTerms& t, int a, int b, int c) {
+  return HighHalf(a * t.pair[0] + b * t.pair[1], t.ofPair) + HighHalf(c * t.unit, t.ofRed);
+}
+
+constexpr int GreyToLuma(int grey, bool full) {
+  return static_cast<int>(ScaleOf(full).lumaOffset + Rounded(grey * ScaleOf(full).luma, 255));
+}
+
+// Every grey comes out correctly rounded and without a colour.
+constexpr bool GreysAreExact(const RgbToYuvTerms& t, bool full) {
+  for (int grey = 0; grey < 256; ++grey) {
+    const int parts = PartsOfLuma(t, grey, grey, grey);
+    if (((parts + t.lumaOffset) * t.toLuma + (1 << 14)) >> 15 != GreyToLuma(grey, full))
+      return false;
+    for (int quarter : t.quarter)
+      if ((((grey * t.unit - parts) * 4 * quarter >> 16) + 16) >> 5 != 0) return false;
+  }
+  return true;
+}
+
+// Some greys lie so near to a half that factors of 16 bits decide: those next to the nearest.
+constexpr RgbToYuvTerms WithExactGreys(const RgbToYuvTerms& t, bool full) {
+  constexpr int nudges[] = {0, 1, -1};
+  for (int third : nudges)
+    for (int pair : nudges) {
+      RgbToYuvTerms nudged = t;
+      nudged.ofPair = static_cast<uint16_t>(t.ofPair + pair);
+      nudged.ofRed = static_cast<uint16_t>(t.ofRed + third);
+      if (GreysAreExact(nudged, full)) return nudged;
+    }
+  return t;
+}
+
+// What a byte is multiplied by where chroma is the difference of a byte and luma, and what brings
+// such luma back to its scale. Whole numbers that are nearly exact together: the product of both,
+// times 255 / scale.luma, is 32766 for 32768.
+struct LumaParts {
+  int64_t unit, toLuma;
+};
+
+constexpr LumaParts LumaPartsOf(bool full) {
+  return full ? LumaParts{86, 381} : LumaParts{84, 335};
+}
+
+constexpr RgbToYuvTerms MakeRgbToYuv(ColorMatrix k, bool full) {
+  constexpr int64_t all = 10000;
   const Scale scale = ScaleOf(full);
-  const int64_t first = swapped ? k.red : k.blue, third = swapped ? k.blue : k.red;
-  const auto weight = [&](int64_t of) { return Rounded(of * scale.luma * one, all * 255); };
-  const int64_t sum = Rounded(scale.luma * one, 255), half = Rounded(scale.chroma * one, 510);
-  // Of `other` in the chroma of `own`. The two subtracted ones add up to what they are taken from,
-  // so that a grey leaves nothing.
-  const auto less = [&](int64_t other, int64_t own) {
-    return Rounded(other * scale.chroma * one, 2 * (all - own) * 255);
+  const LumaParts parts = LumaPartsOf(full);
+  // A factor of their sum stays below 65536.
+  const Proportion pair =
+      NearestProportion(k.blue, all - k.blue - k.red, parts.unit * (all - k.red) / all + 1);
+  // Of `weight` in what is made of `from`.
+  const auto factor = [&](int64_t weight, int64_t from) {
+    return static_cast<uint16_t>(
+        Rounded((weight * scale.luma) << 31, all * 255 * parts.toLuma * from));
   };
-  const auto word = [](int64_t value) { return static_cast<uint16_t>(value); };
-  return {{word(weight(first)), word(sum - weight(first) - weight(third)), word(weight(third))},
-          word(half),
-          {{word(half - less(third, first)), word(less(third, first))},
-           {word(half - less(first, third)), word(less(first, third))}},
-          // A half, and half of what three products lose; 127 is the most that keeps the largest
-          // chroma of full range, 255.5, within 16 bits.
-          word(scale.lumaOffset * 256 + (full ? 128 : 129)),
-          word(128 * 256 + 127)};
+  const auto quarter = [&](int64_t weight) {
+    return static_cast<int16_t>(
+        Rounded((all * scale.chroma) << 19, 2 * (all - weight) * 255 * parts.unit));
+  };
+  // A part more for luma is half of what two products lose.
+  const int64_t offset = Rounded(int64_t{scale.lumaOffset} << 15, parts.toLuma) + 1;
+  return WithExactGreys({static_cast<uint8_t>(parts.unit),
+                         {static_cast<uint8_t>(pair.first), static_cast<uint8_t>(pair.second)},
+                         factor(all - k.red, pair.first + pair.second),
+                         factor(k.red, parts.unit),
+                         static_cast<int16_t>(offset),
+                         static_cast<int16_t>(parts.toLuma),
+                         {quarter(k.blue), quarter(k.red)}},
+                        full);
 }
 
 constexpr LumaMap MakeLumaToGrey(bool full) {
@@ -98,24 +168,27 @@ constexpr LumaMap MakeGreyToLuma(bool full) {
 }  // namespace terms
 
 // By matrix, range (0 studio, 1 full) and order (0 B, G, R; 1 R, G, B).
-template <class Terms>
-struct TermTable {
-  Terms at[3][2][2];
+struct YuvToRgbTable {
+  YuvToRgbTerms at[3][2][2];
 };
 
 constexpr auto kYuvToRgb = [] {
-  TermTable<YuvToRgbTerms> table{};
+  YuvToRgbTable table{};
   for (int i = 0; i < 12; ++i)
     table.at[i / 4][i / 2 % 2][i % 2] =
         terms::MakeYuvToRgb(kColorMatrices[i / 4], i / 2 % 2 == 1, i % 2 == 1);
   return table;
 }();
 
+// By matrix and range.
+struct RgbToYuvTable {
+  RgbToYuvTerms at[3][2];
+};
+
 constexpr auto kRgbToYuv = [] {
-  TermTable<RgbToYuvTerms> table{};
-  for (int i = 0; i < 12; ++i)
-    table.at[i / 4][i / 2 % 2][i % 2] =
-        terms::MakeRgbToYuv(kColorMatrices[i / 4], i / 2 % 2 == 1, i % 2 == 1);
+  RgbToYuvTable table{};
+  for (int i = 0; i < 6; ++i)
+    table.at[i / 2][i % 2] = terms::MakeRgbToYuv(kColorMatrices[i / 2], i % 2 == 1);
   return table;
 }();
 
@@ -127,7 +200,7 @@ namespace terms {
 
 constexpr int Limited(int64_t x) { return x < 0 ? 0 : x > 255 ? 255 : static_cast<int>(x); }
 
-// Every grey comes out correctly rounded and without a colour, both ways.
+// The same the other way, and of the map of luma alone.
 constexpr bool GreysAreExact(const YuvToRgbTerms& t, LumaMap map, bool full) {
   const Scale scale = ScaleOf(full);
   for (int y = 0; y < 256; ++y) {
@@ -142,43 +215,38 @@ constexpr bool GreysAreExact(const YuvToRgbTerms& t, LumaMap map, bool full) {
   return true;
 }
 
-constexpr bool GreysAreExact(const RgbToYuvTerms& t, LumaMap map, bool full) {
-  const Scale scale = ScaleOf(full);
-  for (int grey = 0; grey < 256; ++grey) {
-    const int exact = static_cast<int>(scale.lumaOffset + Rounded(grey * scale.luma, 255));
-    const auto part = [&](int factor) { return HighHalf(grey << 8, factor); };
-    if ((part(t.luma[0]) + part(t.luma[1]) + part(t.luma[2]) + t.lumaOffset) >> 8 != exact ||
-        (part(map.factor) + map.offset) >> 6 != exact)
-      return false;
-    for (const auto& less : t.less)
-      if ((part(t.half) - part(less[0]) - part(less[1]) + t.chromaOffset) >> 8 != 128) return false;
-  }
+// And the maps of greys alone.
+constexpr bool IsExact(LumaMap map, bool full) {
+  for (int grey = 0; grey < 256; ++grey)
+    if ((HighHalf(grey << 8, map.factor) + map.offset) >> 6 != GreyToLuma(grey, full)) return false;
   return true;
 }
 
-// What is added fits what holds it: a term of chroma with its offset signed 16 bits (luma is added
-// to it with saturation, which leaves a byte what it is), a sample's sum unsigned ones.
+// What is computed fits what holds it: a term of chroma with its offset signed 16 bits (luma is
+// added to it with saturation, which leaves a byte what it is), and so parts of luma, sums of two
+// products of bytes, differences and their factors; what bytes are multiplied by signed 8 bits.
 constexpr bool FitsWords(const YuvToRgbTerms& t) {
   const auto most = [](int factor) { return HighHalf(255 << 8, factor); };
   return most(t.luma) < 32768 && most(t.first) + t.offset[0] < 32768 &&
          most(t.third) + t.offset[2] < 32768 &&
-         t.offset[1] - most(t.second[0]) - most(t.second[1]) >= -32768;
+         t.offset[1] - 32 - most(t.second[0]) - most(t.second[1]) >= -32768;
 }
 
 constexpr bool FitsWords(const RgbToYuvTerms& t) {
-  const auto most = [](int factor) { return HighHalf(255 << 8, factor); };
-  const int luma = most(t.luma[0]) + most(t.luma[1]) + most(t.luma[2]) + t.lumaOffset;
-  return luma < 65536 && most(t.half) + t.chromaOffset < 65536 && t.half <= t.chromaOffset;
+  const int most = 255 * t.unit;
+  return t.pair[0] + t.pair[1] <= 128 && t.unit < 128 && PartsOfLuma(t, 255, 255, 255) < 32768 &&
+         most - PartsOfLuma(t, 255, 0, 0) < 32768 && most - PartsOfLuma(t, 0, 0, 255) < 32768 &&
+         4 * t.quarter[0] < 32768 && 4 * t.quarter[1] < 32768;
 }
 
 constexpr bool AllHold() {
   for (int i = 0; i < 12; ++i) {
     const int matrix = i / 4, range = i / 2 % 2, order = i % 2;
     const YuvToRgbTerms& toRgb = kYuvToRgb.at[matrix][range][order];
-    const RgbToYuvTerms& toYuv = kRgbToYuv.at[matrix][range][order];
+    const RgbToYuvTerms& toYuv = kRgbToYuv.at[matrix][range];
     if (!FitsWords(toRgb) || !FitsWords(toYuv) ||
         !GreysAreExact(toRgb, kLumaToGrey[range], range == 1) ||
-        !GreysAreExact(toYuv, kGreyToLuma[range], range == 1))
+        !GreysAreExact(toYuv, range == 1) || !IsExact(kGreyToLuma[range], range == 1))
       return false;
   }
   return true;

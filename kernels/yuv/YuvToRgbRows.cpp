@@ -19,8 +19,8 @@ struct SampleRows {
   ptrdiff_t last;  // chroma sample
 };
 
-SampleRows RowsOf(const YuvFrame<const Byte>& src, ChromaSiting siting, IppiSize size,
-                  ptrdiff_t y) {
+QV_INLINE SampleRows RowsOf(const YuvFrame<const Byte>& src, ChromaSiting siting, IppiSize size,
+                            ptrdiff_t y) {
   const ptrdiff_t near = src.halfHeight ? y / 2 : y;
   ptrdiff_t next = near;
   if (src.halfHeight && siting != ChromaSiting::Repeat) {
@@ -41,37 +41,67 @@ SampleRows RowsOf(const YuvFrame<const Byte>& src, ChromaSiting siting, IppiSize
   return rows;
 }
 
-// Of a pixel, in 256ths.
-QV_INLINE int ChromaAt(const SampleRows& rows, int c, ptrdiff_t x, ChromaSiting siting) {
-  const ptrdiff_t i = rows.halfWidth ? x / 2 : x;
-  if (!rows.halfWidth || siting == ChromaSiting::Repeat) return rows.near[c][i * rows.apart] << 8;
-  ptrdiff_t beside = i;
-  if (siting == ChromaSiting::Left) beside += x % 2;
-  if (siting == ChromaSiting::Centre) beside += x % 2 ? 1 : -1;
-  if (beside < 0 || beside > rows.last) beside = i;
-  const int weight = siting == ChromaSiting::Left ? 2 : 1;
-  const auto fourfold = [&](ptrdiff_t at) {
-    return 3 * rows.near[c][at * rows.apart] + rows.next[c][at * rows.apart];
-  };
-  return 16 * ((4 - weight) * fourfold(i) + weight * fourfold(beside));
-}
-
 QV_INLINE int MulHigh(int a, int b) {
   return static_cast<int>(static_cast<uint32_t>(a) * static_cast<uint32_t>(b) >> 16);
 }
 
-// Pixels `from` to `to` - 1. Rows and terms are copies: bytes that are stored could change others.
-void PixelsPlain(SampleRows rows, YuvToRgbTerms t, ChromaSiting siting, Byte* dst, int channels,
-                 ptrdiff_t from, ptrdiff_t to) {
-  for (ptrdiff_t x = from; x < to; ++x) {
-    const int luma = MulHigh(rows.luma[x * rows.lumaApart] << 8, t.luma);
-    const int p = ChromaAt(rows, 0, x, siting), q = ChromaAt(rows, 1, x, siting);
-    Byte* const pixel = dst + x * channels;
-    pixel[0] = ToByte((luma + MulHigh(p, t.first) + t.offset[0]) >> 6);
+// Pixels that the plain rows work on at a time.
+constexpr ptrdiff_t kPlainPiece = 256;
+
+// Chroma of `count` pixels from x on, in 256ths; where rows have half the width x is even, and as
+// much of the next pixel may be written.
+void ChromaPlain(const SampleRows& rows, int c, ChromaSiting siting, ptrdiff_t x, ptrdiff_t count,
+                 uint16_t* chroma) {
+  const Byte* const near = rows.near[c];
+  const Byte* const next = rows.next[c];
+  const ptrdiff_t apart = rows.apart;
+  if (!rows.halfWidth) {
+    for (ptrdiff_t i = 0; i < count; ++i)
+      chroma[i] = static_cast<uint16_t>(near[(x + i) * apart] << 8);
+    return;
+  }
+  const auto fourfold = [=](ptrdiff_t i) { return 3 * near[i * apart] + next[i * apart]; };
+  const ptrdiff_t first = x / 2, samples = (count + 1) / 2;
+  int before = fourfold(first > 0 ? first - 1 : 0), own = fourfold(first);
+  for (ptrdiff_t i = 0; i < samples; ++i) {
+    const int after = first + i < rows.last ? fourfold(first + i + 1) : own;
+    int even = 64 * own, odd = 32 * (own + after);  // Left
+    if (siting == ChromaSiting::Repeat) even = odd = near[(first + i) * apart] << 8;
+    if (siting == ChromaSiting::Centre) {
+      even = 16 * (3 * own + before);
+      odd = 16 * (3 * own + after);
+    }
+    chroma[2 * i] = static_cast<uint16_t>(even);
+    chroma[2 * i + 1] = static_cast<uint16_t>(odd);
+    before = own;
+    own = after;
+  }
+}
+
+template <int kChannels>
+void PixelsOf(const Byte* luma, ptrdiff_t apart, const uint16_t* p, const uint16_t* q,
+              YuvToRgbTerms t, Byte* dst, ptrdiff_t count) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    const int y = MulHigh(luma[i * apart] << 8, t.luma);
+    Byte* const pixel = dst + i * kChannels;
+    pixel[0] = ToByte((y + MulHigh(p[i], t.first) + t.offset[0]) >> 6);
     pixel[1] =
-        ToByte((luma - MulHigh(p, t.second[0]) - MulHigh(q, t.second[1]) + t.offset[1]) >> 6);
-    pixel[2] = ToByte((luma + MulHigh(q, t.third) + t.offset[2]) >> 6);
-    if (channels == 4) pixel[3] = 255;
+        ToByte((y - MulHigh(p[i], t.second[0]) - MulHigh(q[i], t.second[1]) + t.offset[1]) >> 6);
+    pixel[2] = ToByte((y + MulHigh(q[i], t.third) + t.offset[2]) >> 6);
+    if (kChannels == 4) pixel[3] = 255;
+  }
+}
+
+// Pixels `from`, an even number, to `to` - 1.
+void PixelsPlain(const SampleRows& rows, const YuvToRgbTerms& t, ChromaSiting siting, Byte* dst,
+                 int channels, ptrdiff_t from, ptrdiff_t to) {
+  const auto convert = channels == 3 ? PixelsOf<3> : PixelsOf<4>;
+  for (ptrdiff_t x = from; x < to; x += kPlainPiece) {
+    const ptrdiff_t count = to - x < kPlainPiece ? to - x : kPlainPiece;
+    uint16_t chroma[2][kPlainPiece];
+    for (int c = 0; c < 2; ++c) ChromaPlain(rows, c, siting, x, count, chroma[c]);
+    convert(rows.luma + x * rows.lumaApart, rows.lumaApart, chroma[0], chroma[1], t,
+            dst + x * channels, count);
   }
 }
 
@@ -89,23 +119,42 @@ QV_INLINE void ConvertRows(const YuvFrame<const Byte>& src, const RgbFrame<Byte>
 
 // ---- Vector rows --------------------------------------------------------------------------------
 
+// 64ths are rounded by a multiplication, where that is one operation: there are shuffles enough
+// that compete with shifts.
+constexpr bool kMultiplies = kHasByteShuffle;
+
+QV_INLINE Vec ToUnits(Vec v) {
+  if constexpr (kMultiplies) return MulRounded15(v, Splat16(1 << 9));
+  return ShiftRightSigned16<6>(v);
+}
+
+// The terms in all lanes. Made once a call and read from memory: there are not enough registers.
+struct VectorTerms {
+  explicit VectorTerms(const YuvToRgbTerms& t)
+      : luma(Splat16(t.luma)),
+        first(Splat16(t.first)),
+        third(Splat16(t.third)),
+        second{Splat16(t.second[0]), Splat16(t.second[1])} {
+    // The half that offsets have in them is that of ToUnits.
+    for (int c = 0; c < 3; ++c) offset[c] = Splat16(t.offset[c] - (kMultiplies ? 32 : 0));
+  }
+  Vec luma, first, third, second[2], offset[3];
+};
+
 // What the terms of chroma add to luma, of pixels or of samples; signed.
 using ChromaTerms = Colors;
 
-QV_INLINE ChromaTerms TermsOf(ChromaPair chroma, const YuvToRgbTerms& t) {
-  const auto product = [](Vec v, int factor) { return MulHighUnsigned16(v, Splat16(factor)); };
-  return {Add16(product(chroma.p, t.first), Splat16(t.offset[0])),
-          Sub16(Sub16(Splat16(t.offset[1]), product(chroma.p, t.second[0])),
-                product(chroma.q, t.second[1])),
-          Add16(product(chroma.q, t.third), Splat16(t.offset[2]))};
+QV_INLINE ChromaTerms TermsOf(ChromaPair chroma, const VectorTerms& t) {
+  return {Add16(MulHighUnsigned16(chroma.p, t.first), t.offset[0]),
+          Sub16(Sub16(t.offset[1], MulHighUnsigned16(chroma.p, t.second[0])),
+                MulHighUnsigned16(chroma.q, t.second[1])),
+          Add16(MulHighUnsigned16(chroma.q, t.third), t.offset[2])};
 }
 
 // Half a block. Sums above 32767 are above 255 as a byte, and stay so.
-QV_INLINE Colors AddLuma(Vec luma256, const ChromaTerms& chroma, const YuvToRgbTerms& t) {
-  const Vec luma = MulHighUnsigned16(luma256, Splat16(t.luma));
-  const auto sum = [=](Vec term) {
-    return ShiftRightSigned16<6>(AddSaturatedSigned16(luma, term));
-  };
+QV_INLINE Colors AddLuma(Vec luma256, const ChromaTerms& chroma, const VectorTerms& t) {
+  const Vec luma = MulHighUnsigned16(luma256, t.luma);
+  const auto sum = [=](Vec term) { return ToUnits(AddSaturatedSigned16(luma, term)); };
   return {sum(chroma.blue), sum(chroma.green), sum(chroma.red)};
 }
 
@@ -126,15 +175,15 @@ QV_INLINE BlockTerms InTurns(const ChromaTerms& even, const ChromaTerms& odd) {
            SecondInTurns16(even.red, odd.red)}};
 }
 
-template <int kChannels, class Store>
-QV_INLINE void StorePixels(Byte* dst, Vec luma, const BlockTerms& terms, const YuvToRgbTerms& t,
-                           Store store) {
-  const Colors first = AddLuma(FirstBytes256(luma), terms.first, t);
-  const Colors second = AddLuma(SecondBytes256(luma), terms.second, t);
+template <int kChannels, bool kDeals, class Store>
+QV_INLINE void StorePixels(Byte* dst, const Block256& luma, const BlockTerms& terms,
+                           const VectorTerms& t, Store store) {
+  const Colors first = AddLuma(luma.first, terms.first, t);
+  const Colors second = AddLuma(luma.second, terms.second, t);
   if constexpr (kChannels == 3)
     StoreBGR(dst, first, second, store);
   else
-    StoreBGRA(dst, first, second, store);
+    StoreBGRA<kDeals>(dst, first, second, store);
 }
 
 // Rows that share their chroma, and where they go.
@@ -169,63 +218,82 @@ QV_INLINE const Byte* FirstOf(const SampleRows& rows) {
   return rows.lumaApart == 2 && rows.luma < first ? rows.luma : first;
 }
 
-QV_INLINE void LoadGroups(const Byte* groups, bool lumaFirst, Vec& luma, Vec& pairs) {
-  Vec low, high, even, odd;
-  LoadPacked(groups, low, high);
-  if constexpr (kHasBytePermute) {
-    even = EvenBytes(low, high);
-    odd = OddBytes(low, high);
-  } else {  // lanes are loaded such that they are in order when they are packed
-    even = PackUnsigned16(And(low, Splat16(0xff)), And(high, Splat16(0xff)));
-    odd = PackUnsigned16(ShiftRight16<8>(low), ShiftRight16<8>(high));
+// A block of packed groups: luma, and bytes of chroma in pairs.
+template <bool kDeals = false>
+QV_INLINE void LoadGroups(const Byte* groups, bool lumaFirst, Block256& luma, Vec& pairs) {
+  Vec low, high;
+  if constexpr (kDeals) {
+    low = DealHalves(Load(groups));
+    high = DealHalves(Load(groups + kVecBytes));
+  } else {
+    LoadPacked(groups, low, high);
   }
-  luma = lumaFirst ? even : odd;
-  pairs = lumaFirst ? odd : even;
+  if (lumaFirst) {
+    luma = {ShiftLeft16<8>(low), ShiftLeft16<8>(high)};
+    if constexpr (kHasBytePermute)
+      pairs = OddBytes(low, high);
+    else  // lanes are loaded such that they are in order when they are packed
+      pairs = PackUnsigned16(ShiftRight16<8>(low), ShiftRight16<8>(high));
+  } else {
+    luma = {HighBytes(low), HighBytes(high)};
+    if constexpr (kHasBytePermute)
+      pairs = EvenBytes(low, high);
+    else
+      pairs = PackUnsigned16(And(low, Splat16(0xff)), And(high, Splat16(0xff)));
+  }
 }
 
 // Chroma repeated.
 template <int kChannels, int kRows>
-bool RepeatedRows(const SampleRows& rows, const Target<kRows>& target, const YuvToRgbTerms& t,
-                  ptrdiff_t width, bool stream) {
-  const bool swapped = rows.near[1] < rows.near[0];
-  const Byte* const pairs = FirstOf(rows);
-  return CoverRows<kChannels>(target, width, stream, [=](ptrdiff_t x, auto store) {
-    ChromaPair chroma;
-    if (rows.apart == 1)
-      chroma = {ShiftLeft16<8>(LoadBytesAs16(rows.near[0] + x / 2)),
-                ShiftLeft16<8>(LoadBytesAs16(rows.near[1] + x / 2))};
-    else
-      chroma = SplitPairs256(Load(pairs + x), swapped);
-    const BlockTerms terms = Twice(TermsOf(chroma, t));
-    for (int row = 0; row < kRows; ++row)
-      StorePixels<kChannels>(target.dst[row] + kChannels * x, Load(target.luma[row] + x), terms, t,
-                             store);
-  });
+QV_INLINE bool RepeatedRows(const SampleRows& rows, const Target<kRows>& target,
+                            const VectorTerms& t, ptrdiff_t width, bool stream) {
+  constexpr bool deals = kDealt<kChannels>;
+  const bool planes = rows.apart == 1, swapped = rows.near[1] < rows.near[0];
+  const Byte* const p = planes ? rows.near[0] : FirstOf(rows);
+  const Byte* const q = rows.near[1];
+  return CoverRows<kChannels>(
+      target, width, stream, [=, &t](ptrdiff_t x, auto store) QV_INLINE_LAMBDA {
+        ChromaPair chroma;
+        if (planes)
+          chroma = {LoadBytes256<deals>(p + x / 2), LoadBytes256<deals>(q + x / 2)};
+        else
+          chroma = SplitPairs256(Deal<deals>(Load(p + x)), swapped);
+        const BlockTerms terms = Twice(TermsOf(chroma, t));
+        for (int row = 0; row < kRows; ++row)
+          StorePixels<kChannels, deals>(target.dst[row] + kChannels * x,
+                                        LoadBlock256<deals>(target.luma[row] + x), terms, t, store);
+      });
 }
 
 template <int kChannels>
-bool PackedRow(const SampleRows& rows, const Target<1>& target, const YuvToRgbTerms& t,
-               ptrdiff_t width, bool stream) {
+QV_INLINE bool PackedRow(const SampleRows& rows, const Target<1>& target, const VectorTerms& t,
+                         ptrdiff_t width, bool stream) {
+  constexpr bool deals = kDealt<kChannels>;
   const Byte* const groups = FirstOf(rows);
   const bool lumaFirst = groups == rows.luma, swapped = rows.near[1] < rows.near[0];
-  return CoverRows<kChannels>(target, width, stream, [=](ptrdiff_t x, auto store) {
-    Vec luma, pairs;
-    LoadGroups(groups + 2 * x, lumaFirst, luma, pairs);
-    const BlockTerms terms = Twice(TermsOf(SplitPairs256(pairs, swapped), t));
-    StorePixels<kChannels>(target.dst[0] + kChannels * x, luma, terms, t, store);
-  });
+  return CoverRows<kChannels>(
+      target, width, stream, [=, &t](ptrdiff_t x, auto store) QV_INLINE_LAMBDA {
+        Block256 luma;
+        Vec pairs;
+        LoadGroups<deals>(groups + 2 * x, lumaFirst, luma, pairs);
+        const BlockTerms terms = Twice(TermsOf(SplitPairs256(pairs, swapped), t));
+        StorePixels<kChannels, deals>(target.dst[0] + kChannels * x, luma, terms, t, store);
+      });
 }
 
 // A sample for every pixel.
 template <int kChannels>
-bool FullRow(const SampleRows& rows, const Target<1>& target, const YuvToRgbTerms& t,
-             ptrdiff_t width, bool stream) {
-  return CoverRows<kChannels>(target, width, stream, [=](ptrdiff_t x, auto store) {
-    const Vec p = Load(rows.near[0] + x), q = Load(rows.near[1] + x);
-    const BlockTerms terms = {TermsOf({FirstBytes256(p), FirstBytes256(q)}, t),
-                              TermsOf({SecondBytes256(p), SecondBytes256(q)}, t)};
-    StorePixels<kChannels>(target.dst[0] + kChannels * x, Load(rows.luma + x), terms, t, store);
-  });
+QV_INLINE bool FullRow(const SampleRows& rows, const Target<1>& target, const VectorTerms& t,
+                       ptrdiff_t width, bool stream) {
+  constexpr bool deals = kDealt<kChannels>;
+  const Byte* const from[] = {rows.near[0], rows.near[1]};
+  return CoverRows<kChannels>(
+      target, width, stream, [=, &t](ptrdiff_t x, auto store) QV_INLINE_LAMBDA {
+        const Block256 p = LoadBlock256<deals>(from[0] + x), q = LoadBlock256<deals>(from[1] + x);
+        const BlockTerms terms = {TermsOf({p.first, q.first}, t), TermsOf({p.second, q.second}, t)};
+        StorePixels<kChannels, deals>(target.dst[0] + kChannels * x,
+                                      LoadBlock256<deals>(target.luma[0] + x), terms, t, store);
+      });
 }
 
 // ---- Chroma interpolated ------------------------------------------------------------------------
@@ -250,7 +318,7 @@ QV_INLINE ChromaPair LoadPair(const SampleRows& rows, const Byte* const from[2],
   if (rows.apart == 2) {
     pairs = Load(first + 2 * i);
   } else {
-    Vec luma;
+    Block256 luma;
     const bool lumaFirst = rows.luma < rows.near[0] && rows.luma < rows.near[1];
     LoadGroups(first + 4 * i - (lumaFirst ? 1 : 0), lumaFirst, luma, pairs);
   }
@@ -287,41 +355,46 @@ struct Weights {
 constexpr Weights kWeights[] = {{64, 0, 64, 0}, {64, 0, 32, 32}, {48, 16, 48, 16}};
 
 template <int kChannels>
-bool InterpolatedPiece(const SampleRows& rows, const MixedChroma& mixed, Byte* dst,
-                       const YuvToRgbTerms& t, const Weights& weights, ptrdiff_t from,
-                       ptrdiff_t width, bool stream) {
+QV_INLINE bool InterpolatedPiece(const SampleRows& rows, const MixedChroma& mixed, Byte* dst,
+                                 const VectorTerms& t, const Weights& weights, ptrdiff_t from,
+                                 ptrdiff_t width, bool stream) {
   const Target<1> target = {{nullptr}, {dst + kChannels * from}};
   const bool packed = rows.lumaApart == 2;
   const Byte* const samples = packed ? FirstOf(rows) + 2 * from : rows.luma + from;
   const bool lumaFirst = packed && FirstOf(rows) == rows.luma;
-  return CoverRows<kChannels>(target, width, stream, [=, &mixed](ptrdiff_t x, auto store) {
-    const auto weighted = [](Vec own, int weight, Vec beside, int besideWeight) {
-      return Add16(MulLow16(own, Splat16(weight)), MulLow16(beside, Splat16(besideWeight)));
-    };
-    Vec even[2], odd[2];
-    for (int c = 0; c < 2; ++c) {
-      const uint16_t* const own = mixed.at[c] + 1 + x / 2;
-      even[c] = weighted(Load(own), weights.even, Load(own - 1), weights.evenBeside);
-      odd[c] = weighted(Load(own), weights.odd, Load(own + 1), weights.oddBeside);
-    }
-    const BlockTerms terms = InTurns(TermsOf({even[0], even[1]}, t), TermsOf({odd[0], odd[1]}, t));
-    Vec luma, pairs;
-    if (packed)
-      LoadGroups(samples + 2 * x, lumaFirst, luma, pairs);
-    else
-      luma = Load(samples + x);
-    StorePixels<kChannels>(target.dst[0] + kChannels * x, luma, terms, t, store);
-  });
+  const Vec even[] = {Splat16(weights.even), Splat16(weights.evenBeside)};
+  const Vec odd[] = {Splat16(weights.odd), Splat16(weights.oddBeside)};
+  return CoverRows<kChannels>(
+      target, width, stream, [=, &mixed, &t](ptrdiff_t x, auto store) QV_INLINE_LAMBDA {
+        const auto weighted = [](Vec own, Vec beside, const Vec(&by)[2]) {
+          return Add16(MulLow16(own, by[0]), MulLow16(beside, by[1]));
+        };
+        const auto sample = [&](int c, ptrdiff_t beside, const Vec(&by)[2]) {
+          const uint16_t* const own = mixed.at[c] + 1 + x / 2;
+          return weighted(Load(own), Load(own + beside), by);
+        };
+        const BlockTerms terms = InTurns(TermsOf({sample(0, -1, even), sample(1, -1, even)}, t),
+                                         TermsOf({sample(0, 1, odd), sample(1, 1, odd)}, t));
+        Block256 luma;
+        Vec pairs;
+        if (packed)
+          LoadGroups(samples + 2 * x, lumaFirst, luma, pairs);
+        else
+          luma = LoadBlock256<false>(samples + x);
+        StorePixels<kChannels, false>(target.dst[0] + kChannels * x, luma, terms, t, store);
+      });
 }
 
 template <int kChannels>
-bool InterpolatedRow(const SampleRows& rows, const Target<1>& target, const YuvToRgbTerms& t,
-                     ChromaSiting siting, ptrdiff_t width, bool stream) {
+QV_INLINE bool InterpolatedRow(const SampleRows& rows, const Target<1>& target,
+                               const VectorTerms& t, ChromaSiting siting, ptrdiff_t width,
+                               bool stream) {
   if (width < kBlockPixels) return false;
   for (ptrdiff_t x = 0; x < width; x += kPiece) {
-    // The last piece ends with the row.
-    const ptrdiff_t count = width < kPiece ? width : kPiece;
-    const ptrdiff_t from = x + count <= width ? x : width - count;
+    // The last piece has at least a block, and ends with the row.
+    const ptrdiff_t left = width - x < kPiece ? width - x : kPiece;
+    const ptrdiff_t count = left < kBlockPixels ? kBlockPixels : left;
+    const ptrdiff_t from = x + left - count;
     MixedChroma mixed;
     MixRows(rows, from / 2, count / 2, mixed);
     InterpolatedPiece<kChannels>(rows, mixed, target.dst[0], t, kWeights[static_cast<int>(siting)],
@@ -332,44 +405,42 @@ bool InterpolatedRow(const SampleRows& rows, const Target<1>& target, const YuvT
 
 // ---- Rows of any form ---------------------------------------------------------------------------
 
-template <int kChannels>
-void ConvertRow(const SampleRows& rows, Byte* dst, const YuvToRgbTerms& t, ChromaSiting siting,
-                ptrdiff_t width, bool stream) {
-  const Target<1> target = {{rows.luma}, {dst}};
-  const ptrdiff_t even = width & ~ptrdiff_t{1};
-  bool done;
-  if (!rows.halfWidth)
-    done = FullRow<kChannels>(rows, target, t, even, stream);
-  else if (siting != ChromaSiting::Repeat)
-    done = InterpolatedRow<kChannels>(rows, target, t, siting, even, stream);
-  else if (rows.lumaApart == 2)
-    done = PackedRow<kChannels>(rows, target, t, even, stream);
-  else
-    done = RepeatedRows<kChannels>(rows, target, t, even, stream);
-  PixelsPlain(rows, t, siting, dst, kChannels, done ? even : 0, width);
-}
-
+// Rows are described anew for each of them, in registers: what has just been stored is slow to be
+// loaded in other pieces.
 template <int kChannels>
 void ConvertRowsOf(const YuvFrame<const Byte>& src, const RgbFrame<Byte>& dst,
                    const YuvToRgbTerms& t, ChromaSiting siting, IppiSize size, ptrdiff_t first,
                    ptrdiff_t end) {
+  const VectorTerms vectors(t);
   const bool stream = PassesCaches(size.width, size.height, kChannels);
   const ptrdiff_t even = size.width & ~1;
   ptrdiff_t y = first;
   // Rows in twos share the chroma that is repeated.
   if (src.halfHeight && siting == ChromaSiting::Repeat)
     for (; end - y >= 2; y += 2) {
-      const SampleRows rows[2] = {RowsOf(src, siting, size, y), RowsOf(src, siting, size, y + 1)};
+      const SampleRows rows = RowsOf(src, siting, size, y);
+      const SampleRows below = RowsOf(src, siting, size, y + 1);
       const Target<2> target = {
-          {rows[0].luma, rows[1].luma},
+          {rows.luma, below.luma},
           {RowAt(dst.pixels, dst.step, y), RowAt(dst.pixels, dst.step, y + 1)}};
-      const bool done = RepeatedRows<kChannels>(rows[0], target, t, even, stream);
-      for (int row = 0; row < 2; ++row)
-        PixelsPlain(rows[row], t, siting, target.dst[row], kChannels, done ? even : 0, size.width);
+      const bool done = RepeatedRows<kChannels>(rows, target, vectors, even, stream);
+      PixelsPlain(rows, t, siting, target.dst[0], kChannels, done ? even : 0, size.width);
+      PixelsPlain(below, t, siting, target.dst[1], kChannels, done ? even : 0, size.width);
     }
-  for (; y < end; ++y)
-    ConvertRow<kChannels>(RowsOf(src, siting, size, y), RowAt(dst.pixels, dst.step, y), t, siting,
-                          size.width, stream);
+  for (; y < end; ++y) {
+    const SampleRows rows = RowsOf(src, siting, size, y);
+    const Target<1> target = {{rows.luma}, {RowAt(dst.pixels, dst.step, y)}};
+    bool done;
+    if (!rows.halfWidth)
+      done = FullRow<kChannels>(rows, target, vectors, even, stream);
+    else if (siting != ChromaSiting::Repeat)
+      done = InterpolatedRow<kChannels>(rows, target, vectors, siting, even, stream);
+    else if (rows.lumaApart == 2)
+      done = PackedRow<kChannels>(rows, target, vectors, even, stream);
+    else
+      done = RepeatedRows<kChannels>(rows, target, vectors, even, stream);
+    PixelsPlain(rows, t, siting, target.dst[0], kChannels, done ? even : 0, size.width);
+  }
   if (stream) StreamFence();
 }
 

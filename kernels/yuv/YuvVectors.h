@@ -13,6 +13,20 @@
 
 namespace qv::QV_LEVEL {
 
+// Of pixels of four bytes that are put together by interleaving, blocks of two 128-bit lanes are
+// `dealt`: groups of four pixels to lanes in turns, so that what is interleaved is in order.
+template <int kChannels>
+constexpr bool kDealt = kChannels == 4 && kLanes128 == 2;
+
+template <bool kDeals>
+QV_INLINE Vec Deal(Vec v) {
+  if constexpr (kDeals) {
+    alignas(32) static constexpr uint32_t index[] = {0, 2, 4, 6, 1, 3, 5, 7};
+    return PermuteLanes32(v, Load(index));
+  }
+  return v;
+}
+
 QV_INLINE Vec HighBytes(Vec v) { return And(v, Splat16(0xff00)); }
 
 // Bytes of half a block times 256.
@@ -29,6 +43,34 @@ QV_INLINE Vec SecondBytes256(Vec bytes) {
     return PermuteBytesPart(0xAAAAAAAAAAAAAAAAu, bytes, Load(index.b));
   }
   return InterleaveHigh8(Zero(), bytes);
+}
+
+// Half as many bytes times 256, for half a block.
+template <bool kDeals>
+QV_INLINE Vec LoadBytes256(const Byte* p) {
+  if constexpr (kDeals) {
+    static constexpr ByteTable index = MakeByteTable(
+        [](int i) { return i % 2 == 0 ? 0x80 : i % 16 / 4 * 4 + i / 16 * 2 + i / 2 % 2; });
+    return ShuffleBytes(LoadSplat128(p), Load(index.b));
+  }
+  return ShiftLeft16<8>(LoadBytesAs16(p));
+}
+
+// A block of bytes times 256.
+struct Block256 {
+  Vec first, second;
+};
+
+template <bool kDeals>
+QV_INLINE Block256 LoadBlock256(const Byte* p) {
+  if constexpr (kDeals) {
+    static constexpr ByteTable index = MakeByteTable(
+        [](int i) { return i % 2 == 0 ? 0x80 : i % 16 / 8 * 8 + i / 16 * 4 + i / 2 % 4; });
+    const Vec order = Load(index.b);
+    return {ShuffleBytes(LoadSplat128(p), order), ShuffleBytes(LoadSplat128(p + 16), order)};
+  }
+  const Vec bytes = Load(p);
+  return {FirstBytes256(bytes), SecondBytes256(bytes)};
 }
 
 // 16-bit lanes of two vectors in turns: of half a block.
@@ -82,20 +124,28 @@ QV_INLINE void StoreInTurns8(Byte* dst, Vec even, Vec odd, Store store) {
   }
 }
 
-// The high bytes of 16-bit lanes, kVecBytes / 2 of them.
-template <class Store>
-QV_INLINE void StoreHighBytes(Byte* dst, Vec v, Store store) {
+// The even bytes as the low half of a vector, the odd ones as its high half.
+QV_INLINE Vec SplitPairs8(Vec pairs) {
   if constexpr (kHasBytePermute) {
-    static constexpr ByteTable index = MakeByteTable([](int i) { return (2 * i + 1) % kVecBytes; });
-    store.LowHalf(dst, PermuteBytes(v, Load(index.b)));
-  } else {
-    const Vec low = ShiftRight16<8>(v);
-    store.LowHalf(dst, PackBytesInOrder(low, low));
+    static constexpr ByteTable index =
+        MakeByteTable([](int i) { return 2 * i % kVecBytes + 2 * i / kVecBytes; });
+    return PermuteBytes(pairs, Load(index.b));
   }
+  return PackBytesInOrder(And(pairs, Splat16(0xff)), ShiftRight16<8>(pairs));
+}
+
+// The high half of a vector as a low one.
+QV_INLINE Vec HighHalf(Vec v) {
+  if constexpr (kLanes128 == 1)
+    return InterleaveHigh64(v, v);
+  else if constexpr (kLanes128 == 2)
+    return FromLane(Lane<1>(v));
+  else
+    return JoinHighHalves(v, v);
 }
 
 // A block of pixels of four bytes, the last 255.
-template <class Store>
+template <bool kDeals, class Store>
 QV_INLINE void StoreBGRA(Byte* dst, const Colors& first, const Colors& second, Store store) {
   if constexpr (kHasBytePermute) {
     // Lanes of eight blues and eight greens, and of eight reds and eight alphas.
@@ -120,17 +170,11 @@ QV_INLINE void StoreBGRA(Byte* dst, const Colors& first, const Colors& second, S
     // Four pixels in each lane.
     const Vec a = InterleaveLow16(lowBG, lowRA), b = InterleaveHigh16(lowBG, lowRA);
     const Vec c = InterleaveLow16(highBG, highRA), d = InterleaveHigh16(highBG, highRA);
-    if constexpr (kVecBytes == 16) {
-      store(dst, a);
-      store(dst + 16, b);
-      store(dst + 32, c);
-      store(dst + 48, d);
-    } else {
-      store(dst, JoinEvenLanes(a, b));
-      store(dst + 32, JoinEvenLanes(c, d));
-      store(dst + 64, JoinOddLanes(a, b));
-      store(dst + 96, JoinOddLanes(c, d));
-    }
+    const bool ordered = kDeals || kLanes128 == 1;
+    store(dst, ordered ? a : JoinEvenLanes(a, b));
+    store(dst + kVecBytes, ordered ? b : JoinEvenLanes(c, d));
+    store(dst + 2 * kVecBytes, ordered ? c : JoinOddLanes(a, b));
+    store(dst + 3 * kVecBytes, ordered ? d : JoinOddLanes(c, d));
   }
 }
 
@@ -144,10 +188,6 @@ struct ChromaPair {
 QV_INLINE ChromaPair SplitPairs256(Vec pairs, bool swapped) {
   const Vec low = ShiftLeft16<8>(pairs), high = HighBytes(pairs);
   return swapped ? ChromaPair{high, low} : ChromaPair{low, high};
-}
-
-QV_INLINE Vec JoinPairs(Vec p, Vec q, bool swapped) {
-  return swapped ? Or(ShiftRight16<8>(q), HighBytes(p)) : Or(ShiftRight16<8>(p), HighBytes(q));
 }
 
 }  // namespace qv::QV_LEVEL

@@ -4,6 +4,8 @@
 
 #include <cstddef>
 #include <functional>
+#include <set>
+#include <string>
 #include <vector>
 
 #include "qvAcceleratedLib/Operations.h"
@@ -76,11 +78,15 @@ class Call {
 
   // Runs the call at all levels and two budgets. Aborts with a report unless all agree, the status
   // is the expected one, and a call that returns an error or StatusNoOverlapWarning wrote nothing.
-  void Run(Op operation, int expected, const std::function<int()>& call,
+  void Run(const char* function, int expected, const std::function<int()>& call,
            contract::Bands bands = contract::Bands::kSame);
+  void Run(Op operation, int expected, const std::function<int()>& call,
+           contract::Bands bands = contract::Bands::kSame) {
+    Run(NameOf(operation), expected, call, bands);
+  }
 
-  // Whether a call of the operation has succeeded in this process.
-  static bool& Succeeded(Op operation);
+  // The functions of which a call has succeeded in this process.
+  static std::set<std::string>& Succeeded();
 
   // The budgets that Run will use: expected statuses may depend on them.
   int budget() const { return budget_; }
@@ -120,12 +126,18 @@ void FuzzColor(Input& in);
 void FuzzComposite(Input& in);
 void FuzzCopy(Input& in);
 void FuzzDeinterlace(Input& in);
+void FuzzFields(Input& in);
 void FuzzGeometry(Input& in);
+void FuzzMatrices(Input& in);
+void FuzzOverlay(Input& in);
+void FuzzResample(Input& in);
 void FuzzResize(Input& in);
+void FuzzYuv(Input& in);
 
 struct FuzzFamily {
   const char* name;
   void (*run)(Input& in);
+  const char* functions[2] = {};  // beyond those of the class
 };
 
 constexpr FuzzFamily kFuzzFamilies[] = {
@@ -133,6 +145,11 @@ constexpr FuzzFamily kFuzzFamilies[] = {
     {"composite", FuzzComposite},     {"copy", FuzzCopy},
     {"deinterlace", FuzzDeinterlace}, {"geometry", FuzzGeometry},
     {"resize", FuzzResize},
+    {"resample", FuzzResample, {"qv_resample"}},
+    {"overlay", FuzzOverlay, {"qv_over"}},
+    {"fields", FuzzFields, {"qv_deinterlace_bob", "qv_weave"}},
+    {"matrices", FuzzMatrices, {"qv_invert_transform", "qv_rotation_canvas"}},
+    {"yuv", FuzzYuv, {"qv_yuv_to_rgb", "qv_rgb_to_yuv"}},
 };
 
 }  // namespace qv::test

@@ -251,7 +251,7 @@ void FuzzNumbers(Input& in, Call& call) {
     const IppStatus boundStatus =
         Lib::qvGetRotateBound(type, roi, box, quad[0][0], quad[1][0], quad[1][1]);
     if ((boundStatus == StatusOk) != IsRegion(roi)) call.Fail("wrong status of the bound");
-    if (boundStatus == StatusOk) Call::Succeeded(Op::qvGetRotateBound) = true;
+    if (boundStatus == StatusOk) Call::Succeeded().insert("qvGetRotateBound");
     std::memcpy(matrix.data, coeffs, sizeof coeffs);
     if (status == StatusOk) std::memcpy(bound.data, box, sizeof box);
     return static_cast<int>(status);

@@ -237,7 +237,7 @@ static const struct {
     {"qv_set_level", SetName, 0xfd9d3644},
     {"qv_set_thread_limit", SetNumber, 0x59244d42},
     {"qv_yuv_to_rgb", ToPixels, 0xfb475781},
-    {"qv_rgb_to_yuv", ToSamples, 0x50f59d79},
+    {"qv_rgb_to_yuv", ToSamples, 0x6169155a},
     {"qv_row_bytes", RowBytes, 0xa3c8aa33},
     {"qv_source_position", Position, 0x7439fa8e},
     {"qv_warp_source_position", WarpPosition, 0xc275eaa8},

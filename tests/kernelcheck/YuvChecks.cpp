@@ -1,5 +1,7 @@
 #include "kernels/yuv/Yuv.h"
 
+#include <type_traits>
+
 #include "kernels/yuv/YuvTerms.h"
 #include "tests/kernelcheck/Case.h"
 
@@ -63,41 +65,40 @@ Part AnyPart(Case& c, IppiSize size) {
   return {first, first + rows == size.height || rows % 2 == 0 ? rows : rows - 1};
 }
 
+// Samples to pixels, or the other way.
+template <bool kToPixels>
+void CheckConversion(Case& c) {
+  using Read = const unsigned char;
+  const IppiSize size = c.Size();
+  const auto make = [&](bool source, std::ptrdiff_t bytes, int rows) {
+    return source ? c.Source(bytes, rows) : c.Destination(bytes, rows);
+  };
+  const auto yuv = MakeFrame<std::conditional_t<kToPixels, Read, unsigned char>>(
+      c, size, [&](int bytes, int rows) { return make(kToPixels, bytes, rows); });
+  const int channels = c.IsBench() ? 4
+                       : kToPixels ? c.random.Between(3, 4)
+                                   : c.random.Pick(1, 3, 4);
+  const Image image = make(!kToPixels, std::ptrdiff_t{size.width} * channels, size.height);
+  const int order = c.random.Between(0, 1);
+  const RgbFrame<std::conditional_t<kToPixels, unsigned char, Read>> rgb = {image.data, image.step,
+                                                                            channels, order == 1};
+  const int matrix = c.random.Between(0, 2), range = c.random.Between(0, 1);
+  const ChromaSiting siting = AnySiting(c);
+  const Part part = AnyPart(c, size);
+  c.Compare([=] {
+    if constexpr (kToPixels)
+      YuvToRgb_8u(&yuv, &rgb, &kYuvToRgb.at[matrix][range][order], siting, size, part.first,
+                  part.rows);
+    else
+      RgbToYuv_8u(&rgb, &yuv, &kRgbToYuv.at[matrix][range], siting, size, part.first, part.rows);
+    return 0;
+  });
+}
+
 }  // namespace
 
-QV_CHECK(YuvToRgb_8u) {
-  const IppiSize size = c.Size();
-  const auto src = MakeFrame<const unsigned char>(
-      c, size, [&](int bytes, int rows) { return c.Source(bytes, rows); });
-  const int channels = c.IsBench() ? 4 : c.random.Between(3, 4);
-  const Image pixels = c.Destination(std::ptrdiff_t{size.width} * channels, size.height);
-  const RgbFrame<unsigned char> dst = {pixels.data, pixels.step, channels};
-  const YuvToRgbTerms* const terms =
-      &kYuvToRgb.at[c.random.Between(0, 2)][c.random.Between(0, 1)][c.random.Between(0, 1)];
-  const ChromaSiting siting = AnySiting(c);
-  const Part part = AnyPart(c, size);
-  c.Compare([=] {
-    YuvToRgb_8u(&src, &dst, terms, siting, size, part.first, part.rows);
-    return 0;
-  });
-}
-
-QV_CHECK(RgbToYuv_8u) {
-  const IppiSize size = c.Size();
-  const int channels = c.IsBench() ? 4 : c.random.Pick(1, 3, 4);
-  const Image pixels = c.Source(std::ptrdiff_t{size.width} * channels, size.height);
-  const RgbFrame<const unsigned char> src = {pixels.data, pixels.step, channels};
-  const auto dst = MakeFrame<unsigned char>(
-      c, size, [&](int bytes, int rows) { return c.Destination(bytes, rows); });
-  const RgbToYuvTerms* const terms =
-      &kRgbToYuv.at[c.random.Between(0, 2)][c.random.Between(0, 1)][c.random.Between(0, 1)];
-  const ChromaSiting siting = AnySiting(c);
-  const Part part = AnyPart(c, size);
-  c.Compare([=] {
-    RgbToYuv_8u(&src, &dst, terms, siting, size, part.first, part.rows);
-    return 0;
-  });
-}
+QV_CHECK(YuvToRgb_8u) { CheckConversion<true>(c); }
+QV_CHECK(RgbToYuv_8u) { CheckConversion<false>(c); }
 
 QV_CHECK(MapLuma_8u) {
   const IppiSize size = c.Size();

@@ -38,6 +38,15 @@ auto Pixels(int from, int to) {
   };
 }
 
+// The same, written in another size.
+template <class Resize>
+auto Resizing(int bytes, Resize resized) {
+  return [=](IppiSize s) {
+    const IppiSize to = resized(s);
+    return Shapes{{bytes * s.width, s.height, false}, {bytes * to.width, to.height, true}};
+  };
+}
+
 auto InPlace(int bytes) {
   return [=](IppiSize s) { return Shapes{{bytes * s.width, s.height, true}}; };
 }
@@ -171,12 +180,7 @@ void AddResizes(List& list) {
   for (const auto type : kTypes)
     for (const int method : {1, 2, 4, 8, 16}) {
       const int bytes = ChannelsOf(type);
-      list.push_back({Name("qvResize", type, method),
-                      [=](IppiSize s) {
-                        const IppiSize to = Resized(s);
-                        return Shapes{{bytes * s.width, s.height, false},
-                                      {bytes * to.width, to.height, true}};
-                      },
+      list.push_back({Name("qvResize", type, method), Resizing(bytes, Resized),
                       [=](const Plane* p, IppiSize s) {
                         // Area averaging reduces, to a quarter, so that bands in the middle of a
                         // large image have work as well.
@@ -211,12 +215,7 @@ void AddResampling(List& list) {
         return IppiSize{filter == 16 ? s.width / 4 : s.width * 2 / 3,
                         s.height * 3 / 2};
       };
-      list.push_back({Name("qv_resample", pixels, filter),
-                      [=](IppiSize s) {
-                        const IppiSize to = resized(s);
-                        return Shapes{{bytes * s.width, s.height, false},
-                                      {bytes * to.width, to.height, true}};
-                      },
+      list.push_back({Name("qv_resample", pixels, filter), Resizing(bytes, resized),
                       [=](const Plane* p, IppiSize s) {
                         ResampleOptions options = {};
                         options.pixels = pixels;

@@ -35,6 +35,24 @@ TEST(ChecksumCommand, PrintsALineForEachFile) {
   }
 }
 
+// What cannot be read is said, and leaves its mark in the exit code alone.
+TEST(ChecksumCommand, TakesFoldersAndGoesOn) {
+  Workplace place;
+  std::filesystem::create_directories(place.Path("folder/sub"));
+  place.Write("folder/b", "123456789");
+  place.Write("folder/sub/a", "");
+  place.Write("last", "123456789");
+  const std::string list = "cbf43926  folder/b\n00000000  folder/sub/a\n";
+  EXPECT_EQ(place.Run("checksum folder").out, list);
+  Outcome outcome = place.Run("checksum folder nothing last");
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_EQ(outcome.out, list + "cbf43926  last\n");
+  EXPECT_EQ(outcome.err, "qvtool: nothing: cannot open: No such file or directory\n");
+  outcome = place.Run("checksum --check", "cbf43926  nothing\ncbf43926  last\n");
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_EQ(outcome.out, "nothing: FAILED open or read\nlast: OK\n");
+}
+
 TEST(ChecksumCommand, ChecksItsOwnLists) {
   Workplace place;
   place.Write("one", Noise(1000, 1));

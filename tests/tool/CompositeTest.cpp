@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 #include "Program.h"
 
@@ -59,22 +60,30 @@ TEST(Overlay, MergesThePartOfThePictureThatFallsOnTheFrame) {
     }
 }
 
+// And fills them like `fill` where it is opaque.
 TEST(Overlay, LeavesFramesOfEveryLayoutUnderATransparentPicture) {
   Workplace place;
   ASSERT_EQ(place.Run("copy - clear.png --layout bgra --size 5x3", std::string(60, '\0')).exitCode,
             0);
+  ASSERT_EQ(place.Run("fill red.png --layout bgr --size 4x2 --colour #ff0000").exitCode, 0);
   const std::pair<std::string, std::size_t> layouts[] = {  // and bytes of 9x7 pixels
-      {"grey", 63},  {"bgr", 189},  {"yuyv", 140}, {"uyvy", 140}, {"i420", 103}, {"yv12", 103},
-      {"nv21", 103},
-      {"nv12", 103}, {"i411", 105}, {"i422", 133}, {"i444", 189}, {"i444a", 252}};
-  for (const auto& [layout, bytes] : layouts)
+      {"grey", 63},  {"bgr", 189},  {"bgra", 252}, {"yuyv", 140}, {"uyvy", 140}, {"i420", 103},
+      {"yv12", 103}, {"nv21", 103}, {"nv12", 103}, {"i411", 105}, {"i422", 133}, {"i444", 189},
+      {"i444a", 252}};
+  for (const auto& [layout, bytes] : layouts) {
+    const std::string frame = Noise(bytes, 8), shape = " --size 9x7 --layout " + layout;
     for (const std::string at : {"0,0", "1,1", "-3,4", "6,5"}) {
-      const std::string frame = Noise(bytes, 8);
-      const Outcome outcome = place.Run(
-          "overlay - - --with clear.png --size 9x7 --at=" + at + " --layout " + layout, frame);
+      const Outcome outcome = place.Run("overlay - - --with clear.png --at=" + at + shape, frame);
       EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
       EXPECT_TRUE(outcome.out == frame) << layout << ' ' << at;
     }
+    const char* const colour = layout == "grey" ? "76" : "#ff0000";
+    const std::string fill = std::string("fill - - --colour ") + colour;
+    for (const std::string at : {"4,2", "0,4"})
+      EXPECT_TRUE(place.Run("overlay - - --with red.png --at " + at + shape, frame).out ==
+                  place.Run(fill + " --region " + at + ",4,2" + shape, frame).out)
+          << layout << ' ' << at;
+  }
 }
 
 // Opaque red arrives as Y 81, Cb 90, Cr 240 and shares the chroma samples at its edge with two or
@@ -146,10 +155,11 @@ std::string Filtered(const std::string& plane, int rowBytes, int weight, int mod
 }
 
 TEST(Deinterlace, FiltersEveryPlaneByItself) {
-  for (const auto& [mode, weight] : {std::pair(0, 100), {1, 0}, {4, 128}, {16, 256}, {16, 30}}) {
+  for (const auto& [name, mode, weight] : {std::tuple("0", 0, 100), {"inner", 1, 0}, {"1", 1, 99},
+                                           {"4", 4, 128}, {"16", 16, 256}, {"upper", 16, 30}}) {
     Workplace place;
-    const std::string how = "deinterlace - - --mode " + std::to_string(mode) +
-                            " --centre-weight " + std::to_string(weight);
+    const std::string how = std::string("deinterlace - - --mode ") + name + " --centre-weight " +
+                            std::to_string(weight);
     const std::string bgr = Noise(std::size_t{37} * 3 * 11, 5);
     EXPECT_TRUE(place.Run(how + " --layout bgr --size 37x11", bgr).out ==
                 Filtered(bgr, 111, weight, mode)) << how;

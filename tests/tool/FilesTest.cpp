@@ -58,6 +58,29 @@ TEST(Raw, EveryLayoutPassesUnchanged) {
   }
 }
 
+// Samples of more bits become 8, rounded: in studio range 235 is 940, in full range 255 is 1023.
+TEST(Y4m, DeepSamplesAreRounded) {
+  const struct {
+    const char* fields;
+    int samples[3];
+    const char* eight;
+  } cases[] = {{"C444p10", {940, 513, 514}, "\xeb\x80\x81"},
+               {"C444p10 XCOLORRANGE=FULL", {1023, 513, 514}, "\xff\x80\x80"},
+               {"C444p12", {3760, 2055, 2056}, "\xeb\x80\x81"},
+               {"C444p16", {65535, 0x7f7f, 0x7f80}, "\xff\x7f\x80"}};
+  for (const auto& test : cases) {
+    std::string stream = std::string("YUV4MPEG2 W1 H1 F25:1 ") + test.fields + "\nFRAME\n";
+    for (const int sample : test.samples) {
+      stream += static_cast<char>(sample & 255);
+      stream += static_cast<char>(sample >> 8);
+    }
+    const std::string out = Workplace().Run("copy - -", stream).out;
+    EXPECT_NE(out.find(" C444"), std::string::npos);
+    EXPECT_EQ(out.find("p1"), std::string::npos) << out;
+    EXPECT_EQ(out.substr(out.size() - 3), test.eight) << test.fields;
+  }
+}
+
 // One colour, whatever the frames and the file: the tool converts by itself.
 TEST(Files, HoldFramesOfEveryLayout) {
   const std::pair<std::string, std::string> cases[] = {  // and the field of Y4M
@@ -150,6 +173,9 @@ TEST(Inputs, AreRecognisedByContentAlsoFromPipes) {
   place.Write("wrong.txt", place.Read("a.png"));
   EXPECT_NE(place.Run("info wrong.txt").out.find("format  PNG"), std::string::npos);
   EXPECT_NE(place.Run("info -", place.Read("a.jpg")).out.find("format  JPEG"), std::string::npos);
+  // Headers are enough.
+  place.Write("cut.png", place.Read("a.png").substr(0, 60));
+  EXPECT_NE(place.Run("info cut.png").out.find("size    9x5"), std::string::npos);
   EXPECT_EQ(place.Run("copy - -", place.Read("a.png")).out.substr(1, 3), "PNG");
   const std::string info = place.Run("info -", "YUV4MPEG2 W2 H1 F24:1 Cmono\nFRAME\nab").out;
   for (const char* part :

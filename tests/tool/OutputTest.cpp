@@ -7,8 +7,10 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <csignal>
 #include <sstream>
 #include <thread>
+#include <utility>
 
 #include "Program.h"
 
@@ -68,6 +70,94 @@ TEST(Output, ThatCannotBePrintedIsAFailure) {
   close(full);
 }
 
+// A pipe to and from the tool, which can be closed and filled at will.
+class Stream {
+ public:
+  Stream(const Workplace& place, const std::string& line) {
+    int in[2], out[2], err[2];
+    EXPECT_EQ(::pipe2(in, O_CLOEXEC) | ::pipe2(out, O_CLOEXEC) | ::pipe2(err, O_CLOEXEC), 0);
+    process_ = Start(place.Path(""), Words(line), in[0], out[1], err[1]);
+    for (const int end : {in[0], out[1], err[1]}) close(end);
+    in_ = in[1], out_ = out[0], err_ = err[0];
+  }
+  ~Stream() {
+    for (const int end : {in_, out_, err_}) close(end);
+  }
+  void Write(const std::string& bytes) const {
+    EXPECT_EQ(write(in_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+  }
+  std::string Read(std::size_t count) const { return ReadFrom(out_, count); }
+  std::string Messages() const { return ReadFrom(err_, 1000); }
+  void CloseOutput() { close(std::exchange(out_, -1)); }
+  void EndInput() { close(std::exchange(in_, -1)); }
+  int Wait() const { return WaitFor(process_); }
+
+ private:
+  static std::string ReadFrom(int end, std::size_t count) {
+    std::string bytes(count, '\0');
+    std::size_t done = 0;
+    while (done < count) {
+      const ssize_t got = read(end, bytes.data() + done, count - done);
+      if (got <= 0) break;
+      done += static_cast<std::size_t>(got);
+    }
+    return bytes.substr(0, done);
+  }
+  int process_, in_, out_, err_;
+};
+
+const std::string kHead = "YUV4MPEG2 W2 H1 Cmono F25:1\n";
+
+// A frame leaves as soon as it has come in whole, however slowly, and as it would alone.
+TEST(Output, IsNotHeldBackByASlowInput) {
+  Workplace place;
+  Stream stream(place, "mirror - -");
+  const std::string frame = "FRAME\nab", mirrored = "FRAME\nba";
+  for (const char c : kHead) stream.Write(std::string(1, c));
+  for (int i = 0; i < 20; ++i) {
+    for (const char c : frame) stream.Write(std::string(1, c));
+    EXPECT_EQ(stream.Read((i == 0 ? kHead : "").size() + 8), (i == 0 ? kHead : "") + mirrored);
+  }
+  stream.Write(frame + frame + "FRAME\nc");
+  stream.EndInput();
+  EXPECT_EQ(stream.Read(1000), mirrored + mirrored);
+  EXPECT_EQ(stream.Messages(), "qvtool: standard input: frame 23 is cut short: 1 of 2 bytes\n");
+  EXPECT_EQ(stream.Wait(), 1);
+}
+
+// Nobody reads what it writes: it ends, although its input has not, with the signal or, where this
+// is ignored, with a message.
+TEST(Output, ThatIsClosedEndsTheProgramAtOnce) {
+  for (const bool ignored : {false, true}) {
+    Workplace place;
+    if (ignored) std::signal(SIGPIPE, SIG_IGN);
+    Stream stream(place, "copy - -");
+    std::signal(SIGPIPE, SIG_DFL);
+    stream.CloseOutput();
+    stream.Write(kStart);
+    EXPECT_EQ(stream.Wait(), ignored ? 1 : 128 + SIGPIPE);
+    EXPECT_EQ(stream.Messages(),
+              ignored ? "qvtool: standard output: cannot write: Broken pipe\n" : "");
+  }
+}
+
+// Files of the frames before are there and whole; of those behind, whatever thread had them, none.
+TEST(Output, OfPicturesEndsBeforeTheFirstThatFails) {
+  Workplace place;
+  std::string clip = "YUV4MPEG2 W64 H64 Cmono\n";
+  for (unsigned i = 0; i < 12; ++i) clip += "FRAME\n" + Noise(4096, i);
+  EXPECT_EQ(place.Run("copy - cut-%d.png", clip.substr(0, clip.size() - 1)).exitCode, 1);
+  EXPECT_EQ(place.Files().size(), 11u);
+  std::filesystem::create_directory(place.Path("all-5.png"));
+  const Outcome outcome = place.Run("copy - all-%d.png", clip);
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_EQ(outcome.err, "qvtool: all-5.png: is a directory; wanted is the name of a file\n");
+  EXPECT_EQ(place.Files().size(), 16u);
+  for (const int i : {1, 2, 3, 4})
+    EXPECT_EQ(place.Read("all-" + std::to_string(i) + ".png"),
+              place.Read("cut-" + std::to_string(i) + ".png"));
+}
+
 // Copies a stream that takes longer than the tool waits before it shows a bar.
 void CopySlowly(const Workplace& place, int err) {
   int pipe[2];
@@ -106,8 +196,17 @@ TEST(Progress, IsNotWrittenIntoFiles) {
   EXPECT_EQ(place.Read("log"), "");
 }
 
+// With examples that work as they stand, where there are these files.
 TEST(Help, IsThereForEverySubCommand) {
   Workplace place;
+  for (const char* file : {"photo.jpg --size 900x600", "in.jpg --size 90x60",
+                           "first.png --size 9x9", "second.png --size 9x9",
+                           "in.y4m --size 1280x720 --layout i420"})
+    ASSERT_EQ(place.Run(std::string("fill --colour 99 ") + file).exitCode, 0);
+  ASSERT_EQ(place.Run("convert first.png logo.png --to bgra").exitCode, 0);
+  place.Write("my logo.png", place.Read("logo.png"));
+  place.Write("clip.y4m", "YUV4MPEG2 W400 H200 Cmono\nFRAME\n" + Noise(80000, 1) + "FRAME\n" +
+                              Noise(80000, 2));
   const Outcome all = place.Run("--help");
   EXPECT_EQ(all.exitCode, 0);
   std::istringstream lines(all.out.substr(all.out.find("Subcommands:")));
@@ -123,6 +222,17 @@ TEST(Help, IsThereForEverySubCommand) {
     EXPECT_EQ(help.exitCode, 0) << name;
     EXPECT_NE(help.out.find("Usage: qvtool " + name), std::string::npos) << help.out;
     EXPECT_EQ(help.err, "");
+    int examples = 0;
+    std::istringstream text(help.out);
+    for (std::string said; std::getline(text, said);) {
+      if (!said.starts_with("  qvtool ")) continue;
+      if (const auto all = said.find("*.jpg"); all != std::string::npos)
+        said.replace(all, 5, "photo.jpg in.jpg");  // as a shell does
+      const Outcome example = place.Run(said.substr(9));
+      EXPECT_EQ(example.exitCode, 0) << said << "\n" << example.err;
+      ++examples;
+    }
+    EXPECT_GE(examples, 1) << name;
   }
   EXPECT_GE(commands, 7);
 }

@@ -1,5 +1,7 @@
-// Chains of sub-commands, and what each makes of what a stream says of itself.
+// Chains of sub-commands, many files in one go, and what they make of what a stream says of itself.
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 #include "Program.h"
 
@@ -27,6 +29,39 @@ TEST(Run, IsItsStepsOneAfterTheOther) {
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
     EXPECT_TRUE(outcome.out == last) << name;
   }
+}
+
+// The pictures that single calls write, whatever the number of files at once; what fails leaves the
+// others alone.
+TEST(ManyFiles, AreWrittenIntoAFolder) {
+  Workplace place;
+  Arguments all{"run", "mirror; resize --factor 2", "--out", "new/many", "--jobs", ""};
+  std::vector<std::string> expected;
+  for (const std::string name : {"a.png", "b c.png", "d.jpg", "e.png", "f.png", "g.png"}) {
+    const std::string noise = Noise(31 * 9 * 3, static_cast<unsigned>(name[0]));
+    ASSERT_EQ(place.Run(Arguments{"copy", "-", name, "--layout", "bgr", "--size", "31x9"}, noise)
+                  .exitCode, 0);
+    ASSERT_EQ(place.Run(Arguments{"run", all[1], name, "one." + name}).exitCode, 0);
+    expected.push_back(place.Read("one." + name));
+    all.push_back(name);
+  }
+  place.Write("f.png", "damaged");
+  all.push_back("nothing.png");
+  for (const std::string jobs : {"0", "1", "3", "99"}) {
+    all[5] = jobs;
+    const Outcome outcome = place.Run(all);
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 2) << outcome.err;
+    EXPECT_NE(outcome.err.find("qvtool: f.png: "), std::string::npos) << outcome.err;
+    EXPECT_NE(outcome.err.find("qvtool: nothing.png: "), std::string::npos) << outcome.err;
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+      const std::string name = "new/many/" + all[6 + i];
+      EXPECT_TRUE(place.Read(name) == (i == 4 ? "" : expected[i])) << name;
+    }
+    std::filesystem::remove_all(place.Path("new"));
+  }
+  EXPECT_EQ(place.Run("copy a.png d.jpg --out new --format jpeg").exitCode, 0);
+  EXPECT_EQ(place.Read("new/a.jpg").substr(0, 3), place.Read("new/d.jpg").substr(0, 3));
 }
 
 TEST(Fields, FollowTheOperation) {

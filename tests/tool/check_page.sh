@@ -23,16 +23,16 @@ cat >>"$folder/check.html" <<'CHECK'
 <script>
 window.addEventListener('load', () => {
   const images = [...document.querySelectorAll('figure img')];
-  if (images.length < 28) problems.push('only ' + images.length + ' pictures');
+  if (images.length < 50) problems.push('only ' + images.length + ' pictures');
   for (const image of images)
-    if (!image.complete || image.naturalWidth !== Number(image.getAttribute('width')) ||
-        image.getBoundingClientRect().width < 60)
+    if (!image.complete || image.getBoundingClientRect().width < 60 ||
+        image.naturalWidth * (image.className ? 4 : 1) !== Number(image.getAttribute('width')))
       problems.push('picture ' + image.alt);
   for (const entry of performance.getEntriesByType('resource'))
     if (!entry.name.startsWith('data:')) problems.push('fetched ' + entry.name);
   const sideways = document.documentElement.scrollWidth - innerWidth;
   if (sideways > 0) problems.push(sideways + ' pixels stick out at a width of ' + innerWidth);
-  images[0].click();
+  images[0].parentNode.click();
   const dialog = document.getElementById('large');
   if (!dialog.open || dialog.querySelector('img').src !== images[0].src)
     problems.push('a picture does not open');
@@ -43,7 +43,7 @@ window.addEventListener('load', () => {
 </script>
 CHECK
 
-for size in 1600,1200 500,1200; do
+for size in 1600,1200 400,1200; do
   title=$("$chromium" --headless --no-sandbox --disable-gpu --disable-quic --no-first-run \
     --disable-background-networking --disable-component-update --disable-sync \
     --user-data-dir="$folder/profile" --window-size=$size --dump-dom "file://$folder/check.html" \

@@ -1,5 +1,6 @@
 #include "Arguments.h"
 
+#include <algorithm>
 #include <charconv>
 #include <climits>
 #include <cmath>
@@ -61,6 +62,19 @@ std::vector<double> ParseNumbers(const std::string& argument, const std::string&
   if (parts.size() != count || numbers.size() != count)
     throw UsageError(Given(argument, text) + wanted);
   return numbers;
+}
+
+FrameRange ParseFrames(const std::string& argument, const std::string& text) {
+  const std::size_t dash = std::min(text.find('-'), text.size());
+  FrameRange frames;
+  const auto first = Integer(text.substr(0, dash));
+  const bool isOne = dash == text.size(), isOpen = dash + 1 == text.size();
+  const auto last = isOne ? first : isOpen ? INT_MAX : Integer(text.substr(dash + 1));
+  if (!first || !last || *first < 0 || *last < *first)
+    throw UsageError(Given(argument, text) + "A-B, such as 10-20, 10- to the end, or 10 alone");
+  frames.first = *first;
+  frames.last = *last;
+  return frames;
 }
 
 IppiSize ParseSize(const std::string& argument, const std::string& text) {
@@ -179,7 +193,7 @@ void AddRawInputOptions(CLI::App& app, InputSpec& spec) {
       ->type_name("LAYOUT");
   app.add_option_function<std::string>(
          "--size", [&spec](const std::string& text) { spec.size = ParseSize("--size", text); },
-         "Size of headerless input frames in pixels")
+         "Size of headerless input frames in pixels, with --layout")
       ->type_name("WxH");
   app.add_option_function<std::string>(
          "--rate",
@@ -188,8 +202,16 @@ void AddRawInputOptions(CLI::App& app, InputSpec& spec) {
              throw UsageError(Given("--rate", text) + "frames:seconds, such as 25:1 or 30000:1001");
            spec.rate = text;
          },
-         "Frame rate of headerless input frames, for Y4M output (25:1)")
+         "Frame rate of headerless input frames and of pictures, for Y4M output (25:1)")
       ->type_name("N:D");
+  app.add_option_function<std::string>(
+         "--frames",
+         [&spec](const std::string& text) { spec.frames = ParseFrames("--frames", text); },
+         "Only these frames, the first being 1; of numbered pictures, their numbers")
+      ->type_name("A-B");
+  app.add_flag("--keep-orientation", spec.decode.keepOrientation,
+               "Leave the pixels of pictures as they lie in the file, with the orientation that it "
+               "states, instead of turning them upright");
   AddMatrix(app, "--matrix", spec.coding,
             "Matrix of luma and chroma (bt601 below 720 rows, bt709 from there on)");
   AddRange(app, "--range", spec.coding,
@@ -206,6 +228,7 @@ void AddOutputOptions(CLI::App& app, OutputSpec& spec) {
   AddChoice<std::optional<FileFormat>>(app, "--format", spec.format,
                                        {{"png", FileFormat::Png},
                                         {"jpeg", FileFormat::Jpeg},
+                                        {"ppm", FileFormat::Netpbm},
                                         {"y4m", FileFormat::Y4m},
                                         {"raw", FileFormat::Raw}},
                                        "Format of the output, instead of by its extension");
@@ -224,11 +247,12 @@ CLI::Option* AddRegion(CLI::App& app, std::optional<IppiRect>& region) {
 }
 
 void CheckRegion(const std::string& argument, const IppiRect& region, const Frame& frame) {
-  if (region.x > frame.Width() - region.width || region.y > frame.Height() - region.height)
+  const IppiSize size = frame.FullSize();
+  if (region.x > size.width - region.width || region.y > size.height - region.height)
     throw UsageError(argument + ": " + std::to_string(region.x) + "," + std::to_string(region.y) +
                      "," + std::to_string(region.width) + "," + std::to_string(region.height) +
-                     " given; wanted is a part of the frame of " + std::to_string(frame.Width()) +
-                     "x" + std::to_string(frame.Height()));
+                     " given; wanted is a part of the frame of " + std::to_string(size.width) +
+                     "x" + std::to_string(size.height));
 }
 
 CLI::Option* AddInteger(CLI::App& app, const std::string& name, int& value, int least, int most,

@@ -20,6 +20,7 @@ int ParseInteger(const std::string& argument, const std::string& text, int least
 std::vector<double> ParseNumbers(const std::string& argument, const std::string& text,
                                  std::size_t count, const std::string& wanted);
 IppiSize ParseSize(const std::string& argument, const std::string& text);    // "640x360"
+FrameRange ParseFrames(const std::string& argument, const std::string& text);  // "10-20"
 IppiRect ParseRegion(const std::string& argument, const std::string& text);  // "x,y,w,h"
 
 // A place in pixels, which may lie outside of the frame.

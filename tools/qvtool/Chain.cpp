@@ -28,14 +28,17 @@ void Chain::Append(std::string label, std::unique_ptr<Step> step) {
 
 void Chain::Begin(InputSpec& input, const OutputSpec& output) {
   for (Link& link : links_) Labelled(link.label, [&] { link.step->Begin(input, output); });
+  if (!links_.empty())
+    input.decode.reduction = [step = links_.front().step.get()](IppiSize size) {
+      return step->Reduction(size);
+    };
 }
 
 Frame& Chain::operator()(Frame& in) {
   Frame* frame = &in;
   for (Link& link : links_) {
-    link.before = frame->Size();
-    link.out.coding = frame->coding;
-    link.out.parameters = frame->parameters;
+    link.before = frame->FullSize();
+    link.out.Inherit(*frame);
     frame = Labelled(link.label, [&] { return &(*link.step)(*frame, link.out); });
     link.after = frame->Size();
   }

@@ -26,7 +26,7 @@ void CropFrame(const std::string& argument, const IppiRect& region, const Frame&
   const LayoutInfo& info = in.Info();
   CheckCorner(argument, region, info);
   out.Reset(in.GetLayout(), region.width, region.height);
-  out.coding = in.coding;
+  out.Inherit(in);
   for (int i = 0; i < in.Planes(); ++i) {
     const Plane from = in.PlaneAt(i).Cut(region, info.plane[i]);
     const Plane& to = out.PlaneAt(i);

@@ -19,6 +19,9 @@ class UsageError : public Error {
   using Error::Error;
 };
 
+// What went wrong has been reported already: exit code 1, and no more to say.
+class Reported {};
+
 }  // namespace qvtool
 
 #endif

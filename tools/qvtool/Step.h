@@ -17,9 +17,13 @@ class Step {
   // what is meant for itself, and throws a UsageError when something is missing.
   virtual void Begin(InputSpec& /*input*/, const OutputSpec& /*output*/) {}
 
+  // How many times smaller, both ways, the step makes a frame of this size at the least. As the
+  // first step it may get pictures that were reduced by a part of that.
+  virtual double Reduction(IppiSize /*size*/) const { return 1; }
+
   // Works on one frame. `in` may be changed. `out` keeps its memory from frame to frame and is
-  // given its shape here; it comes with the coding and the parameters of `in`. Answers the one of
-  // the two that holds the result.
+  // given its shape here; it comes with what `in` has besides its samples. Answers the one of the
+  // two that holds the result.
   virtual Frame& operator()(Frame& in, Frame& out) = 0;
 
   // What a stream's fields become, after the first frame, which had the size `before` and now has

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "Command.h"
+#include "Report.h"
 #include "io/OutputFile.h"
 
 namespace {
@@ -15,20 +16,8 @@ constexpr int kSuccess = 0;
 constexpr int kFailure = 1;
 constexpr int kUsage = 2;
 
-// The text with control bytes, which names of files may hold, as they would be typed.
-std::string Visible(const std::string& text) {
-  std::string visible;
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    char escaped[8];
-    std::snprintf(escaped, sizeof escaped, "\\x%02x", byte);
-    visible += byte < 0x20 || byte == 0x7f ? escaped : std::string(1, c);
-  }
-  return visible;
-}
-
 int Fail(const std::string& text, int code) {
-  std::fprintf(stderr, "qvtool: %s\n", Visible(text).c_str());
+  qvtool::Report(text);
   return code;
 }
 
@@ -91,6 +80,8 @@ int main(int argc, char** argv) {
     return Fail(error.what() + HelpHint(app), kUsage);
   } catch (const qvtool::UsageError& error) {
     return Fail(error.what() + HelpHint(app), kUsage);
+  } catch (const qvtool::Reported&) {
+    return kFailure;
   } catch (const std::bad_alloc&) {
     return Fail("out of memory", kFailure);
   } catch (const std::exception& error) {

@@ -32,7 +32,7 @@ def convert(image: Union[Image, Frame], to: Union[str, Type[Frame]], layout: Opt
     With the matrix's weights Kr, Kg, Kb and y, u, v what the bytes stand for,
         R = y + 2 (1 - Kr) v,  B = y + 2 (1 - Kb) u,
         G = y - 2 (1 - Kr) Kr / Kg v - 2 (1 - Kb) Kb / Kg u
-    each byte within 0.54 of the exact value. Back, each within 0.52; chroma is made of the mean of
+    each byte within 0.54 of the exact value. Back, each within 0.53; chroma is made of the mean of
     the pixels that it serves. An Nv12 frame can also become an "i420" one, and a Yuyv frame a
     "yv12" one (nv12_to_i420, yuyv_to_yv12), with the samples as they are.
 

@@ -11,6 +11,12 @@ from ._errors import Error, Status
 
 F = TypeVar("F", bound="Frame")
 
+# Of a plane: bytes of a sample, and how many columns and rows have one of them.
+_Sample = Tuple[int, int, int]
+_FULL, _HALF, _QUARTER, _PAIRS = (1, 1, 1), (1, 2, 1), (1, 2, 2), (2, 2, 2)
+
+FRAMES: Dict[str, Type["Frame"]] = {}  # by layout
+
 
 class Frame:
     """A frame of width x height pixels as `planes`, arrays of uint8 that are taken as they are:
@@ -37,10 +43,17 @@ class Frame:
 
     layout: ClassVar[str]
     code: ClassVar[int]
-    # Of each plane: bytes of a sample, and how many columns and rows have one of them.
-    _samples: ClassVar[Tuple[Tuple[int, int, int], ...]]
+    _samples: ClassVar[Tuple[_Sample, ...]]  # of each plane
 
     __slots__ = ("planes", "width", "height", "addresses", "steps", "_table", "_written")
+
+    def __init_subclass__(cls, code: Optional[int] = None,
+                          samples: Tuple[_Sample, ...] = ()) -> None:
+        """A class with a code is a layout, which has the class's name in small letters."""
+        super().__init_subclass__()
+        if code is not None:
+            cls.layout, cls.code, cls._samples = cls.__name__.lower(), code, samples
+            FRAMES[cls.layout] = cls
 
     def __init__(self, *planes: Image, width: Optional[int] = None) -> None:
         if len(planes) != len(self._samples):
@@ -142,64 +155,49 @@ class Frame:
         return f"{type(self).__name__}({self.width} x {self.height})"
 
 
-_FULL, _HALF, _QUARTER = (1, 1, 1), (1, 2, 1), (1, 2, 2)
-
-
-class Yuyv(Frame):
+class Yuyv(Frame, code=6, samples=((2, 1, 1),)):
     """Packed 4:2:2, Y0 Cb Y1 Cr; see Frame."""
 
     __slots__ = ()
-    layout, code, _samples = "yuyv", 6, ((2, 1, 1),)
 
 
-class Uyvy(Frame):
+class Uyvy(Frame, code=7, samples=((2, 1, 1),)):
     """Packed 4:2:2, Cb Y0 Cr Y1; see Frame."""
 
     __slots__ = ()
-    layout, code, _samples = "uyvy", 7, ((2, 1, 1),)
 
 
-class I420(Frame):
+class I420(Frame, code=8, samples=(_FULL, _QUARTER, _QUARTER)):
     """Planar 4:2:0 in the order Y, Cb, Cr; see Frame."""
 
     __slots__ = ()
-    layout, code, _samples = "i420", 8, (_FULL, _QUARTER, _QUARTER)
 
 
-class Yv12(Frame):
+class Yv12(Frame, code=9, samples=(_FULL, _QUARTER, _QUARTER)):
     """Planar 4:2:0 in the order Y, Cr, Cb; see Frame."""
 
     __slots__ = ()
-    layout, code, _samples = "yv12", 9, (_FULL, _QUARTER, _QUARTER)
 
 
-class Nv12(Frame):
+class Nv12(Frame, code=10, samples=(_FULL, _PAIRS)):
     """4:2:0 in two planes, Y and pairs of Cb and Cr; see Frame."""
 
     __slots__ = ()
-    layout, code, _samples = "nv12", 10, (_FULL, (2, 2, 2))
 
 
-class Nv21(Frame):
+class Nv21(Frame, code=11, samples=(_FULL, _PAIRS)):
     """4:2:0 in two planes, Y and pairs of Cr and Cb; see Frame."""
 
     __slots__ = ()
-    layout, code, _samples = "nv21", 11, (_FULL, (2, 2, 2))
 
 
-class I422(Frame):
+class I422(Frame, code=12, samples=(_FULL, _HALF, _HALF)):
     """Planar 4:2:2 in the order Y, Cb, Cr; see Frame."""
 
     __slots__ = ()
-    layout, code, _samples = "i422", 12, (_FULL, _HALF, _HALF)
 
 
-class I444(Frame):
+class I444(Frame, code=13, samples=(_FULL, _FULL, _FULL)):
     """Planar 4:4:4 in the order Y, Cb, Cr; see Frame."""
 
     __slots__ = ()
-    layout, code, _samples = "i444", 13, (_FULL, _FULL, _FULL)
-
-
-FRAMES: Dict[str, Type[Frame]] = {
-    frame.layout: frame for frame in (Yuyv, Uyvy, I420, Yv12, Nv12, Nv21, I422, I444)}

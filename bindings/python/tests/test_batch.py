@@ -76,7 +76,7 @@ def test_local(tmp_path):
     missing = tmp_path / "missing.y4m"
     code, text = run(*sources, missing, "--out", out)
     assert (code, text.count("\n"), text.count("qvbatch: ")) == (1, 3, 3), text
-    assert "clip004.y4m: neither PNG" in text and "missing.y4m: no such file" in text
+    assert "clip004.y4m: is none of PNG" in text and "missing.y4m: no such file" in text
     assert "8 of 10 files" in text and "0 were done already, 2 failed" in text
     for name, data in content(out).items():
         own = tmp_path / "own.y4m"

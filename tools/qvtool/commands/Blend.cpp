@@ -74,7 +74,8 @@ MakeStep Configure(CLI::App& app) {
   AddInteger(app, "--alpha2", options->alpha2, 0, 255, "Alpha of all of the picture below (255)");
   app.footer(
       "The premultiplied operations take pictures that are scaled by their alphas already. Bytes\n"
-      "of an alpha plane are composed like those of colours.");
+      "of an alpha plane are composed like those of colours.\n"
+      "  qvtool blend first.png mixed.png --with second.png --operation atop --alpha1 180");
   return EachFrameWith<Blending>(options);
 }
 

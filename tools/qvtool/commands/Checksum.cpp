@@ -1,15 +1,21 @@
 // qvtool checksum: the checksums of files, in the form of sha256sum and its relatives.
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <filesystem>
+#include <optional>
 #include <string_view>
 
 #include "Command.h"
+#include "Report.h"
 #include "io/ByteSource.h"
 #include "io/OutputFile.h"
 #include "io/Status.h"
 
 namespace qvtool {
 namespace {
+
+namespace fs = std::filesystem;
 
 struct Algorithm {
   const char* name;
@@ -46,14 +52,48 @@ std::string Hex(unsigned int value) {
   return digits;
 }
 
+// The files of a folder and of those in it, by name; of a file, itself.
+std::vector<std::string> FilesIn(const std::string& path) {
+  if (!fs::is_directory(path)) return {path};
+  std::vector<std::string> files;
+  for (const auto& entry : fs::recursive_directory_iterator(path))
+    if (!entry.is_directory()) files.push_back(entry.path());
+  if (files.empty()) throw Error(path + ": holds no files");
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+// None when it throws, which is reported.
+template <class Function>
+auto Try(const Function& function) -> std::optional<decltype(function())> {
+  try {
+    return function();
+  } catch (const std::runtime_error& error) {
+    Report(error.what());
+    return {};
+  }
+}
+
+std::optional<std::string> TryChecksumOf(const std::string& file, const Algorithm& algorithm) {
+  return Try([&] { return Hex(ChecksumOf(file, algorithm)); });
+}
+
 void Print(const Options& options) {
   OutputFile out("-");
-  for (const std::string& file : options.files) {
-    const std::string value = Hex(ChecksumOf(file, *options.algorithm));
-    out.Write(options.tag ? options.algorithm->name + (" (" + file + ") = ") + value + "\n"
-                          : value + "  " + file + "\n");
+  bool allRead = true;
+  for (const std::string& path : options.files) {
+    const auto files = Try([&] { return FilesIn(path); });
+    allRead &= files.has_value();
+    for (const std::string& file : files.value_or(std::vector<std::string>())) {
+      const auto value = TryChecksumOf(file, *options.algorithm);
+      allRead &= value.has_value();
+      if (value)
+        out.Write(options.tag ? options.algorithm->name + (" (" + file + ") = ") + *value + "\n"
+                              : *value + "  " + file + "\n");
+    }
   }
   out.Commit();
+  if (!allRead) throw Reported();
 }
 
 // A line that Print writes, in either form.
@@ -97,12 +137,16 @@ void Verify(const Options& options) {
         throw Error(source.Name() + ": line " + std::to_string(number) +
                     ": wanted is a checksum of eight hexadecimal digits, two spaces and a file");
       for (char& c : expected.value) c = static_cast<char>(std::tolower(c));
-      const bool same = Hex(ChecksumOf(expected.file, *expected.algorithm)) == expected.value;
-      out.Write(expected.file + (same ? ": OK\n" : ": FAILED\n"));
+      const auto value = TryChecksumOf(expected.file, *expected.algorithm);
+      const bool same = value == expected.value;
+      out.Write(expected.file + (same    ? ": OK\n"
+                                 : value ? ": FAILED\n"
+                                         : ": FAILED open or read\n"));
       ++checked;
       differing += !same;
     }
   }
+  if (checked == 0) throw Error(options.files.front() + ": holds no checksums");
   out.Commit();
   if (differing != 0)
     throw Error(std::to_string(differing) + " of " + std::to_string(checked) +
@@ -111,14 +155,19 @@ void Verify(const Options& options) {
 
 void Configure(CLI::App& app) {
   auto options = std::make_shared<Options>();
-  app.add_option("FILE", options->files, "Files of any length; - (default) is standard input")
+  app.add_option("FILE", options->files,
+                 "Files of any length, and folders with all in them; - (default) is standard "
+                 "input")
       ->type_name("");
   AddChoice(app, "--algorithm", options->algorithm, {{"crc32", &kCrc32}, {"adler32", &kAdler32}},
             "CRC-32 as in gzip and PNG (default), or Adler-32 as in zlib");
   app.add_flag("--tag", options->tag, "Name the algorithm in each line: CRC32 (FILE) = value");
   app.add_flag("--check", options->check,
                "FILE is a list that this command wrote: compare the files in it");
-  app.footer("Prints a line per file: eight hexadecimal digits, two spaces, its name.");
+  app.footer(
+      "Prints a line per file: eight hexadecimal digits, two spaces, its name. What cannot be\n"
+      "read is reported, and the others go on.\n"
+      "  qvtool checksum photo.jpg logo.png");
   app.callback([options] {
     if (options->files.empty()) options->files = {"-"};
     options->check ? Verify(*options) : Print(*options);

@@ -47,7 +47,9 @@ MakeStep Configure(CLI::App& app) {
               "column or row of 4:2:0 is left out");
   app.footer(
       "Files that do not hold the layout get the nearest one that they do: PNG and JPEG pixels,\n"
-      "Y4M planes. Samples are moved as they are where matrix, range and grid stay the same.");
+      "Y4M planes. Samples are moved as they are where matrix, range and grid stay the same.\n"
+      "  qvtool convert clip.y4m frame-%04d.png --frames 1-2\n"
+      "  qvtool convert photo.jpg photo.yuv --to nv12 --to-matrix bt709");
   return [options]() -> std::unique_ptr<Step> {
     if (options->exactApi) return std::make_unique<ExactConverting>(*options);
     return std::make_unique<Converting>(*options);

@@ -127,6 +127,9 @@ MakeStep Configure(CLI::App& app) {
   app.add_option("--alpha", options->alpha,
                  "Grey picture that becomes the alpha of --to bgra (255)")
       ->type_name("FILE");
+  app.footer(
+      "  qvtool copy photo.jpg part.png --region 100,80,640,360\n"
+      "  qvtool copy photo.jpg upright.jpg --quality 95");
   return EachFrameWith<Copy>(options);
 }
 

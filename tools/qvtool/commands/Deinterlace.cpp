@@ -18,6 +18,10 @@ void CopyRows(const Plane& from, const Plane& to) {
                                     to.SizeInBytes()));
 }
 
+Plane LastRow(const Plane& plane) {
+  return {plane.Row(plane.rows - 1), plane.step, plane.columns, 1, plane.bytes};
+}
+
 // Modes 4 and 16 begin a row above the image and read one row more: the filter runs on the plane
 // with its first row repeated twice above, and what it writes above the plane is dropped.
 class Deinterlace : public Step {
@@ -33,12 +37,14 @@ class Deinterlace : public Step {
     for (int i = 0; i < in.Planes(); ++i) {
       const Plane& from = in.PlaneAt(i);
       const Plane& to = out.PlaneAt(i);
-      CopyRows(from, to);  // for the rows that the mode does not write
-      if (from.rows < 3) continue;  // chroma of a frame of a few rows
-      if (options_.mode == 4 || options_.mode == 16)
+      if (from.rows < 3) {  // chroma of a frame of a few rows
+        CopyRows(from, to);
+      } else if (options_.mode == 4 || options_.mode == 16) {
         FilterExtended(from, to);
-      else
+      } else {
         FilterRows(from, to);
+        CopyRows(LastRow(from), LastRow(to));  // which mode 1 leaves unwritten
+      }
     }
     return out;
   }
@@ -85,13 +91,15 @@ MakeStep Configure(CLI::App& app) {
   auto options = std::make_shared<Options>();
   AddInteger(app, "--centre-weight", options->centreWeight, 0, 256,
              "Weight of a row in its own result, in 1/256; its neighbours share the rest (128)");
-  AddChoice<unsigned>(app, "--mode", options->mode, {{"0", 0}, {"1", 1}, {"4", 4}, {"16", 16}},
-                      "Rows that are filtered (0): with 0 and 1 all but the first and the last, "
-                      "with 4 and 16 all but the last");
+  AddChoice<unsigned>(
+      app, "--mode", options->mode,
+      {{"inner", 0}, {"upper", 16}, {"0", 0}, {"1", 1}, {"4", 4}, {"16", 16}},
+      "Rows that are filtered (inner): all but the first and the last, or with upper the first as "
+      "well; 0 and 1 are other names of inner and 4 and 16 of upper");
   app.footer(
-      "Other rows stay as they are: modes 1 and 4, which leave the last row to the caller, give\n"
-      "the frames of 0 and 16. With 4 and 16 the first row is its own upper neighbour. Every\n"
-      "plane is filtered on its own grid. A stream says of itself then that it is progressive.");
+      "Other rows stay as they are. With upper the first row is its own upper neighbour. Every\n"
+      "plane is filtered on its own grid. A stream says of itself then that it is progressive.\n"
+      "  qvtool deinterlace clip.y4m smooth.y4m --mode upper");
   return EachFrameWith<Deinterlace>(options);
 }
 

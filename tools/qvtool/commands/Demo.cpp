@@ -13,6 +13,7 @@ namespace {
 struct Options {
   std::string folder;
   std::string input;
+  bool pictures = false;
 };
 
 void Run(const Options& options) {
@@ -23,10 +24,10 @@ void Run(const Options& options) {
   if (problem) throw Error(options.folder + ": cannot create the folder: " + problem.message());
   if (!std::filesystem::is_directory(options.folder))
     throw Error(options.folder + ": is not a folder; wanted is the folder to write to");
-  demo::Page page(options.folder, scene);
+  demo::Page page(options.folder, options.pictures, scene);
   for (const demo::PanelSource* source : demo::AllPanels()) {
     page.Begin(source->heading);
-    source->make(scene, page);
+    for (demo::MakePanels* const make : source->makers) make(scene, page);
   }
   page.Finish();
   std::printf("%s shows %d operations\n",
@@ -35,11 +36,14 @@ void Run(const Options& options) {
 
 void Configure(CLI::App& app) {
   auto options = std::make_shared<Options>();
-  app.add_option("OUT", options->folder, "Folder for index.html and the pictures")->required();
+  app.add_option("OUT", options->folder, "Folder for index.html")->required();
   app.add_option("--input", options->input,
                  "A picture or Y4M clip of your own instead of the test card; - for standard input")
       ->type_name("FILE");
-  app.footer("index.html holds its pictures and needs nothing else.");
+  app.add_flag("--pictures", options->pictures, "All pictures in full size beside it, as PNG");
+  app.footer(
+      "index.html holds its pictures and needs nothing else.\n"
+      "  qvtool demo page --input clip.y4m");
   app.callback([options] { Run(*options); });
 }
 

@@ -55,9 +55,12 @@ MakeStep ConfigureStep(CLI::App& app) { return StepOf(AddOptions(app)); }
 void Configure(CLI::App& app) {
   const auto options = AddOptions(app);
   const auto files = AddFiles(app, "[IN] OUT");
-  app.footer("Without IN, a frame of --size and --layout (bgr) is made.");
+  app.footer(
+      "Without IN, a frame of --size and --layout (bgr) is made.\n"
+      "  qvtool fill clip.y4m covered.y4m --region 40,40,320,90 --colour '#000000'\n"
+      "  qvtool fill blue.png --size 640x360 --colour '#2040ff'");
   app.callback([options, files] {
-    if (files->paths.size() == 1)
+    if (files->paths.size() == 1 && files->folder.empty())
       MakeFrame(*options, *files);
     else
       files->Run(OneStep(StepOf(options)));

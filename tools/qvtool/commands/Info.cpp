@@ -43,14 +43,11 @@ void PrintHost() {
 
 void PrintFile(const InputSpec& input) {
   const auto reader = OpenInput(input);
-  Frame frame;
-  long frames = 0;
-  while (reader->Next(frame)) ++frames;
-  if (frames == 0) throw Error(reader->Source().Name() + ": holds no frame");
+  const StreamInfo info = reader->Describe();
   std::printf("format  %s\nlayout  %s\nsize    %dx%d\n", NameOf(reader->Format()),
-              NameOf(frame.GetLayout()).c_str(), frame.Width(), frame.Height());
+              NameOf(info.layout).c_str(), info.size.width, info.size.height);
   if (!reader->IsVideo()) return;
-  std::printf("frames  %ld\n", frames);
+  if (info.frames) std::printf("frames  %ld\n", *info.frames);
   if (reader->Format() != FileFormat::Y4m) return;
   std::printf("fields ");
   for (const std::string& field : reader->Fields()) std::printf(" %s", field.c_str());
@@ -62,6 +59,9 @@ void Configure(CLI::App& app) {
   app.add_option("IN", input->path,
                  "A file to describe instead of the library; - for standard input");
   AddRawInputOptions(app, *input);
+  app.footer(
+      "Headers alone are read; frames are counted in files, not in pipes.\n"
+      "  qvtool info\n  qvtool info clip.y4m");
   app.callback([input] {
     if (input->path.empty())
       PrintHost();

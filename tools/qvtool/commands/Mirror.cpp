@@ -43,6 +43,7 @@ MakeStep Configure(CLI::App& app) {
       app, "--axis", options->axis,
       {{"top-bottom", AxisHorizontal}, {"left-right", AxisVertical}, {"both", AxisBoth}},
       "Which way to flip (left-right); both is a turn by 180 degrees");
+  app.footer("  qvtool mirror photo.jpg turned.png --axis both");
   return EachFrameWith<Mirror>(options);
 }
 

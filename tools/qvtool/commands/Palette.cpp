@@ -49,7 +49,9 @@ MakeStep Configure(CLI::App& app) {
       ->excludes(named);
   AddInteger(app, "--bits", options->bits, 1, 8,
              "Only so many low bits of a byte are the index; the palette has 2^bits entries (8)");
-  app.footer("Of frames with luma and chroma the luma is coloured.");
+  app.footer(
+      "Of frames with luma and chroma the luma is coloured.\n"
+      "  qvtool palette clip.y4m heat-%04d.png --name heat");
   return EachFrameWith<Colouring>(options);
 }
 

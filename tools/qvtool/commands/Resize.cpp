@@ -5,13 +5,14 @@
 #include "Command.h"
 #include "ExactApi.h"
 #include "StreamFields.h"
+#include "TargetSize.h"
 #include "io/Resizer.h"
 
 namespace qvtool {
 namespace {
 
 struct Options {
-  std::optional<IppiSize> size;
+  std::optional<TargetSize> size;
   std::optional<double> factor;
   std::optional<IppiRect> region;
   int method = QV_INTERPOLATE_CUBIC;
@@ -49,19 +50,24 @@ class Resize : public Step {
   explicit Resize(const Options& options) : options_(options) {
     if (options.exactApi && options.method == QV_INTERPOLATE_MITCHELL)
       throw UsageError("--method: mitchell is none of the methods of --exact-api");
+    if (options.size.has_value() == options.factor.has_value())
+      throw UsageError("resize wants one of --to, --fit and --factor");
   }
 
-  void Begin(InputSpec& input, const OutputSpec&) override {
-    // Files know their own size: what --size says of them is the size wanted.
-    if (input.size && !input.layout && !options_.size) options_.size.swap(input.size);
-    if (options_.size.has_value() == options_.factor.has_value())
-      throw UsageError("resize wants one of --to (or --size) and --factor");
+  // The nearest pixels are some of the file's own, and a reduced picture has none of these.
+  double Reduction(IppiSize frame) const override {
+    if (options_.exactApi || options_.method == QV_INTERPOLATE_NEAREST) return 1;
+    const IppiRect region = options_.region.value_or(IppiRect{0, 0, frame.width, frame.height});
+    const IppiSize size = SizeFor(region);
+    return std::min(static_cast<double>(region.width) / size.width,
+                    static_cast<double>(region.height) / size.height);
   }
 
   Frame& operator()(Frame& in, Frame& out) override {
     if (options_.region) CheckRegion("--region", *options_.region, in);
-    const IppiRect region = options_.region.value_or(in.Bounds());
-    const IppiSize size = options_.size ? *options_.size : Scaled(region, *options_.factor);
+    const IppiSize full = in.FullSize();
+    const IppiRect region = options_.region.value_or(IppiRect{0, 0, full.width, full.height});
+    const IppiSize size = SizeFor(region);
     if (options_.exactApi) {
       out.Reset(in.GetLayout(), size.width, size.height);
       ExactResize(in, region, out, options_.method);
@@ -77,16 +83,27 @@ class Resize : public Step {
   }
 
  private:
+  IppiSize SizeFor(const IppiRect& region) const {
+    return options_.size ? options_.size->For({region.width, region.height})
+                         : Scaled(region, *options_.factor);
+  }
+
   Options options_;
   Resizer resizer_;
 };
 
 MakeStep Configure(CLI::App& app) {
   auto options = std::make_shared<Options>();
-  app.add_option_function<std::string>(
-         "--to", [options](const std::string& text) { options->size = ParseSize("--to", text); },
-         "The size of the result; --size without --layout is the same")
-      ->type_name("WxH");
+  auto* to = app.add_option_function<std::string>(
+      "--to",
+      [options](const std::string& text) { options->size = TargetSize::Parse("--to", text); },
+      "The size of the result; 640x or x360 keeps the shape");
+  auto* fit = app.add_option_function<std::string>(
+      "--fit",
+      [options](const std::string& text) { options->size = TargetSize::ParseFit("--fit", text); },
+      "The largest size of the frame's shape within this one");
+  to->type_name("WxH");
+  fit->type_name("WxH")->excludes(to);
   app.add_option_function<std::string>(
          "--factor", [options](const std::string& text) { options->factor = ParseFactor(text); },
          "Result over source, both ways: 0.5 halves")
@@ -105,7 +122,9 @@ MakeStep Configure(CLI::App& app) {
   app.footer(
       "The edges of the frame, or of the region, are those of the result, and chroma stays where\n"
       "it lies among the luma. Colours count by their alpha. The result is the same on any number\n"
-      "of threads.");
+      "of threads.\n"
+      "  qvtool resize photo.jpg small.png --fit 320x320\n"
+      "  qvtool resize clip.y4m half.y4m --factor 0.5 --method lanczos");
   return EachFrameWith<Resize>(options);
 }
 

@@ -48,7 +48,8 @@ MakeStep Configure(CLI::App& app) {
   AddProjectionOptions(app, options->projection);
   app.footer(
       "Without --fit the canvas keeps the frame's size and its corners are cut off. With --fit,\n"
-      "turns by 90, 180 and 270 degrees move pixels as they are.");
+      "turns by 90, 180 and 270 degrees move pixels as they are. Colours count by their alpha.\n"
+      "  qvtool rotate photo.jpg level.png --angle -3.5 --fit");
   return EachFrameWith<Turn>(options);
 }
 

@@ -76,7 +76,8 @@ void Configure(CLI::App& app) {
       StepNames() +
       ".\n"
       "  qvtool run 'crop 0,0,1280,720; deinterlace; resize --to 640x360' in.y4m out.y4m\n"
-      "  qvtool run 'rotate --angle 90 --fit; overlay --with \"my logo.png\"' in.jpg out.png");
+      "  qvtool run 'rotate --angle 90 --fit; overlay --with \"my logo.png\"' *.jpg --out turned\n"
+      "    --jobs 0");
   app.callback([text, files] { files->Run(ParseChain(*text)); });
 }
 

@@ -39,7 +39,9 @@ MakeStep Configure(CLI::App& app) {
       ->required();
   app.add_flag("--alpha", options->alpha,
                "Scale the alpha instead of the colours: fade to nothing");
-  app.footer("Of frames with luma and chroma only the luma is scaled.");
+  app.footer(
+      "Of frames with luma and chroma only the luma is scaled.\n"
+      "  qvtool scale logo.png half.png --by 128 --alpha");
   return EachFrame([options](Frame& in, Frame&) -> Frame& { return Scale(*options, in); });
 }
 

@@ -22,6 +22,7 @@ void Configure(CLI::App& app) {
   app.add_flag("--print", options->print,
                "Print the digests as the source text of the expected ones (Expected.inc)");
   app.add_flag("--once", options->once, "Make the calls on one processor only")->group("");
+  app.footer("  qvtool selftest");
   app.callback([options] { Run(*options); });
 }
 

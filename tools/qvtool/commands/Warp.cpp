@@ -75,7 +75,8 @@ MakeStep Configure(CLI::App& app) {
       ->type_name("WxH");
   AddProjectionOptions(app, options->projection);
   app.footer(
-      "Points are pixel centres: the top-left pixel is 0,0. They may lie outside of the result.");
+      "Points are pixel centres: the top-left pixel is 0,0. They may lie outside of the result.\n"
+      "  qvtool warp photo.jpg page.png --unwarp --quad 60,40,840,20,860,560,40,580");
   return EachFrame([options](Frame& in, Frame& out) -> Frame& { return Warp(*options, in, out); });
 }
 

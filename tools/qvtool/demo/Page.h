@@ -1,4 +1,4 @@
-// The page that shows the panels, and the pictures beside it.
+// The page that shows the panels.
 #ifndef QV_TOOLS_QVTOOL_DEMO_PAGE_H
 #define QV_TOOLS_QVTOOL_DEMO_PAGE_H
 
@@ -7,16 +7,14 @@
 #include <string>
 #include <vector>
 
-#include "demo/Measure.h"
 #include "demo/Panel.h"
-#include "demo/Thumbnail.h"
 
 namespace qvtool::demo {
 
 class Page : public Gallery {
  public:
-  // Writes into `folder`, which is there already.
-  Page(std::filesystem::path folder, const Scene& scene);
+  // Writes into `folder`, which is there already; with `pictures` also all pictures in full size.
+  Page(std::filesystem::path folder, bool pictures, const Scene& scene);
 
   // Begins a family of panels.
   void Begin(const std::string& heading);
@@ -28,26 +26,40 @@ class Page : public Gallery {
   int Panels() const { return static_cast<int>(rows_.size()); }
 
  private:
+  // A line of the table of times.
   struct Row {
-    std::string name;
+    std::string card;
     std::string title;
     double milliseconds;
     double nanoseconds;  // a pixel
   };
 
-  std::string Figure(const Panel& panel, const Picture& picture, const char* role,
-                     std::size_t number);
-  std::string Save(const std::string& name, const Frame& frame);
-  std::string Summary() const;
-  std::string Chips() const;
+  // What stands between the opening and the closing of an article.
+  struct Card {
+    std::string name, title;
+    std::string words;
+    std::string figures;
+  };
+
+  void Time(const Panel& panel);
+  void Save(const std::string& name, const Frame& frame) const;
+  void OpenCard(const Panel& panel);
+  void CloseCard();
+  void AddFigures(const Panel& panel, const std::vector<Picture>& pictures, const char* role);
+  std::string Image(const std::string& classes, const std::string& alt, const std::string& uri,
+                    int width, int height);
+  std::string Cover();
+  std::string Times() const;
 
   std::filesystem::path folder_;
+  bool pictures_;
   const Scene& scene_;
-  std::string cards_;
-  bool open_ = false;
+  std::string contents_, families_;
   std::vector<Row> rows_;
-  std::map<const Frame*, std::string> saved_;  // pictures of the scene, by file name
-  std::map<const Frame*, Embedded> embedded_;  // the same, scaled down
+  Card card_;
+  std::vector<Frame> covers_;
+  std::string coverTitles_;
+  std::map<std::string, std::string> images_;  // a picture's URI: the id of the image that has it
 };
 
 }  // namespace qvtool::demo

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "io/Status.h"
+
 namespace qvtool::demo {
 namespace {
 
@@ -13,8 +15,16 @@ std::vector<const PanelSource*>& Registered() {
 
 }  // namespace
 
-PanelSource::PanelSource(int rank, const char* heading, void (*make)(const Scene&, Gallery&))
-    : rank(rank), heading(heading), make(make) {
+Frame Blank(IppiSize size) {
+  Frame blank(Layout::Bgr, size.width, size.height);
+  const Plane& plane = blank.PlaneAt(0);
+  const unsigned char value[] = {64, 64, 64};
+  Check("qvSet", CqvAccLib::qvSet(CqvAccLib::ThreeChannels, value, plane.data, plane.step, size));
+  return blank;
+}
+
+PanelSource::PanelSource(int rank, const char* heading, std::vector<MakePanels*> makers)
+    : rank(rank), heading(heading), makers(std::move(makers)) {
   Registered().push_back(this);
 }
 

@@ -22,17 +22,20 @@
 //                  .after = {{"Mirrored", result}}});
 //   }
 //
-//   const PanelSource source{30, "Mirror", Make};   // rank on the page, heading
+//   const PanelSource source{80, "Mirror", {Make}};   // rank on the page, heading
 //
 //   }  // namespace
 //   }  // namespace qvtool::demo
 //
-// Add runs and times the calls before it looks at the pictures.
+// Add runs and times the calls before it looks at the pictures. Panels of one title that follow
+// each other, a variant each, share a card of the page: the words, calls and pictures before are
+// those of the first.
 #ifndef QV_TOOLS_QVTOOL_DEMO_PANEL_H
 #define QV_TOOLS_QVTOOL_DEMO_PANEL_H
 
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -44,7 +47,7 @@ namespace qvtool::demo {
 // A call of the library as it stands in the source, and the means to make it.
 struct Call {
   std::string text;
-  std::function<IppStatus()> make;
+  std::function<int()> make;
 };
 
 #define QV_CALL(...)                          \
@@ -52,8 +55,8 @@ struct Call {
 #__VA_ARGS__, [&] { return __VA_ARGS__; } \
   }
 
-// A picture of a panel: Grey, Bgr or Bgra. `detail` shows this part at its own size instead of the
-// whole scaled down.
+// A picture of a panel: Grey, Bgr or Bgra. `detail` shows this part enlarged instead of the whole
+// scaled down.
 struct Picture {
   std::string caption;
   const Frame& frame;
@@ -63,15 +66,39 @@ struct Picture {
 struct Panel {
   std::string name;  // of its files; lower case, unique
   std::string title;
+  std::string variant = {};            // among panels of one title
   std::string formula;                 // one line
   std::string note = {};               // a sentence more, where it helps
   std::vector<Call> calls;             // made and timed in this order, together
   std::function<void()> prepare = {};  // run before each round of calls, untimed
   std::function<void()> finish = {};   // run once after the last round, before the pictures
   long long pixels = 0;                // that the calls write; 0: those of the first picture after
-  std::vector<Picture> before;
+  std::vector<Picture> before = {};
   std::vector<Picture> after;
+  bool cover = false;  // its last picture after is also among those on top of the page
 };
+
+inline Picture Detail(const std::string& caption, const Frame& frame, Spot middle) {
+  return {caption, frame, Around(frame, middle, kDetail)};
+}
+
+// A dark Bgr frame: what rotations and warps leave of it stays as it is.
+Frame Blank(IppiSize size);
+
+// A code that an operation takes, among others that are shown beside it.
+struct Variant {
+  int code;
+  const char* name;
+  const char* title;
+};
+
+// The methods of the class; rotation and warps have the first three.
+inline constexpr Variant kMethods[] = {{1, "nearest", "nearest neighbour, code 1"},
+                                       {2, "linear", "linear, code 2"},
+                                       {4, "cubic", "cubic (Keys 1981), code 4"},
+                                       {8, "area", "area averaging, code 8"},
+                                       {16, "lanczos", "Lanczos, code 16"}};
+inline constexpr std::span<const Variant> kWarpMethods = std::span(kMethods).first(3);
 
 // Takes panels and turns them into files and a page.
 class Gallery {
@@ -80,14 +107,16 @@ class Gallery {
   virtual void Add(const Panel& panel) = 0;
 };
 
+using MakePanels = void(const Scene&, Gallery&);
+
 class PanelSource {
  public:
-  // Registers the panels of one family.
-  PanelSource(int rank, const char* heading, void (*make)(const Scene&, Gallery&));
+  // Registers the panels of one family, made in this order.
+  PanelSource(int rank, const char* heading, std::vector<MakePanels*> makers);
 
   int rank;
   const char* heading;
-  void (*make)(const Scene&, Gallery&);
+  std::vector<MakePanels*> makers;
 };
 
 // All families by rank.

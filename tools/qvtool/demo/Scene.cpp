@@ -96,12 +96,21 @@ Frame Packed(const Frame& colour) {
   return packed;
 }
 
-IppiRect Inside(IppiRect region, const Frame& frame) {
-  region.width = std::min(region.width, frame.Width());
-  region.height = std::min(region.height, frame.Height());
-  region.x = std::clamp(region.x, 0, frame.Width() - region.width);
-  region.y = std::clamp(region.y, 0, frame.Height() - region.height);
-  return region;
+// The middle of the detail, of all those side by side, in which two frames of one size differ most.
+Spot MostDifferent(const Frame& a, const Frame& b) {
+  constexpr int kWidth = kDetail.width, kHeight = kDetail.height;
+  Spot most = {a.Width() / 2, a.Height() / 2};
+  long long largest = 0;
+  for (int top = 0; top + kHeight <= a.Height(); top += kHeight)
+    for (int left = 0; left + kWidth <= a.Width(); left += kWidth) {
+      long long sum = 0;
+      for (int y = top; y < top + kHeight; ++y)
+        for (int i = 3 * left; i < 3 * (left + kWidth); ++i)
+          sum += std::abs(a.PlaneAt(0).Row(y)[i] - b.PlaneAt(0).Row(y)[i]);
+      if (sum > largest) most = {left + kWidth / 2, top + kHeight / 2};
+      largest = std::max(largest, sum);
+    }
+  return most;
 }
 
 Scene Complete(Scene scene) {
@@ -109,8 +118,6 @@ Scene Complete(Scene scene) {
   scene.grey = Luma(scene.colour);
   if (scene.colour.Width() > 1 && scene.colour.Height() > 1) scene.packed = Packed(scene.colour);
   scene.mask = Vignette(scene.colour.Width(), scene.colour.Height());
-  scene.moving = Inside(scene.moving, scene.colour);
-  scene.fine = Inside(scene.fine, scene.colour);
   scene.about +=
       ", " + std::to_string(scene.colour.Width()) + " × " + std::to_string(scene.colour.Height());
   return scene;
@@ -118,13 +125,22 @@ Scene Complete(Scene scene) {
 
 }  // namespace
 
+IppiRect Around(const Frame& frame, Spot spot, IppiSize size) {
+  const int width = std::min(size.width, frame.Width());
+  const int height = std::min(size.height, frame.Height());
+  return {std::clamp(spot.x - width / 2, 0, frame.Width() - width),
+          std::clamp(spot.y - height / 2, 0, frame.Height() - height), width, height};
+}
+
 Scene TestCardScene() {
   Scene scene;
-  scene.about = "The test card";
+  scene.about = "the test card";
   scene.colour = DrawTestCard(21);
   scene.later = DrawTestCard(22);
+  scene.letters = kTestCardLetters;
+  scene.fine = kTestCardRings;
   scene.moving = kTestCardMotion;
-  scene.fine = kTestCardDetail;
+  scene.coloured = kTestCardRed;
   return Complete(std::move(scene));
 }
 
@@ -141,9 +157,9 @@ Scene FileScene(const std::string& path) {
   scene.later = reader->Next(second)
                     ? ToBgr(second)
                     : Panned(scene.colour, std::max(1, scene.colour.Width() / 160));
-  const int width = scene.colour.Width();
-  const int height = scene.colour.Height();
-  scene.moving = scene.fine = {width / 2 - 180, height / 2 - 101, 360, 202};
+  scene.moving = MostDifferent(scene.colour, scene.later);
+  scene.letters = scene.fine = scene.coloured =
+      MostDifferent(scene.colour, Panned(scene.colour, 1));
   return Complete(std::move(scene));
 }
 

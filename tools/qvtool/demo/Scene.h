@@ -8,6 +8,10 @@
 
 namespace qvtool::demo {
 
+struct Spot {
+  int x, y;
+};
+
 struct Scene {
   std::string about;  // what the frames show and their size
 
@@ -19,11 +23,17 @@ struct Scene {
   Frame grey;    // Grey, the luma of `colour`
   Frame mask;    // Grey, an alpha plane: opaque in the middle, fading towards the edges
 
-  // A part of the frame in which something moves, and one with fine detail; both are inside the
-  // frame.
-  IppiRect moving;
-  IppiRect fine;
+  // Pixels around which pictures are cut out: letters or another small thing, the finest detail,
+  // the edge of something that moves, an edge between colours.
+  Spot letters, fine, moving, coloured;
 };
+
+// Parts of pictures are shown at kZoom times their size, every pixel a square: as wide as a phone.
+inline constexpr int kZoom = 4;
+inline constexpr IppiSize kDetail = {84, 52};
+
+// The part of a frame around a pixel, moved and cut so as to lie inside.
+IppiRect Around(const Frame& frame, Spot spot, IppiSize size);
 
 // The test card, drawn by the tool.
 Scene TestCardScene();

@@ -176,7 +176,7 @@ void DrawText(Canvas& canvas) {
   constexpr std::string_view kPangram = "QUICK ZEPHYRS BLOW, VEXING DAFT JIM. 0123456789";
   canvas.Text(1304, 500, 1, kPangram, kWhite);
   canvas.Text(1304, 514, 1, "AT THIS SIZE EVERY DOT IS ONE PIXEL: A TEST OF EVERY FILTER.",
-              {200, 200, 120});
+              {255, 70, 50});
   // A star of 36 rays, finest in the middle.
   canvas.Each(1304, 540, 200, 200, [&](int x, int y) {
     const double dx = x + 0.5 - 1404, dy = y + 0.5 - 640;

@@ -1,18 +1,21 @@
 #include "demo/Thumbnail.h"
 
 #include <algorithm>
-#include <string_view>
 #include <vector>
 
+#include "io/Conversion.h"
 #include "io/JpegFile.h"
 #include "io/PngFile.h"
+#include "io/Resizer.h"
 #include "io/Status.h"
 
 namespace qvtool::demo {
 namespace {
 
-constexpr int kWidest = 720;
-constexpr int kJpegQuality = 88;
+constexpr int kQualities[] = {82, 72, 60, 45, 30, 15};
+
+constexpr IppiSize kTile = {356, 200};
+constexpr int kTileGap = 4;
 
 std::string Base64(const std::vector<unsigned char>& bytes) {
   constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -28,60 +31,88 @@ std::string Base64(const std::vector<unsigned char>& bytes) {
   return text;
 }
 
-// First and last-but-one source position of destination position i.
-int Edge(int i, int from, int to) {
-  return static_cast<int>(static_cast<long long>(i) * from / to);
+Frame Resized(const Frame& frame, const IppiRect& region, IppiSize size, int filter) {
+  Frame result;
+  Resizer resizer;
+  resizer(frame, region, size, filter, result);
+  return result;
 }
 
-void ShrinkPlane(const Plane& from, const Plane& to) {
-  for (int y = 0; y < to.rows; ++y) {
-    const int top = Edge(y, from.rows, to.rows);
-    const int bottom = Edge(y + 1, from.rows, to.rows);
-    for (int x = 0; x < to.columns; ++x) {
-      const int left = Edge(x, from.columns, to.columns);
-      const int right = Edge(x + 1, from.columns, to.columns);
-      const unsigned count = static_cast<unsigned>((right - left) * (bottom - top));
-      for (int c = 0; c < to.bytes; ++c) {
-        unsigned long long sum = count / 2;
-        for (int sy = top; sy < bottom; ++sy)
-          for (int sx = left; sx < right; ++sx) sum += from.Row(sy)[sx * from.bytes + c];
-        to.Row(y)[x * to.bytes + c] = static_cast<unsigned char>(sum / count);
-      }
-    }
-  }
+// Scaled down with its shape kept, where it is larger than `most`.
+Frame Shrunk(const Frame& frame, IppiSize most) {
+  const double factor = std::min({1.0, static_cast<double>(most.width) / frame.Width(),
+                                  static_cast<double>(most.height) / frame.Height()});
+  const auto scaled = [&](int length) {
+    return std::max(1, static_cast<int>(length * factor + 0.5));
+  };
+  return Resized(frame, frame.Bounds(), {scaled(frame.Width()), scaled(frame.Height())},
+                 QV_INTERPOLATE_AREA);
 }
 
-Frame Shrink(const Frame& frame) {
-  const int width = std::min(frame.Width(), kWidest);
-  const int height = std::clamp(
-      static_cast<int>((static_cast<long long>(frame.Height()) * width + frame.Width() / 2) /
-                       frame.Width()),
-      1, frame.Height());
-  Frame small(frame.GetLayout(), width, height);
-  for (int i = 0; i < frame.Planes(); ++i) ShrinkPlane(frame.PlaneAt(i), small.PlaneAt(i));
-  return small;
-}
-
-Frame Cut(const Frame& frame, const IppiRect& region) {
-  Frame part(frame.GetLayout(), region.width, region.height);
-  for (int i = 0; i < frame.Planes(); ++i) {
-    const Plane from = frame.PlaneAt(i).Cut(region, frame.Info().plane[i]);
-    const Plane& to = part.PlaneAt(i);
-    Check("qvCopy", CqvAccLib::qvCopy(CqvAccLib::OneChannel, from.data, from.step, to.data, to.step,
-                                      to.SizeInBytes()));
-  }
-  return part;
+// Over squares in two greys, as editors show what is transparent.
+Frame OverChecks(const Frame& bgra) {
+  Frame result(Layout::Bgr, bgra.Width(), bgra.Height());
+  const Plane &below = result.PlaneAt(0), &colours = bgra.PlaneAt(0), &alpha = bgra.PlaneAt(1);
+  for (int y = 0; y < below.rows; ++y)
+    for (int i = 0; i < below.RowBytes(); ++i)
+      below.Row(y)[i] = (i / 30 + y / 10) % 2 == 0 ? 225 : 190;
+  const qv_size size = {below.columns, below.rows};
+  Check("qv_over", qv_over(3, below.data, below.step, size, 3, colours.data, colours.step, size,
+                           alpha.data, alpha.step, 0, 0, 255, QV_ALPHA_OVER));
+  return result;
 }
 
 }  // namespace
 
-Embedded Embed(const Picture& picture) {
-  const Frame small = picture.detail ? Cut(picture.frame, *picture.detail) : Shrink(picture.frame);
-  const bool exact = picture.detail || picture.frame.GetLayout() == Layout::Bgra;
-  const auto bytes = exact ? EncodePng(small, picture.caption, 9)
-                           : EncodeJpeg(small, picture.caption, kJpegQuality);
-  return {std::string(exact ? "data:image/png;base64," : "data:image/jpeg;base64,") + Base64(bytes),
-          small.Width(), small.Height()};
+Embedded Embed(const Picture& picture, const Limits& limits) {
+  const Frame& frame = picture.frame;
+  const auto cut = [&](const IppiRect& part) {
+    return Resized(frame, part, {part.width, part.height}, QV_INTERPOLATE_NEAREST);
+  };
+  Frame shown = picture.detail ? cut(*picture.detail) : Shrunk(frame, limits.size);
+  if (shown.GetLayout() == Layout::Bgra) shown = OverChecks(shown);
+  auto bytes = EncodePng(shown, picture.caption);
+  std::string type = "png";
+  for (int quality : kQualities) {
+    if (picture.detail) break;
+    auto jpeg = EncodeJpeg(shown, picture.caption, quality);
+    if (jpeg.size() < bytes.size()) {
+      bytes = std::move(jpeg);
+      type = "jpeg";
+    }
+    if (bytes.size() <= limits.bytes) break;
+  }
+  return {"data:image/" + type + ";base64," + Base64(bytes), shown.Width(), shown.Height()};
+}
+
+Frame Tile(const Frame& picture) {
+  const double shape = static_cast<double>(kTile.width) / kTile.height;
+  const int width = std::clamp(static_cast<int>(picture.Height() * shape), 1, picture.Width());
+  const int height = std::clamp(static_cast<int>(picture.Width() / shape), 1, picture.Height());
+  const Spot middle = {picture.Width() / 2, picture.Height() / 2};
+  const Frame tile =
+      Resized(picture, Around(picture, middle, {width, height}), kTile, QV_INTERPOLATE_AREA);
+  Conversion conversion;
+  return conversion(tile, Layout::Bgr, tile.coding).Clone();
+}
+
+Frame ContactSheet(const std::vector<Frame>& pictures) {
+  const int count = static_cast<int>(std::min<std::size_t>(pictures.size(), 8));
+  const int rows = count > 3 ? 2 : 1, columns = count / rows;
+  Frame sheet(Layout::Bgr, columns * (kTile.width + kTileGap) - kTileGap,
+              rows * (kTile.height + kTileGap) - kTileGap);
+  const Plane& all = sheet.PlaneAt(0);
+  const unsigned char gap[3] = {128, 128, 128};
+  Check("qvSet",
+        CqvAccLib::qvSet(CqvAccLib::ThreeChannels, gap, all.data, all.step, all.Size()));
+  for (int i = 0; i < rows * columns; ++i) {
+    const Plane& tile = pictures[static_cast<std::size_t>(i)].PlaneAt(0);
+    Check("qvCopy", CqvAccLib::qvCopy(CqvAccLib::ThreeChannels, tile.data, tile.step,
+                                      all.Row(i / columns * (kTile.height + kTileGap)) +
+                                          3 * (i % columns) * (kTile.width + kTileGap),
+                                      all.step, tile.Size()));
+  }
+  return sheet;
 }
 
 }  // namespace qvtool::demo

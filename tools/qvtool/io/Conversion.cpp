@@ -60,8 +60,8 @@ bool Conversion::Convert(const Frame& frame, Layout layout, const Coding& coding
   if (layout == from.layout && hasColours && hasPlaces) return false;
 
   result.Reset(layout, frame.Width(), frame.Height());
+  result.Inherit(frame);
   result.coding = coding;
-  result.parameters = frame.parameters;
   if (from.isYCbCr && to.isYCbCr) {
     if (hasColours) {
       Rearrange(frame, result);
@@ -157,6 +157,7 @@ void Conversion::ChangePixels(const Frame& in, const Frame& out) {
 
 void Flatten(const Frame& bgra, Frame& bgr) {
   bgr.Reset(Layout::Bgr, bgra.Width(), bgra.Height());
+  bgr.Inherit(bgra);
   const Plane &from = bgra.PlaneAt(0), &alpha = bgra.PlaneAt(1), &to = bgr.PlaneAt(0);
   const unsigned char black[3] = {};
   const qv_size size = {bgr.Width(), bgr.Height()};

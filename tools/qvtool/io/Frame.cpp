@@ -5,7 +5,6 @@
 #include <climits>
 #include <cstdio>
 #include <cstring>
-#include <new>
 
 #include "Error.h"
 #include "io/Status.h"
@@ -15,6 +14,9 @@ namespace {
 
 // Rows start on a cache line of their own, which also means that steps are rarely the row length.
 constexpr long long kRowAlignment = 64;
+
+// Where frames start: the system copies from there on at its best.
+constexpr std::size_t kPage = 4096;
 
 std::string Gigabytes(double bytes) {
   char text[32];
@@ -80,7 +82,8 @@ void Frame::Reset(Layout layout, int width, int height) {
 
   planes_ = 0;
   memory_.reset();  // the old memory goes first, so that only one frame is held at a time
-  memory_.reset(new (std::nothrow) unsigned char[static_cast<std::size_t>(total)]);
+  const std::size_t pages = static_cast<std::size_t>(total) / kPage + 1;
+  memory_.reset(static_cast<unsigned char*>(std::aligned_alloc(kPage, pages * kPage)));
   if (!memory_)
     TooLarge(layout, width, height, "no " + Gigabytes(total) + " of memory could be obtained");
   for (int i = 0; i < info.planes; ++i) {
@@ -93,10 +96,16 @@ void Frame::Reset(Layout layout, int width, int height) {
   planes_ = info.planes;
 }
 
+void Frame::Inherit(const Frame& other) {
+  coding = other.coding;
+  parameters = other.parameters;
+  metadata = other.metadata;
+}
+
 Frame Frame::Clone() const {
   Frame copy(layout_, width_, height_);
-  copy.coding = coding;
-  copy.parameters = parameters;
+  copy.Inherit(*this);
+  copy.reduction = reduction;
   for (int i = 0; i < planes_; ++i)
     Check("qvCopy",
           CqvAccLib::qvCopy(CqvAccLib::OneChannel, plane_[i].data, plane_[i].step,
@@ -106,7 +115,7 @@ Frame Frame::Clone() const {
 
 void UnpackAlpha(const unsigned char* packed, const Frame& frame) {
   const Plane& colour = frame.PlaneAt(0);
-  const Plane& alpha = frame.PlaneAt(1);
+  const Plane alpha = frame.PlaneAt(1);  // a copy, which no byte written can change
   const int step = frame.Width() * 4;
   Check("qvCopy", CqvAccLib::qvCopy(CqvAccLib::FourToThreeChannels, packed, step, colour.data,
                                     colour.step, colour.Size()));
@@ -119,7 +128,7 @@ void UnpackAlpha(const unsigned char* packed, const Frame& frame) {
 
 void PackAlpha(const Frame& frame, unsigned char* packed) {
   const Plane& colour = frame.PlaneAt(0);
-  const Plane& alpha = frame.PlaneAt(1);
+  const Plane alpha = frame.PlaneAt(1);
   const int step = frame.Width() * 4;
   for (int y = 0; y < alpha.rows; ++y) {
     const unsigned char* from = alpha.Row(y);

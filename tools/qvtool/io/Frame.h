@@ -3,11 +3,14 @@
 #define QV_TOOLS_QVTOOL_IO_FRAME_H
 
 #include <cstddef>
+#include <cstdlib>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "io/Coding.h"
 #include "io/Layout.h"
+#include "io/Metadata.h"
 #include "qvAcceleratedLib/CqvAccLib.h"
 
 namespace qvtool {
@@ -34,6 +37,13 @@ struct Plane {
   Plane Cut(const IppiRect& region, const PlaneShape& shape) const;
 };
 
+// A picture that was decoded at a reduced size: what it measures in its file, in pixels, and the
+// part of the frame that it fills, whose edges may lie within pixels.
+struct Reduction {
+  IppiSize size;
+  double x, y, width, height;
+};
+
 class Frame {
  public:
   Frame() = default;
@@ -44,8 +54,10 @@ class Frame {
   void Reset(Layout layout, int width, int height);
   void ResetLike(const Frame& other) {
     Reset(other.layout_, other.width_, other.height_);
-    coding = other.coding;
+    Inherit(other);
   }
+  // Takes over what the other one has besides its samples.
+  void Inherit(const Frame& other);
 
   bool Empty() const { return planes_ == 0; }
   Layout GetLayout() const { return layout_; }
@@ -54,6 +66,8 @@ class Frame {
   int Height() const { return height_; }
   IppiSize Size() const { return {width_, height_}; }
   IppiRect Bounds() const { return {0, 0, width_, height_}; }
+  // Of the picture in its file, which the frame may hold at a reduced size.
+  IppiSize FullSize() const { return reduction ? reduction->size : Size(); }
 
   int Planes() const { return planes_; }
   const Plane& PlaneAt(int index) const { return plane_[index]; }
@@ -69,6 +83,9 @@ class Frame {
   Coding coding;
   // The parameters of a Y4M frame header, carried along unread.
   std::string parameters;
+  // What the picture file said, if the frame is from one.
+  std::shared_ptr<const Metadata> metadata;
+  std::optional<Reduction> reduction;
 
  private:
   Layout layout_ = Layout::Grey;
@@ -76,7 +93,10 @@ class Frame {
   int height_ = 0;
   int planes_ = 0;
   Plane plane_[4];
-  std::unique_ptr<unsigned char[]> memory_;
+  struct Release {
+    void operator()(unsigned char* memory) const { std::free(memory); }
+  };
+  std::unique_ptr<unsigned char, Release> memory_;  // from the start of a page on
 };
 
 // Between the packed form of files (four bytes a pixel, `width * 4` bytes a row) and the two planes

@@ -1,110 +1,24 @@
 #include "io/FrameStream.h"
 
-#include <algorithm>
 #include <cctype>
-#include <cstdio>
+#include <filesystem>
 
 #include "Error.h"
-#include "io/JpegFile.h"
-#include "io/PngFile.h"
+#include "Report.h"
+#include "io/Numbering.h"
+#include "io/PictureReader.h"
+#include "io/PictureWriter.h"
 #include "io/RawFrames.h"
 #include "io/Y4mFile.h"
 
 namespace qvtool {
 namespace {
 
-// A PNG or JPEG file as a stream of one frame.
-class PictureReader : public FrameReader {
- public:
-  PictureReader(std::unique_ptr<ByteSource> source, FileFormat format)
-      : FrameReader(std::move(source), format) {}
-
-  bool ReadFrame(Frame& frame) override {
-    if (done_) return false;
-    done_ = true;
-    const auto bytes = source_->ReadAll();
-    frame = format_ == FileFormat::Png ? DecodePng(bytes, source_->Name())
-                                       : DecodeJpeg(bytes, source_->Name());
-    return true;
-  }
-
- private:
-  bool done_ = false;
-};
-
-// The place of the frame number in a path such as frame-%04d.png, if it has one.
-struct Numbering {
-  std::size_t at;
-  std::size_t length;
-  int digits;
-};
-
-std::optional<Numbering> FindNumbering(const std::string& path) {
-  const std::size_t at = path.find('%');
-  if (at == std::string::npos) return {};
-  std::size_t end = at + 1;
-  int digits = 0;
-  while (end < path.size() && std::isdigit(static_cast<unsigned char>(path[end])) && digits < 100)
-    digits = digits * 10 + (path[end++] - '0');
-  if (end >= path.size() || !std::isalpha(static_cast<unsigned char>(path[end]))) return {};
-  if (path[end] != 'd')
-    throw UsageError(path + ": '" + path.substr(at, end + 1 - at) +
-                     "' given; wanted is the number of the frame, such as %04d");
-  return Numbering{at, end + 1 - at, std::min(digits, 12)};
-}
-
-class PictureWriter : public FrameWriter {
- public:
-  PictureWriter(const OutputSpec& spec, FileFormat format)
-      : FrameWriter(spec.coding),
-        path_(spec.path),
-        format_(format),
-        quality_(spec.quality),
-        numbering_(FindNumbering(path_)) {}
-
-  Layout Holds(const LayoutInfo& info) const override { return info.inPictures; }
-
-  void WriteFrame(const Frame& frame) override {
-    ++frames_;
-    if (frames_ == 2 && !numbering_)
-      throw Error(path_ +
-                  ": the input has more than one frame; a name such as frame-%04d.png makes "
-                  "a picture of each");
-    const std::string path = numbering_ ? Numbered(frames_) : path_;
-    auto bytes = Encode(frame, path);
-    if (numbering_)
-      WriteFile(path, bytes);
-    else
-      only_ = std::move(bytes);
-  }
-
-  void Finish() override {
-    if (!numbering_ && frames_ == 1) WriteFile(path_, only_);
-  }
-
- private:
-  std::vector<unsigned char> Encode(const Frame& frame, const std::string& path) {
-    if (format_ == FileFormat::Png) return EncodePng(frame, path);
-    if (frame.GetLayout() != Layout::Bgra) return EncodeJpeg(frame, path, quality_);
-    Flatten(frame, opaque_);
-    return EncodeJpeg(opaque_, path, quality_);
-  }
-
-  std::string Numbered(long frame) const {
-    char number[32];
-    std::snprintf(number, sizeof number, "%0*ld", numbering_->digits, frame);
-    std::string path = path_;
-    return path.replace(numbering_->at, numbering_->length, number);
-  }
-
-  std::string path_;
-  FileFormat format_;
-  int quality_;
-  std::optional<Numbering> numbering_;
-  long frames_ = 0;
-  std::vector<unsigned char> only_;
-  Frame opaque_;
-};
+// The first one of a format is the usual one.
+constexpr std::pair<const char*, FileFormat> kExtensions[] = {
+    {".png", FileFormat::Png},    {".jpg", FileFormat::Jpeg},   {".jpeg", FileFormat::Jpeg},
+    {".ppm", FileFormat::Netpbm}, {".pgm", FileFormat::Netpbm}, {".pnm", FileFormat::Netpbm},
+    {".y4m", FileFormat::Y4m},    {".raw", FileFormat::Raw},    {".yuv", FileFormat::Raw}};
 
 std::string Extension(const std::string& path) {
   const std::size_t dot = path.rfind('.');
@@ -116,24 +30,28 @@ std::string Extension(const std::string& path) {
 
 }  // namespace
 
-const char* NameOf(FileFormat format) {
-  switch (format) {
-    case FileFormat::Png: return "PNG";
-    case FileFormat::Jpeg: return "JPEG";
-    case FileFormat::Y4m: return "Y4M";
-    case FileFormat::Raw: return "raw frames";
-  }
-  return "";
-}
-
 bool FrameReader::Next(Frame& frame) {
-  if (!ReadFrame(frame)) return false;
+  if (read_ >= range_.last) return false;
+  do {
+    if (!ReadFrame(frame)) {
+      if (read_ < range_.first && range_.first > 1)
+        throw Error(source_->Name() + ": frame " + std::to_string(range_.first) +
+                    " is wanted, and it has " + std::to_string(read_));
+      return false;
+    }
+  } while (++read_ < range_.first);
   frame.coding = coding_.ForRows(frame.Height());
   if (verbose_ && frame.Info().isYCbCr && !(coding_.matrix && coding_.range))
-    std::fprintf(stderr, "qvtool: %s: taken for %s; --matrix and --range say otherwise\n",
-                 source_->Name().c_str(), NameOf(frame.coding).c_str());
+    Report(source_->Name() + ": taken for " + NameOf(frame.coding) +
+           "; --matrix and --range say otherwise");
   verbose_ = false;
   return true;
+}
+
+StreamInfo FrameReader::Describe() {
+  Frame frame;
+  if (!Next(frame)) throw Error(source_->Name() + ": holds no frame");
+  return {frame.GetLayout(), frame.Size(), 1};
 }
 
 void FrameReader::Override(const CodingHints& hints, bool verbose) {
@@ -148,42 +66,73 @@ namespace {
 std::unique_ptr<FrameReader> OpenSource(const InputSpec& spec) {
   if (spec.layout.has_value() != spec.size.has_value())
     throw UsageError(spec.layout ? "--layout without --size: headerless frames need both"
-                                 : "--size without --layout: headerless frames need both");
+                                 : "--size without --layout: it is the size of headerless frames, "
+                                   "which need both; the size of a result is --to");
   auto source = std::make_unique<ByteSource>(spec.path);
   if (spec.layout)
     return std::make_unique<RawReader>(std::move(source), *spec.layout, *spec.size, spec.rate);
   const std::string_view first = source->Peek(12);
   if (first.empty()) throw Error(source->Name() + ": is empty");
-  if (LooksLikePng(first))
-    return std::make_unique<PictureReader>(std::move(source), FileFormat::Png);
-  if (LooksLikeJpeg(first))
-    return std::make_unique<PictureReader>(std::move(source), FileFormat::Jpeg);
+  if (const PictureFormat* format = PictureFormatOf(first))
+    return std::make_unique<PictureReader>(std::move(source), *format, spec);
   if (LooksLikeY4m(first)) return std::make_unique<Y4mReader>(std::move(source));
-  throw Error(source->Name() +
-              ": neither PNG, JPEG nor Y4M; headerless frames need --layout and --size");
+  throw Error(source->Name() + ": is none of " + PictureFormatNames() +
+              " and Y4M; headerless frames need --layout and --size");
+}
+
+std::unique_ptr<FrameReader> OpenNumbered(const InputSpec& spec, const Numbering& numbering) {
+  long number = 0;
+  if (spec.frames)
+    number = spec.frames->first;
+  else if (!std::filesystem::exists(numbering.Path(0)))
+    number = 1;
+  InputSpec first = spec;
+  first.path = numbering.Path(number);
+  auto reader = OpenSource(first);
+  auto* pictures = dynamic_cast<PictureReader*>(reader.get());
+  if (!pictures) throw Error(first.path + ": is none of " + PictureFormatNames());
+  pictures->GoOn(numbering, number);
+  if (spec.frames) reader->Select({1, spec.frames->last - number + 1});
+  return reader;
 }
 
 }  // namespace
 
 std::unique_ptr<FrameReader> OpenInput(const InputSpec& spec) {
-  auto reader = OpenSource(spec);
+  const auto numbering = std::filesystem::exists(spec.path) ? std::nullopt
+                                                            : Numbering::Find(spec.path);
+  auto reader = numbering ? OpenNumbered(spec, *numbering) : OpenSource(spec);
+  if (spec.frames && !numbering) reader->Select(*spec.frames);
   reader->Override(spec.coding, spec.verbose);
   return reader;
 }
 
+std::optional<FileFormat> FormatOfName(const std::string& path) {
+  const std::string extension = Extension(path);
+  for (const auto& [name, format] : kExtensions)
+    if (extension == name) return format;
+  return {};
+}
+
+const char* ExtensionOf(FileFormat format) {
+  for (const auto& [name, of] : kExtensions)
+    if (of == format) return name;
+  return "";
+}
+
 FileFormat OutputFormat(const OutputSpec& spec, FileFormat input) {
   if (spec.format) return *spec.format;
-  if (spec.path == "-") return input;
+  if (spec.path == "-") {
+    const PictureFormat* format = PictureFormatOf(input);
+    return format && !format->encode ? FileFormat::Png : input;
+  }
+  if (const auto format = FormatOfName(spec.path)) return *format;
   const std::string extension = Extension(spec.path);
-  if (extension == ".png") return FileFormat::Png;
-  if (extension == ".jpg" || extension == ".jpeg") return FileFormat::Jpeg;
-  if (extension == ".y4m") return FileFormat::Y4m;
-  if (extension == ".raw" || extension == ".yuv") return FileFormat::Raw;
   throw UsageError(spec.path + ": " +
                    (extension.empty()
                         ? std::string("the name has no extension")
                         : "there is no format for the extension '" + extension + "'") +
-                   "; wanted is .png, .jpg, .jpeg, .y4m, .raw or .yuv, or --format");
+                   "; wanted is .png, .jpg, .jpeg, .ppm, .pgm, .y4m, .raw or .yuv, or --format");
 }
 
 std::unique_ptr<FrameWriter> OpenOutput(const OutputSpec& spec, FileFormat input) {

@@ -2,6 +2,7 @@
 #ifndef QV_TOOLS_QVTOOL_IO_FRAMESTREAM_H
 #define QV_TOOLS_QVTOOL_IO_FRAMESTREAM_H
 
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -12,24 +13,30 @@
 #include "io/Conversion.h"
 #include "io/Frame.h"
 #include "io/OutputFile.h"
+#include "io/Pictures.h"
 
 namespace qvtool {
-
-enum class FileFormat { Png, Jpeg, Y4m, Raw };
-
-const char* NameOf(FileFormat format);
 
 // What a video stream says of itself besides its size: the fields of a Y4M header as they are
 // written there ("F25:1", "Ip", "A1:1", "C420jpeg", "XYSCSS=420"). Empty for pictures.
 using VideoFields = std::vector<std::string>;
+
+// Which frames are wanted, the first of all being 1.
+struct FrameRange {
+  long first = 1;
+  long last = std::numeric_limits<long>::max();
+};
 
 struct InputSpec {
   std::string path;
   // Both are given for headerless frames, and neither otherwise.
   std::optional<Layout> layout;
   std::optional<IppiSize> size;
-  // Frame rate of headerless frames, "25:1".
+  // Frame rate of headerless frames and of pictures, "25:1".
   std::string rate = "25:1";
+  // Of numbered pictures, their numbers.
+  std::optional<FrameRange> frames;
+  DecodeOptions decode;
   // What the stream does not say of itself, or says wrongly.
   CodingHints coding;
   // Says on standard error what is taken for granted.
@@ -45,6 +52,13 @@ struct OutputSpec {
   CodingHints coding;
 };
 
+// What is known of a stream before its frames are read.
+struct StreamInfo {
+  Layout layout;
+  IppiSize size;
+  std::optional<long> frames;  // not of pipes
+};
+
 class FrameReader {
  public:
   virtual ~FrameReader() = default;
@@ -52,12 +66,21 @@ class FrameReader {
   // Reads the next frame; false at the end. Throws an Error for damaged input.
   bool Next(Frame& frame);
 
+  // Leaves out all frames but these.
+  void Select(const FrameRange& frames) { range_ = frames; }
+
+  // Instead of Next: what the headers say. Throws an Error when frames are damaged or missing, as
+  // far as these tell.
+  virtual StreamInfo Describe();
+
   // Puts what arguments say of the coding in the place of what the stream says.
   void Override(const CodingHints& hints, bool verbose);
 
   FileFormat Format() const { return format_; }
   const VideoFields& Fields() const { return fields_; }
   ByteSource& Source() { return *source_; }
+  // Bytes of the source read so far.
+  std::uint64_t Position() const { return source_->Position(); }
   bool IsVideo() const { return format_ == FileFormat::Y4m || format_ == FileFormat::Raw; }
 
  protected:
@@ -72,16 +95,17 @@ class FrameReader {
   CodingHints coding_;  // as far as the stream says
 
  private:
+  FrameRange range_;
+  long read_ = 0;
   bool verbose_ = false;
 };
 
 class FrameWriter {
  public:
   virtual ~FrameWriter() = default;
-  // Converts the frame to what the file holds, and to the coding asked for.
-  void Write(const Frame& frame) {
-    WriteFrame(conversion_(frame, Holds(frame.Info()), coding_.Over(frame.coding)));
-  }
+  // Converts the frame to what the file holds, and to the coding asked for. May keep its memory and
+  // put a frame with other memory in its place.
+  virtual void Write(Frame& frame) { WriteFrame(Converted(frame, conversion_)); }
   // Makes the output appear under its name. Without it, nothing is left behind.
   virtual void Finish() = 0;
 
@@ -95,6 +119,10 @@ class FrameWriter {
   virtual Layout Holds(const LayoutInfo& info) const = 0;
   virtual void WriteFrame(const Frame& frame) = 0;
 
+  const Frame& Converted(const Frame& frame, Conversion& conversion) const {
+    return conversion(frame, Holds(frame.Info()), coding_.Over(frame.coding));
+  }
+
   VideoFields fields_;
 
  private:
@@ -102,8 +130,14 @@ class FrameWriter {
   Conversion conversion_;
 };
 
-// Chooses by the first bytes of the input; headerless frames by the layout given.
+// Chooses by the first bytes of the input; headerless frames by the layout given. A path such as
+// frame-%04d.png, unless there is a file of this very name, is a picture of every number from 0 or
+// 1 on.
 std::unique_ptr<FrameReader> OpenInput(const InputSpec& spec);
+
+// The format that a name's extension stands for, and the usual extension of a format.
+std::optional<FileFormat> FormatOfName(const std::string& path);
+const char* ExtensionOf(FileFormat format);
 
 // The format that `spec` asks for; `input` is what an output to a pipe follows.
 FileFormat OutputFormat(const OutputSpec& spec, FileFormat input);

@@ -2,10 +2,14 @@
 #ifndef QV_TOOLS_QVTOOL_IO_OUTPUTFILE_H
 #define QV_TOOLS_QVTOOL_IO_OUTPUTFILE_H
 
-#include <cstdio>
 #include <string>
 
+#include "io/Descriptor.h"
+#include "io/Pieces.h"
+
 namespace qvtool {
+
+struct TemporaryName;  // one that a signal removes
 
 // Writes to a temporary file beside `path` and renames it on Commit; what is not committed is
 // removed, also when the program is interrupted. Standard output ("-"), devices and named pipes are
@@ -18,6 +22,8 @@ class OutputFile {
   OutputFile& operator=(const OutputFile&) = delete;
 
   const std::string& Name() const { return name_; }
+  // What is written is on its way: nothing waits in this object.
+  void Write(Pieces& pieces);  // which are used up
   void Write(const void* bytes, std::size_t count);
   void Write(const std::string& text) { Write(text.data(), text.size()); }
   void Commit();
@@ -28,10 +34,12 @@ class OutputFile {
   std::string name_;
   std::string target_;
   std::string temporary_;
-  std::FILE* file_ = nullptr;
+  TemporaryName* remembered_ = nullptr;
+  Descriptor file_;
+  Pieces single_;
 };
 
-// Has interruption signals remove the temporary file that is open. Called once, by main.
+// Has interruption signals remove the temporary files that are open. Called once, by main.
 void RemoveTemporaryFilesOnSignals();
 
 }  // namespace qvtool

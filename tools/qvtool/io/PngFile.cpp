@@ -2,6 +2,7 @@
 
 #include <png.h>
 
+#include <cmath>
 #include <csetjmp>
 #include <cstring>
 
@@ -13,6 +14,8 @@
 
 namespace qvtool {
 namespace {
+
+constexpr const char* kComment = "Comment";
 
 struct PngState {
   png_structp png = nullptr;
@@ -112,17 +115,66 @@ bool ReadHeader(PngState& state) {
 bool ReadRows(PngState& state, png_bytepp rows) {
   if (setjmp(png_jmpbuf(state.png))) return false;
   png_read_image(state.png, rows);
-  png_read_end(state.png, nullptr);
+  png_read_end(state.png, state.info);
   return true;
 }
 
-bool WriteRows(PngState& state, int colour, png_bytepp rows, int level) {
+// After the rows: chunks may stand behind them.
+std::shared_ptr<const Metadata> ReadMetadata(const PngState& state) {
+  auto metadata = std::make_shared<Metadata>();
+  png_bytep bytes = nullptr;
+  png_uint_32 count = 0, x = 0, y = 0;
+  if (png_get_eXIf_1(state.png, state.info, &count, &bytes))
+    metadata->exif.assign(bytes, bytes + count);
+  png_charp profileName = nullptr;
+  int number = 0;
+  if (png_get_iCCP(state.png, state.info, &profileName, &number, &bytes, &count))
+    metadata->icc.assign(bytes, bytes + count);
+  png_textp texts = nullptr;
+  png_get_text(state.png, state.info, &texts, &number);
+  for (int i = 0; i < number; ++i)
+    if (texts[i].text && std::strcmp(texts[i].key, kComment) == 0)
+      metadata->comments.emplace_back(texts[i].text);
+  if (png_get_pHYs(state.png, state.info, &x, &y, &number) && x > 0 && y > 0) {
+    const bool metres = number == PNG_RESOLUTION_METER;
+    if (metres || x != y)
+      metadata->density = {metres ? Density::PerMetre : Density::Aspect, static_cast<double>(x),
+                           static_cast<double>(y)};
+  }
+  return metadata;
+}
+
+void WriteMetadata(const PngState& state, const Metadata& metadata, int channels) {
+  png_set_benign_errors(state.png, 1);  // a profile that libpng does not like is left out
+  const Bytes& profile = metadata.ProfileFor(channels);
+  if (!profile.empty())
+    png_set_iCCP(state.png, state.info, "ICC profile", PNG_COMPRESSION_TYPE_BASE, profile.data(),
+                 static_cast<png_uint_32>(profile.size()));
+  if (!metadata.exif.empty())
+    png_set_eXIf_1(state.png, state.info, static_cast<png_uint_32>(metadata.exif.size()),
+                   const_cast<png_bytep>(metadata.exif.data()));
+  for (const std::string& comment : metadata.comments) {
+    png_text text = {};
+    text.compression = PNG_TEXT_COMPRESSION_NONE;
+    text.key = const_cast<png_charp>(kComment);
+    text.text = const_cast<png_charp>(comment.c_str());
+    png_set_text(state.png, state.info, &text, 1);
+  }
+  const Density density = metadata.density.In(Density::PerMetre);
+  if (density.unit != Density::None)
+    png_set_pHYs(state.png, state.info, static_cast<png_uint_32>(std::lround(density.x)),
+                 static_cast<png_uint_32>(std::lround(density.y)),
+                 density.unit == Density::Aspect ? PNG_RESOLUTION_UNKNOWN : PNG_RESOLUTION_METER);
+}
+
+bool WriteRows(PngState& state, int colour, png_bytepp rows, const Metadata* metadata, int level) {
   if (setjmp(png_jmpbuf(state.png))) return false;
   png_set_write_fn(state.png, &state, OnWrite, OnFlush);
   png_set_compression_level(state.png, level);
   png_set_IHDR(state.png, state.info, static_cast<png_uint_32>(state.width),
                static_cast<png_uint_32>(state.height), 8, colour, PNG_INTERLACE_NONE,
                PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+  if (metadata) WriteMetadata(state, *metadata, colour == PNG_COLOR_TYPE_GRAY ? 1 : 3);
   png_write_info(state.png, state.info);
   png_set_bgr(state.png);
   png_write_image(state.png, rows);
@@ -142,7 +194,8 @@ bool LooksLikePng(std::string_view firstBytes) {
   return firstBytes.starts_with("\x89PNG\r\n\x1a\n");
 }
 
-Frame DecodePng(std::span<const unsigned char> bytes, const std::string& name) {
+Frame DecodePng(std::span<const unsigned char> bytes, const std::string& name,
+                const DecodeOptions& options) {
   PngState state;
   state.at = bytes.data();
   state.end = bytes.data() + bytes.size();
@@ -153,11 +206,9 @@ Frame DecodePng(std::span<const unsigned char> bytes, const std::string& name) {
   if (!ReadHeader(state)) throw damaged();
 
   Frame frame;
-  try {
-    frame.Reset(state.layout, state.width, state.height);
-  } catch (const Error& error) {
-    throw Error(name + ": " + error.what());
-  }
+  ResetFor(frame, state.layout, state.width, state.height, name);
+  frame.metadata = ReadMetadata(state);
+  if (options.headersOnly) return frame;
   const Plane& pixels = frame.PlaneAt(0);
   if (state.paletteBits > 0) {
     Frame indices(Layout::Grey, state.width, state.height);
@@ -178,10 +229,11 @@ Frame DecodePng(std::span<const unsigned char> bytes, const std::string& name) {
     auto rows = RowPointers(pixels.data, pixels.step, pixels.rows);
     if (!ReadRows(state, rows.data())) throw damaged();
   }
+  frame.metadata = ReadMetadata(state);
   return frame;
 }
 
-std::vector<unsigned char> EncodePng(const Frame& frame, const std::string& name, int level) {
+Bytes EncodePng(const Frame& frame, const std::string& name, int level) {
   int colour = PNG_COLOR_TYPE_RGB;
   std::vector<unsigned char> packed;
   std::vector<png_bytep> rows;
@@ -203,7 +255,7 @@ std::vector<unsigned char> EncodePng(const Frame& frame, const std::string& name
                   NameOf(frame.GetLayout()));
   }
 
-  std::vector<unsigned char> out;
+  Bytes out;
   PngState state;
   state.writing = true;
   state.out = &out;
@@ -212,7 +264,7 @@ std::vector<unsigned char> EncodePng(const Frame& frame, const std::string& name
   state.png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &state, OnError, OnWarning);
   if (state.png) state.info = png_create_info_struct(state.png);
   if (!state.info) throw Error(name + ": libpng could not be started");
-  if (!WriteRows(state, colour, rows.data(), level))
+  if (!WriteRows(state, colour, rows.data(), frame.metadata.get(), level))
     throw Error(name + ": cannot be encoded as PNG: " + state.message);
   return out;
 }

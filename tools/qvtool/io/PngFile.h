@@ -4,9 +4,8 @@
 
 #include <span>
 #include <string>
-#include <vector>
 
-#include "io/Frame.h"
+#include "io/Pictures.h"
 
 namespace qvtool {
 
@@ -16,11 +15,12 @@ bool LooksLikePng(std::string_view firstBytes);
 // colour to a Bgra frame, all others to a Bgr frame. Samples are taken as they are, whatever gamma
 // the file states; 16-bit samples are rounded to the nearest 8-bit value. `name` is what errors
 // call the picture.
-Frame DecodePng(std::span<const unsigned char> bytes, const std::string& name);
+Frame DecodePng(std::span<const unsigned char> bytes, const std::string& name,
+                const DecodeOptions& options);
 
-// Encodes a Grey, Bgr or Bgra frame; any other layout throws an Error. `level` is the compression
-// effort from 1 (fast) to 9 (small).
-std::vector<unsigned char> EncodePng(const Frame& frame, const std::string& name, int level = 6);
+// Encodes a Grey, Bgr or Bgra frame and its metadata; any other layout throws an Error. `level` is
+// the compression effort from 1 (fast) to 9 (small).
+Bytes EncodePng(const Frame& frame, const std::string& name, int level = 6);
 
 }  // namespace qvtool
 

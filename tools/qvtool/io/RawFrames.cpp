@@ -27,26 +27,16 @@ std::uint64_t FrameBytes(Layout layout, IppiSize size) {
 
 }  // namespace
 
-void ReadPlanes(ByteSource& source, const Frame& frame, long number) {
-  std::uint64_t done = 0;
-  for (int i = 0; i < frame.Planes(); ++i) {
-    const Plane& plane = frame.PlaneAt(i);
-    for (int y = 0; y < plane.rows; ++y) {
-      const auto bytes = static_cast<std::size_t>(plane.RowBytes());
-      const std::size_t got = source.Read(plane.Row(y), bytes);
-      done += got;
-      if (got < bytes)
-        CutShort(source.Name(), number, done, FrameBytes(frame.GetLayout(), frame.Size()));
-    }
-  }
+void ReadPlanes(ByteSource& source, const Frame& frame, Pieces& pieces, long number) {
+  pieces.Clear();
+  pieces.AddPlanes(frame);
+  const std::size_t wanted = pieces.Bytes(), got = source.Read(pieces);
+  if (got < wanted) CutShort(source.Name(), number, got, wanted);
 }
 
-void WritePlanes(OutputFile& file, const Frame& frame) {
-  for (int i = 0; i < frame.Planes(); ++i) {
-    const Plane& plane = frame.PlaneAt(i);
-    for (int y = 0; y < plane.rows; ++y)
-      file.Write(plane.Row(y), static_cast<std::size_t>(plane.RowBytes()));
-  }
+void SkipPlanes(ByteSource& source, Layout layout, IppiSize size, long number) {
+  const std::uint64_t wanted = FrameBytes(layout, size), got = source.Skip(wanted);
+  if (got < wanted) CutShort(source.Name(), number, got, wanted);
 }
 
 RawReader::RawReader(std::unique_ptr<ByteSource> source, Layout layout, IppiSize size,
@@ -58,6 +48,15 @@ RawReader::RawReader(std::unique_ptr<ByteSource> source, Layout layout, IppiSize
     throw Error(source_->Name() + ": " + std::to_string(all) + " bytes given; wanted is a " +
                 "multiple of " + std::to_string(frame) + ", the bytes of a " + NameOf(layout) +
                 " frame of " + std::to_string(size.width) + "x" + std::to_string(size.height));
+}
+
+StreamInfo RawReader::Describe() {
+  StreamInfo info = {layout_, size_, {}};
+  if (const auto bytes = source_->Size()) {
+    if (*bytes == 0) throw Error(source_->Name() + ": is empty");
+    info.frames = static_cast<long>(*bytes / FrameBytes(layout_, size_));
+  }
+  return info;
 }
 
 bool RawReader::ReadFrame(Frame& frame) {
@@ -73,24 +72,26 @@ bool RawReader::ReadFrame(Frame& frame) {
   }
   frame.parameters.clear();
   if (layout_ != Layout::Bgra) {
-    ReadPlanes(*source_, frame, frames_);
+    ReadPlanes(*source_, frame, pieces_, frames_);
     return true;
   }
-  std::vector<unsigned char> packed(frame.PackedBytes());
-  const std::size_t got = source_->Read(packed.data(), packed.size());
-  if (got < packed.size()) CutShort(source_->Name(), frames_, got, packed.size());
-  UnpackAlpha(packed.data(), frame);
+  packed_.resize(frame.PackedBytes());
+  const std::size_t got = source_->Read(packed_.data(), packed_.size());
+  if (got < packed_.size()) CutShort(source_->Name(), frames_, got, packed_.size());
+  UnpackAlpha(packed_.data(), frame);
   return true;
 }
 
 void RawWriter::WriteFrame(const Frame& frame) {
   if (frame.GetLayout() != Layout::Bgra) {
-    WritePlanes(file_, frame);
+    pieces_.Clear();
+    pieces_.AddPlanes(frame);
+    file_.Write(pieces_);
     return;
   }
-  std::vector<unsigned char> packed(frame.PackedBytes());
-  PackAlpha(frame, packed.data());
-  file_.Write(packed.data(), packed.size());
+  packed_.resize(frame.PackedBytes());
+  PackAlpha(frame, packed_.data());
+  file_.Write(packed_.data(), packed_.size());
 }
 
 }  // namespace qvtool

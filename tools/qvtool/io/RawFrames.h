@@ -6,16 +6,18 @@
 
 namespace qvtool {
 
-// All planes of a frame, rows without padding; alpha as a plane of its own. `number` is what an
-// error calls the frame.
-void ReadPlanes(ByteSource& source, const Frame& frame, long number);
-void WritePlanes(OutputFile& file, const Frame& frame);
+// Reads all planes of a frame, rows without padding; alpha as a plane of its own. `pieces` is
+// memory that is used again, `number` is what an error calls the frame.
+void ReadPlanes(ByteSource& source, const Frame& frame, Pieces& pieces, long number);
+// Passes over the planes of one.
+void SkipPlanes(ByteSource& source, Layout layout, IppiSize size, long number);
 
 class RawReader : public FrameReader {
  public:
   // Throws an Error when the size of the source is known and not one of whole frames.
   RawReader(std::unique_ptr<ByteSource> source, Layout layout, IppiSize size,
             const std::string& rate);
+  StreamInfo Describe() override;
 
  private:
   bool ReadFrame(Frame& frame) override;
@@ -23,6 +25,8 @@ class RawReader : public FrameReader {
   Layout layout_;
   IppiSize size_;
   long frames_ = 0;
+  Pieces pieces_;
+  std::vector<unsigned char> packed_;
 };
 
 class RawWriter : public FrameWriter {
@@ -35,6 +39,8 @@ class RawWriter : public FrameWriter {
   void WriteFrame(const Frame& frame) override;
 
   OutputFile file_;
+  Pieces pieces_;
+  std::vector<unsigned char> packed_;
 };
 
 }  // namespace qvtool

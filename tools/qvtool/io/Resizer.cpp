@@ -23,14 +23,21 @@ SampleGrid PackedGrid(std::vector<unsigned char>& pixels, IppiSize size) {
   return {pixels.data(), 4 * size.width, size, 0, 0, {0, 0}};
 }
 
+// Where a region of the full size lies in a frame.
+Area AreaOf(const Frame& frame, const IppiRect& region) {
+  if (!frame.reduction) return region;
+  const Reduction& part = *frame.reduction;
+  const double x = part.width / part.size.width, y = part.height / part.size.height;
+  return {part.x + region.x * x, part.y + region.y * y, region.width * x, region.height * y};
+}
+
 }  // namespace
 
-void Resample(int pixels, const SampleGrid& from, const IppiRect& region, const SampleGrid& to,
+void Resample(int pixels, const SampleGrid& from, const Area& region, const SampleGrid& to,
               IppiSize size, int filter) {
   // The last unit of an odd frame reaches beyond it, and so does the part of `from` that it covers.
   const double unitX = 1 << from.shiftX, unitY = 1 << from.shiftY;
-  const double scaleX = static_cast<double>(region.width) / size.width;
-  const double scaleY = static_cast<double>(region.height) / size.height;
+  const double scaleX = region.width / size.width, scaleY = region.height / size.height;
   qv_resample_options options = {};
   options.pixels = pixels;
   options.filter = filter;
@@ -48,8 +55,9 @@ void Resample(int pixels, const SampleGrid& from, const IppiRect& region, const 
                     {to.size.width, to.size.height}, to.step, &options));
 }
 
-void Resizer::operator()(const Frame& in, const IppiRect& region, IppiSize size, int filter,
+void Resizer::operator()(const Frame& in, const IppiRect& ofFull, IppiSize size, int filter,
                          Frame& out) {
+  const Area region = AreaOf(in, ofFull);
   out.Reset(in.GetLayout(), size.width, size.height);
   out.coding = in.coding;
   if (in.Info().alphaPlane >= 0) {
@@ -65,7 +73,7 @@ void Resizer::operator()(const Frame& in, const IppiRect& region, IppiSize size,
   }
 }
 
-void Resizer::ResizeUnits(const Frame& in, const IppiRect& region, const Frame& out, int filter) {
+void Resizer::ResizeUnits(const Frame& in, const Area& region, const Frame& out, int filter) {
   for (int i = 0; i < in.Planes(); ++i) {
     const PlaneShape& shape = in.Info().plane[i];
     const auto grid = [&](const Plane& plane) {
@@ -79,15 +87,18 @@ void Resizer::ResizeUnits(const Frame& in, const IppiRect& region, const Frame& 
   }
 }
 
-void Resizer::ResizeWithAlpha(const Frame& in, const IppiRect& region, const Frame& out,
+void Resizer::ResizeWithAlpha(const Frame& in, const Area& region, const Frame& out,
                               int filter) {
+  const bool isPixels = in.GetLayout() == Layout::Bgra;
   pixels_.resize(in.PackedBytes());
   resized_.resize(out.PackedBytes());
-  for (int c = 0; c < 4; ++c)
+  if (isPixels) PackAlpha(in, pixels_.data());
+  for (int c = 0; c < 4 && !isPixels; ++c)
     CopyChannel(ChannelOf(in, c), PackedChannel(pixels_, in.Size(), c));
   Resample(QV_PIXELS_STRAIGHT, PackedGrid(pixels_, in.Size()), region,
            PackedGrid(resized_, out.Size()), out.Size(), filter);
-  for (int c = 0; c < 4; ++c)
+  if (isPixels) UnpackAlpha(resized_.data(), out);
+  for (int c = 0; c < 4 && !isPixels; ++c)
     CopyChannel(PackedChannel(resized_, out.Size(), c), ChannelOf(out, c));
 }
 

@@ -18,20 +18,30 @@ struct SampleGrid {
   Phase phase;
 };
 
+// A region whose edges may lie within pixels.
+struct Area {
+  Area(const IppiRect& region)
+      : Area(region.x, region.y, region.width, region.height) {}
+  Area(double x, double y, double width, double height)
+      : x(x), y(y), width(width), height(height) {}
+
+  double x, y, width, height;
+};
+
 // Resamples the part of `from` that lies in a region of its frame, in pixels, to all of `to`, whose
 // frame is `size` pixels large. `pixels` is an enum qv_pixels, `filter` what qv_resample takes.
-void Resample(int pixels, const SampleGrid& from, const IppiRect& region, const SampleGrid& to,
+void Resample(int pixels, const SampleGrid& from, const Area& region, const SampleGrid& to,
               IppiSize size, int filter);
 
 class Resizer {
  public:
-  // A region of `in` to all of `out`, which has its size already and gets the layout and coding of
-  // `in`. Colours count by their alpha.
+  // A region of `in`, in pixels of its full size, to all of `out`, which gets this size and the
+  // layout and coding of `in`. Colours count by their alpha.
   void operator()(const Frame& in, const IppiRect& region, IppiSize size, int filter, Frame& out);
 
  private:
-  void ResizeUnits(const Frame& in, const IppiRect& region, const Frame& out, int filter);
-  void ResizeWithAlpha(const Frame& in, const IppiRect& region, const Frame& out, int filter);
+  void ResizeUnits(const Frame& in, const Area& region, const Frame& out, int filter);
+  void ResizeWithAlpha(const Frame& in, const Area& region, const Frame& out, int filter);
 
   Frame source_, result_;  // of packed frames, their planes
   std::vector<unsigned char> pixels_, resized_;

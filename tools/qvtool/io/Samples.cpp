@@ -1,26 +1,43 @@
 #include "io/Samples.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
 #include <cstring>
 
 #include "Error.h"
-#include "io/Status.h"
 
 namespace qvtool {
 namespace {
 
-bool IsPacked(const Frame& frame) {
-  return frame.GetLayout() == Layout::Bgr || frame.GetLayout() == Layout::Bgra;
+// Compilers make vectors of loops that replace the first byte of words, but not of such as leave
+// out bytes. The last word may reach beyond the row.
+template <int kFrom, class Word>
+void ReplaceFirstBytes(const unsigned char* from, unsigned char* to, std::ptrdiff_t count) {
+  static_assert(std::endian::native == std::endian::little);
+  constexpr std::ptrdiff_t kTo = sizeof(Word);
+  for (std::ptrdiff_t x = 0; x < count - 1; ++x) {
+    Word word;
+    std::memcpy(&word, to + kTo * x, sizeof word);
+    word = static_cast<Word>((word & ~Word{0xff}) | from[kFrom * x]);
+    std::memcpy(to + kTo * x, &word, sizeof word);
+  }
+  to[kTo * (count - 1)] = from[kFrom * (count - 1)];
 }
 
-void CopyColours(const Plane& from, const Plane& to) {
-  Check("qvCopy", CqvAccLib::qvCopy(CqvAccLib::ThreeChannels, from.data, from.step, to.data,
-                                    to.step, to.Size()));
+template <int kFrom, int kTo>
+void CopyRow(const unsigned char* from, unsigned char* to, std::ptrdiff_t count) {
+  if constexpr (kTo == 2) return ReplaceFirstBytes<kFrom, std::uint16_t>(from, to, count);
+  if constexpr (kTo == 4) return ReplaceFirstBytes<kFrom, std::uint32_t>(from, to, count);
+  for (std::ptrdiff_t x = 0; x < count; ++x) to[kTo * x] = from[kFrom * x];
 }
 
-Plane CutColours(const Frame& frame, const IppiRect& region) {
-  return frame.PlaneAt(0).Cut(region, frame.Info().plane[0]);
-}
+template <int kFrom>
+constexpr auto kCopiesFrom =
+    std::array{CopyRow<kFrom, 1>, CopyRow<kFrom, 2>, CopyRow<kFrom, 3>, CopyRow<kFrom, 4>};
+
+constexpr std::array kRowCopies = {kCopiesFrom<1>, kCopiesFrom<2>, kCopiesFrom<3>, kCopiesFrom<4>};
 
 }  // namespace
 
@@ -54,62 +71,20 @@ Channel Channel::Cut(const IppiRect& region) const {
 }
 
 void CopyChannel(const Channel& from, const Channel& to) {
+  const auto copyRow = kRowCopies[from.spacing - 1][to.spacing - 1];
   const int both = std::min(from.columns, to.columns);
   for (int y = 0; y < to.rows; ++y) {
-    if (from.spacing == 1 && to.spacing == 1)
-      std::memcpy(to.Row(y), from.Row(y), static_cast<std::size_t>(both));
-    else
-      for (int x = 0; x < both; ++x) to.At(x, y) = from.At(x, y);
+    copyRow(from.Row(y), to.Row(y), both);
     if (to.columns > both) to.At(both, y) = from.At(both - 1, y);
   }
 }
 
 void FillChannel(const Channel& channel, unsigned char value) {
   for (int y = 0; y < channel.rows; ++y)
-    for (int x = 0; x < channel.columns; ++x) channel.At(x, y) = value;
-}
-
-void LoadColours(const Frame& frame, const IppiRect& region, const Plane& colours) {
-  if (IsPacked(frame)) {
-    CopyColours(CutColours(frame, region), colours);
-    return;
-  }
-  const bool isGrey = frame.GetLayout() == Layout::Grey;
-  for (int c = 0; c < 3; ++c) {
-    const Channel channel = ChannelOf(frame, isGrey ? 0 : c);
-    for (int y = 0; y < region.height; ++y)
-      for (int x = 0; x < region.width; ++x)
-        colours.Row(y)[3 * x + c] =
-            channel.At((region.x + x) >> channel.shiftX, (region.y + y) >> channel.shiftY);
-  }
-}
-
-void StoreColours(const Plane& colours, const Frame& frame, const IppiRect& region) {
-  if (IsPacked(frame)) {
-    CopyColours(colours, CutColours(frame, region));
-    return;
-  }
-  const int right = region.x + region.width, bottom = region.y + region.height;
-  const int channels = frame.Info().Channels();
-  for (int c = 0; c < channels; ++c) {
-    const Channel channel = ChannelOf(frame, c);
-    const int width = 1 << channel.shiftX, height = 1 << channel.shiftY;
-    // Pixels of the frame that a sample belongs to, which are fewer at its right and lower edge.
-    for (int row = region.y >> channel.shiftY; row << channel.shiftY < bottom; ++row)
-      for (int column = region.x >> channel.shiftX; column << channel.shiftX < right; ++column) {
-        const int x0 = column * width, x1 = std::min(x0 + width, frame.Width());
-        const int y0 = row * height, y1 = std::min(y0 + height, frame.Height());
-        const int count = (x1 - x0) * (y1 - y0);
-        unsigned char& sample = channel.At(column, row);
-        int sum = count / 2;
-        for (int y = y0; y < y1; ++y)
-          for (int x = x0; x < x1; ++x) {
-            const bool inside = x >= region.x && x < right && y >= region.y && y < bottom;
-            sum += inside ? colours.Row(y - region.y)[3 * (x - region.x) + c] : sample;
-          }
-        sample = static_cast<unsigned char>(sum / count);
-      }
-  }
+    if (channel.spacing == 1)
+      std::memset(channel.Row(y), value, static_cast<std::size_t>(channel.columns));
+    else
+      for (int x = 0; x < channel.columns; ++x) channel.At(x, y) = value;
 }
 
 }  // namespace qvtool

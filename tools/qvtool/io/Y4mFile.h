@@ -8,19 +8,27 @@ namespace qvtool {
 
 bool LooksLikeY4m(std::string_view firstBytes);
 
-// Reads 8-bit streams: 4:2:0 in all its sitings, 4:1:1, 4:2:2, 4:4:4 with or without alpha, mono.
+// Reads 4:2:0 in all its sitings, 4:1:1, 4:2:2, 4:4:4 with or without alpha, mono; and 4:2:0,
+// 4:2:2, 4:4:4 and mono of 9 to 16 bits, which become 8.
 class Y4mReader : public FrameReader {
  public:
   explicit Y4mReader(std::unique_ptr<ByteSource> source);
   Layout GetLayout() const { return layout_; }
   IppiSize Size() const { return size_; }
+  StreamInfo Describe() override;
 
  private:
   bool ReadFrame(Frame& frame) override;
+  void ReadDeepPlanes(const Frame& frame);
+  // The line before a frame; false at the end.
+  bool ReadFrameHeader(std::string& line);
 
   Layout layout_ = Layout::I420;
+  int bits_ = 8;
   IppiSize size_ = {};
   long frames_ = 0;
+  Pieces pieces_;
+  std::vector<unsigned char> row_;  // of deep samples
 };
 
 // Writes the fields that it was given into the stream header, with those for the layout, the siting
@@ -36,6 +44,7 @@ class Y4mWriter : public FrameWriter {
   void WriteHeader(const Frame& frame);
 
   OutputFile file_;
+  Pieces pieces_;
   Layout layout_ = Layout::Grey;
   IppiSize size_ = {};
 };

@@ -44,7 +44,7 @@ void Add(const Kind& kind, const Scene& scene, Gallery& gallery,
   }
   char caption[80];
   std::snprintf(caption, sizeof caption,
-                "The value after each of %d pieces, bit by bit; 0x%08X at last", pieces, soFar);
+                "the value after each of %d pieces, bit by bit; 0x%08X at last", pieces, soFar);
   gallery.Add({.name = kind.name,
                .title = kind.title,
                .formula = kind.formula,
@@ -57,7 +57,7 @@ void Add(const Kind& kind, const Scene& scene, Gallery& gallery,
                      if (value != soFar) throw Error(std::string(kind.name) + ": pieces differ");
                    },
                .pixels = static_cast<long long>(plane.columns) * plane.rows,
-               .before = {{"The frame", scene.colour}},
+               .before = {{"the frame", scene.colour}},
                .after = {{caption, bits}}});
 }
 
@@ -84,7 +84,7 @@ void Make(const Scene& scene, Gallery& gallery) {
       QV_CALL(CqvAccLib::qvAdler32(CqvAccLib::OneChannel, src, length, &adler)));
 }
 
-const PanelSource source{900, "Checksums", Make};
+const PanelSource source{130, "Checksums", {Make}};
 
 }  // namespace
 }  // namespace qvtool::demo

@@ -68,13 +68,9 @@ Frame DrawLogo() {
   return logo;
 }
 
-// A part of `source` of at most this size.
-Frame Part(const Frame& source, int x, int y, int width, int height) {
-  width = std::min(width, source.Width());
-  height = std::min(height, source.Height());
-  const IppiRect region = {std::clamp(x, 0, source.Width() - width),
-                           std::clamp(y, 0, source.Height() - height), width, height};
-  Frame part(source.GetLayout(), width, height);
+Frame Part(const Frame& source, Spot middle, IppiSize most) {
+  const IppiRect region = Around(source, middle, most);
+  Frame part(source.GetLayout(), region.width, region.height);
   for (int i = 0; i < source.Planes(); ++i) {
     const Plane from = source.PlaneAt(i).Cut(region, source.Info().plane[i]);
     if (from.bytes == 3)
@@ -85,12 +81,41 @@ Frame Part(const Frame& source, int x, int y, int width, int height) {
   return part;
 }
 
+// Where the logo goes.
+IppiRect PlaceOf(const Frame& logo, const Frame& frame) {
+  return Around(frame, {1460, 220}, logo.Size());
+}
+
+void MakeOver(const Scene& scene, Gallery& gallery) {
+  const Frame logo = Part(DrawLogo(), {0, 0}, scene.colour.Size());
+  const IppiRect at = PlaceOf(logo, scene.colour);
+  const Plane& fg = logo.PlaneAt(0);
+  const Plane& alpha = logo.PlaneAt(1);
+  Frame result = scene.colour.Clone();
+  const Plane& frame = result.PlaneAt(0);
+  const qv_size frameSize = {frame.columns, frame.rows}, fgSize = {fg.columns, fg.rows};
+  for (const int opacity : {255, 100}) {
+    const std::string caption = "opacity " + std::to_string(opacity);
+    gallery.Add({.name = "over-" + std::to_string(opacity),
+                 .title = "Lay a logo over a frame, in place",
+                 .variant = caption,
+                 .formula = "B = F * (a o / 65025) + B * (1 - a o / 65025), rounded once",
+                 .note = "Porter and Duff's over: an opaque pixel arrives as it is.",
+                 .calls = {QV_CALL(qv_over(3, frame.data, frame.step, frameSize, 3, fg.data,
+                                           fg.step, fgSize, alpha.data, alpha.step, at.x, at.y,
+                                           opacity, QV_ALPHA_OVER))},
+                 .prepare = [&] { CopyColours(scene.colour.PlaneAt(0), frame); },
+                 .pixels = static_cast<long long>(fg.columns) * fg.rows,
+                 .before = {{"the logo", logo}},
+                 .after = {{opacity == 255 ? "a logo over it" : caption, result}},
+                 .cover = opacity == 255});
+  }
+}
+
 void MakeLogo(const Scene& scene, Gallery& gallery) {
-  const Frame logo = Part(DrawLogo(), 0, 0, scene.colour.Width(), scene.colour.Height());
-  const IppiRect at = {std::clamp(1180, 0, scene.colour.Width() - logo.Width()),
-                       std::clamp(120, 0, scene.colour.Height() - logo.Height()), logo.Width(),
-                       logo.Height()};
-  Frame placed = logo.Clone(), result = scene.colour.Clone();
+  const Frame logo = Part(DrawLogo(), {0, 0}, scene.colour.Size());
+  const IppiRect at = PlaceOf(logo, scene.colour);
+  Frame placed = logo.Clone();
   Frame opaque(Layout::Grey, logo.Width(), logo.Height());
   for (int y = 0; y < opaque.Height(); ++y)
     std::fill_n(opaque.PlaneAt(0).Row(y), opaque.Width(), static_cast<unsigned char>(255));
@@ -101,7 +126,7 @@ void MakeLogo(const Scene& scene, Gallery& gallery) {
   const Plane& bgAlpha = opaque.PlaneAt(0);
   const Plane& alpha = placed.PlaneAt(1);
   gallery.Add({.name = "composite-logo",
-               .title = "A picture with alpha over a frame",
+               .title = "Merge two pictures, each with an alpha",
                .formula = "F = (F * fa + (1 - fa) * ba * B) / a, a = fa + (1 - fa) * ba",
                .note = "The colours of the logo are replaced by those of the result.",
                .calls = {QV_CALL(CqvAccLib::qvMergeAlphaOver(
@@ -113,13 +138,8 @@ void MakeLogo(const Scene& scene, Gallery& gallery) {
                      CopyColours(logo.PlaneAt(0), fg);
                      CopyAlpha(fgAlpha, alpha);
                    },
-               .finish =
-                   [&] {
-                     CopyColours(fg, result.PlaneAt(0).Cut(at, result.Info().plane[0]));
-                   },
-               .pixels = static_cast<long long>(fg.columns) * fg.rows,
-               .before = {{"The frame", scene.colour}, {"The logo", logo}},
-               .after = {{"Placed", result}}});
+               .before = {{"the logo", logo}},
+               .after = {{"merged with what lies below it", placed}}});
 }
 
 // The frame in the middle of its own mirror image.
@@ -134,14 +154,15 @@ void MakeMask(const Scene& scene, Gallery& gallery) {
   const Plane& src = from;
   const Plane& alpha = scene.mask.PlaneAt(0);
   gallery.Add({.name = "composite-mask",
-               .title = "A frame mixed into another under a mask",
+               .title = "Mix a frame into another one under a mask",
                .formula = "D = floor(a * S / 255) + floor(((255 - a) * D + 1) / 256)",
                .calls = {QV_CALL(CqvAccLib::qvMergeAlphaPlus(
                    CqvAccLib::ThreeChannels, dst.data, dst.step, src.data, src.step, alpha.data,
                    alpha.step, dst.columns, dst.rows))},
                .prepare = [&] { CopyColours(back, dst); },
-               .before = {{"S", scene.colour}, {"a", scene.mask}, {"D", mirrored}},
-               .after = {{"Mixed", result}}});
+               .before = {{"the mask a", scene.mask}, {"D", mirrored}},
+               .after = {{"mixed with its mirror image under a mask", result}},
+               .cover = true});
 }
 
 struct Operation {
@@ -164,10 +185,10 @@ constexpr Operation kOperations[] = {{"0 over", "A a1 + B a2 (1 - a1)"},
 
 void MakeOperations(const Scene& scene, Gallery& gallery) {
   constexpr int kColumns = 3, kRows = 4, kGap = 8, kCaption = 40;
-  const IppiRect& fine = scene.fine;
-  const Frame first = Part(scene.colour, fine.x, fine.y, 340, 200);
+  const Frame first = Part(scene.colour, scene.fine, {340, 200});
   const Frame second =
-      Part(scene.colour, scene.colour.Width() / 10, scene.colour.Height() * 3 / 8, 340, 200);
+      Part(scene.colour, {scene.colour.Width() * 19 / 100, scene.colour.Height() * 47 / 100},
+           {340, 200});
   const IppiSize size = first.Size();
   const int acrossStep = size.width + kGap, downStep = size.height + kCaption;
   Frame result(Layout::Bgr, kColumns * acrossStep - kGap, kRows * downStep);
@@ -204,7 +225,7 @@ void MakeOperations(const Scene& scene, Gallery& gallery) {
                         return status;
                       }};
   gallery.Add({.name = "composite-operations",
-               .title = "Twelve ways to compose two pictures, each under one alpha",
+               .title = "Compose two pictures in twelve ways",
                .formula = "Div255 of every product; a1 = 150 / 255 of A, a2 = 190 / 255 of B",
                .calls = {calls},
                .finish =
@@ -216,16 +237,10 @@ void MakeOperations(const Scene& scene, Gallery& gallery) {
                    },
                .pixels = 12LL * size.width * size.height,
                .before = {{"A", first}, {"B", second}},
-               .after = {{"Codes 0 to 11", result}}});
+               .after = {{"codes 0 to 11", result}}});
 }
 
-void Make(const Scene& scene, Gallery& gallery) {
-  MakeLogo(scene, gallery);
-  MakeMask(scene, gallery);
-  MakeOperations(scene, gallery);
-}
-
-const PanelSource source{80, "Compositing", Make};
+const PanelSource source{50, "Compositing", {MakeOver, MakeLogo, MakeMask, MakeOperations}};
 
 }  // namespace
 }  // namespace qvtool::demo

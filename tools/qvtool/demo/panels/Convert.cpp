@@ -18,6 +18,9 @@ Frame Bytes(const Plane& plane) {
   return Grey({plane.data, plane.step, plane.RowBytes(), plane.rows, 1});
 }
 
+// Of a pixel in packed rows.
+Spot InBytes(Spot spot) { return {2 * spot.x, spot.y}; }
+
 void Make(const Scene& scene, Gallery& gallery) {
   if (scene.packed.Empty()) return;
   const Frame& packed = scene.packed;
@@ -32,8 +35,8 @@ void Make(const Scene& scene, Gallery& gallery) {
                .formula = "B = (76284 Y + 132186 Cb - 18140365) >> 16, G and R likewise",
                .calls = {QV_CALL(CqvAccLib::qvYCbCr422ToBGR(CqvAccLib::ThreeChannels, src.data,
                                                             src.step, dst.data, dst.step, size))},
-               .before = {{"Y0, Cb, Y1, Cr as bytes", packedBytes}},
-               .after = {{"B, G, R", fromPacked}}});
+               .before = {Detail("Y0, Cb, Y1, Cr as bytes", packedBytes, InBytes(scene.letters))},
+               .after = {Detail("B, G, R", fromPacked, scene.letters)}});
 
   Frame planar(Layout::Yv12, size.width, size.height);
   unsigned char* yCrCb[3];
@@ -58,7 +61,7 @@ void Make(const Scene& scene, Gallery& gallery) {
                    CqvAccLib::OneChannel, src.data, src.step, yCrCb, steps, size))},
                .finish = show,
                .pixels = pixels,
-               .before = {{"Y0, Cb, Y1, Cr as bytes", packedBytes}},
+               .before = {Detail("Y0, Cb, Y1, Cr as bytes", packedBytes, InBytes(scene.coloured))},
                .after = {{"Y", luma}, {"Cb", cb}, {"Cr", cr}}});
 
   Frame fromPlanes(Layout::Bgr, size.width, size.height);
@@ -69,7 +72,7 @@ void Make(const Scene& scene, Gallery& gallery) {
                .calls = {QV_CALL(CqvAccLib::qvYCbCr420ToBGR(
                    CqvAccLib::ThreeChannels, yCbCr, steps, bgr.data, bgr.step, size))},
                .before = {{"Y", luma}, {"Cb", cb}, {"Cr", cr}},
-               .after = {{"B, G, R", fromPlanes}}});
+               .after = {Detail("B, G, R", fromPlanes, scene.letters)}});
 
   // Two planes, as hardware decoders give them.
   Frame pairs(Layout::Nv12, size.width, size.height);
@@ -90,11 +93,12 @@ void Make(const Scene& scene, Gallery& gallery) {
                                                        cbCr.data, cbCr.step, yCbCr, steps, size))},
                .finish = show,
                .pixels = pixels,
-               .before = {{"Cb, Cr pairs as bytes", pairBytes}},
+               .before = {Detail("Cb, Cr pairs as bytes", pairBytes,
+                                 {scene.coloured.x, scene.coloured.y / 2})},
                .after = {{"Cb", cb}, {"Cr", cr}}});
 }
 
-const PanelSource source{60, "Colour formats", Make};
+const PanelSource source{65, "Camera layouts", {Make}};
 
 }  // namespace
 }  // namespace qvtool::demo

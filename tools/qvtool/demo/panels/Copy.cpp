@@ -24,28 +24,26 @@ struct Planes {
 };
 
 void Whole(const Scene& scene, Gallery& gallery) {
-  Frame colour(Layout::Bgr, scene.colour.Width(), scene.colour.Height());
-  {
-    const Plane& src = scene.colour.PlaneAt(0);
-    const Plane& dst = colour.PlaneAt(0);
-    gallery.Add({.name = "copy-colour",
-                 .title = "Copy three-byte pixels",
-                 .formula = "dst[3k + c] = src[3k + c]",
-                 .calls = {QV_CALL(CqvAccLib::qvCopy(CqvAccLib::ThreeChannels, src.data, src.step,
-                                                     dst.data, dst.step, src.Size()))},
-                 .before = {{"The frame", scene.colour}},
-                 .after = {{"Its copy", colour}}});
+  const struct {
+    const Frame& frame;
+    const char* name;
+    const char* title;
+    const char* formula;
+  } kinds[] = {{scene.colour, "copy-colour", "pixels of three bytes", "dst[3k + c] = src[3k + c]"},
+               {scene.grey, "copy-plane", "a plane", "dst[k] = src[k]"}};
+  for (const auto& kind : kinds) {
+    Frame result(kind.frame.GetLayout(), kind.frame.Width(), kind.frame.Height());
+    const Plane& src = kind.frame.PlaneAt(0);
+    const Plane& dst = result.PlaneAt(0);
+    const auto type = src.Type("qvCopy");
+    gallery.Add({.name = kind.name,
+                 .title = std::string("Copy ") + kind.title,
+                 .formula = kind.formula,
+                 .calls = {QV_CALL(CqvAccLib::qvCopy(type, src.data, src.step, dst.data, dst.step,
+                                                     src.Size()))},
+                 .before = {{kind.title, kind.frame}},
+                 .after = {{"the copy", result}}});
   }
-  Frame grey(Layout::Grey, scene.grey.Width(), scene.grey.Height());
-  const Plane& src = scene.grey.PlaneAt(0);
-  const Plane& dst = grey.PlaneAt(0);
-  gallery.Add({.name = "copy-plane",
-               .title = "Copy a plane",
-               .formula = "dst[k] = src[k]",
-               .calls = {QV_CALL(CqvAccLib::qvCopy(CqvAccLib::OneChannel, src.data, src.step,
-                                                   dst.data, dst.step, src.Size()))},
-               .before = {{"A grey plane", scene.grey}},
-               .after = {{"Its copy", grey}}});
 }
 
 void Merge(const Scene& scene, Gallery& gallery) {
@@ -66,8 +64,8 @@ void Merge(const Scene& scene, Gallery& gallery) {
                                            dst.data + 1, dst.step, dst.Size())),
                  QV_CALL(CqvAccLib::qvCopy(CqvAccLib::PlaneToThreeChannels, red.data, red.step,
                                            dst.data + 2, dst.step, dst.Size()))},
-       .before = {{"Blue", planes.plane[0]}, {"Green", planes.plane[1]}, {"Red", planes.plane[2]}},
-       .after = {{"All three", merged}}});
+       .before = {{"blue", planes.plane[0]}, {"green", planes.plane[1]}, {"red", planes.plane[2]}},
+       .after = {{"all three", merged}}});
 }
 
 void Duplicate(const Scene& scene, Gallery& gallery) {
@@ -79,8 +77,8 @@ void Duplicate(const Scene& scene, Gallery& gallery) {
                .formula = "dst[3k] = dst[3k + 1] = dst[3k + 2] = src[k]",
                .calls = {QV_CALL(CqvAccLib::qvDup(CqvAccLib::OneChannel, src.data, src.step,
                                                   dst.data, dst.step, src.Size()))},
-               .before = {{"One byte a pixel", scene.grey}},
-               .after = {{"Three bytes a pixel", result}}});
+               .before = {{"one byte a pixel", scene.grey}},
+               .after = {{"three bytes a pixel", result}}});
 }
 
 // The operations know images of four bytes a pixel; frames of this tool keep alpha apart, so the
@@ -110,8 +108,8 @@ void Alpha(const Scene& scene, Gallery& gallery) {
                .calls = {QV_CALL(CqvAccLib::qvCopy(CqvAccLib::ThreeToFourChannels, src.data,
                                                    src.step, bgra, step, size))},
                .finish = [&] { UnpackAlpha(bgra, masked); },
-               .before = {{"The frame", scene.colour}, {"Black with an alpha", empty}},
-               .after = {{"The frame with that alpha", masked}}});
+               .before = {{"the frame", scene.colour}, {"black with an alpha", empty}},
+               .after = {{"the frame with that alpha", masked}}});
 
   Frame dropped(Layout::Bgr, width, height);
   const Plane& dst = dropped.PlaneAt(0);
@@ -120,18 +118,11 @@ void Alpha(const Scene& scene, Gallery& gallery) {
                .formula = "dst[3k + c] = src[4k + c]",
                .calls = {QV_CALL(CqvAccLib::qvCopy(CqvAccLib::FourToThreeChannels, bgra, step,
                                                    dst.data, dst.step, size))},
-               .before = {{"Four bytes a pixel", masked}},
-               .after = {{"Three bytes a pixel", dropped}}});
+               .before = {{"four bytes a pixel", masked}},
+               .after = {{"three bytes a pixel", dropped}}});
 }
 
-void Make(const Scene& scene, Gallery& gallery) {
-  Whole(scene, gallery);
-  Merge(scene, gallery);
-  Duplicate(scene, gallery);
-  Alpha(scene, gallery);
-}
-
-const PanelSource source{10, "Copy", Make};
+const PanelSource source{110, "Copy", {Whole, Merge, Duplicate, Alpha}};
 
 }  // namespace
 }  // namespace qvtool::demo

@@ -15,7 +15,7 @@ void Make(const Scene& scene, Gallery& gallery) {
                  .formula = "dst[3k + c] = value[c]",
                  .calls = {QV_CALL(CqvAccLib::qvSet(CqvAccLib::ThreeChannels, value, dst.data,
                                                     dst.step, dst.Size()))},
-                 .before = {{"The frame", scene.colour}},
+                 .before = {{"the frame", scene.colour}},
                  .after = {{"value = {12, 70, 180}: blue, green, red", result}}});
   }
   // A region of the frame: the same call on a pointer further in.
@@ -30,11 +30,11 @@ void Make(const Scene& scene, Gallery& gallery) {
                .calls = {QV_CALL(CqvAccLib::qvSet(CqvAccLib::OneChannel, &grey, part.data,
                                                   part.step, part.Size()))},
                .pixels = static_cast<long long>(region.width) * region.height,
-               .before = {{"A grey plane", scene.grey}},
-               .after = {{"Its middle filled", blanked}}});
+               .before = {{"a grey plane", scene.grey}},
+               .after = {{"its middle filled", blanked}}});
 }
 
-const PanelSource source{20, "Fill", Make};
+const PanelSource source{120, "Fill", {Make}};
 
 }  // namespace
 }  // namespace qvtool::demo

@@ -31,12 +31,13 @@ void Make(const Scene& scene, Gallery& gallery) {
                  .calls = {QV_CALL(CqvAccLib::qvLUTPalette(CqvAccLib::OneChannel, src.data,
                                                            src.step, dst.data, dst.step, src.Size(),
                                                            palette, bitSize))},
-                 .before = {{"A grey plane", scene.grey}},
-                 .after = {{std::string("Through the palette '") + look.palette + "'", result}}});
+                 .before = {{"a grey plane", scene.grey}},
+                 .after = {{std::string("through the palette '") + look.palette + "'", result}},
+                 .cover = look.bits == 8});
   }
 }
 
-const PanelSource source{40, "Palette", Make};
+const PanelSource source{80, "Palette", {Make}};
 
 }  // namespace
 }  // namespace qvtool::demo

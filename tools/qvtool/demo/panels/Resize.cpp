@@ -5,19 +5,52 @@
 namespace qvtool::demo {
 namespace {
 
-struct Method {
-  int code;
+struct Scale {
   const char* name;
   const char* title;
-  const char* formula;
+  const char* note;
+  double factor;
+  IppiSize part;  // of the frame that is scaled
+  Spot Scene::*spot;
 };
 
-constexpr Method kMethods[] = {
-    {1, "nearest", "nearest neighbour", "dst(i) = src(trunc((i + 0.5) / F))"},
-    {2, "linear", "linear", "two taps at i * (L - 1) / (L * F - 1)"},
-    {4, "cubic", "cubic", "four taps, Keys 1981 with a = -0.5"},
-    {8, "area", "area averaging", "mean of src over [i / F, (i + 1) / F); enlarging: Lanczos"},
-    {16, "lanczos", "Lanczos", "six taps, sinc(x) * sinc(x / 3)"}};
+constexpr Scale kScales[] = {
+    {"up", "Resize, 2.5 times as large",
+     "Nearest repeats pixels, linear blurs, cubic and Lanczos keep edges sharp; area averaging "
+     "enlarges as Lanczos does.",
+     2.5, {360, 200}, &Scene::letters},
+    {"down", "Resize to 2 / 5 of the size",
+     "What is too fine for the result comes out as patterns that the frame has not, except where "
+     "every source pixel counts, as in area averaging.",
+     0.4, {4096, 4096}, &Scene::fine}};
+
+void AddScale(const Scene& scene, const Scale& scale, Gallery& gallery) {
+  const Spot spot = scene.*scale.spot;
+  const IppiRect part = Around(scene.colour, spot, scale.part);
+  const Plane from = scene.colour.PlaneAt(0).Cut(part, scene.colour.Info().plane[0]);
+  const IppiRect all = {0, 0, from.columns, from.rows};
+  const auto scaled = [&](double length) { return static_cast<int>(length * scale.factor); };
+  const IppiSize size = {std::max(1, scaled(from.columns)), std::max(1, scaled(from.rows))};
+  const Spot shown = {scaled(spot.x - part.x), scaled(spot.y - part.y)};
+  const double xFactor = static_cast<double>(size.width) / from.columns;
+  const double yFactor = static_cast<double>(size.height) / from.rows;
+  Frame result(Layout::Bgr, size.width, size.height);
+  const Plane& dst = result.PlaneAt(0);
+  for (const Variant& method : kMethods) {
+    const int code = method.code;
+    gallery.Add({.name = std::string("resize-") + scale.name + "-" + method.name,
+                 .title = scale.title,
+                 .variant = method.title,
+                 .formula = "nearest: src(trunc((i + 0.5) / F)); linear: two taps at "
+                            "i * (L - 1) / (L * F - 1); cubic: four, a = -0.5; Lanczos: six",
+                 .note = scale.note,
+                 .calls = {QV_CALL(CqvAccLib::qvResize(CqvAccLib::ThreeChannels, from.data,
+                                                       from.Size(), from.step, all, dst.data,
+                                                       dst.step, size, xFactor, yFactor, code))},
+                 .before = {Detail("the frame", scene.colour, spot)},
+                 .after = {Detail(method.title, result, shown)}});
+  }
+}
 
 // Luma and chroma each on a grid of its own.
 void AddPacked(const Scene& scene, Gallery& gallery) {
@@ -33,8 +66,9 @@ void AddPacked(const Scene& scene, Gallery& gallery) {
   const Plane& dst = result.PlaneAt(0);
   const int code = 4;
   gallery.Add({.name = "resize-packed",
-               .title = "Resize packed 4:2:2: cubic, code 4",
+               .title = "Resize packed 4:2:2",
                .formula = "Y on the grid of pixels, Cb and Cr on the grid of pairs",
+               .note = "A camera's bytes are halved as they are; pixels are made for this page.",
                .calls = {QV_CALL(CqvAccLib::qvResizeYUV422(
                    CqvAccLib::ThreeChannels, from.data, whole, from.step, all, dst.data, dst.step,
                    size, xFactor, yFactor, code))},
@@ -44,57 +78,16 @@ void AddPacked(const Scene& scene, Gallery& gallery) {
                      CqvAccLib::qvYCbCr422ToBGR(CqvAccLib::ThreeChannels, dst.data, dst.step,
                                                 bgr.data, bgr.step, size);
                    },
-               .before = {{"The frame, in B, G, R", scene.colour}},
-               .after = {{"Resized, in B, G, R", shown}}});
+               .before = {{"the frame", scene.colour}},
+               .after = {{"half its size, cubic", shown}}});
 }
 
-// The zone plate, in which every spatial frequency and every direction has its place.
 void Make(const Scene& scene, Gallery& gallery) {
-  struct Scale {
-    const char* name;
-    const char* title;
-    double factor;
-  };
-  constexpr Scale kScales[] = {{"up", "enlarged", 2.5}, {"down", "reduced", 0.4}};
-  const Plane& src = scene.colour.PlaneAt(0);
-  for (const Scale& scale : kScales) {
-    const IppiRect part = scene.fine;
-    // Enlarged is the detail, reduced the whole frame: each result fits the page.
-    const bool up = scale.factor > 1;
-    const Plane from = up ? src.Cut(part, scene.colour.Info().plane[0]) : src;
-    const IppiRect all = {0, 0, from.columns, from.rows};
-    const auto scaled = [&](int length) {
-      return std::max(1, static_cast<int>(length * scale.factor));
-    };
-    const IppiSize size = {scaled(from.columns), scaled(from.rows)};
-    const IppiSize shownSize = {scaled(part.width), scaled(part.height)};
-    const IppiRect shown = {std::min(scaled(part.x), size.width - shownSize.width),
-                            std::min(scaled(part.y), size.height - shownSize.height),
-                            shownSize.width, shownSize.height};
-    for (const Method& method : kMethods) {
-      Frame result(Layout::Bgr, size.width, size.height);
-      const Plane& dst = result.PlaneAt(0);
-      const double xFactor = static_cast<double>(size.width) / from.columns;
-      const double yFactor = static_cast<double>(size.height) / from.rows;
-      const int code = method.code;
-      Picture after = {"Resized", result};
-      if (!up) after.detail = shown;
-      gallery.Add(
-          {.name = std::string("resize-") + scale.name + "-" + method.name,
-           .title = std::string("Resize, ") + scale.title + ": " + method.title + ", code " +
-                    std::to_string(code),
-           .formula = method.formula,
-           .calls = {QV_CALL(CqvAccLib::qvResize(CqvAccLib::ThreeChannels, from.data, from.Size(),
-                                                 from.step, all, dst.data, dst.step, size, xFactor,
-                                                 yFactor, code))},
-           .before = {{"A part of the frame", scene.colour, part}},
-           .after = {after}});
-    }
-  }
+  for (const Scale& scale : kScales) AddScale(scene, scale, gallery);
   AddPacked(scene, gallery);
 }
 
-const PanelSource source{60, "Resize", Make};
+const PanelSource source{20, "Resize", {Make}};
 
 }  // namespace
 }  // namespace qvtool::demo

@@ -20,11 +20,11 @@ void Make(const Scene& scene, Gallery& gallery) {
                      Check("qvCopy", CqvAccLib::qvCopy(CqvAccLib::ThreeChannels, src.data, src.step,
                                                        dst.data, dst.step, src.Size()));
                    },
-               .before = {{"The frame", scene.colour}},
-               .after = {{"At 112 / 255 of its brightness", result}}});
+               .before = {{"the frame", scene.colour}},
+               .after = {{"at 112 / 255 of its brightness", result}}});
 }
 
-const PanelSource source{50, "Scale", Make};
+const PanelSource source{90, "Scale", {Make}};
 
 }  // namespace
 }  // namespace qvtool::demo

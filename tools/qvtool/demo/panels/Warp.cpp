@@ -1,18 +1,33 @@
-#include <vector>
-
 #include "demo/Panel.h"
 
 namespace qvtool::demo {
 namespace {
 
-struct Method {
-  int code;
-  const char* name;
-  const char* title;
-};
+Spot Warped(Spot spot, const double (&c)[3][3]) {
+  const auto row = [&](int i) { return c[i][0] * spot.x + c[i][1] * spot.y + c[i][2]; };
+  return {static_cast<int>(row(0) / row(2)), static_cast<int>(row(1) / row(2))};
+}
 
-constexpr Method kMethods[] = {
-    {1, "nearest", "nearest neighbour"}, {2, "linear", "linear"}, {4, "cubic", "cubic, Keys 1981"}};
+void AddTwo(const Scene& scene, const double (&onto)[3][3], Gallery& gallery) {
+  const IppiRect all = scene.colour.Bounds();
+  Frame page = Blank(scene.colour.Size()), edge(Layout::Grey, all.width, all.height);
+  const Plane& src = scene.colour.PlaneAt(0);
+  const Plane& mask = scene.mask.PlaneAt(0);
+  const Plane& dst = page.PlaneAt(0);
+  const Plane& dstMask = edge.PlaneAt(0);
+  const unsigned char none = 0;
+  CqvAccLib::qvSet(CqvAccLib::OneChannel, &none, dstMask.data, dstMask.step, dstMask.Size());
+  const int code = 2;
+  gallery.Add({.name = "warp-two",
+               .title = "Warp a frame and its alpha plane",
+               .formula = "both by the same formula, each through a matrix of its own",
+               .calls = {QV_CALL(CqvAccLib::qvWarpPerspectiveEx(
+                   CqvAccLib::ThreeChannels, src.data, src.Size(), src.step, all, dst.data,
+                   dst.step, all, onto, code, mask.data, mask.step, dstMask.data, dstMask.step,
+                   onto))},
+               .before = {{"its alpha", scene.mask}},
+               .after = {{"the frame, linear", page}, {"its alpha", edge}}});
+}
 
 // The frame as a page at a slant, and the page made straight again.
 void Make(const Scene& scene, Gallery& gallery) {
@@ -24,62 +39,47 @@ void Make(const Scene& scene, Gallery& gallery) {
   double onto[3][3], straight[3][3];
   if (CqvAccLib::qvGetPerspectiveTransform(CqvAccLib::ThreeChannels, all, quad, onto) != StatusOk)
     return;  // a frame of a single row or column
-  for (int i = 0; i < 3; ++i)  // the inverse, up to a factor: cofactors
-    for (int k = 0; k < 3; ++k) {
-      const int a = (k + 1) % 3, b = (k + 2) % 3, c = (i + 1) % 3, d = (i + 2) % 3;
-      straight[i][k] = onto[a][c] * onto[b][d] - onto[a][d] * onto[b][c];
-    }
-  const unsigned char background[] = {64, 64, 64};
-  for (const Method& method : kMethods) {
+  const Spot spot = scene.letters;
+  Frame page = Blank(scene.colour.Size()), back = Blank(scene.colour.Size());
+  const Plane& slanted = page.PlaneAt(0);
+  for (const Variant& method : kWarpMethods) {
     const int code = method.code;
-    const std::string tail = std::string(": ") + method.title + ", code " + std::to_string(code);
-    Frame page(Layout::Bgr, all.width, all.height), back(Layout::Bgr, all.width, all.height);
-    const Plane& slanted = page.PlaneAt(0);
-    const Plane& dst = back.PlaneAt(0);
-    for (const Plane* plane : {&slanted, &dst})
-      CqvAccLib::qvSet(CqvAccLib::ThreeChannels, background, plane->data, plane->step,
-                       plane->Size());
-    gallery.Add({.name = std::string("warp-") + method.name,
-                 .title = "Warp onto a quadrilateral" + tail,
-                 .formula = "x' = (c00 X + c01 Y + c02) / (c20 X + c21 Y + c22), y' likewise",
-                 .calls = {QV_CALL(CqvAccLib::qvGetPerspectiveTransform(CqvAccLib::ThreeChannels,
-                                                                        all, quad, onto)),
-                           QV_CALL(CqvAccLib::qvWarpPerspective(
-                               CqvAccLib::ThreeChannels, src.data, src.Size(), src.step, all,
-                               slanted.data, slanted.step, all, onto, code))},
-                 .before = {{"The frame", scene.colour}},
-                 .after = {{"At a slant", page}}});
-    gallery.Add({.name = std::string("unwarp-") + method.name,
-                 .title = "Unwarp: a page made straight" + tail,
-                 .formula = "the same with the inverse matrix",
-                 .calls = {QV_CALL(CqvAccLib::qvWarpPerspective(
-                     CqvAccLib::ThreeChannels, slanted.data, slanted.Size(), slanted.step, all,
-                     dst.data, dst.step, all, straight, code))},
-                 .before = {{"The page", page}},
-                 .after = {{"Made straight", back}}});
+    Panel panel = {.name = std::string("warp-") + method.name,
+                   .title = "Warp onto a quadrilateral",
+                   .variant = method.title,
+                   .formula = "x' = (c00 X + c01 Y + c02) / (c20 X + c21 Y + c22), y' likewise",
+                   .calls = {QV_CALL(CqvAccLib::qvGetPerspectiveTransform(CqvAccLib::ThreeChannels,
+                                                                          all, quad, onto)),
+                             QV_CALL(CqvAccLib::qvWarpPerspective(
+                                 CqvAccLib::ThreeChannels, src.data, src.Size(), src.step, all,
+                                 slanted.data, slanted.step, all, onto, code))},
+                   .before = {Detail("the frame", scene.colour, spot)},
+                   .after = {Detail(method.title, page, Warped(spot, onto))}};
+    if (code == 4) panel.after.push_back({"a page at a slant", page});
+    panel.cover = code == 4;
+    gallery.Add(panel);
+  }
+  const Plane& dst = back.PlaneAt(0);
+  for (const Variant& method : kWarpMethods) {
+    const int code = method.code;
+    Panel panel = {.name = std::string("unwarp-") + method.name,
+                   .title = "Unwarp: a page made straight",
+                   .variant = method.title,
+                   .formula = "the same with the inverse matrix",
+                   .calls = {QV_CALL(qv_invert_transform(onto[0], straight[0])),
+                             QV_CALL(CqvAccLib::qvWarpPerspective(
+                                 CqvAccLib::ThreeChannels, slanted.data, slanted.Size(),
+                                 slanted.step, all, dst.data, dst.step, all, straight, code))},
+                   .before = {Detail("the page", page, Warped(spot, onto))},
+                   .after = {Detail(method.title, back, spot)}};
+    if (code == 4) panel.after.push_back({"made straight", back});
+    gallery.Add(panel);
   }
 
-  Frame page(Layout::Bgr, all.width, all.height), edge(Layout::Grey, all.width, all.height);
-  const Plane& slanted = page.PlaneAt(0);
-  const Plane& mask = scene.mask.PlaneAt(0);
-  const Plane& slantedMask = edge.PlaneAt(0);
-  CqvAccLib::qvSet(CqvAccLib::ThreeChannels, background, slanted.data, slanted.step,
-                   slanted.Size());
-  CqvAccLib::qvSet(CqvAccLib::OneChannel, background, slantedMask.data, slantedMask.step,
-                   slantedMask.Size());
-  const int code = 2;
-  gallery.Add({.name = "warp-two",
-               .title = "Warp a frame and its alpha plane: linear, code 2",
-               .formula = "both by the same formula, each through a matrix of its own",
-               .calls = {QV_CALL(CqvAccLib::qvWarpPerspectiveEx(
-                   CqvAccLib::ThreeChannels, src.data, src.Size(), src.step, all, slanted.data,
-                   slanted.step, all, onto, code, mask.data, mask.step, slantedMask.data,
-                   slantedMask.step, onto))},
-               .before = {{"The frame", scene.colour}, {"Its alpha", scene.mask}},
-               .after = {{"The frame at a slant", page}, {"Its alpha", edge}}});
+  AddTwo(scene, onto, gallery);
 }
 
-const PanelSource source{80, "Perspective", Make};
+const PanelSource source{40, "Perspective", {Make}};
 
 }  // namespace
 }  // namespace qvtool::demo
