@@ -194,8 +194,9 @@ def test_cluster(tmp_path):
     sources, out = clips(tmp_path / "in", 500), tmp_path / "out"
     assert run(*sources, "--out", tmp_path / "expected")[0] == 0
     deadly = script(tmp_path / "deadly", '[[ "${@: -2:1}" != *deadly* ]] || kill -9 $PPID')
-    with cluster(tmp_path, QVTOOL=deadly, DASK_DISTRIBUTED__SCHEDULER__ALLOWED_FAILURES="1") as (
-            address, threads, processes):
+    settings = dict(SCHEDULER__ALLOWED_FAILURES="1", COMM__TIMEOUTS__CONNECT="5s")
+    settings = {f"DASK_DISTRIBUTED__{name}": value for name, value in settings.items()}
+    with cluster(tmp_path, QVTOOL=deadly, **settings) as (address, threads, processes):
         process = start(*sources, "--out", out, "--scheduler", address)
         assert "does not answer; waiting" in process.stdout.readline()
         for thread in threads:
@@ -218,4 +219,4 @@ def test_cluster(tmp_path):
         assert "56 of 502 files" in text and "444 were done already, 2 failed" in text, text
         assert content(out) == content(tmp_path / "expected")
     code, text = run(sources[0], "--out", out, "--scheduler", address, "--patience", "1")
-    assert code == 1 and address in text and text.count("\n") == 1, text
+    assert code == 1 and text.count(f"{address} does not answer") == text.count("\n") == 2, text

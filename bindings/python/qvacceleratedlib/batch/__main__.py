@@ -22,6 +22,7 @@ from ._work import Done, Task, Trouble, WrongChain
 DONE, FAILED, USAGE, INTERRUPTED = 0, 1, 2, 130
 _PARTS = ".qvbatch"  # below the folder of the outputs, as long as a run goes on
 
+
 class NoBar:
     """Nothing to look at where tqdm is missing."""
 
