@@ -65,6 +65,11 @@ TEST(Resize, TakesTheShortcutsOfTheFront) {
   ASSERT_EQ(half.Run(src, &whole, 1), StatusOk);
   ASSERT_EQ(half.Run(src, &dst, 4), StatusOk);
   EXPECT_TRUE(dst == whole);
+  // In bands of half the size linear pixels are means of four, too.
+  Call linear = half;
+  linear.code = 2;
+  ASSERT_EQ(linear.Run(src, &dst, 4), StatusOk);
+  EXPECT_TRUE(dst == whole);
   // A budget without threads has no band.
   EXPECT_EQ(half.Run(src, &dst, 0), StatusOk);
   EXPECT_TRUE(std::all_of(dst.begin(), dst.end(), [](int b) { return b == 77; }));
