@@ -111,6 +111,21 @@ TEST(Resize, RoundsQuotientsToWhatTheyStandFor) {
     }
 }
 
+// Positions so near the next pixel that its weight is rounded to a whole one.
+TEST(Resize, TakesAPixelThatIsNextToAPositionAsItIs) {
+  constexpr int kWidth = 90;
+  const Bytes src = Noise(2 * kWidth * 3 * 2);
+  Bytes dst(kWidth * 3, 200), buffer(1 << 14);
+  ASSERT_EQ(ResizeBand_8u_C3(src.data(), {2 * kWidth, 2}, 2 * kWidth * 3, {0, 0, 2 * kWidth, 2},
+                             dst.data(), kWidth * 3, {0, 0, kWidth, 1}, 0.5, 0.5, -0.25 + 1e-12, 0,
+                             2, buffer.data()),
+            StatusOk);
+  for (int k = 0; k < (kWidth - 1) * 3; ++k) {
+    const int at = k / 3 * 6 + 3 + k % 3, below = at + 2 * kWidth * 3;
+    ASSERT_EQ(dst[k], (src[at] + src[below] + 1) >> 1) << k;
+  }
+}
+
 // Bands place their pixels differently, so it shows when an image is cut.
 TEST(Resize, IsCutOnlyIfSourceAndDestinationHaveTheRows) {
   const Bytes src = Noise(40 * 300);

@@ -113,21 +113,33 @@ static bool AreRowsApart(const LinearTables& t) {
   return true;
 }
 
+// The first pixels of a row that BlendTriples can make.
+static ptrdiff_t DoubledTriples(const LinearTables& t) {
+  if (t.layout != Layout::kTriples || t.x.neighbour != 1) return 0;
+  ptrdiff_t j = 0;
+  while (j < t.width && t.x.first[j] == 2 * j && t.x.weight[j] < kWeightOne) ++j;
+  return j;
+}
+
 // Where it would be used only once, no source row is kept as values.
 template <int kLoads>
 static void RowsAtOnce(SourceRows& rows, const Destination& dst, const LinearTables& t,
                        const LinearGather& plan) {
   const ptrdiff_t bytes = dst.RowBytes(), bare = plan.bare / 2 * 2;
+  const ptrdiff_t doubled = kHasBytePermute ? DoubledTriples(t) : 0;
   for (int i = 0; i < t.height; ++i) {
     const int y = t.y.first[i];
     const Byte *const upper = rows(y), *const lower = rows(y + t.y.neighbour);
     const ptrdiff_t ahead = rows.Ahead(i + 1 < t.height ? t.y.first[i + 1] - y : 0);
     dst.Row(i, 0, bytes, [&](Byte* to) QV_INLINE_LAMBDA {
-      const auto blend = [&]<int kPicks>(ptrdiff_t from, ptrdiff_t end) QV_INLINE_LAMBDA {
-        BlendVectors<kPicks>(plan, upper, lower, ahead, t.y.weight[i], from, end, to, bytes);
-      };
-      blend.template operator()<0>(0, bare);
-      blend.template operator()<kLoads>(bare, plan.vectors);
+      const int w = t.y.weight[i];
+      ptrdiff_t done = bare;
+      if (bare > 0) BlendVectors<0>(plan, upper, lower, ahead, w, 0, bare, to, bytes);
+      if constexpr (kHasBytePermute)
+        if (doubled > 0)
+          done = 3 * BlendTriples(t.x.weight, upper, lower, ahead, w, doubled, to) / kVecBytes * 2;
+      if (done < plan.vectors)
+        BlendVectors<kLoads>(plan, upper, lower, ahead, w, done, plan.vectors, to, bytes);
     });
   }
 }
@@ -156,8 +168,8 @@ static void RowsByValues(SourceRows& rows, const Destination& dst, const LinearT
         [&](int y, Value* out) {
           const Byte* const row = rows(y);
           const ptrdiff_t ahead = rows.Ahead(y < lastRow);
-          InterpolateVectors<0>(plan, row, ahead, from, picked, out);
-          InterpolateVectors<kLoads>(plan, row, ahead, picked, end, out);
+          if (from < picked) InterpolateVectors<0>(plan, row, ahead, from, picked, out);
+          if (picked < end) InterpolateVectors<kLoads>(plan, row, ahead, picked, end, out);
         },
         [&](const Value* upper, const Value* lower, int i) {
           dst.Row(i, k, endByte, [&](Byte* to) {

@@ -19,9 +19,9 @@ namespace {
 //   h = 64 * p0 + (((p1 - p0) * w + 128) >> 8),
 // since 16384 * p0 has no low bits; and the second term is the rounded product of 64 * (p1 - p0)
 // and 2 * w.
-QV_INLINE Vec InterpolateVector(Vec pairs, const Value* twiceWeight) {
+QV_INLINE Vec InterpolateVector(Vec pairs, Vec twiceWeight) {
   const Vec difference = MulAddBytes(pairs, Splat16(64 * 256 + (256 - 64)));
-  return Add16(MulAddBytes(pairs, Splat16(64)), MulRounded15(difference, Load(twiceWeight)));
+  return Add16(MulAddBytes(pairs, Splat16(64)), MulRounded15(difference, twiceWeight));
 }
 
 // (lower * w + upper * (16384 - w) + 2^19) >> 20 in 16-bit lanes. Let u be the nearer row, whose
@@ -87,7 +87,7 @@ __attribute__((noinline)) inline void BlendValues(const Value* upper, const Valu
 // they are. Meanwhile the bytes `ahead` further are fetched.
 template <int kLoads>
 QV_INLINE Vec ValuesOf(const LinearGather& plan, const Byte* row, ptrdiff_t ahead, ptrdiff_t v) {
-  const Value* const weight = plan.twiceWeight + v * (kVecBytes / 2);
+  const Vec weight = Load(plan.twiceWeight + v * (kVecBytes / 2));
   if constexpr (kLoads == 0) {
     const Byte* const pairs = row + v * kVecBytes;
     __builtin_prefetch(pairs + ahead);
@@ -101,19 +101,21 @@ QV_INLINE Vec ValuesOf(const LinearGather& plan, const Byte* row, ptrdiff_t ahea
 // Vectors `from` to end - 1 of a row of values. The plan is copied, so that the compiler need not
 // read it again after every store.
 template <int kLoads>
-__attribute__((noinline)) void InterpolateVectors(LinearGather plan, const Byte* row,
+__attribute__((noinline)) void InterpolateVectors(const LinearGather& shared, const Byte* row,
                                                   ptrdiff_t ahead, ptrdiff_t from, ptrdiff_t end,
                                                   Value* out) {
+  const LinearGather plan = shared;
   for (ptrdiff_t v = from; v < end; ++v)
     Store(out + v * (kVecBytes / 2), ValuesOf<kLoads>(plan, row, ahead, v));
 }
 
 // The same vectors of a destination row, from both source rows at once. `from` is even.
 template <int kLoads>
-__attribute__((noinline)) void BlendVectors(LinearGather plan, const Byte* upper,
+__attribute__((noinline)) void BlendVectors(const LinearGather& shared, const Byte* upper,
                                             const Byte* lower, ptrdiff_t ahead, int weight,
                                             ptrdiff_t from, ptrdiff_t end, Byte* dst,
                                             ptrdiff_t bytes) {
+  const LinearGather plan = shared;
   const RowBlend blend(weight);
   const Byte* const near = blend.Near(upper, lower);
   const Byte* const far = blend.Far(upper, lower);
@@ -123,6 +125,40 @@ __attribute__((noinline)) void BlendVectors(LinearGather plan, const Byte* upper
   for (ptrdiff_t v = from; v < end; v += 2)
     StoreFrom(dst, v * (kVecBytes / 2), bytes,
               PackBytesInOrder(half(v), half(v + 1 < end ? v + 1 : v)));
+}
+
+// The first pixels of a row of three bytes a pixel, where their samples begin at twice their place,
+// as in most of a row that becomes half as long, and weights are below kWeightOne: twenty at once,
+// without the loads of a plan. Returns how many were made of such `pixels`; two are left at least,
+// and up to four bytes behind the others are written as well. Only where there are byte
+// permutations and masked loads.
+inline ptrdiff_t BlendTriples(const Value* weights, const Byte* upper, const Byte* lower,
+                              ptrdiff_t ahead, int weight, ptrdiff_t pixels, Byte* dst) {
+  // Each lane a pair of bytes three apart, each weight in three lanes, and the low bytes of lanes.
+  static constexpr ByteTable kPairs =
+      MakeByteTable([](int i) { return (6 * (i / 6) + i / 2 % 3 + i % 2 * 3) & 63; });
+  static constexpr ByteTable kThrice = MakeByteTable([](int i) { return i / 6 * 2 + i % 2; });
+  static constexpr ByteTable kJoin =
+      MakeByteTable([](int i) { return i < 30 ? 2 * i : 64 + 2 * (i - 30); });
+  const Vec pairs = Load(kPairs.b), thrice = Load(kThrice.b), join = Load(kJoin.b);
+  const RowBlend blend(weight);
+  const Byte* const near = blend.Near(upper, lower);
+  const Byte* const far = blend.Far(upper, lower);
+  ptrdiff_t x = 0;
+  for (; x + 22 <= pixels; x += 20) {
+    const Vec twice = ShiftLeft16<1>(LoadPart(weights + x, FirstOf64(40, 0)));
+    const auto ten = [&](ptrdiff_t k, Vec index) QV_INLINE_LAMBDA {
+      const Vec w = PermuteBytes(twice, index);
+      const auto values = [&](const Byte* row) QV_INLINE_LAMBDA {
+        __builtin_prefetch(row + ahead + k);
+        return InterpolateVector(PermuteBytes(Load(row + k), pairs), w);
+      };
+      return blend(values(near), values(far));
+    };
+    const Vec first = ten(6 * x, thrice), second = ten(6 * x + 60, Add16(thrice, Splat8(20)));
+    Store(dst + 3 * x, PermuteBytes2(first, join, second));
+  }
+  return x;
 }
 
 }  // namespace
