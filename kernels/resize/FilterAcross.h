@@ -68,7 +68,7 @@ void FilterWindows(const Byte* const* lines, ptrdiff_t ahead, const ColumnWindow
           __builtin_prefetch(lines[r] + ahead + base[0] + l);
     for (int v = 0; v < 2; ++v) {
       for (int p = 0; p < kPairs; ++p) {
-        const Vec spread = Load(index), w = Load(weights);
+        const Vec spread = LoadOnce(index), w = LoadOnce(weights);
         for (int r = 0; r < kRows; ++r) {
           Vec pairs;
           if constexpr (kWide)
