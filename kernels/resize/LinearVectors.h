@@ -130,7 +130,7 @@ __attribute__((noinline)) void BlendVectors(const LinearGather& shared, const By
 // The first pixels of a row of three bytes a pixel, where their samples begin at twice their place,
 // as in most of a row that becomes half as long, and weights are below kWeightOne: twenty at once,
 // without the loads of a plan. Returns how many were made of such `pixels`; two are left at least,
-// and up to four bytes behind the others are written as well. Only where there are byte
+// and up to four bytes after the others are written as well. Only where there are byte
 // permutations and masked loads.
 inline ptrdiff_t BlendTriples(const Value* weights, const Byte* upper, const Byte* lower,
                               ptrdiff_t ahead, int weight, ptrdiff_t pixels, Byte* dst) {
