@@ -82,10 +82,10 @@ void ColorRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha
     return OverPixels{fg + 3 * x, fgAlpha + x, bg + 3 * x, bgAlpha + x, mergedAlpha + x};
   };
   ptrdiff_t x = 0;
-  for (; 3 * x + kOverReads <= bytes; x += kOverPixels) OverBlock(at(x));
-  for (; 3 * x < bytes; x += kOverPixels) {
+  for (; 3 * (x + kOverPixels) <= bytes; x += kOverPixels) OverBlock(at(x));
+  for (; 3 * x < bytes; x += kPartPixels) {
     const ptrdiff_t left = bytes - 3 * x;
-    OverPart(at(x), left < 3 * kOverPixels ? left : 3 * kOverPixels);
+    OverPart(at(x), left < 3 * kPartPixels ? left : 3 * kPartPixels);
   }
 }
 
