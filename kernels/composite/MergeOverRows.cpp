@@ -96,6 +96,26 @@ constexpr auto ColorRow = ColorRowPlain;
 
 #endif
 
+// What the alpha planes have in so many pixels stays in the first cache beside the colours.
+constexpr ptrdiff_t kPixelsAtATime = 2048;
+
+// All rows of a plane, from the first byte to behind the last.
+struct Extent {
+  uintptr_t first, end;
+
+  Extent(const Byte* top, int step, ptrdiff_t rowBytes, int height)
+      : first(reinterpret_cast<uintptr_t>(top)),
+        end(reinterpret_cast<uintptr_t>(RowAt(top, step, ptrdiff_t{height} - 1))) {
+    if (step < 0) {
+      const uintptr_t last = first;
+      first = end;
+      end = last;
+    }
+    end += static_cast<uintptr_t>(rowBytes);
+  }
+  bool IsApartFrom(const Extent& other) const { return end <= other.first || other.end <= first; }
+};
+
 }  // namespace
 
 IppStatus MergeAlphaOverPlain_8u(Byte* fg, int fgStep, const Byte* fgAlpha, int fgAlphaStep,
@@ -113,14 +133,28 @@ IppStatus MergeAlphaOverPlain_8u(Byte* fg, int fgStep, const Byte* fgAlpha, int 
   return StatusOk;
 }
 
+// The alphas of all rows come before any colours. If no planes share bytes, only the speed tells
+// whether it is done for all rows or for a few at a time.
 IppStatus MergeAlphaOver_8u(Byte* fg, int fgStep, const Byte* fgAlpha, int fgAlphaStep,
                             const Byte* bg, int bgStep, const Byte* bgAlpha, int bgAlphaStep,
                             Byte* dstAlpha, int rowBytes, int width, int height) {
-  for (int y = 0; y < height; ++y)
-    AlphaRow(RowAt(dstAlpha, fgAlphaStep, y), RowAt(bgAlpha, bgAlphaStep, y), width);
-  for (int y = 0; y < height; ++y)
-    ColorRow(RowAt(fg, fgStep, y), RowAt(fgAlpha, fgAlphaStep, y), RowAt(bg, bgStep, y),
-             RowAt(bgAlpha, bgAlphaStep, y), RowAt(dstAlpha, fgAlphaStep, y), rowBytes);
+  ptrdiff_t pixels = width > 1 ? width : 1;
+  if (3 * pixels < rowBytes) pixels = rowBytes / 3 + 1;
+  const Extent f(fg, fgStep, rowBytes, height), fa(fgAlpha, fgAlphaStep, pixels, height),
+      b(bg, bgStep, rowBytes, height), ba(bgAlpha, bgAlphaStep, pixels, height),
+      a(dstAlpha, fgAlphaStep, pixels, height);
+  const bool rowsApart = fgAlphaStep >= pixels || fgAlphaStep <= -pixels;
+  const bool apart = rowsApart && a.IsApartFrom(f) && a.IsApartFrom(b) && a.IsApartFrom(ba) &&
+                     f.IsApartFrom(ba) && (fgAlpha == dstAlpha || a.IsApartFrom(fa));
+  const int rows = apart ? 1 + static_cast<int>(kPixelsAtATime / pixels) : height;
+  for (int top = 0; top < height; top += rows) {
+    const int end = height - top > rows ? top + rows : height;
+    for (int y = top; y < end; ++y)
+      AlphaRow(RowAt(dstAlpha, fgAlphaStep, y), RowAt(bgAlpha, bgAlphaStep, y), width);
+    for (int y = top; y < end; ++y)
+      ColorRow(RowAt(fg, fgStep, y), RowAt(fgAlpha, fgAlphaStep, y), RowAt(bg, bgStep, y),
+               RowAt(bgAlpha, bgAlphaStep, y), RowAt(dstAlpha, fgAlphaStep, y), rowBytes);
+  }
   return StatusOk;
 }
 
