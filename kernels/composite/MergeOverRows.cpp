@@ -4,6 +4,7 @@
 #include "kernels/level/PlainFloats.h"
 
 #if QV_HAS_VECTORS
+#include "kernels/composite/Ahead.h"
 #include "kernels/composite/OverBlock.h"
 #endif
 
@@ -76,13 +77,23 @@ void AlphaRow(Byte* dstAlpha, const Byte* bgAlpha, ptrdiff_t width) {
   if (!done) AlphaRowPlain(dstAlpha, bgAlpha, width);
 }
 
+template <bool kAhead>
 void ColorRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
               const Byte* mergedAlpha, ptrdiff_t bytes) {
   const auto at = [=](ptrdiff_t x) {
     return OverPixels{fg + 3 * x, fgAlpha + x, bg + 3 * x, bgAlpha + x, mergedAlpha + x};
   };
   ptrdiff_t x = 0;
-  for (; 3 * (x + kOverPixels) <= bytes; x += kOverPixels) OverBlock(at(x));
+  for (; 3 * (x + kOverPixels) <= bytes; x += kOverPixels) {
+    if constexpr (kAhead) {
+      Prefetch<3 * kOverPixels>(fg + 3 * x + kPageBytes);
+      Prefetch<3 * kOverPixels>(bg + 3 * x + kPageBytes);
+      Prefetch<kOverPixels>(fgAlpha + x + kPageBytes / 2);
+      Prefetch<kOverPixels>(bgAlpha + x + kPageBytes / 2);
+      Prefetch<kOverPixels>(mergedAlpha + x + kPageBytes / 2);
+    }
+    OverBlock(at(x));
+  }
   for (; 3 * x < bytes; x += kPartPixels) {
     const ptrdiff_t left = bytes - 3 * x;
     OverPart(at(x), left < 3 * kPartPixels ? left : 3 * kPartPixels);
@@ -92,6 +103,7 @@ void ColorRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha
 #else
 
 constexpr auto AlphaRow = AlphaRowPlain;
+template <bool>
 constexpr auto ColorRow = ColorRowPlain;
 
 #endif
@@ -147,12 +159,13 @@ IppStatus MergeAlphaOver_8u(Byte* fg, int fgStep, const Byte* fgAlpha, int fgAlp
   const bool apart = rowsApart && a.IsApartFrom(f) && a.IsApartFrom(b) && a.IsApartFrom(ba) &&
                      f.IsApartFrom(ba) && (fgAlpha == dstAlpha || a.IsApartFrom(fa));
   const int rows = apart ? 1 + static_cast<int>(kPixelsAtATime / pixels) : height;
+  const auto colorRow = PassesCaches(width, height, 3) ? ColorRow<true> : ColorRow<false>;
   for (int top = 0; top < height; top += rows) {
     const int end = height - top > rows ? top + rows : height;
     for (int y = top; y < end; ++y)
       AlphaRow(RowAt(dstAlpha, fgAlphaStep, y), RowAt(bgAlpha, bgAlphaStep, y), width);
     for (int y = top; y < end; ++y)
-      ColorRow(RowAt(fg, fgStep, y), RowAt(fgAlpha, fgAlphaStep, y), RowAt(bg, bgStep, y),
+      colorRow(RowAt(fg, fgStep, y), RowAt(fgAlpha, fgAlphaStep, y), RowAt(bg, bgStep, y),
                RowAt(bgAlpha, bgAlphaStep, y), RowAt(dstAlpha, fgAlphaStep, y), rowBytes);
   }
   return StatusOk;
