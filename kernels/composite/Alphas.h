@@ -7,8 +7,9 @@ namespace qv::QV_LEVEL {
 // ---- With byte shuffles -------------------------------------------------------------------------
 
 // Picks the alphas of vector j of the colours of kVecBytes pixels. A shuffle stays within 128-bit
-// lanes, and its index counts from the first byte of its lane: of three bytes a pixel on two lanes, the first vector comes from the low one alone, the second from both in place, the third
-// from the high one.
+// lanes, and its index counts from the first byte of its lane: of three bytes a pixel on two lanes,
+// the first vector comes from the low one alone, the second from both in place, the third from the
+// high one.
 template <int kChannels, int j>
 QV_INLINE Vec PickAlphas(Vec alpha, const ByteTable& index) {
   if constexpr (kHasBytePermute) return PermuteBytes(alpha, Load(index.b));
@@ -47,7 +48,7 @@ QV_INLINE Vec AlphasOf(Vec alpha) {
   return PackUnsigned16(TripleWords<1>(high), TripleWords<2>(high));
 }
 
-// ---- For products in 16-bit lanes ----------------------------------------------------------------
+// ---- For products in 16-bit lanes ---------------------------------------------------------------
 
 // The alphas of a vector of colour bytes, each in both bytes of a 16-bit lane: with byte permutes
 // those of its even bytes and of its odd ones, without those of InterleaveLow8 and InterleaveHigh8.

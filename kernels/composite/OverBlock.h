@@ -1,5 +1,5 @@
 // The colours of a few pixels merged in single precision: the block that the over merge's vector
-// rows are made of, in three shapes.
+// rows are made of, in two shapes.
 //
 //   OverBlock(pixels)         kOverPixels pixels, three bytes each, the foreground in place
 //   OverPart(pixels, bytes)   the pixels of the first `bytes` colour bytes, up to kPartPixels
@@ -102,14 +102,15 @@ QV_INLINE Channels MergedChannels(Vec f, Vec b, const OverWeights& w) {
   return merged;
 }
 
-// Byte i of the pixels that PackQuads put into a vector's 128-bit lanes, four pixels each: four
-// bytes of channel 0, four of channel 1, and those of channel 2 from byte `third`.
+// Where byte i of pixels is after packing, four of them to a 128-bit lane: four bytes of channel 0,
+// four of channel 1, and four of channel 2 from byte `third` of the lane.
 constexpr int ByteOfQuads(int i, int third) {
   return i / 12 * 16 + (i % 3 == 2 ? third : i % 3 * 4) + i / 3 % 4;
 }
 
-// Two vectors at once, whose weights come before their colours: this gives the processor most to
-// do at a time.
+// Two vectors at once, and the weights of both first: so most is under way at any time. Colours are
+// converted and multiplied, not taken out of a fused multiplication that begins with 2^23 + x: its
+// third operand and the merging permute's made an AMD Zen wait.
 QV_INLINE void OverPermuted(const OverPixels& p) {
   // The bytes of a whole vector, and then of the half that follows.
   static constexpr ByteTable kWhole = MakeByteTable(
