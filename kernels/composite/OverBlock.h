@@ -138,7 +138,13 @@ QV_INLINE void OverMasked(const OverPixels& p, ptrdiff_t bytes) {
   const OverWeights w = WeightsOfSixteen(
       LoadPart(p.fgAlpha, pixels), LoadPart(p.bgAlpha, pixels), LoadPart(p.merged, pixels));
   const Channels r = MergedChannels<0>(LoadPart(p.fg, colors), LoadPart(p.bg, colors), w);
-  StorePart(p.fg, PermuteBytes(PackThree(r.c), Load(kInterleave.b)), colors);
+  const Vec merged = PermuteBytes(PackThree(r.c), Load(kInterleave.b));
+  if (bytes < 48) {
+    StorePart(p.fg, merged, colors);
+  } else {  // another part follows, whose load would have to wait for a masked store
+    StoreLowHalf(p.fg, merged);
+    Store128(p.fg + 32, Lane<2>(merged));
+  }
 }
 
 // ---- Eight pixels, four in each of two 128-bit lanes --------------------------------------------
