@@ -111,7 +111,7 @@ constexpr auto ColorRow = ColorRowPlain;
 // What the alpha planes have in so many pixels stays in the first cache beside the colours.
 constexpr ptrdiff_t kPixelsAtATime = 2048;
 
-// All rows of a plane, from the first byte to behind the last.
+// All rows of a plane, from the first byte to past the last.
 struct Extent {
   uintptr_t first, end;
 
