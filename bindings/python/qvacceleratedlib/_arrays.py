@@ -1,17 +1,19 @@
 """From numpy arrays to addresses and steps: what an operation takes as it is, and what it refuses.
 
-These functions run in every call, on images that may be small: what they ask an array for is
-bought once, through __array_interface__.
+These functions run in every call, on images that may be small, so they ask an array for little.
 """
 from __future__ import annotations
 
-from typing import Collection, Optional, Sequence, Tuple
+import ctypes
+import sys
+from operator import index
+from typing import Any, Collection, Optional, Sequence, Tuple
 
 import numpy as np
 import numpy.typing as npt
 
-from ._errors import Error, Status
-from ._library import Rect
+from ._errors import Error, Status, failed
+from ._library import Rect, Size, lib
 
 Image = npt.NDArray[np.uint8]
 # Address of the first pixel, step from row to row in bytes, width, height, channels.
@@ -22,6 +24,29 @@ UINT8 = np.dtype(np.uint8)
 # The layouts of pixels of most operations (enum qv_data_type), by channels.
 TYPES = {1: 2, 3: 4}
 ANY = (1, 2, 3, 4)
+BYTES = 2  # the layout of rows of bytes, whatever they are
+
+_HEAD = object.__basicsize__
+_word = ctypes.c_size_t.from_address
+
+
+def _address_in_head(array: npt.NDArray[Any]) -> int:
+    """An array object of CPython begins with its head and the address of its first element, as
+    all extensions built for numpy's binary interface rely on."""
+    return _word(id(array) + _HEAD).value
+
+
+def _address_by_interface(array: npt.NDArray[Any]) -> int:
+    """What holds everywhere, in the sixfold time."""
+    address: int = array.__array_interface__["data"][0]
+    return address
+
+
+address_of = _address_by_interface
+if sys.implementation.name == "cpython":
+    _probe = np.empty(1, UINT8)
+    if _address_in_head(_probe) == _address_by_interface(_probe):
+        address_of = _address_in_head
 
 
 def _wanted(channels: Collection[int]) -> str:
@@ -49,8 +74,7 @@ def pixels(array: Image, argument: str, channels: Collection[int], written: bool
     """Address, step, width, height and channels of an image, which is not copied."""
     if not isinstance(array, np.ndarray) or array.dtype != UINT8:
         raise _refuse_kind(array, argument, channels)
-    interface = array.__array_interface__
-    shape = interface["shape"]
+    shape, strides = array.shape, array.strides
     if len(shape) == 3:
         height, width, count = shape
         if count == 1:
@@ -64,32 +88,28 @@ def pixels(array: Image, argument: str, channels: Collection[int], written: bool
         raise _refuse_kind(array, argument, channels)
     if height < 1 or width < 1:
         raise Error(Status.SIZE_ERR, argument, f"shape {shape} has no pixel")
-    row = width * count
+    row = step = width * count
     if height > MOST or row > MOST:
         raise Error(Status.SIZE_ERR, argument,
                     f"shape {shape} has rows or columns of more than 2^31 - 1 bytes")
-    address, readonly = interface["data"]
-    step = row
-    strides = interface["strides"]
-    if strides is not None:
-        if (width > 1 and strides[1] != count) or (count > 1 and strides[2] != 1):
-            raise _refuse_strides(array, argument, "the bytes of a row are not side by side")
-        if height > 1:
-            step = strides[0]
-            if not -MOST <= step <= MOST:
-                raise _refuse_strides(array, argument, "rows are more than 2^31 - 1 bytes apart")
-            if written and -row < step < row:
-                raise _refuse_strides(array, argument, "rows to be written overlap")
-    if written and readonly:
-        raise Error(Status.BAD_ARG_ERR, argument, "the array is read-only")
-    return address, step, width, height, count
+    if (width > 1 and strides[1] != count) or (count > 1 and strides[2] != 1):
+        raise _refuse_strides(array, argument, "the bytes of a row are not side by side")
+    if height > 1:
+        step = strides[0]
+        if not -MOST <= step <= MOST:
+            raise _refuse_strides(array, argument, "rows are more than 2^31 - 1 bytes apart")
+    if written:
+        if -row < step < row:
+            raise _refuse_strides(array, argument, "rows to be written overlap")
+        if not array.flags.writeable:
+            raise Error(Status.BAD_ARG_ERR, argument, "the array is read-only")
+    return address_of(array), step, width, height, count
 
 
 def separate(out: Image, argument: str, *sources: Optional[Image]) -> None:
     """Refuses an `out` that has a byte in common with a source."""
     for source in sources:
-        if source is not None and np.may_share_memory(out, source) and (
-                np.shares_memory(out, source)):
+        if source is not None and np.shares_memory(out, source):
             raise Error(Status.BAD_ARG_ERR, argument, "it overlaps with an image that is read")
 
 
@@ -99,7 +119,7 @@ def target(out: Optional[Image], shape: Tuple[int, ...], *sources: Optional[Imag
     if out is None:
         out = np.empty(shape, UINT8)
         row = shape[1] * shape[2] if len(shape) == 3 else shape[1]
-        return out, out.__array_interface__["data"][0], row
+        return out, address_of(out), row
     address, step, _, _, _ = pixels(out, argument, ANY, True)
     if out.shape != shape:
         raise Error(Status.SIZE_ERR, argument, f"shape {out.shape} given, {shape} wanted")
@@ -113,9 +133,12 @@ def in_place(image: Image, described: Pixels, out: Optional[Image],
     `out` or in a new array. `described` is what pixels() says of `image`, which is written if it
     is `out`."""
     if out is not image:
-        copy, address, step = target(out, image.shape, image, *sources)
-        np.copyto(copy, image)
-        return copy, (address, step) + described[2:]
+        copy, to, to_step = target(out, image.shape, image, *sources)
+        address, step, width, height, channels = described
+        status = lib.qv_copy(BYTES, address, step, to, to_step, Size(width * channels, height))
+        if status:
+            raise failed(status)
+        return copy, (to, to_step, width, height, channels)
     separate(out, "out", *sources)
     return out, described
 
@@ -129,9 +152,8 @@ def same_size(array: Image, argument: str, width: int, height: int) -> None:
 def size_of(value: Sequence[int], argument: str) -> Tuple[int, int]:
     """A (width, height) of whole numbers from 1 on."""
     try:
-        width, height = value
-        width, height = width.__index__(), height.__index__()
-    except (TypeError, ValueError, AttributeError):
+        width, height = map(index, value)
+    except (TypeError, ValueError):
         raise Error(Status.SIZE_ERR, argument,
                     f"(width, height) in pixels wanted, not {value!r}") from None
     if not (1 <= width <= MOST and 1 <= height <= MOST):
@@ -145,8 +167,8 @@ def rect_of(value: Optional[Sequence[int]], argument: str, width: int, height: i
     if value is None:
         return Rect(0, 0, width, height)
     try:
-        x, y, columns, rows = (number.__index__() for number in value)
-    except (TypeError, ValueError, AttributeError):
+        x, y, columns, rows = map(index, value)
+    except (TypeError, ValueError):
         raise Error(Status.SIZE_ERR, argument,
                     f"(x, y, width, height) in pixels wanted, not {value!r}") from None
     if not (0 <= x <= MOST and 0 <= y <= MOST and 1 <= columns <= MOST and 1 <= rows <= MOST):
@@ -165,8 +187,8 @@ def byte_of(value: int, argument: str) -> int:
 def whole(value: int, argument: str, least: int, most: int) -> int:
     """A whole number of `least` to `most`."""
     try:
-        number = value.__index__()
-    except (TypeError, AttributeError):
+        number = index(value)
+    except TypeError:
         number = least - 1
     if not least <= number <= most:
         raise Error(Status.OUT_OF_RANGE_ERR, argument,

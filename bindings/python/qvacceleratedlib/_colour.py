@@ -1,9 +1,7 @@
 """Between frames of luma and chroma and pixels."""
 from __future__ import annotations
 
-from typing import Any, Optional, Type, Union, cast
-
-import numpy as np
+from typing import Any, Optional, Tuple, Type, Union, cast
 
 from ._arrays import Image, pixels, target
 from ._codes import LAYOUTS, MATRICES, RGB_LAYOUTS, SITINGS, code
@@ -64,7 +62,7 @@ def convert(image: Union[Image, Frame], to: Union[str, Type[Frame]], layout: Opt
     return _to_frame(image, layout, FRAMES[name], constants, out)
 
 
-def _to_pixels(frame: Frame, kind: int, channels: int, constants: tuple,
+def _to_pixels(frame: Frame, kind: int, channels: int, constants: Tuple[int, ...],
                out: Optional[Image]) -> Image:
     shape = (frame.height, frame.width)
     out, to, to_step = target(out, shape if channels == 1 else shape + (channels,), *frame.planes)
@@ -75,7 +73,7 @@ def _to_pixels(frame: Frame, kind: int, channels: int, constants: tuple,
     return out
 
 
-def _to_frame(image: Image, layout: Optional[str], made: Type[F], constants: tuple,
+def _to_frame(image: Image, layout: Optional[str], made: Type[F], constants: Tuple[int, ...],
               out: Optional[F]) -> F:
     address, step, width, height, channels = pixels(image, "image", (1, 3, 4))
     layout = layout or _PLAIN_LAYOUTS[channels]
@@ -91,7 +89,7 @@ def _to_frame(image: Image, layout: Optional[str], made: Type[F], constants: tup
     return out
 
 
-def _frame_out(out: Optional[F], made: Type[F], size: tuple, *sources: Image) -> F:
+def _frame_out(out: Optional[F], made: Type[F], size: Tuple[int, int], *sources: Image) -> F:
     """The frame to write: `out`, or a new one."""
     if out is None:
         return made.empty(*size)

@@ -124,17 +124,19 @@ def merge_alpha_over(foreground: Image, foreground_alpha: Image, background: Ima
     if height > 1 and abs(fa_step) < width:
         raise Error(Status.STEP_ERR, "foreground_alpha", "its rows overlap")
     planes = (background, foreground_alpha, background_alpha)
+    given = alpha is not None
     if alpha is None:
         alpha = np.empty((height, abs(fa_step)), UINT8)[:, :width]
         alpha = alpha if fa_step > 0 else alpha[::-1]
-    alpha, a, a_step = target(alpha, (height, width), foreground, *planes, argument="out[1]")
+    alpha, a, a_step = target(alpha, (height, width), *((foreground, *planes) if given else ()),
+                              argument="out[1]")
     if a_step != fa_step and height > 1:
         raise Error(Status.STEP_ERR, "out[1]",
                     f"rows {a_step} bytes apart, {fa_step} as of foreground_alpha wanted")
     if colours is not None:
         separate(alpha, "out[1]", colours)
     colours, (f, f_step, _, _, _) = in_place(foreground, described, colours, *planes)
-    np.copyto(alpha, foreground_alpha)
+    alpha[...] = foreground_alpha
     status = lib.qv_merge_alpha_over(0, f, f_step, fa, fa_step, ground, ground_step, ba, ba_step, a,
                                      3 * width, width, height)
     if status:

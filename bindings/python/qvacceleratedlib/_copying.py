@@ -5,12 +5,13 @@ from typing import Optional, Sequence, Union, cast
 
 import numpy as np
 
-from ._arrays import ANY, TYPES, UINT8, Image, byte_of, in_place, pixels, same_size, target
+from ._arrays import (ANY, BYTES, TYPES, UINT8, Image, address_of, byte_of, in_place, pixels,
+                      same_size, target)
 from ._codes import AXES, code
 from ._errors import Error, Status, failed
 from ._library import Size, lib
 
-_BYTES, _PLANE_TO_THREE, _FOUR_TO_THREE, _THREE_TO_FOUR, _SCALE = 2, 9, 13, 14, 16
+_PLANE_TO_THREE, _FOUR_TO_THREE, _THREE_TO_FOUR, _SCALE = 9, 13, 14, 16
 
 
 def copy(image: Image, out: Optional[Image] = None) -> Image:
@@ -25,7 +26,7 @@ def copy(image: Image, out: Optional[Image] = None) -> Image:
     """
     address, step, width, height, channels = pixels(image, "image", ANY)
     out, to, to_step = target(out, image.shape, image)
-    status = lib.qv_copy(_BYTES, address, step, to, to_step, Size(width * channels, height))
+    status = lib.qv_copy(BYTES, address, step, to, to_step, Size(width * channels, height))
     if status:
         raise failed(status)
     return out
@@ -120,7 +121,7 @@ def fill(out: Image, value: Union[int, Sequence[int]]) -> Image:
             [255,   0,   9]]], dtype=uint8)
     """
     to, to_step, width, height, channels = pixels(out, "out", ANY, True)
-    kind = _BYTES
+    kind = BYTES
     if isinstance(value, (tuple, list, np.ndarray)):
         if len(value) != 3 or channels != 3:
             raise Error(Status.CHANNEL_ERR, "value",
@@ -177,7 +178,7 @@ def palette(image: Image, entries: Image, out: Optional[Image] = None) -> Image:
                     "a contiguous uint8 array of shape (2, 3), (4, 3), ... or (256, 3) wanted")
     out, to, to_step = target(out, (height, width, 3), image, entries)
     status = lib.qv_lut_palette(0, address, step, to, to_step, Size(width, height),
-                                entries.__array_interface__["data"][0], bits)
+                                address_of(entries), bits)
     if status:
         raise failed(status)
     return out

@@ -2,7 +2,7 @@
 from __future__ import annotations
 
 import enum
-from typing import Dict
+from typing import Any, Dict, Tuple
 
 from ._library import lib
 
@@ -58,7 +58,7 @@ class Error(ValueError):
         where = f"{argument}: " if argument else ""
         super().__init__(f"{where}{reason} ({self.name}, {int(status)})")
 
-    def __reduce__(self) -> tuple:
+    def __reduce__(self) -> Tuple[Any, ...]:
         return Error, (int(self.status), self.argument, self.reason)
 
 

@@ -3,15 +3,12 @@ from __future__ import annotations
 
 from typing import Optional, Tuple
 
-
-import numpy as np
-
-from ._arrays import ANY, Image, pixels, target, whole
+from ._arrays import ANY, BYTES, Image, pixels, target, whole
 from ._codes import FIELD_ORDERS, code
 from ._errors import Error, Status, failed
 from ._library import Size, lib
 
-_BYTES, _WHOLE_FRAME = 2, 0
+_WHOLE_FRAME = 0
 
 
 def deinterlace(image: Image, centre_weight: int = 128, out: Optional[Image] = None) -> Image:
@@ -31,7 +28,7 @@ def deinterlace(image: Image, centre_weight: int = 128, out: Optional[Image] = N
         raise Error(Status.SIZE_ERR, "image", f"shape {image.shape} given, 3 rows wanted")
     out, to, to_step = target(out, image.shape, image)
     # As bytes: of three channels the operation would filter the padding of rows as well.
-    status = lib.qv_deinterlace(_BYTES, address, step, to, to_step, Size(width * channels, height),
+    status = lib.qv_deinterlace(BYTES, address, step, to, to_step, Size(width * channels, height),
                                 centre_weight, _WHOLE_FRAME)
     if status:
         raise failed(status, "image")

@@ -2,6 +2,7 @@
 from __future__ import annotations
 
 import ctypes
+import math
 from typing import Any, ClassVar, Dict, Optional, Tuple, Type, TypeVar
 
 import numpy as np
@@ -106,7 +107,7 @@ class Frame:
         >>> Yuyv.nbytes(1920, 1080)
         4147200
         """
-        return sum(int(np.prod(shape)) for shape in cls.shapes(width, height))
+        return sum(math.prod(shape) for shape in cls.shapes(width, height))
 
     @classmethod
     def empty(cls: Type[F], width: int, height: int) -> F:
@@ -131,7 +132,7 @@ class Frame:
                         f"{memory.size} bytes given, {cls.nbytes(width, height)} wanted")
         planes, start = [], 0
         for shape in cls.shapes(width, height):
-            end = start + int(np.prod(shape))
+            end = start + math.prod(shape)
             planes.append(memory[start:end].reshape(shape))
             start = end
         return cls(*planes, width=width)

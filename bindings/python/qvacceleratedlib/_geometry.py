@@ -3,12 +3,13 @@ from __future__ import annotations
 
 import ctypes
 import math
-from typing import Callable, Collection, List, Optional, Sequence, Tuple, Union
+from typing import Any, Callable, Collection, Optional, Sequence, Tuple, Union
 
 import numpy as np
 import numpy.typing as npt
 
-from ._arrays import ANY, TYPES, UINT8, Image, pixels, rect_of, same_size, separate, size_of
+from ._arrays import (ANY, TYPES, UINT8, Image, address_of, pixels, rect_of, same_size, separate,
+                      size_of)
 from ._codes import SAMPLING, code, finite
 from ._copying import fill
 from ._errors import Error, Status, failed
@@ -17,23 +18,24 @@ from ._library import Rect, Size, lib
 Matrix = npt.NDArray[np.float64]
 Value = Union[int, Sequence[int]]
 
-_NINE, _TWO = ctypes.c_double * 9, ctypes.c_double * 2
+_TWO = ctypes.c_double * 2
 
 
 def _table(rows: Sequence[Sequence[float]], shape: Tuple[int, int], argument: str,
-           status: Status) -> List[float]:
-    """The finite numbers of a table, one row after the other."""
+           status: Status) -> Matrix:
+    """A table of finite numbers, one row after the other in memory."""
     try:
-        values = np.asarray(rows, np.float64)
+        values = np.ascontiguousarray(rows, np.float64)
     except (TypeError, ValueError):
         values = np.empty(0)
     if values.shape != shape:
         raise Error(status, argument, f"{shape[0]} rows of {shape[1]} numbers wanted, not {rows!r}")
-    return finite(values.ravel().tolist(), argument, status, values.size)
+    finite(values.ravel().tolist(), argument, status, values.size)
+    return values
 
 
-def _coefficients(matrix: Sequence[Sequence[float]], argument: str) -> ctypes.Array:
-    return _NINE(*_table(matrix, (3, 3), argument, Status.COEFF_ERR))
+def _coefficients(matrix: Sequence[Sequence[float]], argument: str) -> Matrix:
+    return _table(matrix, (3, 3), argument, Status.COEFF_ERR)
 
 
 class _Source:
@@ -51,42 +53,43 @@ class _Source:
 
     def place(self, size: Optional[Sequence[int]], out: Optional[Image],
               out_region: Optional[Sequence[int]], *others: Image) -> _Place:
-        given = self.size.width, self.size.height
-        if size is not None:
-            given = size_of(size, "size")
-        elif out is not None:
-            given = pixels(out, "out", ANY, True)[2:4]
+        given = None if size is None else size_of(size, "size")
+        if given is None and out is None:
+            given = self.size.width, self.size.height
         return _Place(given, out, self.image.shape[2:], out_region, self.image, *others)
 
 
 class _Place:
-    """What they write: an array, its address and step, and a region of it."""
+    """What they write: an array, its address and step, and a region of it. The size is that of
+    `out` if there is none."""
 
-    def __init__(self, size: Tuple[int, int], out: Optional[Image], channels: Tuple[int, ...],
-                 region: Optional[Sequence[int]], *sources: Image, name: str = "out") -> None:
-        width, height = size
-        shape = (height, width) + channels
+    def __init__(self, size: Optional[Tuple[int, int]], out: Optional[Image],
+                 channels: Tuple[int, ...], region: Optional[Sequence[int]], *sources: Image,
+                 name: str = "out") -> None:
         self.made = out is None
-        self.image = np.zeros(shape, UINT8) if out is None else out
-        self.address, self.step, _, _, _ = pixels(self.image, name, ANY, True)
-        if out is not None:
-            if out.shape != shape:
-                raise Error(Status.SIZE_ERR, name, f"shape {out.shape} given, {shape} wanted")
+        if out is None:
+            assert size is not None
+            out = np.zeros(size[::-1] + channels, UINT8)
+        self.image = out
+        self.address, self.step, width, height, _ = pixels(out, name, ANY, True)
+        shape = (size or (width, height))[::-1] + channels
+        if out.shape != shape:
+            raise Error(Status.SIZE_ERR, name, f"shape {out.shape} given, {shape} wanted")
+        if self.step < 1:
+            raise Error(Status.STEP_ERR, name, "rows from bottom to top, which this does not take")
+        if not self.made:
             separate(out, name, *sources)
-            if self.step < 1:
-                raise Error(Status.STEP_ERR, name,
-                            "rows from bottom to top, which this does not take")
         self.region = rect_of(region, "out_region", width, height, inside=True)
 
-    def make_ground(self, background: Optional[Value], trial: Callable[..., int]) -> None:
+    def make_ground(self, background: Optional[Value], trial: Callable[..., Any]) -> None:
         """Fills the region with the background, unless it is what stands there; not before a trial
         on a pixel of its own has shown that the call itself will not be refused."""
         if background is None or (self.made and not np.any(background)):
             return
         pixel = (ctypes.c_ubyte * 3)()
         _check(trial(ctypes.addressof(pixel), 3, Rect(0, 0, 1, 1)))
-        x, y, width, height = (getattr(self.region, name) for name in ("x", "y", "width", "height"))
-        fill(self.image[y:y + height, x:x + width], background)
+        part = self.region
+        fill(self.image[part.y:part.y + part.height, part.x:part.x + part.width], background)
 
 
 def _check(status: int) -> None:
@@ -127,10 +130,10 @@ def warp_perspective(image: Image, matrix: Sequence[Sequence[float]],
     kind = code(SAMPLING, method, "method", Status.INTERPOLATION_ERR)
     place = source.place(size, out, out_region)
 
-    def call(address: int, step: int, part: Rect) -> int:
+    def call(address: int, step: int, part: Rect) -> Any:
         return lib.qv_warp_perspective(
             source.type, source.address, source.size, source.step, source.region, address, step,
-            part, ctypes.addressof(coefficients), kind)
+            part, address_of(coefficients), kind)
 
     place.make_ground(background, call)
     _check(call(place.address, place.step, place.region))
@@ -165,8 +168,8 @@ def warp_perspective_pair(image: Image, matrix: Sequence[Sequence[float]], mask:
     plane = _Place(given, second_out, (), out_region, image, mask, place.image, name="out[1]")
     _check(lib.qv_warp_perspective_ex(
         0, source.address, source.size, source.step, source.region, place.address, place.step,
-        place.region, ctypes.addressof(coefficients), kind, second.address, second.step,
-        plane.address, plane.step, ctypes.addressof(others)))
+        place.region, address_of(coefficients), kind, second.address, second.step,
+        plane.address, plane.step, address_of(others)))
     return place.image, plane.image
 
 
@@ -205,7 +208,7 @@ def rotate(image: Image, degrees: float, expand: bool = False,
     if not expand and shift is None:
         across, down = _about_middle(degrees, width, height, place.image)
 
-    def call(address: int, step: int, part: Rect) -> int:
+    def call(address: int, step: int, part: Rect) -> Any:
         return lib.qv_rotate(
             source.type, source.address, source.size, source.step, source.region, address, step,
             part, degrees, across, down, kind)
@@ -284,13 +287,12 @@ def perspective_transform(region: Sequence[int], quad: Sequence[Sequence[float]]
            [ 0.,  2.,  0.],
            [ 0.,  0.,  1.]])
     """
-    values = (ctypes.c_double * 8)(*_table(quad, (4, 2), "quad", Status.QUAD_ERR))
-    result = _NINE()
+    corners, result = _table(quad, (4, 2), "quad", Status.QUAD_ERR), np.empty((3, 3))
     status = lib.qv_get_perspective_transform(
-        0, rect_of(region, "region", 1, 1), ctypes.addressof(values), ctypes.addressof(result))
+        0, rect_of(region, "region", 1, 1), address_of(corners), address_of(result))
     if status:
         raise failed(status)
-    return np.array(result).reshape(3, 3) + 0.0  # no negative zeros
+    return result + 0.0  # no negative zeros
 
 
 def invert_transform(matrix: Sequence[Sequence[float]]) -> Matrix:
@@ -303,11 +305,11 @@ def invert_transform(matrix: Sequence[Sequence[float]]) -> Matrix:
            [ 0. ,  0.5,  0. ],
            [ 0. ,  0. ,  1. ]])
     """
-    values = _coefficients(matrix, "matrix")
-    status = lib.qv_invert_transform(ctypes.addressof(values), ctypes.addressof(values))
+    values, result = _coefficients(matrix, "matrix"), np.empty((3, 3))
+    status = lib.qv_invert_transform(address_of(values), address_of(result))
     if status:
         raise failed(status)
-    return np.array(values).reshape(3, 3)
+    return result
 
 
 def warp_source_position(region: Sequence[int], matrix: Sequence[Sequence[float]],
@@ -322,8 +324,8 @@ def warp_source_position(region: Sequence[int], matrix: Sequence[Sequence[float]
     """
     values, position = _coefficients(matrix, "matrix"), _TWO()
     x, y = finite(point, "point", Status.COEFF_ERR, 2)
-    status = lib.qv_warp_source_position(rect_of(region, "region", 1, 1), ctypes.addressof(values),
-                                         x, y, ctypes.addressof(position))
+    status = lib.qv_warp_source_position(rect_of(region, "region", 1, 1), address_of(values), x, y,
+                                         ctypes.addressof(position))
     if status:
         raise failed(status)
     return position[0], position[1]

@@ -16,7 +16,8 @@ _own = threading.local()
 
 
 def get_threads() -> int:
-    return lib.qv_threads()
+    count: int = lib.qv_threads()
+    return count
 
 
 def set_threads(count: int) -> None:
@@ -51,7 +52,8 @@ def _limit(count: int) -> None:
 
 
 def get_level() -> str:
-    return lib.qv_level().decode()
+    name: bytes = lib.qv_level()
+    return name.decode()
 
 
 def set_level(level: str) -> None:
@@ -78,8 +80,8 @@ def row_bytes(layout: str, width: int) -> int:
     >>> row_bytes("yuyv", 1919)
     3840
     """
-    result = lib.qv_row_bytes(code(LAYOUTS, layout, "layout", Status.DATA_TYPE_ERR),
-                              whole(width, "width", 1, 2**31 - 1))
+    result: int = lib.qv_row_bytes(code(LAYOUTS, layout, "layout", Status.DATA_TYPE_ERR),
+                                   whole(width, "width", 1, 2**31 - 1))
     if result < 0:
         raise failed(result, "width")
     return result
