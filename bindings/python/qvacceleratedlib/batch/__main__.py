@@ -14,7 +14,7 @@ import time
 import uuid
 from typing import Any, Dict, Iterator, List, NoReturn, Optional, Sequence, Tuple
 
-from . import _files
+from . import _files, _lock
 from ._manifest import Manifest
 from ._runners import Cluster, Gone, Local, Runner
 from ._work import Done, Task, Trouble, WrongChain
@@ -77,7 +77,7 @@ def _parse(arguments: Optional[Sequence[str]]) -> argparse.Namespace:
     parser.add_argument("--out", required=True, metavar="FOLDER",
                         help="a path or an address for the outputs, and a manifest of them")
     parser.add_argument("--options", default="", metavar="WORDS", help="of `qvtool run` beside its "
-                        "steps: \"--layout nv12 --size 1920x1080\"")
+                        "steps: --options=\"--layout nv12 --size 1920x1080\"")
     parser.add_argument("--base", metavar="FOLDER",
                         help="outputs keep the folders that their inputs have below this one")
     parser.add_argument("--extension", metavar=".EXT",
@@ -91,8 +91,13 @@ def _parse(arguments: Optional[Sequence[str]]) -> argparse.Namespace:
     options = parser.parse_intermixed_args(arguments)
     if options.jobs is not None and options.jobs < 1:
         raise Usage(f"--jobs: {options.jobs} given; wanted is 1 or more")
-    if options.scheduler and not re.fullmatch(r"(\w+://)?[^/]+:\d+", options.scheduler):
-        raise Usage(f"--scheduler: {options.scheduler} given; wanted is such as tcp://host:8786")
+    if options.scheduler is not None:
+        found = re.fullmatch(r"((tcp|tls)://)?[^/]+:(\d{1,5})", options.scheduler)
+        if not found or not 0 < int(found[3]) < 65536:
+            raise Usage(f"--scheduler: {options.scheduler} given; wanted is such as "
+                        "tcp://host:8786")
+    if not options.out:
+        raise Usage("--out: no folder given")
     if not 0 < options.patience < 1e9:
         raise Usage(f"--patience: {options.patience} given; wanted is a number of seconds")
     if options.extension and not options.extension.startswith("."):
@@ -124,8 +129,8 @@ def _name(source: str, base: Optional[str], extension: Optional[str]) -> str:
         if not source.startswith(start):
             raise Usage(f"{source}: is not below --base {base}")
         name = source[len(start):]
-    if not name:
-        raise Usage(f"{source}: is no file")
+    if not name or ("." not in name and os.path.isdir(source)):
+        raise Usage(f"{source}: is a folder; wanted are files")
     return os.path.splitext(name)[0] + extension if extension else name
 
 
@@ -153,28 +158,25 @@ def _tasks(options: argparse.Namespace) -> List[Task]:
 
 
 @contextlib.contextmanager
-def _parts(out: str) -> Iterator[Tuple[str, str]]:
-    """A folder for what is not complete, on the outputs' file system if that has a path, and what
-    workers are told of it. Without it their unfinished outputs go nowhere, so it ends with us."""
-    if _files.is_remote(_files.absolute(out)):
+def _hold(out: str) -> Iterator[Tuple[_lock.Lock, str, str]]:
+    """The lock of the folder of the outputs; a folder for what is not complete, on their file
+    system if that has a path; and what workers are told of it. Without it their unfinished outputs
+    go nowhere, so it ends with us."""
+    target = _files.absolute(out)
+    if _files.is_remote(target):
         with tempfile.TemporaryDirectory(prefix="qvbatch-") as folder:
-            yield folder, ""
+            with _lock.of_address(target, folder, _say) as lock:
+                yield lock, folder, ""
         return
-    top = os.path.join(_files.absolute(out), _PARTS)
+    top = os.path.join(target, _PARTS)
     os.makedirs(top, exist_ok=True)
-    with open(os.path.join(top, "lock"), "w") as lock:
-        with contextlib.suppress(ImportError):  # Windows has no such locks
-            import fcntl
-            try:
-                fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
-            except BlockingIOError:
-                raise Usage(f"{out}: another run is at work there") from None
+    with _lock.of_path(out, top) as lock:
         for name in os.listdir(top):  # of runs that could not clear up
             shutil.rmtree(os.path.join(top, name), ignore_errors=True)
         folder = os.path.join(top, uuid.uuid4().hex)
         os.mkdir(folder)
         try:
-            yield folder, folder
+            yield lock, folder, folder
         finally:
             shutil.rmtree(top, ignore_errors=True)
 
@@ -182,8 +184,9 @@ def _parts(out: str) -> Iterator[Tuple[str, str]]:
 class Batch:
     """One run, and what has become of it."""
 
-    def __init__(self, tasks: List[Task], manifest: Manifest, parts: str) -> None:
-        self._tasks, self._manifest, self._parts = tasks, manifest, parts
+    def __init__(self, tasks: List[Task], manifest: Manifest, lock: _lock.Lock,
+                 parts: str) -> None:
+        self._tasks, self._manifest, self._lock, self._parts = tasks, manifest, lock, parts
         self._failures: List[Tuple[Task, str]] = []
         self._made = self._skipped = self._frames = 0
         self._start = time.monotonic()
@@ -201,11 +204,12 @@ class Batch:
                     continue
                 self._skipped += 1
             except OSError as error:
-                self._failures.append((task, error.strerror or str(error)))
+                self._failures.append((task, _files.reason(error)))
             self._bar.update()
 
     def run(self, runner: Runner) -> None:
         for task, result in runner.run(self._to_do()):
+            self._lock.check()
             if isinstance(result, Done):
                 self._manifest.add(task, result)
                 self._made += 1
@@ -236,15 +240,15 @@ def _runner(options: argparse.Namespace) -> Runner:
 
 
 def _work_on(runner: Runner, tasks: List[Task], out: str) -> int:
-    with _parts(out) as (scratch, parts):
-        batch = Batch(tasks, Manifest(_files.absolute(out), scratch), parts)
+    with _hold(out) as (lock, scratch, parts):
+        batch = Batch(tasks, Manifest(_files.absolute(out), scratch), lock, parts)
         why, code = "", FAILED
         try:
             batch.run(runner)
         except KeyboardInterrupt:
             why, code = "interrupted", INTERRUPTED
-        except Gone as gone:
-            why = str(gone)
+        except (Gone, _lock.Busy) as error:
+            why = str(error)
         finally:
             runner.stop()
         failed = batch.report()
@@ -270,7 +274,10 @@ def main(arguments: Optional[Sequence[str]] = None) -> int:
     except (Usage, WrongChain) as wrong:
         _say(f"{wrong} (see --help)")
         return USAGE
-    except (Gone, Trouble, OSError, ValueError) as error:
+    except OSError as error:
+        _say(_files.reason(error))
+        return FAILED
+    except (Gone, _lock.Busy, Trouble, ValueError) as error:
         _say(str(error))
         return FAILED
     except KeyboardInterrupt:

@@ -14,10 +14,11 @@ import socket
 import threading
 import time
 import uuid
-from typing import Any, Callable, Deque, Dict, Iterator, List, Optional, Sequence, Tuple, Union
+from typing import (AbstractSet, Any, Callable, Deque, Dict, Iterator, List, NamedTuple,
+                    Optional, Sequence, Tuple, Union)
 
 from . import _work
-from ._work import ALONE, ELSEWHERE, Done, Failed, Task
+from ._work import ALONE, ELSEWHERE, UNFIT, Done, Failed, Task
 
 # How often a file is tried where it was the machine that failed. Of workers that die, the
 # scheduler keeps count (distributed.scheduler.allowed-failures).
@@ -108,14 +109,6 @@ class Local(Runner):
 _TOPIC = "qvbatch"
 
 
-def _check_on_worker(command: Sequence[str], extensions: List[str], cwd: str) -> None:
-    from distributed import get_worker
-    try:
-        _work.check(command, extensions, cwd)
-    except _work.Trouble as trouble:
-        raise _work.Trouble(f"{get_worker().address}: {trouble}") from None
-
-
 def _work_on_worker(run: str, number: int, task: Task) -> None:
     """The result goes with the messages of the connection that is there. Were it returned, the
     client would ask the worker for it, and wait for a dead one till that connection times out."""
@@ -124,9 +117,17 @@ def _work_on_worker(run: str, number: int, task: Task) -> None:
     get_worker().log_event(_TOPIC, {"run": run, "number": number, "result": result})
 
 
+class _Given(NamedTuple):
+    """A task that is under way; where it may go to, if not anywhere."""
+
+    task: Task
+    where: Optional[AbstractSet[str]]
+
+
 class Cluster(Runner):
     """A Dask cluster. While its scheduler is away, or has no worker, `patience` seconds are waited;
-    what a scheduler has forgotten is given to the next one."""
+    what a scheduler has forgotten is given to the next one. Every worker is asked once whether it
+    can do the work, and gets none if it cannot."""
 
     def __init__(self, address: str, patience: float, say: Callable[[str], None]) -> None:
         try:
@@ -135,13 +136,18 @@ class Cluster(Runner):
             raise Gone("--scheduler needs Dask (Debian: python3-distributed)") from None
         for name in ("distributed", "distributed.client", "asyncio"):
             logging.getLogger(name).setLevel(logging.CRITICAL)  # what matters is said here
+        settings = distributed.Security().get_connection_args("client")
+        if address.startswith("tls:") and settings["ssl_context"] is None:
+            raise Gone(f"{address}: needs certificates in distributed.comm.tls of Dask's settings")
         self._address, self._patience, self._say = address, patience, say
         self._dask = distributed
         self._run = uuid.uuid4().hex
         self._numbers = itertools.count()
-        self._tasks: Dict[int, Task] = {}
+        self._tasks: Dict[int, _Given] = {}
         self._events: "queue.SimpleQueue[Dict[str, Any]]" = queue.SimpleQueue()
         self._results: Deque[Finished] = collections.deque()
+        self._wanted: Tuple[Any, ...] = ()  # of check()
+        self._fit = False  # whether a worker has been found that can do the work
         self._connect("does not answer", False)
 
     def _connect(self, absent: str, told: bool) -> None:
@@ -154,17 +160,21 @@ class Cluster(Runner):
                 self._client: Any = self._dask.Client(
                     self._address, timeout=min(30, self._patience), set_as_default=False)
                 break
-            except (OSError, ValueError, OverflowError) as error:
-                if time.monotonic() > end or not isinstance(error, OSError):
-                    raise Gone(f"{self._address} {absent}: {error}") from None
+            except OSError as error:
+                why = error.strerror or str(error)
+                if time.monotonic() > end:
+                    raise Gone(f"{self._address} {absent}: {why}") from None
             if not told:
-                self._say(f"{self._address} {absent}; waiting {self._patience:g} s")
+                self._say(f"{self._address} {absent} ({why}); waiting {self._patience:g} s")
                 told = True
             time.sleep(0.2)
         self._completed: Any = self._dask.as_completed(loop=self._client.loop)
         self._futures: Dict[Any, int] = {}
         self._client.subscribe_topic(_TOPIC, lambda event: self._events.put(event[1]))
         self._alone_since: Optional[float] = None
+        self._checks: Dict[str, Any] = {}
+        self._unfit: Dict[str, str] = {}  # why, by worker
+        self._known: AbstractSet[str] = set()  # the others, when tasks were last looked through
         self._workers: Dict[str, Any] = self._client.scheduler_info().get("workers", {})
         threading.Thread(target=self._watch, args=[self._client], daemon=True).start()
 
@@ -182,10 +192,7 @@ class Cluster(Runner):
         self._close()
         self._connect("is away", True)
         self._say(f"{self._address} is back")
-        tasks = list(self._tasks.values())
-        self._tasks.clear()
-        for task in tasks:
-            self.submit(task)
+        self._submit_again(set(self._tasks))
 
     @property
     def window(self) -> int:  # type: ignore[override]
@@ -193,28 +200,76 @@ class Cluster(Runner):
         return max(64, 4 * threads)
 
     def check(self, command: Sequence[str], extensions: List[str], cwd: str) -> None:
-        client: Any = None
-        future: Any = None
-        while future is None or not future.done() or future.status == "cancelled":
-            if client is not self._client or future.status == "cancelled":
-                client = self._client
-                future = client.submit(_check_on_worker, command, extensions, cwd, pure=False)
+        self._wanted = command, extensions, cwd
+        while not self._fit:
             self._look()
             time.sleep(0.01)
-        error = future.exception() if future.status == "error" else None
-        if isinstance(error, (_work.WrongChain, _work.Trouble)):
-            raise error
-        if error is not None:  # such as that of a worker that lacks this package
-            raise Gone(f"a worker of {self._address}: {type(error).__name__}: {error}")
+
+    def _ask(self) -> None:
+        """Asks new workers whether they can do the work, and hears what others have answered."""
+        workers = self._workers
+        for address in self._checks.keys() - workers.keys():
+            del self._checks[address]
+            self._unfit.pop(address, None)
+        for address in workers.keys() - self._checks.keys():
+            self._checks[address] = self._client.submit(
+                _work.check, *self._wanted, workers=[address], pure=False)
+        for address, future in list(self._checks.items()):
+            if future is None or not future.done():
+                continue
+            error = future.exception() if future.status == "error" else None
+            if isinstance(error, _work.WrongChain):
+                raise error
+            if future.status == "cancelled":  # by a scheduler that has not heard of it
+                del self._checks[address]
+                continue
+            self._checks[address] = None
+            if error is None:
+                self._found_fit()
+            elif isinstance(error, _work.Trouble):
+                self._refuse(address, str(error))
+            else:  # such as that of a worker that lacks this package
+                self._refuse(address, f"{type(error).__name__}: {error}")
+
+    def _found_fit(self) -> None:
+        if not self._fit:
+            self._fit = True
+            for address in self._unfit:
+                self._tell_unfit(address)
+
+    def _refuse(self, address: str, reason: str) -> None:
+        if address not in self._unfit:
+            self._unfit[address] = reason
+            if self._fit:
+                self._tell_unfit(address)
+
+    def _tell_unfit(self, address: str) -> None:
+        self._say(f"{address}: {self._unfit[address]}; its files go to other workers")
+
+    def _usable(self) -> AbstractSet[str]:
+        return self._workers.keys() - self._unfit.keys()
 
     def submit(self, task: Task, avoid: str = "") -> None:
-        others = [address for address in self._workers if address != avoid]
-        where = dict(workers=others, allow_other_workers=True) if avoid and others else {}
+        usable = self._usable()
         number = next(self._numbers)
-        future = self._client.submit(_work_on_worker, self._run, number, task, pure=False, **where)
-        self._tasks[number] = task
+        if len(usable) == len(self._workers) and (avoid not in usable or len(usable) == 1):
+            self._tasks[number] = _Given(task, None)
+        else:
+            self._tasks[number] = _Given(task, (usable - {avoid}) or usable)
+            if not usable:
+                return  # till there is one, see _look()
+        where = self._tasks[number].where
+        # Strictly: from where it may go to a worker that fails fast would steal it.
+        future = self._client.submit(_work_on_worker, self._run, number, task, pure=False,
+                                     workers=where and list(where))
         self._futures[future] = number
         self._completed.add(future)
+
+    def _submit_again(self, numbers: AbstractSet[int]) -> None:
+        self._client.cancel([future for future, number in self._futures.items()
+                             if number in numbers])
+        for task, _ in [self._tasks.pop(number) for number in numbers]:
+            self.submit(task)
 
     def next(self) -> Finished:
         while not self._results:
@@ -235,17 +290,25 @@ class Cluster(Runner):
         result: Result = pickle.loads(event["result"])
         if isinstance(result, Failed):
             result = result._replace(worker=event["worker"])
-        self._results.append((self._tasks.pop(event["number"]), result))
+        self._finish(event["number"], result)
+
+    def _finish(self, number: int, result: Result) -> None:
+        task, _ = self._tasks.pop(number)
+        if isinstance(result, Failed) and result.again == UNFIT:
+            if result.worker:
+                self._refuse(result.worker, result.reason)
+            self.submit(task)
+        else:
+            self._results.append((task, result))
 
     def _settle(self, future: Any) -> None:
         number = self._futures.pop(future, None)
         if number not in self._tasks:
             return
         if future.status == "error":
-            self._results.append((self._tasks.pop(number), self._failed(future.exception())))
+            self._finish(number, self._failed(future.exception()))
         elif future.status == "finished":
-            failed = Failed("what became of it has been lost", ELSEWHERE)
-            self._results.append((self._tasks.pop(number), failed))
+            self._finish(number, Failed("what became of it has been lost", ELSEWHERE))
         elif future.status == "cancelled":  # by a scheduler that has not heard of it
             self._reconnect()
         else:
@@ -255,20 +318,32 @@ class Cluster(Runner):
     def _failed(self, error: BaseException) -> Failed:
         if isinstance(error, self._dask.scheduler.KilledWorker):
             return Failed("every worker that had it has died", ALONE)
+        if isinstance(error, ImportError):  # of a worker that lacks this package, see _ask()
+            return Failed(str(error), UNFIT)
         return Failed(f"{type(error).__name__}: {error}".splitlines()[0], ELSEWHERE)
 
     def _look(self) -> None:
-        """Waits for the scheduler, and raises Gone where it or all workers are away too long."""
+        """Waits for the scheduler, and raises Gone where it or all workers are away too long. What
+        was given to workers that are away, or to none, is given to those that are there."""
         if self._client.status != "running":
             self._reconnect()
-        now = time.monotonic()
-        if self._workers:
+        self._ask()
+        now, usable = time.monotonic(), self._usable()
+        lacking = " that can do it" if self._workers else ""
+        if usable:
             self._alone_since = None
+            if usable != self._known:
+                self._known = usable
+                self._submit_again({number for number, (_, where) in self._tasks.items()
+                                    if where is not None and not where & usable})
+        elif self._workers and not self._fit:
+            address, reason = next(iter(self._unfit.items()))
+            raise Gone(f"no worker of {self._address} can do it; {address}: {reason}")
         elif self._alone_since is None:
             self._alone_since = now
-            self._say(f"{self._address} has no worker; waiting {self._patience:g} s")
+            self._say(f"{self._address} has no worker{lacking}; waiting {self._patience:g} s")
         elif now > self._alone_since + self._patience:
-            raise Gone(f"{self._address} has had no worker for {self._patience:g} s")
+            raise Gone(f"{self._address} has had no worker{lacking} for {self._patience:g} s")
 
     def _close(self) -> None:
         with contextlib.suppress(OSError, RuntimeError, concurrent.futures.TimeoutError):
