@@ -107,6 +107,7 @@ class Local(Runner):
 
 
 _TOPIC = "qvbatch"
+_ALL_DIED = "every worker that had it has died"
 
 
 def _work_on_worker(run: str, number: int, task: Task) -> None:
@@ -118,10 +119,12 @@ def _work_on_worker(run: str, number: int, task: Task) -> None:
 
 
 class _Given(NamedTuple):
-    """A task that is under way; where it may go to, if not anywhere."""
+    """A task that is under way; where it may go to, if not anywhere; how often all workers that it
+    might go to have gone."""
 
     task: Task
     where: Optional[AbstractSet[str]]
+    lost: int
 
 
 class Cluster(Runner):
@@ -192,7 +195,10 @@ class Cluster(Runner):
         self._close()
         self._connect("is away", True)
         self._say(f"{self._address} is back")
-        self._submit_again(set(self._tasks))
+        tasks = [given.task for given in self._tasks.values()]
+        self._tasks.clear()
+        for task in tasks:
+            self.submit(task)
 
     @property
     def window(self) -> int:  # type: ignore[override]
@@ -249,27 +255,31 @@ class Cluster(Runner):
     def _usable(self) -> AbstractSet[str]:
         return self._workers.keys() - self._unfit.keys()
 
-    def submit(self, task: Task, avoid: str = "") -> None:
+    def submit(self, task: Task, avoid: str = "", lost: int = 0) -> None:
         usable = self._usable()
+        where: Optional[AbstractSet[str]] = (usable - {avoid}) or usable
+        if where is not None and len(where) == len(self._workers):
+            where = None
         number = next(self._numbers)
-        if len(usable) == len(self._workers) and (avoid not in usable or len(usable) == 1):
-            self._tasks[number] = _Given(task, None)
-        else:
-            self._tasks[number] = _Given(task, (usable - {avoid}) or usable)
-            if not usable:
-                return  # till there is one, see _look()
-        where = self._tasks[number].where
-        # Strictly: from where it may go to a worker that fails fast would steal it.
-        future = self._client.submit(_work_on_worker, self._run, number, task, pure=False,
-                                     workers=where and list(where))
-        self._futures[future] = number
-        self._completed.add(future)
+        self._tasks[number] = _Given(task, where, lost)
+        if where is None or where:  # else it waits for one, see _submit_lost()
+            # A worker that is not among them does not even steal it, as one that fails fast would.
+            future = self._client.submit(_work_on_worker, self._run, number, task, pure=False,
+                                         workers=where and list(where))
+            self._futures[future] = number
+            self._completed.add(future)
 
-    def _submit_again(self, numbers: AbstractSet[int]) -> None:
-        self._client.cancel([future for future, number in self._futures.items()
-                             if number in numbers])
-        for task, _ in [self._tasks.pop(number) for number in numbers]:
-            self.submit(task)
+    def _submit_lost(self, usable: AbstractSet[str]) -> None:
+        """What might go to workers that are gone, or to none, goes to those that are there."""
+        lost = {number: given for number, given in self._tasks.items()
+                if given.where is not None and not given.where & usable}
+        self._client.cancel([future for future, number in self._futures.items() if number in lost])
+        for number, given in lost.items():
+            if given.lost == TRIES:
+                self._finish(number, Failed(_ALL_DIED, ALONE))
+            else:
+                del self._tasks[number]
+                self.submit(given.task, lost=given.lost + bool(given.where))
 
     def next(self) -> Finished:
         while not self._results:
@@ -293,7 +303,7 @@ class Cluster(Runner):
         self._finish(event["number"], result)
 
     def _finish(self, number: int, result: Result) -> None:
-        task, _ = self._tasks.pop(number)
+        task = self._tasks.pop(number).task
         if isinstance(result, Failed) and result.again == UNFIT:
             if result.worker:
                 self._refuse(result.worker, result.reason)
@@ -317,14 +327,13 @@ class Cluster(Runner):
 
     def _failed(self, error: BaseException) -> Failed:
         if isinstance(error, self._dask.scheduler.KilledWorker):
-            return Failed("every worker that had it has died", ALONE)
+            return Failed(_ALL_DIED, ALONE)
         if isinstance(error, ImportError):  # of a worker that lacks this package, see _ask()
             return Failed(str(error), UNFIT)
         return Failed(f"{type(error).__name__}: {error}".splitlines()[0], ELSEWHERE)
 
     def _look(self) -> None:
-        """Waits for the scheduler, and raises Gone where it or all workers are away too long. What
-        was given to workers that are away, or to none, is given to those that are there."""
+        """Waits for the scheduler, and raises Gone where it or all workers are away too long."""
         if self._client.status != "running":
             self._reconnect()
         self._ask()
@@ -334,8 +343,7 @@ class Cluster(Runner):
             self._alone_since = None
             if usable != self._known:
                 self._known = usable
-                self._submit_again({number for number, (_, where) in self._tasks.items()
-                                    if where is not None and not where & usable})
+                self._submit_lost(usable)
         elif self._workers and not self._fit:
             address, reason = next(iter(self._unfit.items()))
             raise Gone(f"no worker of {self._address} can do it; {address}: {reason}")
