@@ -7,15 +7,17 @@ from __future__ import annotations
 import ctypes
 import sys
 from operator import index
-from typing import Any, Collection, Optional, Sequence, Tuple
+from typing import Any, Collection, Optional, Sequence, Tuple, TypeVar
 
 import numpy as np
 import numpy.typing as npt
 
-from ._errors import Error, Status, failed
+from ._errors import Error, Status, failed, shown
 from ._library import Rect, Size, lib
 
 Image = npt.NDArray[np.uint8]
+A = TypeVar("A")
+B = TypeVar("B")
 # Address of the first pixel, step from row to row in bytes, width, height, channels.
 Pixels = Tuple[int, int, int, int, int]
 
@@ -110,7 +112,7 @@ def separate(out: Image, argument: str, *sources: Optional[Image]) -> None:
     """Refuses an `out` that has a byte in common with a source."""
     for source in sources:
         if source is not None and np.shares_memory(out, source):
-            raise Error(Status.BAD_ARG_ERR, argument, "it overlaps with an image that is read")
+            raise Error(Status.BAD_ARG_ERR, argument, "it overlaps with another array of this call")
 
 
 def target(out: Optional[Image], shape: Tuple[int, ...], *sources: Optional[Image],
@@ -143,6 +145,15 @@ def in_place(image: Image, described: Pixels, out: Optional[Image],
     return out, described
 
 
+def pair(out: Optional[Tuple[A, B]]) -> Tuple[Optional[A], Optional[B]]:
+    """The two arrays of an `out` that has two."""
+    if out is None:
+        return None, None
+    if not isinstance(out, (tuple, list)) or len(out) != 2:
+        raise Error(Status.BAD_ARG_ERR, "out", f"two arrays wanted, not {shown(out)}")
+    return out
+
+
 def same_size(array: Image, argument: str, width: int, height: int) -> None:
     if array.shape[:2] != (height, width):
         raise Error(Status.SIZE_ERR, argument,
@@ -155,8 +166,8 @@ def size_of(value: Sequence[int], argument: str) -> Tuple[int, int]:
         width, height = map(index, value)
     except (TypeError, ValueError):
         raise Error(Status.SIZE_ERR, argument,
-                    f"(width, height) in pixels wanted, not {value!r}") from None
-    if not (1 <= width <= MOST and 1 <= height <= MOST):
+                    f"(width, height) in pixels wanted, not {shown(value)}") from None
+    if not (1 <= width <= MOST and 1 <= height <= MOST and width * height < 2**60):
         raise Error(Status.SIZE_ERR, argument, f"{width} x {height} is no size of an image")
     return width, height
 
@@ -170,7 +181,7 @@ def rect_of(value: Optional[Sequence[int]], argument: str, width: int, height: i
         x, y, columns, rows = map(index, value)
     except (TypeError, ValueError):
         raise Error(Status.SIZE_ERR, argument,
-                    f"(x, y, width, height) in pixels wanted, not {value!r}") from None
+                    f"(x, y, width, height) in pixels wanted, not {shown(value)}") from None
     if not (0 <= x <= MOST and 0 <= y <= MOST and 1 <= columns <= MOST and 1 <= rows <= MOST):
         raise Error(Status.SIZE_ERR, argument, f"{tuple(value)} is no region of an image")
     if inside and (x + columns > width or y + rows > height):
@@ -192,7 +203,7 @@ def whole(value: int, argument: str, least: int, most: int) -> int:
         number = least - 1
     if not least <= number <= most:
         raise Error(Status.OUT_OF_RANGE_ERR, argument,
-                    f"a whole number of {least} to {most} wanted, not {value!r}")
+                    f"a whole number of {least} to {most} wanted, not {shown(value)}")
     return number
 
 
@@ -202,5 +213,5 @@ def point_of(value: Sequence[int], argument: str, least: int) -> Tuple[int, int]
         x, y = value
     except (TypeError, ValueError):
         raise Error(Status.OUT_OF_RANGE_ERR, argument,
-                    f"(x, y) in pixels wanted, not {value!r}") from None
+                    f"(x, y) in pixels wanted, not {shown(value)}") from None
     return whole(x, argument, least, MOST), whole(y, argument, least, MOST)

@@ -4,7 +4,7 @@ from __future__ import annotations
 import math
 from typing import Iterable, List, Mapping
 
-from ._errors import Error, Status
+from ._errors import Error, Status, shown
 
 METHODS = {"nearest": 1, "linear": 2, "cubic": 4, "area": 8, "lanczos": 16}
 FILTERS = {**METHODS, "mitchell": 32}
@@ -27,15 +27,23 @@ def code(names: Mapping[str, int], value: str, argument: str, status: Status) ->
         return names[value]
     except (KeyError, TypeError):
         raise Error(status, argument,
-                    f"one of {', '.join(map(repr, names))} wanted, not {value!r}") from None
+                    f"one of {', '.join(map(repr, names))} wanted, not {shown(value)}") from None
 
 
 def finite(values: Iterable[float], argument: str, status: Status, count: int) -> List[float]:
     """So many numbers, none of them infinite or not a number."""
     try:
-        numbers = [float(value) for value in values]
-    except (TypeError, ValueError):
+        numbers = [float(value) for value in values if not isinstance(value, str)]
+    except (TypeError, ValueError, OverflowError):
         numbers = []
     if len(numbers) != count or not all(map(math.isfinite, numbers)):
-        raise Error(status, argument, f"{count} finite numbers wanted, not {values!r}")
+        raise Error(status, argument, f"{count} finite numbers wanted, not {shown(values)}")
     return numbers
+
+
+def number(value: float, argument: str, status: Status) -> float:
+    """A number that is neither infinite nor not a number."""
+    try:
+        return finite((value,), argument, status, 1)[0]
+    except Error:
+        raise Error(status, argument, f"a finite number wanted, not {shown(value)}") from None

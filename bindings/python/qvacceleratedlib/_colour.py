@@ -5,7 +5,7 @@ from typing import Any, Optional, Tuple, Type, Union, cast
 
 from ._arrays import Image, pixels, target
 from ._codes import LAYOUTS, MATRICES, RGB_LAYOUTS, SITINGS, code
-from ._errors import Error, Status, failed
+from ._errors import Error, Status, failed, shown
 from ._frames import FRAMES, F, Frame, I420, Nv12, Yuyv, Yv12
 from ._library import Size, lib
 
@@ -95,7 +95,7 @@ def _frame_out(out: Optional[F], made: Type[F], size: Tuple[int, int], *sources:
         return made.empty(*size)
     if not isinstance(out, made) or out.size != size:
         raise Error(Status.SIZE_ERR, "out",
-                    f"{made.__name__}({size[0]} x {size[1]}) wanted, not {out!r}")
+                    f"{made.__name__}({size[0]} x {size[1]}) wanted, not {shown(out)}")
     out.written("out", *sources)
     return out
 
@@ -185,5 +185,5 @@ def yuyv_to_bgr_exact_api(frame: Yuyv, out: Optional[Image] = None) -> Image:
     status = lib.qv_ycbcr422_to_bgr(0, frame.addresses[0], frame.steps[0], to, to_step,
                                     Size(*frame.size))
     if status:
-        raise failed(status, "frame")
+        raise failed(status, "frame", f"{frame!r} has no pair of pixels")
     return out

@@ -5,7 +5,7 @@ from typing import Optional, Sequence, Tuple
 
 import numpy as np
 
-from ._arrays import (TYPES, UINT8, Image, byte_of, in_place, pixels, point_of, same_size,
+from ._arrays import (TYPES, UINT8, Image, byte_of, in_place, pair, pixels, point_of, same_size,
                       separate, target)
 from ._codes import OPERATIONS, PREMULTIPLIED, code
 from ._errors import Error, Status, failed
@@ -112,7 +112,7 @@ def merge_alpha_over(foreground: Image, foreground_alpha: Image, background: Ima
     >>> merge_alpha_over(colour, opaque, np.zeros_like(colour), opaque)[1]
     array([[255]], dtype=uint8)
     """
-    colours, alpha = (None, None) if out is None else out
+    colours, alpha = pair(out)
     described = pixels(foreground, "foreground", (3,), colours is foreground)
     width, height = described[2:4]
     ground, ground_step, _, _, _ = pixels(background, "background", (3,))

@@ -3,7 +3,7 @@ from __future__ import annotations
 
 from typing import Optional, Tuple
 
-from ._arrays import ANY, BYTES, Image, pixels, target, whole
+from ._arrays import ANY, BYTES, Image, pair, pixels, target, whole
 from ._codes import FIELD_ORDERS, code
 from ._errors import Error, Status, failed
 from ._library import Size, lib
@@ -59,7 +59,7 @@ def deinterlace_bob(image: Image, first: str = "top", centre_weight: int = 0,
     centre_weight = whole(centre_weight, "centre_weight", 0, 256)
     if height < 2:
         raise Error(Status.SIZE_ERR, "image", f"shape {image.shape} given, 2 rows wanted")
-    one, two = (None, None) if out is None else out
+    one, two = pair(out)
     one, to, to_step = target(one, image.shape, image, argument="out[0]")
     second = second_step = 0
     if two is not None or out is None:

@@ -8,11 +8,11 @@ from typing import Any, Callable, Collection, Optional, Sequence, Tuple, Union
 import numpy as np
 import numpy.typing as npt
 
-from ._arrays import (ANY, TYPES, UINT8, Image, address_of, pixels, rect_of, same_size, separate,
-                      size_of)
-from ._codes import SAMPLING, code, finite
-from ._copying import fill
-from ._errors import Error, Status, failed
+from ._arrays import (ANY, TYPES, UINT8, Image, address_of, pair, pixels, rect_of, same_size,
+                      separate, size_of)
+from ._codes import SAMPLING, code, finite, number
+from ._copying import colour_of, paint
+from ._errors import Error, Status, failed, shown
 from ._library import Rect, Size, lib
 
 Matrix = npt.NDArray[np.float64]
@@ -29,7 +29,8 @@ def _table(rows: Sequence[Sequence[float]], shape: Tuple[int, int], argument: st
     except (TypeError, ValueError):
         values = np.empty(0)
     if values.shape != shape:
-        raise Error(status, argument, f"{shape[0]} rows of {shape[1]} numbers wanted, not {rows!r}")
+        raise Error(status, argument,
+                    f"{shape[0]} rows of {shape[1]} numbers wanted, not {shown(rows)}")
     finite(values.ravel().tolist(), argument, status, values.size)
     return values
 
@@ -50,6 +51,12 @@ class _Source:
             raise Error(Status.STEP_ERR, name, "rows from bottom to top, which this does not take")
         self.size = Size(width, height)
         self.region = rect_of(region, "region", width, height)
+
+    def check_extent(self) -> None:
+        """Refuses what has corners on one line, which no perspective carries anywhere."""
+        if self.region.width < 2 or self.region.height < 2:
+            raise Error(Status.COEFF_ERR, "region", "at least 2 x 2 pixels wanted, not "
+                        f"{self.region.width} x {self.region.height}")
 
     def place(self, size: Optional[Sequence[int]], out: Optional[Image],
               out_region: Optional[Sequence[int]], *others: Image) -> _Place:
@@ -84,12 +91,17 @@ class _Place:
     def make_ground(self, background: Optional[Value], trial: Callable[..., Any]) -> None:
         """Fills the region with the background, unless it is what stands there; not before a trial
         on a pixel of its own has shown that the call itself will not be refused."""
-        if background is None or (self.made and not np.any(background)):
+        if background is None:
+            return
+        channels = 1 if self.image.ndim == 2 else self.image.shape[2]
+        colour = colour_of(background, channels, "background")
+        if self.made and not any(colour):
             return
         pixel = (ctypes.c_ubyte * 3)()
         _check(trial(ctypes.addressof(pixel), 3, Rect(0, 0, 1, 1)))
         part = self.region
-        fill(self.image[part.y:part.y + part.height, part.x:part.x + part.width], background)
+        ground = self.image[part.y:part.y + part.height, part.x:part.x + part.width]
+        paint(pixels(ground, "out", ANY, True), colour)
 
 
 def _check(status: int) -> None:
@@ -126,6 +138,7 @@ def warp_perspective(image: Image, matrix: Sequence[Sequence[float]],
            [9, 4, 5]], dtype=uint8)
     """
     source = _Source(image, region)
+    source.check_extent()
     coefficients = _coefficients(matrix, "matrix")
     kind = code(SAMPLING, method, "method", Status.INTERPOLATION_ERR)
     place = source.place(size, out, out_region)
@@ -159,10 +172,11 @@ def warp_perspective_pair(image: Image, matrix: Sequence[Sequence[float]], mask:
     """
     source, second = _Source(image, region, "image", (3,)), _Source(mask, region, "mask", (1,))
     same_size(mask, "mask", source.size.width, source.size.height)
+    source.check_extent()
     coefficients = _coefficients(matrix, "matrix")
     others = coefficients if mask_matrix is None else _coefficients(mask_matrix, "mask_matrix")
     kind = code(SAMPLING, method, "method", Status.INTERPOLATION_ERR)
-    first_out, second_out = (None, None) if out is None else out
+    first_out, second_out = pair(out)
     place = source.place(size, first_out, out_region, mask)
     given = place.image.shape[1], place.image.shape[0]
     plane = _Place(given, second_out, (), out_region, image, mask, place.image, name="out[1]")
@@ -195,7 +209,7 @@ def rotate(image: Image, degrees: float, expand: bool = False,
            [1, 4]], dtype=uint8)
     """
     source = _Source(image, region)
-    degrees, = finite([degrees], "degrees", Status.COEFF_ERR, 1)
+    degrees = number(degrees, "degrees", Status.COEFF_ERR)
     kind = code(SAMPLING, method, "method", Status.INTERPOLATION_ERR)
     width, height = source.size.width, source.size.height
     if expand:
@@ -241,7 +255,7 @@ def rotation_canvas(size: Sequence[int], degrees: float) -> Tuple[Tuple[int, int
     >>> rotation_canvas((640, 480), 90)
     ((480, 640), (0.0, 639.0))
     """
-    degrees, = finite([degrees], "degrees", Status.COEFF_ERR, 1)
+    degrees = number(degrees, "degrees", Status.COEFF_ERR)
     return _canvas(Size(*size_of(size, "size")), degrees)
 
 
@@ -250,7 +264,7 @@ def _canvas(size: Size, degrees: float) -> Tuple[Tuple[int, int], Tuple[float, f
     status = lib.qv_rotation_canvas(size, degrees, ctypes.addressof(canvas),
                                     ctypes.addressof(shift))
     if status:
-        raise failed(status, "size")
+        raise failed(status, "size", "what holds the turned image is no size of an image")
     return (canvas.width, canvas.height), (shift[0], shift[1])
 
 
@@ -266,7 +280,8 @@ def rotate_bound(region: Sequence[int], degrees: float,
     ((0.0, -639.0), (479.0, 0.0))
     """
     bound = (ctypes.c_double * 4)()
-    degrees, across, down = finite((degrees, *shift), "degrees", Status.COEFF_ERR, 3)
+    degrees = number(degrees, "degrees", Status.COEFF_ERR)
+    across, down = finite(shift, "shift", Status.COEFF_ERR, 2)
     status = lib.qv_get_rotate_bound(0, rect_of(region, "region", 1, 1), ctypes.addressof(bound),
                                      degrees, across, down)
     if status:

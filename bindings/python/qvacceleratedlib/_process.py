@@ -7,7 +7,7 @@ from typing import Iterator, Tuple
 
 from ._arrays import whole
 from ._codes import LAYOUTS, code
-from ._errors import Status, failed
+from ._errors import Status, failed, shown
 from ._library import lib
 
 MOST_THREADS = 256
@@ -59,7 +59,8 @@ def get_level() -> str:
 def set_level(level: str) -> None:
     status = lib.qv_set_level(str(level).encode())
     if status:
-        raise failed(status, "level")
+        raise failed(status, "level", f"one of {', '.join(map(repr, levels()))} wanted, not "
+                     f"{shown(level)}")
 
 
 def levels() -> Tuple[str, ...]:
@@ -83,5 +84,5 @@ def row_bytes(layout: str, width: int) -> int:
     result: int = lib.qv_row_bytes(code(LAYOUTS, layout, "layout", Status.DATA_TYPE_ERR),
                                    whole(width, "width", 1, 2**31 - 1))
     if result < 0:
-        raise failed(result, "width")
+        raise failed(result, "width", "a row of more than 2^31 - 1 bytes")
     return result

@@ -246,6 +246,7 @@ FAR = np.lib.stride_tricks.as_strided(G, (2, 20), (2**31, 1))
     ("region", "NO_OVERLAP_WARNING", lambda out: qv.resize(A, region=(99, 0, 1, 1), out=out)),
     ("region", "SIZE_ERR", lambda out: qv.rotate(A, 9, region=(-1, 0, 2, 2), out=out)),
     ("cubic", "OUT_OF_RANGE_ERR", lambda out: qv.resize(A, cubic=np.nan, out=out)),
+    ("method", "INTERPOLATION_ERR", lambda out: qv.resize(A, method=["area"], out=out)),
     ("phase", "OUT_OF_RANGE_ERR", lambda out: qv.resize(A, phase=(2, 0), out=out)),
     ("factors", "RESIZE_FACTOR_ERR", lambda out: qv.resize_exact_api(
         A, (20, 8), factors=(np.nan, 1), out=out)),
@@ -254,6 +255,10 @@ FAR = np.lib.stride_tricks.as_strided(G, (2, 20), (2**31, 1))
     ("matrix", "COEFF_ERR", lambda out: qv.warp_perspective(A, ONE * np.nan, out=out)),
     ("matrix", "COEFF_ERR", lambda out: qv.warp_perspective(A, ONE * 0, out=out, background=9)),
     ("degrees", "COEFF_ERR", lambda out: qv.rotate(A, np.inf, out=out, background=9)),
+    ("degrees", "COEFF_ERR", lambda out: qv.rotate(A, "90", out=out)),
+    ("background", "OUT_OF_RANGE_ERR", lambda out: qv.rotate(A, 9, out=out, background="red")),
+    ("region", "COEFF_ERR", lambda out: qv.warp_perspective(A[:1], ONE, background=9)),
+    ("out", "BAD_ARG_ERR", lambda out: qv.deinterlace_bob(A, out=out)),
     ("quad", "QUAD_ERR", lambda out: qv.perspective_transform((0, 0, 9, 9), [(0, 0)] * 4)),
     ("out_region", "SIZE_ERR", lambda out: qv.rotate(A, 9, out_region=(0, 0, 21, 8), out=out)),
     ("value", "OUT_OF_RANGE_ERR", lambda out: qv.fill(out, (0, 0, 256))),
