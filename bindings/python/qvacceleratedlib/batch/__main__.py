@@ -15,8 +15,9 @@ import uuid
 from typing import Any, Dict, Iterator, List, NoReturn, Optional, Sequence, Tuple
 
 from . import _files, _lock
+from ._cluster import Cluster
 from ._manifest import Manifest
-from ._runners import Cluster, Gone, Local, Runner
+from ._runners import Gone, Local, Runner
 from ._work import Done, Task, Trouble, WrongChain
 
 DONE, FAILED, USAGE, INTERRUPTED = 0, 1, 2, 130
@@ -226,9 +227,11 @@ class Batch:
         seconds = max(time.monotonic() - self._start, 1e-3)
         for task, reason in self._failures:
             _say(reason if task.source in reason else f"{task.source}: {reason}")
-        _say(f"{self._made} of {len(self._tasks)} files in {seconds:.1f} s, "
-             f"{self._made / seconds:.0f} files and {self._frames / seconds:.0f} frames a second; "
-             f"{self._skipped} were done already, {len(self._failures)} failed")
+        files, frames = (f"{count / seconds:.{1 if count < 10 * seconds else 0}f}"
+                         for count in (self._made, self._frames))
+        _say(f"{self._made} of {len(self._tasks)} files in {seconds:.1f} s, {files} files and "
+             f"{frames} frames a second; {self._skipped} were done already, "
+             f"{len(self._failures)} failed")
         return FAILED if self._made + self._skipped < len(self._tasks) else DONE
 
 
