@@ -31,7 +31,9 @@ def _table(rows: Sequence[Sequence[float]], shape: Tuple[int, int], argument: st
     if values.shape != shape:
         raise Error(status, argument,
                     f"{shape[0]} rows of {shape[1]} numbers wanted, not {shown(rows)}")
-    finite(values.ravel().tolist(), argument, status, values.size)
+    numbers = values.ravel().tolist()
+    if not all(map(math.isfinite, numbers)):
+        raise Error(status, argument, f"finite numbers wanted, not {shown(numbers)}")
     return values
 
 

@@ -11,6 +11,7 @@ import sys
 import threading
 import time
 import zlib
+from concurrent.futures import ThreadPoolExecutor
 
 import pytest
 
@@ -38,7 +39,7 @@ def start(*arguments, **environment):
 
 
 def finish(process):
-    output, _ = process.communicate(timeout=120)
+    output, _ = process.communicate(timeout=240)
     return process.returncode, output
 
 
@@ -56,7 +57,7 @@ def content(folder):
     return found
 
 
-def wait(condition, seconds=60):
+def wait(condition, seconds=240):
     end = time.monotonic() + seconds
     while not condition():
         assert time.monotonic() < end
@@ -180,7 +181,7 @@ def cluster(folder, **environment):
     with socket.socket() as free:
         free.bind(("127.0.0.1", 0))
         port = free.getsockname()[1]
-    address, processes, threads, over = f"tcp://127.0.0.1:{port}", {}, [], threading.Event()
+    address, processes, kept, over = f"tcp://127.0.0.1:{port}", {}, [], threading.Event()
     worker = "dask_worker", address, "--nthreads", "2", "--no-nanny"
 
     def keep(name, **more):
@@ -194,18 +195,15 @@ def cluster(folder, **environment):
                     env={**os.environ, **environment, **more})
             processes[name].wait()
 
-    def begin(*arguments, **more):
-        threads.append(threading.Thread(target=keep, args=arguments, kwargs=more))
-        threads[-1].start()
-
-    try:
-        yield address, begin, processes
-    finally:
-        over.set()
-        while any(thread.is_alive() for thread in threads):
-            for process in processes.values():
-                process.kill()
-            time.sleep(0.1)
+    with ThreadPoolExecutor() as pool:
+        try:
+            yield address, lambda *a, **more: kept.append(pool.submit(keep, *a, **more)), processes
+        finally:
+            over.set()
+            while not all(future.done() for future in kept):
+                for process in processes.values():
+                    process.kill()
+                time.sleep(0.1)
 
 
 def test_cluster(tmp_path):
@@ -213,8 +211,8 @@ def test_cluster(tmp_path):
     sources, out = clips(tmp_path / "in", 500), tmp_path / "out"
     assert run(*sources, "--out", tmp_path / "expected")[0] == 0
     deadly = script(tmp_path / "deadly", '[[ "${@: -2:1}" != *deadly* ]] || kill -9 $PPID')
-    settings = dict(SCHEDULER__ALLOWED_FAILURES="1", COMM__TIMEOUTS__CONNECT="5s")
-    settings = {f"DASK_DISTRIBUTED__{name}": value for name, value in settings.items()}
+    settings = {"DASK_DISTRIBUTED__SCHEDULER__ALLOWED_FAILURES": "1",
+                "DASK_DISTRIBUTED__COMM__TIMEOUTS__CONNECT": "5s"}
     with cluster(tmp_path, QVTOOL=deadly, **settings) as (address, begin, processes):
         options = "--out", out, "--scheduler", address
         process = start(*sources, *options)

@@ -23,6 +23,8 @@ from ._work import ALONE, ELSEWHERE, UNFIT, Failed, Task
 
 _TOPIC = "qvbatch"
 _ALL_DIED = "every worker that had it has died"
+# Of a connection that has broken, which is noticed elsewhere.
+_BROKEN = contextlib.suppress(OSError, RuntimeError, concurrent.futures.TimeoutError)
 
 
 def _work_on_worker(run: str, number: int, task: Task) -> None:
@@ -194,7 +196,7 @@ class Cluster(Runner):
         """What might go to workers that are gone, or to none, goes to those that are there."""
         lost = {number: given for number, given in self._tasks.items()
                 if given.where is not None and not given.where & usable}
-        self._client.cancel([future for future, number in self._futures.items() if number in lost])
+        self._cancel([future for future, number in self._futures.items() if number in lost])
         for number, given in lost.items():
             if given.lost == TRIES:
                 self._finish(number, Failed(_ALL_DIED, ALONE))
@@ -274,12 +276,15 @@ class Cluster(Runner):
         elif now > self._alone_since + self._patience:
             raise Gone(f"{self._address} has had no worker{lacking} for {self._patience:g} s")
 
+    def _cancel(self, futures: List[Any]) -> None:
+        with _BROKEN:
+            if futures and self._client.status == "running":
+                self._client.cancel(futures)
+
     def _close(self) -> None:
-        with contextlib.suppress(OSError, RuntimeError, concurrent.futures.TimeoutError):
+        with _BROKEN:
             self._client.close(timeout=2)
 
     def stop(self) -> None:
-        with contextlib.suppress(OSError, RuntimeError, concurrent.futures.TimeoutError):
-            if self._client.status == "running":
-                self._client.cancel(list(self._futures))
+        self._cancel(list(self._futures))
         self._close()
