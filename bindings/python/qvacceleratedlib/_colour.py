@@ -45,9 +45,9 @@ def convert(image: Union[Image, Frame], to: Union[str, Type[Frame]], layout: Opt
            [126, 126]], dtype=uint8)
     """
     name = cast(str, getattr(to, "layout", to))
-    kind = code(LAYOUTS, name, "to", Status.DATA_TYPE_ERR)
-    constants = (code(MATRICES, matrix, "matrix", Status.BAD_ARG_ERR), int(bool(full_range)),
-                 code(SITINGS, siting, "siting", Status.BAD_ARG_ERR))
+    kind = code(LAYOUTS, name, "to")
+    constants = (code(MATRICES, matrix, "matrix"), int(bool(full_range)),
+                 code(SITINGS, siting, "siting"))
     if isinstance(image, Frame):
         if name in _CHANNELS:
             return _to_pixels(image, kind, _CHANNELS[name], constants, out)
@@ -77,7 +77,7 @@ def _to_frame(image: Image, layout: Optional[str], made: Type[F], constants: Tup
               out: Optional[F]) -> F:
     address, step, width, height, channels = pixels(image, "image", (1, 3, 4))
     layout = layout or _PLAIN_LAYOUTS[channels]
-    kind = code(RGB_LAYOUTS, layout, "layout", Status.DATA_TYPE_ERR)
+    kind = code(RGB_LAYOUTS, layout, "layout")
     if _CHANNELS[layout] != channels:
         raise Error(Status.DATA_TYPE_ERR, "layout",
                     f"{layout!r} has {_CHANNELS[layout]} channels, the image {channels}")

@@ -55,7 +55,7 @@ def overlay(frame: Image, foreground: Image, at: Sequence[int] = (0, 0),
     status = lib.qv_over(under, to, to_step, Size(columns, rows), channels, fg, fg_step,
                          Size(width, height), plane, plane_step, x, y, opacity,
                          PREMULTIPLIED if premultiplied else 0)
-    if status not in (Status.OK, Status.NO_OVERLAP_WARNING):  # outside: the frame as it was
+    if status and status != Status.NO_OVERLAP_WARNING:  # outside: the frame as it was
         raise failed(status)
     return out
 
@@ -83,7 +83,7 @@ def compose(first: Image, second: Image, operation: str = "over", alpha1: int = 
     b, b_step, _, _, _ = pixels(second, "second", TYPES)
     if second.shape != first.shape:
         raise Error(Status.SIZE_ERR, "second", f"shape {second.shape} given, {first.shape} wanted")
-    kind = code(OPERATIONS, operation, "operation", Status.ALPHA_TYPE_ERR)
+    kind = code(OPERATIONS, operation, "operation")
     alpha1, alpha2 = byte_of(alpha1, "alpha1"), byte_of(alpha2, "alpha2")
     out, to, to_step = target(out, first.shape)
     separate(out, "out", None if (to, to_step) == (a, a_step) else first,

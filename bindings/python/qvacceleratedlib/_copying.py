@@ -162,7 +162,7 @@ def mirror(image: Image, axis: str = "both", out: Optional[Image] = None) -> Ima
            [6, 5, 4]], dtype=uint8)
     """
     address, step, width, height, channels = pixels(image, "image", TYPES)
-    about = code(AXES, axis, "axis", Status.AXIS_ERR)
+    about = code(AXES, axis, "axis")
     out, to, to_step = target(out, image.shape, image)
     status = lib.qv_mirror(TYPES[channels], address, step, to, to_step, Size(width, height), about)
     if status:

@@ -55,7 +55,7 @@ def deinterlace_bob(image: Image, first: str = "top", centre_weight: int = 0,
     (array([  0,  50, 100, 100], dtype=uint8), array([10, 10, 20, 30], dtype=uint8))
     """
     address, step, width, height, channels = pixels(image, "image", ANY)
-    order = code(FIELD_ORDERS, first, "first", Status.OUT_OF_RANGE_ERR)
+    order = code(FIELD_ORDERS, first, "first")
     centre_weight = whole(centre_weight, "centre_weight", 0, 256)
     if height < 2:
         raise Error(Status.SIZE_ERR, "image", f"shape {image.shape} given, 2 rows wanted")
@@ -84,7 +84,7 @@ def weave(first: Image, second: Image, first_field: str = "top",
     """
     one, one_step, width, height, channels = pixels(first, "first", ANY)
     two, two_step, _, rows, _ = pixels(second, "second", ANY)
-    order = code(FIELD_ORDERS, first_field, "first_field", Status.OUT_OF_RANGE_ERR)
+    order = code(FIELD_ORDERS, first_field, "first_field")
     top, bottom = (height, rows) if order == 0 else (rows, height)
     if first.shape[1:] != second.shape[1:] or not 0 <= top - bottom <= 1:
         raise Error(Status.SIZE_ERR, "second",

@@ -108,7 +108,7 @@ class _Place:
 
 def _check(status: int) -> None:
     """A picture that lies elsewhere leaves the background, which is right."""
-    if status not in (Status.OK, Status.NO_OVERLAP_WARNING):
+    if status and status != Status.NO_OVERLAP_WARNING:
         raise failed(status)
 
 
@@ -142,7 +142,7 @@ def warp_perspective(image: Image, matrix: Sequence[Sequence[float]],
     source = _Source(image, region)
     source.check_extent()
     coefficients = _coefficients(matrix, "matrix")
-    kind = code(SAMPLING, method, "method", Status.INTERPOLATION_ERR)
+    kind = code(SAMPLING, method, "method")
     place = source.place(size, out, out_region)
 
     def call(address: int, step: int, part: Rect) -> Any:
@@ -177,7 +177,7 @@ def warp_perspective_pair(image: Image, matrix: Sequence[Sequence[float]], mask:
     source.check_extent()
     coefficients = _coefficients(matrix, "matrix")
     others = coefficients if mask_matrix is None else _coefficients(mask_matrix, "mask_matrix")
-    kind = code(SAMPLING, method, "method", Status.INTERPOLATION_ERR)
+    kind = code(SAMPLING, method, "method")
     first_out, second_out = pair(out)
     place = source.place(size, first_out, out_region, mask)
     given = place.image.shape[1], place.image.shape[0]
@@ -212,7 +212,7 @@ def rotate(image: Image, degrees: float, expand: bool = False,
     """
     source = _Source(image, region)
     degrees = number(degrees, "degrees", Status.COEFF_ERR)
-    kind = code(SAMPLING, method, "method", Status.INTERPOLATION_ERR)
+    kind = code(SAMPLING, method, "method")
     width, height = source.size.width, source.size.height
     if expand:
         if shift is not None or size is not None:

@@ -7,7 +7,7 @@ from typing import Iterator, Tuple
 
 from ._arrays import whole
 from ._codes import LAYOUTS, code
-from ._errors import Status, failed, shown
+from ._errors import failed, shown
 from ._library import lib
 
 MOST_THREADS = 256
@@ -81,7 +81,7 @@ def row_bytes(layout: str, width: int) -> int:
     >>> row_bytes("yuyv", 1919)
     3840
     """
-    result: int = lib.qv_row_bytes(code(LAYOUTS, layout, "layout", Status.DATA_TYPE_ERR),
+    result: int = lib.qv_row_bytes(code(LAYOUTS, layout, "layout"),
                                    whole(width, "width", 1, 2**31 - 1))
     if result < 0:
         raise failed(result, "width", "a row of more than 2^31 - 1 bytes")

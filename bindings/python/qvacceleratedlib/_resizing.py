@@ -30,8 +30,8 @@ def _options(kind: int, method: str, position: str, narrow: bool,
     if not -1 <= number(cubic, "cubic", Status.OUT_OF_RANGE_ERR) < 0:  # 0 would stand for -0.5
         raise Error(Status.OUT_OF_RANGE_ERR, "cubic", f"-1 up to below 0 wanted, not {cubic!r}")
     return ResampleOptions(
-        kind, code(FILTERS, method, "method", Status.INTERPOLATION_ERR),
-        code(POSITIONS, position, "position", Status.OUT_OF_RANGE_ERR), int(narrow), *part,
+        kind, code(FILTERS, method, "method"),
+        code(POSITIONS, position, "position"), int(narrow), *part,
         *finite(source_phase, "source_phase", Status.OUT_OF_RANGE_ERR, 2),
         *finite(phase, "phase", Status.OUT_OF_RANGE_ERR, 2), cubic)
 
@@ -134,7 +134,7 @@ def resize_exact_api(image: Image, size: Sequence[int], method: str = "cubic",
     array([  0,  50, 100, 150, 200], dtype=uint8)
     """
     address, step, width, height, channels = pixels(image, "image", TYPES)
-    kind = code(METHODS, method, "method", Status.INTERPOLATION_ERR)
+    kind = code(METHODS, method, "method")
     part = rect_of(region, "region", width, height)
     columns, rows = size_of(size, "size")
     if out is None and factors is not None:
@@ -143,7 +143,7 @@ def resize_exact_api(image: Image, size: Sequence[int], method: str = "cubic",
     x, y = _factors(part, (columns, rows), width, height, factors)
     status = lib.qv_resize(TYPES[channels], address, Size(width, height), step, part, to, to_step,
                            Size(columns, rows), x, y, kind)
-    if status not in (Status.OK, Status.NOTHING_TO_DO_WARNING):
+    if status and status != Status.NOTHING_TO_DO_WARNING:
         raise failed(status, "factors" if status == Status.RESIZE_FACTOR_ERR else "")
     return out
 
@@ -162,7 +162,7 @@ def resize_yuyv_exact_api(frame: Yuyv, size: Sequence[int], method: str = "cubic
     if not isinstance(frame, Yuyv):
         raise Error(Status.DATA_TYPE_ERR, "frame", f"Yuyv wanted, not {type(frame).__name__}")
     columns, rows = size_of(size, "size")
-    kind = code(SAMPLING, method, "method", Status.INTERPOLATION_ERR)
+    kind = code(SAMPLING, method, "method")
     if frame.width % 2 or columns % 2:
         raise Error(Status.SIZE_ERR, "frame" if frame.width % 2 else "size", "the width is odd")
     if out is None:
@@ -199,7 +199,7 @@ def source_position(source_size: Sequence[int], size: Sequence[int], point: Sequ
     status = lib.qv_source_position(
         Size(width, height), part, Size(columns, rows),
         *_factors(part, (columns, rows), width, height, factors),
-        code(METHODS, method, "method", Status.INTERPOLATION_ERR), x, y,
+        code(METHODS, method, "method"), x, y,
         ctypes.addressof(position))
     if status:
         if status == Status.OUT_OF_RANGE_ERR:

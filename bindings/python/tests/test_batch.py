@@ -39,7 +39,10 @@ def start(*arguments, **environment):
 
 
 def finish(process):
-    output, _ = process.communicate(timeout=240)
+    try:
+        output, _ = process.communicate(timeout=240)
+    finally:
+        process.kill()
     return process.returncode, output
 
 

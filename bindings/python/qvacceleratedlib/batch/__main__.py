@@ -212,14 +212,24 @@ class Batch:
         for task, result in runner.run(self._to_do()):
             self._lock.check()
             if isinstance(result, Done):
-                self._manifest.add(task, result)
-                self._made += 1
-                self._frames += result.frames
+                self._add(task, result)
             else:
                 self._failures.append((task, result.reason))
             self._bar.set_postfix_str(
                 f"{self._frames / (time.monotonic() - self._start):.0f} frames/s", refresh=False)
             self._bar.update()
+
+    def _add(self, task: Task, done: Done) -> None:
+        self._manifest.add(task, done)
+        self._made += 1
+        self._frames += done.frames
+
+    def end(self, runner: Runner) -> None:
+        """Ends what is under way, if anything is, and adds what was finished by then."""
+        runner.stop()
+        for task, result in runner.rest():
+            if isinstance(result, Done):
+                self._add(task, result)
 
     def report(self) -> int:
         self._bar.close()
@@ -253,7 +263,7 @@ def _work_on(runner: Runner, tasks: List[Task], out: str) -> int:
         except (Gone, _lock.Busy) as error:
             why = str(error)
         finally:
-            runner.stop()
+            batch.end(runner)
         failed = batch.report()
         if why:
             _say(f"{why}; the same command goes on with the rest")

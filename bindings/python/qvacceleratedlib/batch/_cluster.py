@@ -14,8 +14,8 @@ import socket
 import threading
 import time
 import uuid
-from typing import (AbstractSet, Any, Callable, Deque, Dict, List, NamedTuple, Optional, Sequence,
-                    Tuple)
+from typing import (AbstractSet, Any, Callable, Deque, Dict, Iterator, List, NamedTuple, Optional,
+                    Sequence, Tuple)
 
 from . import _work
 from ._runners import TRIES, Finished, Gone, Result, Runner
@@ -288,3 +288,6 @@ class Cluster(Runner):
     def stop(self) -> None:
         self._cancel(list(self._futures))
         self._close()
+
+    def rest(self) -> Iterator[Finished]:
+        return iter(self._results)

@@ -39,6 +39,10 @@ class Runner:
         """Drops what is under way."""
         raise NotImplementedError
 
+    def rest(self) -> Iterator[Finished]:
+        """After stop(): what had finished by then."""
+        raise NotImplementedError
+
     def run(self, tasks: Iterator[Task]) -> Iterator[Finished]:
         """What became of each task, in the order in which they finish."""
         tried: Dict[Task, int] = {}
@@ -92,3 +96,9 @@ class Local(Runner):
         self._pool.shutdown(wait=False, cancel_futures=True)
         _work.stop()
         self._pool.shutdown()
+
+    def rest(self) -> Iterator[Finished]:
+        while not self._finished.empty():
+            task, future = self._finished.get()
+            if not future.cancelled():
+                yield task, future.result()
