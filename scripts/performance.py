@@ -161,7 +161,7 @@ def columns(results):
         "thread.",
         "same work by": "the fastest library of Debian's that does exactly this, on one thread.",
         "similar work by": "the fastest that does something like it, such as less, or with "
-        "coarser rounding; the words behind its name say what.",
+        "coarser rounding; the words after its name say what.",
         "faster": "how many times faster the library is than that peer, both on one thread; below "
         "1 the peer is faster. With ~ it is the peer of similar work.",
     }

@@ -13,7 +13,7 @@ namespace qv {
 
 // Destination sample i is the sum of weights[i * stride + t] times source sample first[i] + t,
 // t = 0 .. taps - 1, in units of 2^-bits, bits from 14 to 30. A multiple of kTapBlock weights,
-// zeros behind the taps, begins at each i * stride. Weights above 0 sum to at most 1.5, those below
+// zeros after the taps, begins at each i * stride. Weights above 0 sum to at most 1.5, those below
 // to at most -0.5.
 struct LongTaps {
   int taps, stride, bits;

@@ -147,7 +147,7 @@ double ExactAxis::FirstTap(double position) const {
   return isArea_ ? Floor(position + 0.5 - reach_) : Floor(position - reach_) + 1;
 }
 
-// Samples behind a period of inner ones are theirs, moved on.
+// Samples after a period of inner ones are theirs, moved on.
 int ExactAxis::CountRows() {
   const int last = axis_.length - taps_;
   const bool fits = reached_ <= axis_.length;

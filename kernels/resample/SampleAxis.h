@@ -57,7 +57,7 @@ double MostTaps(const SampleAxis& axis, const FilterShape& shape);
 class FilterCurve;
 
 // The exact weights of an axis: destination sample i is a sum over source samples. What would come
-// from before the first source sample or from behind the last one comes from these.
+// from before the first source sample or from past the last one comes from these.
 class ExactAxis {
  public:
   // MostTaps fits an int.
@@ -73,7 +73,7 @@ class ExactAxis {
   // first[i] .. first[i] + taps - 1 are inside the source.
   int Trim(double least, int* first) const;
 
-  // These taps' weights: `stride` numbers a sample, behind its taps 0, in units of 2^-bits and
+  // These taps' weights: `stride` numbers a sample, after its taps 0, in units of 2^-bits and
   // summing to exactly 2^bits; or as they are.
   void Store(const int* first, int taps, int bits, int stride, short* weights) const;
   void Store(const int* first, int taps, float* weights) const;

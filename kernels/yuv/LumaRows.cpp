@@ -31,8 +31,8 @@ QV_INLINE Vec Map(Vec bytes, LumaMap map) {
   return PackUnsigned16(half(InterleaveLow8(Zero(), bytes)), half(InterleaveHigh8(Zero(), bytes)));
 }
 
-// Of samples that are not side by side the last is left to the plain row: nothing is read behind
-// it.
+// Of samples that are not side by side the last is left to the plain row: nothing is read
+// past it.
 QV_INLINE void Row(const Byte* src, int apart, Byte* dst, ptrdiff_t width, LumaMap map) {
   const ptrdiff_t covered = apart == 1 ? width : width - 1;
   const bool done = CoverWithBlocks<kVecBytes>(covered, [=](ptrdiff_t x) {

@@ -14,7 +14,7 @@
 
 namespace qv {
 
-// Sample i of a row lies `apart` * i bytes behind its first one. `chroma[0]` is what the first byte
+// Sample i of a row lies `apart` * i bytes past its first one. `chroma[0]` is what the first byte
 // of a pixel hangs on: Cb of B, G, R; Cr of R, G, B. A row of half the width has (width + 1) / 2
 // samples, and a frame of half the height (height + 1) / 2 such rows.
 template <class Byte>

@@ -141,7 +141,7 @@ TEST(Output, ThatIsClosedEndsTheProgramAtOnce) {
   }
 }
 
-// Files of the frames before are there and whole; of those behind, whatever thread had them, none.
+// Files of the frames before it are there and whole; of those after it, on any thread, none.
 TEST(Output, OfPicturesEndsBeforeTheFirstThatFails) {
   Workplace place;
   std::string clip = "YUV4MPEG2 W64 H64 Cmono\n";

@@ -28,7 +28,7 @@ std::string Exif(int orientation, bool bigEndian) {
          n(4, 4) + n(0, 4) + "NAIL";
 }
 
-// The JPEG with this segment behind its first two bytes.
+// The JPEG with this segment after its first two bytes.
 std::string With(const std::string& jpeg, char marker, const std::string& data) {
   return jpeg.substr(0, 2) + '\xff' + marker + Number(data.size() + 2, 2, true) + data +
          jpeg.substr(2);

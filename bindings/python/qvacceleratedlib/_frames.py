@@ -118,13 +118,13 @@ class Frame:
 
     @classmethod
     def empty(cls: Type[F], width: int, height: int) -> F:
-        """A new frame without content, its planes one behind the other in memory."""
+        """A new frame without content, its planes one after the other in memory."""
         width, height = size_of((width, height), "size")
         return cls.from_buffer(np.empty(cls.nbytes(width, height), UINT8), width, height)
 
     @classmethod
     def from_buffer(cls: Type[F], buffer: Any, width: int, height: int) -> F:
-        """The frame whose planes lie one behind the other at the beginning of bytes-like memory,
+        """The frame whose planes lie one after the other at the beginning of bytes-like memory,
         which is not copied: what cameras and ffmpeg's rawvideo deliver.
 
         Errors: too few bytes.
@@ -148,7 +148,7 @@ class Frame:
         return cls(*planes, width=width)
 
     def tobytes(self) -> bytes:
-        """The planes one behind the other, without padding."""
+        """The planes one after the other, without padding."""
         return b"".join(plane.tobytes() for plane in self.planes)
 
     def written(self, argument: str, *sources: Image) -> None:

@@ -40,7 +40,7 @@ struct Metadata {
 // EXIF data that give an orientation and nothing else.
 Bytes ExifOf(int orientation);
 
-// What stands behind the bytes that mark EXIF data in a JPEG segment, or nothing.
+// What follows the bytes that mark EXIF data in a JPEG segment, or nothing.
 std::string_view ExifIn(std::string_view segment);
 
 }  // namespace qvtool

@@ -22,7 +22,7 @@ struct Header {
   }
 };
 
-// The next number of a header and the single white space behind it, or 0. Comments go from # to the
+// The next number of a header and the single white space after it, or 0. Comments go from # to the
 // end of their line.
 int ReadNumber(std::span<const unsigned char> bytes, std::size_t& at) {
   long long number = 0;

@@ -72,7 +72,7 @@ std::size_t PictureCutter::EndOfPng() {
   return All();
 }
 
-// Segments with a length, and behind those that begin a scan its data, in which 0xff is followed by
+// Segments with a length, and after those that begin a scan its data, in which 0xff is followed by
 // 0 or the number of a restart. A file of several pictures, the first of which tells where the
 // others are (CIPA DC-007), is one: the others are variants of the first.
 std::size_t PictureCutter::EndOfJpeg() {

@@ -119,7 +119,7 @@ bool ReadRows(PngState& state, png_bytepp rows) {
   return true;
 }
 
-// After the rows: chunks may stand behind them.
+// After the rows: chunks may follow them.
 std::shared_ptr<const Metadata> ReadMetadata(const PngState& state) {
   auto metadata = std::make_shared<Metadata>();
   png_bytep bytes = nullptr;
