@@ -1,7 +1,7 @@
 """Between frames of luma and chroma and pixels."""
 from __future__ import annotations
 
-from typing import Any, Optional, Tuple, Type, Union, cast
+from typing import Any, Optional, Tuple, Type, Union
 
 from ._arrays import Image, pixels, target
 from ._codes import LAYOUTS, MATRICES, RGB_LAYOUTS, SITINGS, code
@@ -44,7 +44,7 @@ def convert(image: Union[Image, Frame], to: Union[str, Type[Frame]], layout: Opt
     array([[126, 126],
            [126, 126]], dtype=uint8)
     """
-    name = cast(str, getattr(to, "layout", to))
+    name: Any = getattr(to, "layout", to)
     kind = code(LAYOUTS, name, "to")
     constants = (code(MATRICES, matrix, "matrix"), int(bool(full_range)),
                  code(SITINGS, siting, "siting"))
@@ -65,7 +65,7 @@ def convert(image: Union[Image, Frame], to: Union[str, Type[Frame]], layout: Opt
 def _to_pixels(frame: Frame, kind: int, channels: int, constants: Tuple[int, ...],
                out: Optional[Image]) -> Image:
     shape = (frame.height, frame.width)
-    out, to, to_step = target(out, shape if channels == 1 else shape + (channels,), *frame.planes)
+    out, to, to_step = target(out, shape if channels == 1 else shape + (channels,), *frame.memory)
     status = lib.qv_yuv_to_rgb(frame.code, *frame.tables, kind, to, to_step, Size(*frame.size),
                                *constants)
     if status:
@@ -118,7 +118,7 @@ def nv12_to_i420(frame: Nv12, out: Optional[I420] = None) -> I420:
     b'\\x01\\x02\\x03\\x04\\x05\\x06'
     """
     _checked(frame, Nv12)
-    out = _frame_out(out, I420, frame.size, *frame.planes)
+    out = _frame_out(out, I420, frame.size, *frame.memory)
     (luma, chroma), (luma_step, chroma_step) = frame.addresses, frame.steps
     status = lib.qv_ycbcr420(0, luma, luma_step, chroma, chroma_step, *out.tables,
                              Size(*frame.size))
@@ -137,7 +137,7 @@ def yuyv_to_yv12(frame: Yuyv, out: Optional[Yv12] = None) -> Yv12:
     b'\\x01\\x03\\x05\\x07\\x04\\x02'
     """
     _checked(frame, Yuyv)
-    out = _frame_out(out, Yv12, frame.size, *frame.planes)
+    out = _frame_out(out, Yv12, frame.size, *frame.memory)
     status = lib.qv_ycbcr422_to_ycrcb420(0, frame.addresses[0], frame.steps[0], *out.tables,
                                          Size(*frame.size))
     if status:
@@ -158,7 +158,7 @@ def i420_to_bgr_exact_api(frame: I420, out: Optional[Image] = None) -> Image:
     array([255, 255, 255], dtype=uint8)
     """
     _checked(frame, I420)
-    out, to, to_step = target(out, (frame.height, frame.width, 3), *frame.planes)
+    out, to, to_step = target(out, (frame.height, frame.width, 3), *frame.memory)
     status = lib.qv_ycbcr420_to_bgr(0, *frame.tables, to, to_step, Size(*frame.size))
     if status:
         raise failed(status, "frame")
@@ -181,7 +181,7 @@ def yuyv_to_bgr_exact_api(frame: Yuyv, out: Optional[Image] = None) -> Image:
     """
     if not isinstance(frame, Yuyv):
         raise Error(Status.DATA_TYPE_ERR, "frame", f"Yuyv wanted, not {type(frame).__name__}")
-    out, to, to_step = target(out, (frame.height, frame.width, 3), *frame.planes)
+    out, to, to_step = target(out, (frame.height, frame.width, 3), *frame.memory)
     status = lib.qv_ycbcr422_to_bgr(0, frame.addresses[0], frame.steps[0], to, to_step,
                                     Size(*frame.size))
     if status:

@@ -58,7 +58,8 @@ class Frame:
     code: ClassVar[int]
     _samples: ClassVar[Tuple[_Sample, ...]] = ()  # of each plane
 
-    __slots__ = ("planes", "width", "height", "addresses", "steps", "_table", "_written")
+    __slots__ = ("planes", "width", "height", "addresses", "steps", "tables", "memory",
+                 "_table", "_written")
 
     def __init_subclass__(cls, code: Optional[int] = None,
                           samples: Tuple[_Sample, ...] = ()) -> None:
@@ -89,12 +90,10 @@ class Frame:
         count = len(planes)
         self._table = ((ctypes.c_void_p * count)(*self.addresses),
                        (ctypes.c_int * count)(*self.steps))
+        # The addresses of the tables of planes and of steps, as the C interface takes them.
+        self.tables = ctypes.addressof(self._table[0]), ctypes.addressof(self._table[1])
+        self.memory = planes  # arrays of just the bytes that the planes have
         self._written = False
-
-    @property
-    def tables(self) -> Tuple[int, int]:
-        """The addresses of the tables of planes and of steps, as the C interface takes them."""
-        return ctypes.addressof(self._table[0]), ctypes.addressof(self._table[1])
 
     @property
     def size(self) -> Tuple[int, int]:
@@ -145,7 +144,9 @@ class Frame:
             end = start + math.prod(shape)
             planes.append(memory[start:end].reshape(shape))
             start = end
-        return cls(*planes, width=width)
+        frame = cls(*planes, width=width)
+        frame.memory = (memory[:start],)
+        return frame
 
     def tobytes(self) -> bytes:
         """The planes one after the other, without padding."""
@@ -159,8 +160,8 @@ class Frame:
             for i, plane in enumerate(self.planes):
                 separate(plane, argument, *self.planes[:i])
             self._written = True
-        for plane in self.planes:
-            separate(plane, argument, *sources)
+        for array in self.memory:
+            separate(array, argument, *sources)
 
     def __repr__(self) -> str:
         return f"{type(self).__name__}({self.width} x {self.height})"

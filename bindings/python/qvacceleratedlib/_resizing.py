@@ -170,7 +170,7 @@ def resize_yuyv_exact_api(frame: Yuyv, size: Sequence[int], method: str = "cubic
     elif not isinstance(out, Yuyv) or out.size != (columns, rows):
         raise Error(Status.SIZE_ERR, "out", f"Yuyv({columns} x {rows}) wanted, not {shown(out)}")
     else:
-        out.written("out", *frame.planes)
+        out.written("out", *frame.memory)
     width, height = frame.size
     status = lib.qv_resize_yuv422(
         0, frame.addresses[0], Size(width, height), frame.steps[0], Rect(0, 0, width, height),
