@@ -123,23 +123,49 @@ TEST(MergeAlphaOver, IsTheFormulaForAllAlphasOnBothPathsAtAllLevels) {
     }
 }
 
-// A step of 0 lays all rows of the alpha planes over each other: the alpha pass goes over the one
-// row again and again before any colour is merged.
+// All alphas are merged before any colour, which tells where planes share rows: all rows of the
+// alpha planes are one, or row y of a plane is row y + 1 or y - 1 of another.
 TEST(MergeAlphaOver, MergesAllAlphaRowsBeforeTheColours) {
   const UsePath path(true);
-  const int width = 300, height = 5;
-  const Bytes before = Noise(3 * width * height);
-  for (const Level& level : AvailableLevels()) {
-    const UseLevel use(level);
-    Bytes fg = before, bg = Noise(fg.size()), fa = Noise(width), ba = Noise(width + 1), d = fa;
-    Lib::qvMergeAlphaOver(Type(4), fg.data(), 3 * width, fa.data(), 0, bg.data(), 3 * width,
-                          ba.data(), 0, d.data(), 3 * width, width, height);
-    for (int x = 0; x < width; ++x) {
-      unsigned a = fa[x];
-      for (int y = 0; y < height; ++y) a = std::min(255u, a + (((255 - a) * ba[x]) >> 8));
-      ASSERT_EQ(d[x], a);
-      for (int k = 3 * x; k < 3 * width * height; k += 3 * width)
-        ASSERT_EQ(fg[k], FloatColour(before[k], fa[x], bg[k], ba[x], a)) << x << ' ' << level.name;
+  const int width = 1100, height = 5, step = 3 * width, plane = (height + 2) * step;
+  static constexpr struct {
+    const char* what;
+    int alphaStep, fg, fgAlpha, bg, bgAlpha, merged;
+  } kLayouts[] = {
+      {"apart", step, 0, plane, 2 * plane, 3 * plane, 4 * plane},
+      {"one row of alphas", 0, 0, plane, 2 * plane, 3 * plane, 4 * plane},
+      {"foreground alphas below merged", step, 0, plane + step, 2 * plane, 3 * plane, plane},
+      {"background alphas below merged", step, 0, plane, 2 * plane, 3 * plane + step, 3 * plane},
+      {"merged in background colours", step, 0, plane, 2 * plane + step, 3 * plane, 2 * plane},
+      {"merged in colours", step, step, plane, 2 * plane, 3 * plane, 0},
+      {"background alphas in colours", step, step, plane, 2 * plane, 0, 4 * plane},
+  };
+  for (const auto& at : kLayouts) {
+    const Bytes before = Noise(5 * plane);
+    Bytes expected = before;
+    for (int y = 0; y < height; ++y)
+      for (int x = 0; x < width; ++x) {
+        unsigned char& a = expected[at.merged + y * at.alphaStep + x];
+        a = static_cast<unsigned char>(
+            std::min(255, a + ((255 - a) * expected[at.bgAlpha + y * at.alphaStep + x] >> 8)));
+      }
+    for (int y = 0; y < height; ++y)
+      for (int k = 0; k < 3 * width; ++k) {
+        const int x = y * at.alphaStep + k / 3;
+        unsigned char& f = expected[at.fg + y * step + k];
+        f = static_cast<unsigned char>(FloatColour(f, expected[at.fgAlpha + x],
+                                                   expected[at.bg + y * step + k],
+                                                   expected[at.bgAlpha + x],
+                                                   expected[at.merged + x]));
+      }
+    for (const Level& level : AvailableLevels()) {
+      const UseLevel use(level);
+      Bytes all = before;
+      unsigned char* const p = all.data();
+      Lib::qvMergeAlphaOver(kAnyType, p + at.fg, step, p + at.fgAlpha, at.alphaStep, p + at.bg,
+                            step, p + at.bgAlpha, at.alphaStep, p + at.merged, 3 * width, width,
+                            height);
+      ASSERT_TRUE(all == expected) << at.what << ' ' << level.name;
     }
   }
 }

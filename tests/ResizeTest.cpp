@@ -65,6 +65,11 @@ TEST(Resize, TakesTheShortcutsOfTheFront) {
   ASSERT_EQ(half.Run(src, &whole, 1), StatusOk);
   ASSERT_EQ(half.Run(src, &dst, 4), StatusOk);
   EXPECT_TRUE(dst == whole);
+  // In bands of half the size linear pixels are means of four, too.
+  Call linear = half;
+  linear.code = 2;
+  ASSERT_EQ(linear.Run(src, &dst, 4), StatusOk);
+  EXPECT_TRUE(dst == whole);
   // A budget without threads has no band.
   EXPECT_EQ(half.Run(src, &dst, 0), StatusOk);
   EXPECT_TRUE(std::all_of(dst.begin(), dst.end(), [](int b) { return b == 77; }));
@@ -104,6 +109,21 @@ TEST(Resize, RoundsQuotientsToWhatTheyStandFor) {
       for (int i = 0; i < width; ++i)
         ASSERT_EQ(band[i], (2 * i + 1) * length / (2 * width)) << length << ' ' << width;
     }
+}
+
+// Positions so near the next pixel that its weight is rounded to a whole one.
+TEST(Resize, TakesAPixelThatIsNextToAPositionAsItIs) {
+  constexpr int kWidth = 90;
+  const Bytes src = Noise(2 * kWidth * 3 * 2);
+  Bytes dst(kWidth * 3, 200), buffer(1 << 14);
+  ASSERT_EQ(ResizeBand_8u_C3(src.data(), {2 * kWidth, 2}, 2 * kWidth * 3, {0, 0, 2 * kWidth, 2},
+                             dst.data(), kWidth * 3, {0, 0, kWidth, 1}, 0.5, 0.5, -0.25 + 1e-12, 0,
+                             2, buffer.data()),
+            StatusOk);
+  for (int k = 0; k < (kWidth - 1) * 3; ++k) {
+    const int at = k / 3 * 6 + 3 + k % 3, below = at + 2 * kWidth * 3;
+    ASSERT_EQ(dst[k], (src[at] + src[below] + 1) >> 1) << k;
+  }
 }
 
 // Bands place their pixels differently, so it shows when an image is cut.

@@ -6,39 +6,16 @@ namespace qv::QV_LEVEL {
 
 // ---- With byte shuffles -------------------------------------------------------------------------
 
-// The alphas of a vector of colour bytes, those at even and those at odd places apart; each fills
-// both bytes of a 16-bit lane.
-struct TwinAlphas {
-  Vec even, odd;
-};
-
-// Where the alphas of vector j of the colours of kVecBytes pixels are found. A shuffle stays within
-// 128-bit lanes: the index counts from the first byte of its lane.
-template <int kChannels>
-constexpr ByteTable TwinIndex(int j, int odd) {
-  ByteTable table{};
-  for (int i = 0; i < kVecBytes; ++i) {
-    const int from = (kVecBytes * j + i - i % 2 + odd) / kChannels;
-    table.b[i] = static_cast<Byte>(kHasBytePermute ? from : from % 16);
-  }
-  return table;
-}
-
-// The bytes that an index made by such a rule picks for vector j. Of three bytes a pixel on two
-// lanes, the first vector comes from the low one alone, the second from both in place, the third
-// from the high one.
+// Picks the alphas of vector j of the colours of kVecBytes pixels. A shuffle stays within 128-bit
+// lanes, and its index counts from the first byte of its lane: of three bytes a pixel on two lanes,
+// the first vector comes from the low one alone, the second from both in place, the third from the
+// high one.
 template <int kChannels, int j>
 QV_INLINE Vec PickAlphas(Vec alpha, const ByteTable& index) {
   if constexpr (kHasBytePermute) return PermuteBytes(alpha, Load(index.b));
   if constexpr (kChannels == 3 && j == 0) alpha = LowLaneTwice(alpha);
   if constexpr (kChannels == 3 && j == 2) alpha = HighLaneTwice(alpha);
   return ShuffleBytes(alpha, Load(index.b));
-}
-
-template <int kChannels, int j>
-QV_INLINE TwinAlphas TwinsOf(Vec alpha) {
-  static constexpr ByteTable kEven = TwinIndex<kChannels>(j, 0), kOdd = TwinIndex<kChannels>(j, 1);
-  return {PickAlphas<kChannels, j>(alpha, kEven), PickAlphas<kChannels, j>(alpha, kOdd)};
 }
 
 // ---- Without ------------------------------------------------------------------------------------
@@ -69,6 +46,37 @@ QV_INLINE Vec AlphasOf(Vec alpha) {
   if constexpr (j == 0) return PackUnsigned16(TripleWords<0>(low), TripleWords<1>(low));
   if constexpr (j == 1) return PackUnsigned16(TripleWords<2>(low), TripleWords<0>(high));
   return PackUnsigned16(TripleWords<1>(high), TripleWords<2>(high));
+}
+
+// ---- For products in 16-bit lanes ---------------------------------------------------------------
+
+// The alphas of a vector of colour bytes, each in both bytes of a 16-bit lane: with byte permutes
+// those of its even bytes and of its odd ones, without those of InterleaveLow8 and InterleaveHigh8.
+struct TwinAlphas {
+  Vec first, second;
+};
+
+// Where the twins of vector j of the colours of kVecBytes pixels are found.
+template <int kChannels>
+constexpr ByteTable TwinIndex(int j, int part) {
+  ByteTable table{};
+  for (int i = 0; i < kVecBytes; ++i) {
+    const int byte = kHasBytePermute ? i - i % 2 + part : i - i % 16 + 8 * part + i % 16 / 2;
+    const int from = (kVecBytes * j + byte) / kChannels;
+    table.b[i] = static_cast<Byte>(kHasBytePermute ? from : from % 16);
+  }
+  return table;
+}
+
+template <int kChannels, int j>
+QV_INLINE TwinAlphas TwinsOf(Vec alpha) {
+  if constexpr (kHasBytePermute || (kHasByteShuffle && kChannels == 3)) {
+    static constexpr ByteTable kFirst = TwinIndex<kChannels>(j, 0),
+                               kSecond = TwinIndex<kChannels>(j, 1);
+    return {PickAlphas<kChannels, j>(alpha, kFirst), PickAlphas<kChannels, j>(alpha, kSecond)};
+  }
+  const Vec a = AlphasOf<kChannels, j>(alpha);
+  return {InterleaveLow8(a, a), InterleaveHigh8(a, a)};
 }
 
 }  // namespace qv::QV_LEVEL

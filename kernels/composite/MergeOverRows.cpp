@@ -4,6 +4,7 @@
 #include "kernels/level/PlainFloats.h"
 
 #if QV_HAS_VECTORS
+#include "kernels/composite/Ahead.h"
 #include "kernels/composite/OverBlock.h"
 #endif
 
@@ -76,25 +77,56 @@ void AlphaRow(Byte* dstAlpha, const Byte* bgAlpha, ptrdiff_t width) {
   if (!done) AlphaRowPlain(dstAlpha, bgAlpha, width);
 }
 
+template <bool kAhead>
 void ColorRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
               const Byte* mergedAlpha, ptrdiff_t bytes) {
   const auto at = [=](ptrdiff_t x) {
     return OverPixels{fg + 3 * x, fgAlpha + x, bg + 3 * x, bgAlpha + x, mergedAlpha + x};
   };
   ptrdiff_t x = 0;
-  for (; 3 * x + kOverReads <= bytes; x += kOverPixels) OverBlock(at(x));
-  for (; 3 * x < bytes; x += kOverPixels) {
+  for (; 3 * (x + kOverPixels) <= bytes; x += kOverPixels) {
+    if constexpr (kAhead) {
+      Prefetch<3 * kOverPixels>(fg + 3 * x + kPageBytes);
+      Prefetch<3 * kOverPixels>(bg + 3 * x + kPageBytes);
+      Prefetch<kOverPixels>(fgAlpha + x + kPageBytes / 2);
+      Prefetch<kOverPixels>(bgAlpha + x + kPageBytes / 2);
+      Prefetch<kOverPixels>(mergedAlpha + x + kPageBytes / 2);
+    }
+    OverBlock(at(x));
+  }
+  for (; 3 * x < bytes; x += kPartPixels) {
     const ptrdiff_t left = bytes - 3 * x;
-    OverPart(at(x), left < 3 * kOverPixels ? left : 3 * kOverPixels);
+    OverPart(at(x), left < 3 * kPartPixels ? left : 3 * kPartPixels);
   }
 }
 
 #else
 
 constexpr auto AlphaRow = AlphaRowPlain;
+template <bool>
 constexpr auto ColorRow = ColorRowPlain;
 
 #endif
+
+// What the alpha planes have in so many pixels stays in the first cache beside the colours.
+constexpr ptrdiff_t kPixelsAtATime = 2048;
+
+// All rows of a plane, from the first byte to past the last.
+struct Extent {
+  uintptr_t first, end;
+
+  Extent(const Byte* top, int step, ptrdiff_t rowBytes, int height)
+      : first(reinterpret_cast<uintptr_t>(top)),
+        end(reinterpret_cast<uintptr_t>(RowAt(top, step, ptrdiff_t{height} - 1))) {
+    if (step < 0) {
+      const uintptr_t last = first;
+      first = end;
+      end = last;
+    }
+    end += static_cast<uintptr_t>(rowBytes);
+  }
+  bool IsApartFrom(const Extent& other) const { return end <= other.first || other.end <= first; }
+};
 
 }  // namespace
 
@@ -113,14 +145,29 @@ IppStatus MergeAlphaOverPlain_8u(Byte* fg, int fgStep, const Byte* fgAlpha, int 
   return StatusOk;
 }
 
+// The alphas of all rows come before any colours. If no planes share bytes, only the speed tells
+// whether it is done for all rows or for a few at a time.
 IppStatus MergeAlphaOver_8u(Byte* fg, int fgStep, const Byte* fgAlpha, int fgAlphaStep,
                             const Byte* bg, int bgStep, const Byte* bgAlpha, int bgAlphaStep,
                             Byte* dstAlpha, int rowBytes, int width, int height) {
-  for (int y = 0; y < height; ++y)
-    AlphaRow(RowAt(dstAlpha, fgAlphaStep, y), RowAt(bgAlpha, bgAlphaStep, y), width);
-  for (int y = 0; y < height; ++y)
-    ColorRow(RowAt(fg, fgStep, y), RowAt(fgAlpha, fgAlphaStep, y), RowAt(bg, bgStep, y),
-             RowAt(bgAlpha, bgAlphaStep, y), RowAt(dstAlpha, fgAlphaStep, y), rowBytes);
+  ptrdiff_t pixels = width > 1 ? width : 1;
+  if (3 * pixels < rowBytes) pixels = rowBytes / 3 + 1;
+  const Extent f(fg, fgStep, rowBytes, height), fa(fgAlpha, fgAlphaStep, pixels, height),
+      b(bg, bgStep, rowBytes, height), ba(bgAlpha, bgAlphaStep, pixels, height),
+      a(dstAlpha, fgAlphaStep, pixels, height);
+  const bool rowsApart = fgAlphaStep >= pixels || fgAlphaStep <= -pixels;
+  const bool apart = rowsApart && a.IsApartFrom(f) && a.IsApartFrom(b) && a.IsApartFrom(ba) &&
+                     f.IsApartFrom(ba) && (fgAlpha == dstAlpha || a.IsApartFrom(fa));
+  const int rows = apart ? 1 + static_cast<int>(kPixelsAtATime / pixels) : height;
+  const auto colorRow = PassesCaches(width, height, 3) ? ColorRow<true> : ColorRow<false>;
+  for (int top = 0; top < height; top += rows) {
+    const int end = height - top > rows ? top + rows : height;
+    for (int y = top; y < end; ++y)
+      AlphaRow(RowAt(dstAlpha, fgAlphaStep, y), RowAt(bgAlpha, bgAlphaStep, y), width);
+    for (int y = top; y < end; ++y)
+      colorRow(RowAt(fg, fgStep, y), RowAt(fgAlpha, fgAlphaStep, y), RowAt(bg, bgStep, y),
+               RowAt(bgAlpha, bgAlphaStep, y), RowAt(dstAlpha, fgAlphaStep, y), rowBytes);
+  }
   return StatusOk;
 }
 

@@ -4,6 +4,7 @@
 #include "kernels/level/Level.h"
 
 #if QV_HAS_VECTORS
+#include "kernels/composite/Ahead.h"
 #include "kernels/composite/Alphas.h"
 #endif
 
@@ -37,48 +38,36 @@ QV_INLINE Vec MixLanes(Vec alphaTwice, Vec srcAndOne, Vec background) {
   return Add8(MulHighUnsigned16(alphaTwice, srcAndOne), Add16(background, Splat16(1)));
 }
 
-// Every byte at an even place in the high byte of its lane, 1 below it.
-[[maybe_unused]] QV_INLINE Vec EvenAndOne(Vec src) {
-  if constexpr (kHasBytePermute) {
-    static constexpr ByteTable kIndex = TwinIndex<1>(0, 0);
-    return PermuteBytesOver(Splat16(1), 0xAAAAAAAAAAAAAAAAu, src, Load(kIndex.b));
-  }
-  return Or(ShiftLeft16<8>(src), Splat16(1));
-}
-
-// The bytes at even and at odd places apart. Those at odd places are multiplied in the high bytes
-// of their lanes, and their results are in place.
+// The bytes at even and at odd places apart, where bytes are permuted. Those at odd places are
+// multiplied in the high bytes of their lanes, and their results are in place.
 template <int kChannels, int j>
 QV_INLINE Vec MixApart(Vec alpha, Vec src, Vec dst) {
-  const Vec low = Splat16(0xFF), high = Splat16(0xFF00), one = Splat16(1), ones = Splat8(-1);
+  static constexpr ByteTable kEven = TwinIndex<1>(0, 0), kUpper = TwinIndex<1>(0, 1);
+  const Vec low = Splat16(0xFF), high = Splat16(0xFF00), one = Splat16(1);
   const TwinAlphas a = TwinsOf<kChannels, j>(alpha);
+  const Vec evenAndOne = PermuteBytesOver(one, 0xAAAAAAAAAAAAAAAAu, src, Load(kEven.b));
   const Vec even =
-      MixLanes(a.even, EvenAndOne(src),
-               MulLow16(And(Xor(a.even, ones), low), And(dst, low)));
-  const Vec odd =
-      MixLanes(a.odd, Or(And(src, high), one),
-               MulHighUnsigned16(And(Xor(a.odd, ones), high), And(dst, high)));
-  if constexpr (kHasBytePermute) {
-    static constexpr ByteTable kUpper = MakeByteTable([](int i) { return i | 1; });
-    return PermuteBytesOver(odd, 0x5555555555555555u, even, Load(kUpper.b));
-  }
-  return Or(ShiftRight16<8>(even), And(odd, high));
+      MixLanes(a.first, evenAndOne, MulLow16(AndNot(a.first, low), And(dst, low)));
+  const Vec odd = MixLanes(a.second, Or(And(src, high), one),
+                           MulHighUnsigned16(AndNot(a.second, high), And(dst, high)));
+  return PermuteBytesOver(odd, 0x5555555555555555u, even, Load(kUpper.b));
 }
 
 // The bytes of the low and of the high halves apart.
 template <int kChannels, int j>
 QV_INLINE Vec MixHalves(Vec alpha, Vec src, Vec dst) {
-  const Vec a = AlphasOf<kChannels, j>(alpha), rest = Xor(a, Splat8(-1)), one = Splat8(1);
-  const Vec low = MixLanes(InterleaveLow8(a, a), InterleaveLow8(one, src),
-                           MulLow16(InterleaveLow8(rest, Zero()), InterleaveLow8(dst, Zero())));
-  const Vec high = MixLanes(InterleaveHigh8(a, a), InterleaveHigh8(one, src),
-                            MulLow16(InterleaveHigh8(rest, Zero()), InterleaveHigh8(dst, Zero())));
+  const TwinAlphas a = TwinsOf<kChannels, j>(alpha);
+  const Vec byte = Splat16(0xFF), one = Splat8(1);
+  const Vec low = MixLanes(a.first, InterleaveLow8(one, src),
+                           MulLow16(AndNot(a.first, byte), InterleaveLow8(dst, Zero())));
+  const Vec high = MixLanes(a.second, InterleaveHigh8(one, src),
+                            MulLow16(AndNot(a.second, byte), InterleaveHigh8(dst, Zero())));
   return PackUnsigned16(ShiftRight16<8>(low), ShiftRight16<8>(high));
 }
 
 template <int kChannels, int j>
 QV_INLINE Vec MixBytes(Vec alpha, Vec src, Vec dst) {
-  if constexpr (kHasByteShuffle) return MixApart<kChannels, j>(alpha, src, dst);
+  if constexpr (kHasBytePermute) return MixApart<kChannels, j>(alpha, src, dst);
   return MixHalves<kChannels, j>(alpha, src, dst);
 }
 
@@ -88,13 +77,18 @@ struct Colors {
   Vec v[kChannels];
 };
 
-template <int kChannels>
+template <int kChannels, bool kAhead>
 void MixRow(Byte* srcDst, const Byte* src, const Byte* alpha, ptrdiff_t width) {
   const bool done = CoverInPlace<kVecBytes>(
       width, false, kChannels == 1 ? BytesToAlign(srcDst) : PixelsToAlign3(srcDst),
       [&](ptrdiff_t x) {
         const Byte* const s = src + kChannels * x;
         const Byte* const d = srcDst + kChannels * x;
+        if constexpr (kAhead) {
+          Prefetch<kChannels * kVecBytes>(s + kPageBytes);
+          Prefetch<kChannels * kVecBytes>(d + kPageBytes);
+          Prefetch<kVecBytes>(alpha + x + kPageBytes / kChannels);
+        }
         const Vec a = Load(alpha + x);
         Colors<kChannels> mixed;
         mixed.v[0] = MixBytes<kChannels, 0>(a, Load(s), Load(d));
@@ -113,19 +107,28 @@ void MixRow(Byte* srcDst, const Byte* src, const Byte* alpha, ptrdiff_t width) {
 
 #else
 
-template <int kChannels>
+template <int kChannels, bool>
 void MixRow(Byte* srcDst, const Byte* src, const Byte* alpha, ptrdiff_t width) {
   MixRowPlain<kChannels>(srcDst, src, alpha, width);
 }
 
 #endif
 
+template <int kChannels, bool kAhead>
+__attribute__((noinline)) void MixRows(Byte* srcDst, int srcDstStep, const Byte* src, int srcStep,
+                                       const Byte* alpha, int alphaStep, int width, int height) {
+  for (int y = 0; y < height; ++y)
+    MixRow<kChannels, kAhead>(RowAt(srcDst, srcDstStep, y), RowAt(src, srcStep, y),
+                              RowAt(alpha, alphaStep, y), width);
+}
+
 template <int kChannels>
 QV_INLINE IppStatus Mix(Byte* srcDst, int srcDstStep, const Byte* src, int srcStep,
                         const Byte* alpha, int alphaStep, int width, int height) {
-  for (int y = 0; y < height; ++y)
-    MixRow<kChannels>(RowAt(srcDst, srcDstStep, y), RowAt(src, srcStep, y),
-                      RowAt(alpha, alphaStep, y), width);
+  if (PassesCaches(width, height, 2 * kChannels + 1))
+    MixRows<kChannels, true>(srcDst, srcDstStep, src, srcStep, alpha, alphaStep, width, height);
+  else
+    MixRows<kChannels, false>(srcDst, srcDstStep, src, srcStep, alpha, alphaStep, width, height);
   return StatusOk;
 }
 

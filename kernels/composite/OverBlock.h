@@ -1,11 +1,10 @@
 // The colours of a few pixels merged in single precision: the block that the over merge's vector
-// rows are made of, in three shapes.
+// rows are made of, in two shapes.
 //
 //   OverBlock(pixels)         kOverPixels pixels, three bytes each, the foreground in place
-//   OverPart(pixels, bytes)   the pixels of the first `bytes` colour bytes
+//   OverPart(pixels, bytes)   the pixels of the first `bytes` colour bytes, up to kPartPixels
 //
-// A block may read kOverReads colour bytes and kOverPixels alphas; it stores 3 * kOverPixels bytes.
-// A part, of up to 3 * kOverPixels bytes, touches nothing past it.
+// Neither touches anything past its pixels.
 #ifndef QV_KERNELS_COMPOSITE_OVERBLOCK_H
 #define QV_KERNELS_COMPOSITE_OVERBLOCK_H
 
@@ -19,17 +18,6 @@ struct OverPixels {
   const Byte *fgAlpha, *bg, *bgAlpha, *merged;
 };
 
-// x / 255, rounded, of integers from 0 to 256: x / 255 = p + p / 65535 with p = x * 257 / 65536,
-// which is exact. The second term is so small that its own rounding never shows in the sum; all 257
-// values are those of a division.
-constexpr float k257Over65536 = 257.0f / 65536.0f;
-QV_INLINE Floats AddOver65535(Floats p) {
-  const Floats part = SplatFloat(1.0f / 65535.0f);
-  if constexpr (kHasFusedMultiply) return FusedMulAdd(p, part, p);
-  return AddFloat(p, MulFloat(p, part));
-}
-QV_INLINE Floats Over255(Floats x) { return AddOver65535(MulFloat(x, SplatFloat(k257Over65536))); }
-
 // What the alphas of a pixel make of its colours: (F * foreground + background * B) / divisor.
 struct OverWeights {
   Floats foreground, background, divisor;
@@ -40,35 +28,41 @@ QV_INLINE OverWeights WeightsOf(Floats fgAlpha, Floats bgAlpha, Floats divisor) 
   return {fgAlpha, MulFloat(SubFloat(SplatFloat(1.0f), fgAlpha), bgAlpha), divisor};
 }
 
+// Of bytes x three times in the low end of 32-bit lanes. For integers x from 1 to 256, the float
+// nearest to x / 255 is the next one above s = x * 0x10101 / 2^24, which is exact: x / 255 = s +
+// s / (2^24 - 1), and that is more than half of the last place of s, and less than all of it. The
+// next float is the next integer; 0 comes out negative.
+QV_INLINE OverWeights WeightsOfTriples(Vec fgAlpha, Vec bgAlpha, Vec merged) {
+  const auto over255 = [](Vec triples) QV_INLINE_LAMBDA {
+    return Add32(AsInts(ToFloats(triples)), Splat32(1 - (24 << 23)));
+  };
+  return WeightsOf(AsFloats(Max32(over255(fgAlpha), Zero())),
+                   AsFloats(Max32(over255(bgAlpha), Zero())),
+                   AsFloats(over255(Add32(merged, Splat32(0x10101)))));
+}
+
 // Bytes from the 32-bit lanes of three vectors, which saturate twice: to 16 bits, then to bytes.
 // Every 128-bit lane gets four bytes of each vector's.
 QV_INLINE Vec PackThree(const Vec (&v)[3]) {
   return PackUnsigned16(PackSigned32(v[0], v[1]), PackSigned32(v[2], v[2]));
 }
 
-// ---- Sixteen pixels, where bytes are permuted across a vector and multiplications fused ---------
+// ---- Thirty-two pixels, where bytes are permuted across a vector and multiplications fused ------
 
-// The bytes that `index` picks, one for each 32-bit lane, as numbers above 2^23: a byte in the low
-// end of that number's significand.
-QV_INLINE Floats BytesAbove23(Vec bytes, const ByteTable& index) {
-  return AsFloats(
-      PermuteBytesOver(Splat32(0x4B000000), 0x1111111111111111u, bytes, Load(index.b)));
-}
-
-// x * weight, rounded once, of x + 2^23: the fused operation takes 2^23 * weight, which is exact,
-// off the exact product.
-QV_INLINE Floats WeighAbove23(Floats x, Floats weight) {
-  return FusedMulAdd(x, weight, MulFloat(weight, SplatFloat(-0x1p23f)));
-}
-
-// (x + plus) / 255 of 16 bytes x. A byte twice in the low end of the significand of 128 is 128 +
-// x * 257 / 65536; the subtraction is exact.
+// (x + plus) / 255 of 16 bytes x. A byte twice in the low end of the significand of 128 is 128 + p
+// with p = x * 257 / 65536; the subtraction is exact, and x / 255 = p + p / 65535. All 257 values
+// are those of a division.
 template <int plus>
 QV_INLINE Floats AlphasOver255(Vec alphas) {
   static constexpr ByteTable kIndex = MakeByteTable([](int i) { return i / 4; });
   const Vec above =
       PermuteBytesOver(Splat32(0x43000000), 0x3333333333333333u, alphas, Load(kIndex.b));
-  return AddOver65535(SubFloat(AsFloats(above), SplatFloat(128.0f - plus * k257Over65536)));
+  const Floats p = SubFloat(AsFloats(above), SplatFloat(128.0f - plus * (257.0f / 65536.0f)));
+  return FusedMulAdd(p, SplatFloat(1.0f / 65535.0f), p);
+}
+
+QV_INLINE OverWeights WeightsOfSixteen(Vec fgAlpha, Vec bgAlpha, Vec merged) {
+  return WeightsOf(AlphasOver255<0>(fgAlpha), AlphasOver255<0>(bgAlpha), AlphasOver255<1>(merged));
 }
 
 // 1 / divisor in two terms. For every sum from 2^-20 to 256 and each of the 256 divisors, the
@@ -84,45 +78,85 @@ struct Reciprocal {
   Floats Times(Floats sum) const { return FusedMulAdd(sum, high, MulFloat(sum, low)); }
 };
 
-QV_INLINE Vec MergedColors(Vec f, Vec fgAlpha, Vec b, Vec bgAlpha, Vec merged) {
+// The three channels of sixteen pixels whose colours begin at byte `first` of a vector.
+struct Channels {
+  Vec c[3];
+};
+
+template <int first>
+QV_INLINE Channels MergedChannels(Vec f, Vec b, const OverWeights& w) {
   static constexpr ByteTable kChannel[3] = {
-      MakeByteTable([](int i) { return i / 4 * 3; }),
-      MakeByteTable([](int i) { return i / 4 * 3 + 1; }),
-      MakeByteTable([](int i) { return i / 4 * 3 + 2; })};
-  static constexpr ByteTable kInterleave =
-      MakeByteTable([](int i) { return i < 48 ? i / 12 * 16 + i % 3 * 4 + i / 3 % 4 : 0; });
-  const OverWeights w = WeightsOf(AlphasOver255<0>(fgAlpha), AlphasOver255<0>(bgAlpha),
-                                  AlphasOver255<1>(merged));
+      MakeByteTable([](int i) { return first + i / 4 * 3; }),
+      MakeByteTable([](int i) { return first + i / 4 * 3 + 1; }),
+      MakeByteTable([](int i) { return first + i / 4 * 3 + 2; })};
   const Reciprocal reciprocal(w.divisor);
-  Vec result[3];
+  Channels merged;
   for (int c = 0; c < 3; ++c) {
-    const Floats sum = AddFloat(WeighAbove23(BytesAbove23(f, kChannel[c]), w.foreground),
-                                WeighAbove23(BytesAbove23(b, kChannel[c]), w.background));
-    result[c] = NearestInts(reciprocal.Times(sum));
+    const auto channel = [&](Vec v) QV_INLINE_LAMBDA {
+      return ToFloats(PermuteBytesPart(0x1111111111111111u, v, Load(kChannel[c].b)));
+    };
+    const Floats sum = AddFloat(MulFloat(channel(f), w.foreground),
+                                MulFloat(w.background, channel(b)));
+    merged.c[c] = NearestInts(reciprocal.Times(sum));
   }
-  return PermuteBytes(PackThree(result), Load(kInterleave.b));
+  return merged;
 }
 
+// Where byte i of pixels is after packing, four of them to a 128-bit lane: four bytes of channel 0,
+// four of channel 1, and four of channel 2 from byte `third` of the lane.
+constexpr int ByteOfQuads(int i, int third) {
+  return i / 12 * 16 + (i % 3 == 2 ? third : i % 3 * 4) + i / 3 % 4;
+}
+
+// Two vectors at once, and the weights of both first: so most is under way at any time. Colours are
+// converted and multiplied, not taken out of a fused multiplication that begins with 2^23 + x: its
+// third operand and the merging permute's made an AMD Zen wait.
 QV_INLINE void OverPermuted(const OverPixels& p) {
-  const auto alphas = [](const Byte* at) { return FromLane(Load128(at)); };
-  const Vec colors = MergedColors(LoadOnce(p.fg), alphas(p.fgAlpha), LoadOnce(p.bg),
-                                  alphas(p.bgAlpha), alphas(p.merged));
-  // Not one masked store: the next block's load would have to wait for it.
-  StoreLowHalf(p.fg, colors);
-  Store128(p.fg + 32, Lane<2>(colors));
+  // The bytes of a whole vector, and then of the half that follows.
+  static constexpr ByteTable kWhole = MakeByteTable(
+      [](int i) { return i < 48 ? ByteOfQuads(i, 8) : 64 + ByteOfQuads(i - 48, 12); });
+  static constexpr ByteTable kHalf =
+      MakeByteTable([](int i) { return i < 32 ? ByteOfQuads(i + 16, 12) : 0; });
+  const auto weights = [&](int x) QV_INLINE_LAMBDA {
+    const auto alphas = [=](const Byte* from) { return FromLane(Load128(from + x)); };
+    return WeightsOfSixteen(alphas(p.fgAlpha), alphas(p.bgAlpha), alphas(p.merged));
+  };
+  const OverWeights w = weights(0), w2 = weights(16);
+  const Channels r = MergedChannels<0>(LoadOnce(p.fg), LoadOnce(p.bg), w);
+  const Channels r2 = MergedChannels<16>(LoadOnce(p.fg + 32), LoadOnce(p.bg + 32), w2);
+  const Vec third = PackSigned32(r.c[2], r2.c[2]);
+  const Vec quads = PackUnsigned16(PackSigned32(r.c[0], r.c[1]), third);
+  const Vec quads2 = PackUnsigned16(PackSigned32(r2.c[0], r2.c[1]), third);
+  Store(p.fg, PermuteBytes2(quads, Load(kWhole.b), quads2));
+  StoreLowHalf(p.fg + 64, PermuteBytes(quads2, Load(kHalf.b)));
 }
 
 QV_INLINE void OverMasked(const OverPixels& p, ptrdiff_t bytes) {
+  static constexpr ByteTable kInterleave =
+      MakeByteTable([](int i) { return i < 48 ? ByteOfQuads(i, 8) : 0; });
   const unsigned long long colors = FirstOf64(bytes, 0), pixels = FirstOf64((bytes + 2) / 3, 0);
-  StorePart(p.fg, MergedColors(LoadPart(p.fg, colors), LoadPart(p.fgAlpha, pixels),
-                               LoadPart(p.bg, colors), LoadPart(p.bgAlpha, pixels),
-                               LoadPart(p.merged, pixels)),
-            colors);
+  const OverWeights w = WeightsOfSixteen(
+      LoadPart(p.fgAlpha, pixels), LoadPart(p.bgAlpha, pixels), LoadPart(p.merged, pixels));
+  const Channels r = MergedChannels<0>(LoadPart(p.fg, colors), LoadPart(p.bg, colors), w);
+  const Vec merged = PermuteBytes(PackThree(r.c), Load(kInterleave.b));
+  if (bytes < 48) {
+    StorePart(p.fg, merged, colors);
+  } else {  // another part follows, whose load would have to wait for a masked store
+    StoreLowHalf(p.fg, merged);
+    Store128(p.fg + 32, Lane<2>(merged));
+  }
 }
 
 // ---- Eight pixels, four in each of two 128-bit lanes --------------------------------------------
 
-QV_INLINE Floats AlphaFloats(const Byte* alpha) { return ToFloats(LoadBytesAs32(alpha)); }
+// Eight alphas, each three times in the low end of its 32-bit lane.
+QV_INLINE Vec AlphaTriples(const Byte* alphas) {
+  static constexpr ByteTable kIndex =
+      MakeByteTable([](int i) { return i % 4 == 3 ? 0x80 : i / 4; });
+  long long eight;
+  memcpy(&eight, alphas, sizeof eight);
+  return ShuffleBytes(Splat64(eight), Load(kIndex.b));
+}
 
 // Pixels 0 to 3 in the first twelve bytes of the low lane, 4 to 7 in the last twelve of the high
 // one.
@@ -139,15 +173,15 @@ QV_INLINE void OverTwoLanes(const OverPixels& p) {
       MakeByteTable([=](int i) { return channelIndex(i, 0); }),
       MakeByteTable([=](int i) { return channelIndex(i, 1); }),
       MakeByteTable([=](int i) { return channelIndex(i, 2); })};
-  // The way back: four bytes of each channel to four pixels, in the low twelve bytes of the low
-  // lane and the high twelve of the high one.
+  // The way back: four bytes of each channel to four pixels, in the low twelve bytes of each lane,
+  // of which kTwelves makes 24 in a row.
   static constexpr ByteTable kInterleave = MakeByteTable([](int i) {
-    const int byte = i < 16 ? i : i - 20;
-    return byte < 0 || byte > 11 ? 0x80 : byte % 3 * 4 + byte / 3;
+    const int byte = i % 16;
+    return byte > 11 ? 0x80 : byte % 3 * 4 + byte / 3;
   });
-  const OverWeights w =
-      WeightsOf(Over255(AlphaFloats(p.fgAlpha)), Over255(AlphaFloats(p.bgAlpha)),
-                Over255(AddFloat(AlphaFloats(p.merged), SplatFloat(1.0f))));
+  static constexpr int32_t kTwelves[8] = {0, 1, 2, 4, 5, 6, 3, 7};
+  const OverWeights w = WeightsOfTriples(AlphaTriples(p.fgAlpha), AlphaTriples(p.bgAlpha),
+                                         AlphaTriples(p.merged));
   const Vec f = LoadColors(p.fg), b = LoadColors(p.bg);
   Vec result[3];
   for (int c = 0; c < 3; ++c) {
@@ -156,10 +190,10 @@ QV_INLINE void OverTwoLanes(const OverPixels& p) {
                                 MulFloat(w.background, ToFloats(ShuffleBytes(b, index))));
     result[c] = NearestInts(DivFloat(sum, w.divisor));
   }
-  const Vec colors = ShuffleBytes(PackThree(result), Load(kInterleave.b));
-  const Vec128 low = Lane<0>(colors), high = Lane<1>(colors);
-  Store64(p.fg, low);
-  Store128(p.fg + 8, Or(ShiftBytesDown<8>(low), high));
+  const Vec colors =
+      PermuteLanes32(ShuffleBytes(PackThree(result), Load(kInterleave.b)), Load(kTwelves));
+  Store128(p.fg, Lane<0>(colors));
+  Store64(p.fg + 16, Lane<1>(colors));
 }
 
 // ---- Sixteen pixels, with 128-bit vectors -------------------------------------------------------
@@ -173,6 +207,20 @@ QV_INLINE FourFloats WidenBytes(Vec bytes) {
   return {{ToFloats(InterleaveLow16(low, Zero())), ToFloats(InterleaveHigh16(low, Zero())),
            ToFloats(InterleaveLow16(high, Zero())), ToFloats(InterleaveHigh16(high, Zero()))}};
 }
+
+// Sixteen bytes, each three times in the low end of its 32-bit lane.
+struct FourTriples {
+  Vec v[4];
+
+  explicit FourTriples(Vec bytes) {
+    const Vec twice = InterleaveLow8(bytes, bytes), once = InterleaveLow8(bytes, Zero());
+    const Vec twice2 = InterleaveHigh8(bytes, bytes), once2 = InterleaveHigh8(bytes, Zero());
+    v[0] = InterleaveLow16(twice, once);
+    v[1] = InterleaveHigh16(twice, once);
+    v[2] = InterleaveLow16(twice2, once2);
+    v[3] = InterleaveHigh16(twice2, once2);
+  }
+};
 
 // Four pixels' values each three times make three vectors; this is vector `third` of them.
 template <int third>
@@ -190,12 +238,9 @@ QV_INLINE Vec MergedQuad(Floats f, Floats b, const OverWeights& w) {
 }
 
 QV_INLINE void OverQuads(const OverPixels& p) {
-  const FourFloats fa = WidenBytes(Load(p.fgAlpha)), ba = WidenBytes(Load(p.bgAlpha)),
-                   a = WidenBytes(Load(p.merged));
+  const FourTriples fa(Load(p.fgAlpha)), ba(Load(p.bgAlpha)), a(Load(p.merged));
   OverWeights w[4];
-  for (int q = 0; q < 4; ++q)
-    w[q] = WeightsOf(Over255(fa.f[q]), Over255(ba.f[q]),
-                     Over255(AddFloat(a.f[q], SplatFloat(1.0f))));
+  for (int q = 0; q < 4; ++q) w[q] = WeightsOfTriples(fa.v[q], ba.v[q], a.v[q]);
   // Twelve vectors of four colour bytes; vector q belongs to the pixels of w[q / 3].
   const auto merge = [&](int j, const auto& mergeFour) {
     const FourFloats f = WidenBytes(Load(p.fg + 16 * j)), b = WidenBytes(Load(p.bg + 16 * j));
@@ -223,8 +268,8 @@ QV_INLINE void OverQuads(const OverPixels& p) {
 constexpr bool kOverPermuted = kHasBytePermute && kHasMaskedBytes && kHasFusedMultiply;
 constexpr bool kOverTwoLanes = kHasByteShuffle && kLanes128 == 2;
 static_assert(kOverPermuted || kOverTwoLanes || kLanes128 == 1);
-constexpr int kOverPixels = kOverTwoLanes ? 8 : 16;
-constexpr int kOverReads = kOverPermuted ? 64 : 3 * kOverPixels;
+constexpr int kOverPixels = kOverPermuted ? 32 : kOverTwoLanes ? 8 : 16;
+constexpr int kPartPixels = kOverPermuted ? 16 : kOverPixels;
 
 QV_INLINE void OverBlock(const OverPixels& p) {
   if constexpr (kOverPermuted)
@@ -237,7 +282,7 @@ QV_INLINE void OverBlock(const OverPixels& p) {
 
 // Goes through copies.
 __attribute__((noinline)) inline void OverCopied(const OverPixels& p, ptrdiff_t bytes) {
-  Byte f[kOverReads] = {}, b[kOverReads] = {};
+  Byte f[3 * kOverPixels] = {}, b[3 * kOverPixels] = {};
   Byte alphas[3][kOverPixels] = {};
   const size_t colors = static_cast<size_t>(bytes), pixels = (colors + 2) / 3;
   memcpy(f, p.fg, colors);

@@ -60,21 +60,24 @@ void FilterWindows(const Byte* const* lines, ptrdiff_t ahead, const ColumnWindow
   const int* base = windows.base + 2 * first * kWindowsPerVector * (kOneAPair ? kPairs : 1);
   const Byte* index = windows.index + 2 * first * kPairs * kVecBytes;
   const short* weights = windows.weights + first * kPairs * kVecBytes;
+  const Byte* row[kRows];
+  short* to[kRows];
+  for (int r = 0; r < kRows; ++r) row[r] = lines[r], to[r] = out[r];
   for (ptrdiff_t b = first; b < end; ++b) {
     Vec sums[kRows][2];
     if (b % (64 / kVecBytes) == 0)  // 32 values come from about a cache line, or two
       for (int r = 0; r < kRows; ++r)
         for (int l = 0; l < (kWide ? 128 : 64); l += 64)
-          __builtin_prefetch(lines[r] + ahead + base[0] + l);
+          __builtin_prefetch(row[r] + ahead + base[0] + l);
     for (int v = 0; v < 2; ++v) {
       for (int p = 0; p < kPairs; ++p) {
-        const Vec spread = Load(index), w = Load(weights);
+        const Vec spread = LoadOnce(index), w = LoadOnce(weights);
         for (int r = 0; r < kRows; ++r) {
           Vec pairs;
           if constexpr (kWide)
-            pairs = SpreadWidePairs(lines[r], base, spread);
+            pairs = SpreadWidePairs(row[r], base, spread);
           else
-            pairs = SpreadPairs(lines[r], base, spread);
+            pairs = SpreadPairs(row[r], base, spread);
           const Vec products = MulAddPairs16(pairs, w);
           sums[r][v] = p == 0 ? products : Add32(sums[r][v], products);
         }
@@ -85,7 +88,7 @@ void FilterWindows(const Byte* const* lines, ptrdiff_t ahead, const ColumnWindow
       if constexpr (!kOneAPair) base += kWindowsPerVector;
     }
     for (int r = 0; r < kRows; ++r)
-      Store(out[r] + b * (kVecBytes / 2),
+      Store(to[r] + b * (kVecBytes / 2),
             PackSigned32(ShiftRightSigned32<8>(sums[r][0]), ShiftRightSigned32<8>(sums[r][1])));
   }
 }

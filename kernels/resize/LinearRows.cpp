@@ -1,19 +1,17 @@
 // Linear rows: each source row interpolated once into 16-bit values with 6 fractional bits, two of
 // which make a destination row.
 #include "kernels/level/Level.h"
-#include "kernels/resize/ByteGather.h"
+#include "kernels/resize/LinearVectors.h"
 #include "kernels/resize/ResizeRows.h"
 #include "kernels/resize/ResizeVectors.h"
 
 namespace qv::QV_LEVEL {
 
-using Value = unsigned short;
-
-// One source row: h = (p1 * w + p0 * (16384 - w) + 128) >> 8, plus `bias`.
-static void InterpolateRow(const Byte* row, const LinearTables& t, int bias, Value* out) {
+// One source row: h = (p1 * w + p0 * (16384 - w) + 128) >> 8.
+static void InterpolateRow(const Byte* row, const LinearTables& t, Value* out) {
   ForEachValue(t, [&](ptrdiff_t k, LinearSides s) {
     out[k] = static_cast<Value>(
-        ((row[s.right] * s.weight + row[s.left] * (kWeightOne - s.weight) + 128) >> 8) + bias);
+        (row[s.right] * s.weight + row[s.left] * (kWeightOne - s.weight) + 128) >> 8);
   });
 }
 
@@ -46,57 +44,22 @@ QV_INLINE void WalkRows(const LinearTables& t, Value* upper, Value* lower, Fill 
 
 #if QV_HAS_VECTORS
 
-// Vector rows carry the vertical rounding, half of a byte's unit, with every value.
-constexpr int kHalf = 32;
-
-// (lower * w + upper * (16384 - w) + 2^19) >> 20 in 16-bit lanes. Let u be the nearer row, whose
-// weight is not the smaller one, d the other and w its weight, at most 8192. The sum is
-// 16384 * u + (d - u) * w + 2^19, and dropping its low 14 bits first changes nothing:
-//   (u + 32 + floor((d - u) * w / 16384)) >> 6.
-// The floor is the high half of (u - d) * (-4 * w), whose factors are within -16320 .. 16320 and
-// -32768 .. 0.
-static void BlendRows(const Value* upper, const Value* lower, int w, Byte* dst, ptrdiff_t bytes) {
-  const bool upperIsNearer = w <= kWeightOne / 2;
-  const Value* const near = upperIsNearer ? upper : lower;
-  const Value* const far = upperIsNearer ? lower : upper;
-  const Vec factor = Splat16(-4 * (upperIsNearer ? w : kWeightOne - w));
-  const auto half = [&](ptrdiff_t k) {
-    const Vec u = Load(near + k);
-    return ShiftRight16<6>(Add16(u, MulHighSigned16(Sub16(u, Load(far + k)), factor)));
-  };
-  const auto block = [&](ptrdiff_t k) {
-    return PackBytesInOrder(half(k), half(k + kVecBytes / 2));
-  };
-  ptrdiff_t k = 0;
-  for (; k <= bytes - kVecBytes; k += kVecBytes) Store(dst + k, block(k));
-  if (k == bytes) return;
-  if constexpr (kHasMaskedBytes) {
-    StorePart(dst + k, block(k), FirstOf64(bytes, k));
-  } else if (bytes >= kVecBytes) {
-    Store(dst + bytes - kVecBytes, block(bytes - kVecBytes));
-  } else {
-    Byte last[kVecBytes];
-    Store(last, block(k));
-    memcpy(dst, last, static_cast<size_t>(bytes));
-  }
-}
-
-// The blended rows of an image, each stored at once or, if the fourth bytes of its pixels are to
+// The rows of the destination, each made where it lies or, if the fourth bytes of its pixels are to
 // stay, by way of a line of its own.
-class Blender {
+class Destination {
  public:
-  Blender(Byte* dst, int dstStep, const LinearTables& t, Byte* line)
+  Destination(Byte* dst, int dstStep, const LinearTables& t, Byte* line)
       : dst_(dst), dstStep_(dstStep), t_(t), line_(line) {}
-  QV_INLINE void operator()(const Value* upper, const Value* lower, int i) const {
-    Part(upper, lower, i, 0, ptrdiff_t{t_.width} * PixelBytes(t_.layout));
-  }
-  // Values `first` to end - 1, where `first` is a multiple of 4.
-  QV_INLINE void Part(const Value* upper, const Value* lower, int i, ptrdiff_t first,
-                      ptrdiff_t end) const {
-    Byte* const to = RowAt(dst_, dstStep_, i) + first;
-    BlendRows(upper + first, lower + first, t_.y.weight[i], DropsFourth(t_) ? line_ : to,
-              end - first);
-    if (DropsFourth(t_)) StoreThirds(to, end - first);
+
+  ptrdiff_t RowBytes() const { return ptrdiff_t{t_.width} * PixelBytes(t_.layout); }
+
+  // Calls make(to) to write bytes `first`, a multiple of 4, to end - 1 of row i, the first of them
+  // to `to`.
+  template <class Make>
+  QV_INLINE void Row(int i, ptrdiff_t first, ptrdiff_t end, Make make) const {
+    Byte* const row = RowAt(dst_, dstStep_, i) + first;
+    make(DropsFourth(t_) ? line_ : row);
+    if (DropsFourth(t_)) StoreThirds(row, end - first);
   }
 
  private:
@@ -117,35 +80,67 @@ class Blender {
   Byte* line_;
 };
 
-// As InterpolateRow, from pairs of bytes (p0, p1) and twice the weight, below 32768:
-//   h = 64 * p0 + (((p1 - p0) * w + 128) >> 8),
-// since 16384 * p0 has no low bits; and the second term is the rounded product of 64 * (p1 - p0)
-// and 2 * w.
-QV_INLINE Vec InterpolateVector(Vec pairs, const Value* twiceWeight) {
-  const Vec difference = MulAddBytes(pairs, Splat16(64 * 256 + (256 - 64)));
-  const Vec left = Add16(MulAddBytes(pairs, Splat16(64)), Splat16(kHalf));
-  return Add16(left, MulRounded15(difference, Load(twiceWeight)));
-}
+// The source; rows that are shorter than the loads of a gather are copied to where these may read.
+class SourceRows {
+ public:
+  SourceRows(const Byte* src, int srcStep, const ByteGather& g)
+      : src_(src), srcStep_(srcStep), g_(g), copies_{} {}
 
-// A row of values; meanwhile the same bytes of row `next` are fetched.
-template <int kLoads>
-QV_INLINE void InterpolatePairs(const ByteGather& g, const Byte* row, const Byte* next,
-                                const Value* twiceWeight, ptrdiff_t vectors, Value* out) {
-  for (ptrdiff_t v = 0; v < vectors; ++v) {
-    const ptrdiff_t k = v * (kVecBytes / 2);
-    const Vec pairs = GatherBytes<kLoads>(g, row, v);
-    FetchAhead<kLoads>(g, next, v);
-    Store(out + k, InterpolateVector(pairs, twiceWeight + k));
+  // Valid until two rows further.
+  QV_INLINE const Byte* operator()(int y) {
+    const Byte* const row = RowAt(src_, srcStep_, y);
+    if (!g_.isPadded) return row;
+    Byte* const copy = copies_[y & 1];
+    CopyShortRow(row, g_.readable, copy);
+    return copy;
   }
+  // From a row to one further down, which is read next.
+  QV_INLINE ptrdiff_t Ahead(int rows) const {
+    return g_.isPadded ? 0 : rows * static_cast<ptrdiff_t>(srcStep_);
+  }
+
+ private:
+  const Byte* src_;
+  int srcStep_;
+  const ByteGather& g_;
+  Byte copies_[2][kPaddedRow];
+};
+
+// Whether no source row serves two destination rows, as in reductions to a half or less.
+static bool AreRowsApart(const LinearTables& t) {
+  for (int i = 1; i < t.height; ++i)
+    if (t.y.first[i] <= t.y.first[i - 1] + t.y.neighbour) return false;
+  return true;
 }
 
-// The same where the pairs are the row's bytes as they are.
-static void InterpolateBytes(const Byte* row, const Byte* next, const Value* twiceWeight,
-                             ptrdiff_t vectors, Value* out) {
-  for (ptrdiff_t v = 0; v < vectors; ++v) {
-    const ptrdiff_t k = v * (kVecBytes / 2);
-    __builtin_prefetch(next + 2 * k);
-    Store(out + k, InterpolateVector(Load(row + 2 * k), twiceWeight + k));
+// The first pixels of a row that BlendTriples can make.
+static ptrdiff_t DoubledTriples(const LinearTables& t) {
+  if (t.layout != Layout::kTriples || t.x.neighbour != 1) return 0;
+  ptrdiff_t j = 0;
+  while (j < t.width && t.x.first[j] == 2 * j && t.x.weight[j] < kWeightOne) ++j;
+  return j;
+}
+
+// Where it would be used only once, no source row is kept as values.
+template <int kLoads>
+static void RowsAtOnce(SourceRows& rows, const Destination& dst, const LinearTables& t,
+                       const LinearGather& plan) {
+  const ptrdiff_t bytes = dst.RowBytes(), bare = plan.bare / 2 * 2;
+  const ptrdiff_t doubled = kHasBytePermute ? DoubledTriples(t) : 0;
+  for (int i = 0; i < t.height; ++i) {
+    const int y = t.y.first[i];
+    const Byte *const upper = rows(y), *const lower = rows(y + t.y.neighbour);
+    const ptrdiff_t ahead = rows.Ahead(i + 1 < t.height ? t.y.first[i + 1] - y : 0);
+    dst.Row(i, 0, bytes, [&](Byte* to) QV_INLINE_LAMBDA {
+      const int w = t.y.weight[i];
+      ptrdiff_t done = bare;
+      if (bare > 0) BlendVectors<0>(plan, upper, lower, ahead, w, 0, bare, to, bytes);
+      if constexpr (kHasBytePermute)
+        if (doubled > 0)
+          done = 3 * BlendTriples(t.x.weight, upper, lower, ahead, w, doubled, to) / kVecBytes * 2;
+      if (done < plan.vectors)
+        BlendVectors<kLoads>(plan, upper, lower, ahead, w, done, plan.vectors, to, bytes);
+    });
   }
 }
 
@@ -157,43 +152,45 @@ static ptrdiff_t LinearStrips(ptrdiff_t vectors, int loads) {
   return (bytes + kStripBytes - 1) / kStripBytes;
 }
 
-// False if shuffles do not serve this resize.
-static bool ShuffledRows(const Byte* src, int srcStep, const LinearTables& t, const Blender& blend,
-                         Value* first, Value* second, Byte* work) {
-  const LinearGather plan = PlanLinearGather(t, kGatherShape, work);
-  const ByteGather g = plan.pairs;
-  if (g.loads == 0) return false;
-  const ptrdiff_t vectors = plan.vectors, plain = plan.bare;
-  const Value* const twiceWeight = plan.twiceWeight;
-  const ptrdiff_t bytes = ptrdiff_t{t.width} * PixelBytes(t.layout);
-  const ptrdiff_t strips = LinearStrips(vectors, g.loads);
+template <int kLoads>
+static void RowsByValues(SourceRows& rows, const Destination& dst, const LinearTables& t,
+                         const LinearGather& plan, Value* first, Value* second) {
+  const ptrdiff_t bytes = dst.RowBytes();
+  const ptrdiff_t strips = LinearStrips(plan.vectors, kLoads);
   const int lastRow = t.y.first[t.height - 1] + t.y.neighbour;
-  Byte copy[kPaddedRow] = {};
-  WithLoads(g.loads, [&]<int kLoads>() {
-    for (ptrdiff_t n = 0; n < strips; ++n) {
-      const ptrdiff_t from = vectors * n / strips, to = vectors * (n + 1) / strips;
-      const ptrdiff_t k = from * (kVecBytes / 2), end = to * (kVecBytes / 2);
-      const ptrdiff_t bare = plain <= from ? 0 : plain < to ? plain - from : to - from;
-      const ByteGather part = PartOf(g, from + bare);
-      const ptrdiff_t picked = k + bare * (kVecBytes / 2);
-      WalkRows(
-          t, first, second,
-          [&](int y, Value* out) {
-            const Byte* row = RowAt(src, srcStep, y);
-            const Byte* const next = RowAt(src, srcStep, y < lastRow ? y + 1 : y);
-            if (g.isPadded) {
-              CopyShortRow(row, g.readable, copy);
-              row = copy;
-            }
-            if (bare > 0)
-              InterpolateBytes(row + 2 * k, next + 2 * k, twiceWeight + k, bare, out + k);
-            InterpolatePairs<kLoads>(part, row, next, twiceWeight + picked, to - from - bare,
-                                     out + picked);
-          },
-          [&](const Value* upper, const Value* lower, int i) {
-            blend.Part(upper, lower, i, k, end < bytes ? end : bytes);
+  for (ptrdiff_t n = 0; n < strips; ++n) {
+    const ptrdiff_t from = plan.vectors * n / strips, end = plan.vectors * (n + 1) / strips;
+    const ptrdiff_t picked = plan.bare <= from ? from : plan.bare < end ? plan.bare : end;
+    const ptrdiff_t k = from * (kVecBytes / 2), past = end * (kVecBytes / 2);
+    const ptrdiff_t endByte = past < bytes ? past : bytes;
+    WalkRows(
+        t, first, second,
+        [&](int y, Value* out) {
+          const Byte* const row = rows(y);
+          const ptrdiff_t ahead = rows.Ahead(y < lastRow);
+          if (from < picked) InterpolateVectors<0>(plan, row, ahead, from, picked, out);
+          if (picked < end) InterpolateVectors<kLoads>(plan, row, ahead, picked, end, out);
+        },
+        [&](const Value* upper, const Value* lower, int i) {
+          dst.Row(i, k, endByte, [&](Byte* to) {
+            BlendValues(upper + k, lower + k, t.y.weight[i], to, endByte - k);
           });
-    }
+        });
+  }
+}
+
+// False if shuffles do not serve this resize.
+static bool ShuffledRows(const Byte* src, int srcStep, const LinearTables& t,
+                         const Destination& dst, Value* first, Value* second, Byte* work) {
+  const LinearGather plan = PlanLinearGather(t, kGatherShape, work);
+  if (plan.pairs.loads == 0) return false;
+  SourceRows rows(src, srcStep, plan.pairs);
+  const bool apart = AreRowsApart(t);
+  WithLoads(plan.pairs.loads, [&]<int kLoads>() {
+    if (apart)
+      RowsAtOnce<kLoads>(rows, dst, t, plan);
+    else
+      RowsByValues<kLoads>(rows, dst, t, plan, first, second);
   });
   return true;
 }
@@ -205,7 +202,7 @@ static void PlainRows(const Byte* src, int srcStep, Byte* dst, int dstStep, cons
   const ptrdiff_t bytes = ptrdiff_t{t.width} * PixelBytes(t.layout);
   WalkRows(
       t, first, second,
-      [&](int y, Value* out) { InterpolateRow(RowAt(src, srcStep, y), t, 0, out); },
+      [&](int y, Value* out) { InterpolateRow(RowAt(src, srcStep, y), t, out); },
       [&](const Value* upper, const Value* lower, int i) {
         Byte* const to = RowAt(dst, dstStep, i);
         const unsigned w = t.y.weight[i];
@@ -225,12 +222,18 @@ void ResizeLinearRows_8u(const Byte* src, int srcStep, Byte* dst, int dstStep,
   Value* const second = first + padded;
 #if QV_HAS_VECTORS
   Byte* const line = reinterpret_cast<Byte*>(second + padded);
-  const Blender blend(dst, dstStep, t, line);
+  const Destination rows(dst, dstStep, t, line);
   if constexpr (kHasByteShuffle)
-    if (ShuffledRows(src, srcStep, t, blend, first, second, line + padded)) return;
+    if (ShuffledRows(src, srcStep, t, rows, first, second, line + padded)) return;
+  const ptrdiff_t bytes = rows.RowBytes();
   WalkRows(
       t, first, second,
-      [&](int y, Value* out) { InterpolateRow(RowAt(src, srcStep, y), t, kHalf, out); }, blend);
+      [&](int y, Value* out) { InterpolateRow(RowAt(src, srcStep, y), t, out); },
+      [&](const Value* upper, const Value* lower, int i) {
+        rows.Row(i, 0, bytes, [&](Byte* to) {
+          BlendValues(upper, lower, t.y.weight[i], to, bytes);
+        });
+      });
 #else
   PlainRows(src, srcStep, dst, dstStep, t, first, second);
 #endif

@@ -4,6 +4,7 @@
 
 #include <stddef.h>
 
+#include "kernels/resize/Filter.h"
 #include "kernels/resize/FilterImage.h"
 #include "kernels/resize/Positions.h"
 #include "kernels/resize/Resize.h"
@@ -116,6 +117,16 @@ IppStatus RunNearest(const ResizeTask& task, X x, Y y, Chroma chroma) {
   return StatusOk;
 }
 
+// Whether every sample is the mean of two, side by side, as in bands of half the size. Between two
+// such axes linear rows round only once, as halving does: h is 32 * (p0 + p1), and of the four
+// bytes' sum s the result is (2^18 * s + 2^19) >> 20.
+inline bool AreHalves(const LinearTaps& taps, int count) {
+  if (taps.neighbour != 1) return false;
+  for (int i = 0; i < count; ++i)
+    if (taps.first[i] != taps.first[0] + 2 * i || taps.weight[i] != kWeightOne / 2) return false;
+  return true;
+}
+
 // Linear rows. The functions fill indices and weights.
 template <class X, class Y, class Chroma>
 IppStatus RunLinear(const ResizeTask& task, X x, Y y, Chroma chroma) {
@@ -134,6 +145,13 @@ IppStatus RunLinear(const ResizeTask& task, X x, Y y, Chroma chroma) {
   fill(0, x);
   fill(1, y);
   fill(2, chroma);
+  const bool canHalve = task.layout == Layout::kGray || task.layout == Layout::kTriples;
+  if (canHalve && AreHalves(taps[0], task.width) && AreHalves(taps[1], task.height)) {
+    const unsigned char* const src = PixelAt(task.src, task.srcStep, taps[0].first[0],
+                                             taps[1].first[0], PixelBytes(task.layout));
+    return (task.layout == Layout::kGray ? HalveRows_8u_C1 : HalveRows_8u_C3)(
+        src, task.srcStep, task.dst, task.dstStep, {task.width, task.height});
+  }
   const LinearTables tables = {task.width, task.height, task.xLength, task.layout,
                                taps[0],    taps[1],     taps[2]};
   ResizeLinearRows_8u(task.src, task.srcStep, task.dst, task.dstStep, &tables,
