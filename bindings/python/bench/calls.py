@@ -12,7 +12,7 @@ import time
 import numpy as np
 
 import qvacceleratedlib as qv
-from qvacceleratedlib._library import ResampleOptions, Size, lib
+from qvacceleratedlib._library import Rect, ResampleOptions, Size, lib
 
 try:
     import cv2
@@ -45,7 +45,10 @@ def overhead():
     out = np.empty_like(image)
     crop = np.zeros((32, 32, 3), np.uint8)[8:24, 8:24]
     nv12 = qv.Nv12.empty(16, 16)
+    matrix = np.array([[1., 0, 1], [0, 1, 0], [0, 0, 1]])
+    source, target, size = image.ctypes.data, out.ctypes.data, Size(16, 16)
     calls = {
+        "the C call of `mirror`": lambda: lib.qv_mirror(4, source, 48, target, 48, size, 2),
         "`mirror(image)`": lambda: qv.mirror(image),
         "`mirror(image, out=out)`": lambda: qv.mirror(image, out=out),
         "`mirror(crop, out=out)`": lambda: qv.mirror(crop, out=out),
@@ -57,6 +60,10 @@ def overhead():
         "`resize(image, (8, 8))`": lambda: qv.resize(image, (8, 8)),
         "`overlay(image, logo, out=image)`": lambda: qv.overlay(image, out, out=image),
         "`rotate(image, 90, expand=True)`": lambda: qv.rotate(image, 90, True),
+        "`rotate(image, 9, out=out)`": lambda: qv.rotate(image, 9, out=out),
+        "`warp_perspective(image, matrix, out=out)`":
+            lambda: qv.warp_perspective(image, matrix, out=out),
+        '`convert(image, "nv12")`, a new frame': lambda: qv.convert(image, "nv12"),
     }
     print("| Call | microseconds |\n|---|---|")
     for name, seconds in zip(calls, best(list(calls.values()), 3, 200, 1)):
@@ -70,24 +77,27 @@ def jobs():
     pil = Image and Image.fromarray(frame)
     i420 = np.ascontiguousarray(frame.reshape(-1)[:1620 * 1920].reshape(1620, 1920))
     planes = qv.I420.from_buffer(i420, 1920, 1080)
+    tables = planes.tables
     turn = [[.9, -.1, 150], [.1, .9, 20], [1e-5, 1e-5, 1]]
     matrix = np.array(turn)
-    source, target = frame.ctypes.data, out.ctypes.data
+    source, target, reduced = frame.ctypes.data, out.ctypes.data, small.ctypes.data
+    size, less = Size(1920, 1080), Size(1280, 720)
+    whole, nine = Rect(0, 0, 1920, 1080), matrix.ctypes.data
 
     def resample(method):
         options = ResampleOptions(pixels=2, filter=method)
-        return lambda: lib.qv_resample(source, Size(1920, 1080), 5760, small.ctypes.data,
-                                       Size(1280, 720), 3840, ctypes.addressof(options))
+        return lambda: lib.qv_resample(source, size, 5760, reduced, less, 3840,
+                                       ctypes.addressof(options))
 
     table = [
         ("mirror left to right", lambda: qv.mirror(frame, "vertical", out),
          cv2 and (lambda: cv2.flip(frame, 1, out)),
          pil and (lambda: pil.transpose(Image.FLIP_LEFT_RIGHT)),
-         lambda: lib.qv_mirror(4, source, 5760, target, 5760, Size(1920, 1080), 1)),
+         lambda: lib.qv_mirror(4, source, 5760, target, 5760, size, 1)),
         ("4:2:0 to BGR", lambda: qv.convert(planes, "bgr", out=out),
          cv2 and (lambda: cv2.cvtColor(i420, cv2.COLOR_YUV2BGR_I420, out)), None,
          lambda: lib.qv_yuv_to_rgb(
-             8, *planes.tables, 2, target, 5760, Size(1920, 1080), 0, 0, 0)),
+             8, *tables, 2, target, 5760, size, 0, 0, 0)),
         ("to 1280 x 720, area", lambda: qv.resize(frame, (1280, 720), "area", out=small),
          cv2 and (lambda: cv2.resize(frame, (1280, 720), small, interpolation=cv2.INTER_AREA)),
          pil and (lambda: pil.resize((1280, 720), Image.BOX)),
@@ -96,7 +106,9 @@ def jobs():
          lambda: qv.resize(frame, (1280, 720), "lanczos", out=small), None,
          pil and (lambda: pil.resize((1280, 720), Image.LANCZOS)), resample(16)),
         ("warp, linear", lambda: qv.warp_perspective(frame, turn, out=out),
-         cv2 and (lambda: cv2.warpPerspective(frame, matrix, (1920, 1080), out)), None, None),
+         cv2 and (lambda: cv2.warpPerspective(frame, matrix, (1920, 1080), out)), None,
+         lambda: lib.qv_warp_perspective(
+             4, source, size, 5760, whole, target, 5760, whole, nine, 2)),
     ]
     print(f"\n1080p, {qv.threads} threads, level {qv.level}; milliseconds:\n")
     print("| Job | qv | the C call | OpenCV | Pillow |\n|---|---|---|---|---|")

@@ -79,8 +79,8 @@ def measure(where, processors, chain, clips, out):
             done = subprocess.run(
                 on(processors) + ["qvacceleratedlib.batch", chain, *clips, "--out", str(out),
                                   *options], stderr=subprocess.PIPE, text=True, check=True)
-            found = re.search(r" in ([\d.]+) s, (\d+) files and (\d+) frames", done.stderr)
-            best = max(best, (int(found[2]), int(found[3])))
+            found = re.search(r"([\d.]+) files and ([\d.]+) frames a second", done.stderr)
+            best = max(best, (float(found[1]), float(found[2])))
     return best
 
 
@@ -97,7 +97,7 @@ def main():
                     files, rate = measure(where, processors[:n], CHAIN.format(wanted), clips,
                                           top / "out")
                     print(f"| {size[0]} x {size[1]}, {frames} frames | {name}, {n} "
-                          f"processor{'s' * (n > 1)} | {files} | {rate} "
+                          f"processor{'s' * (n > 1)} | {files:.0f} | {rate:.0f} "
                           f"| {files * length / 1e6:.0f} |", flush=True)
         finally:
             shutil.rmtree(top / "in")

@@ -6,7 +6,7 @@ from typing import Any, Callable, Iterator, Tuple, Union
 
 import numpy as np
 
-from ._arrays import ANY, MOST, Image, pixels, whole
+from ._arrays import ANY, MOST, Image, address_of, pixels, whole
 from ._errors import Error, Status, failed
 from ._library import lib
 
@@ -19,7 +19,7 @@ def _pieces(data: Any) -> Iterator[Tuple[int, int]]:
         except (TypeError, ValueError, BufferError) as error:
             raise Error(Status.DATA_TYPE_ERR, "data", f"no contiguous bytes: {error}") from None
     if data.flags.c_contiguous:
-        address = data.__array_interface__["data"][0]
+        address = address_of(data)
         for start in range(0, data.nbytes, MOST):
             yield address + start, min(MOST, data.nbytes - start)
     else:

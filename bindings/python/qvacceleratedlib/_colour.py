@@ -1,13 +1,11 @@
 """Between frames of luma and chroma and pixels."""
 from __future__ import annotations
 
-from typing import Any, Optional, Type, Union, cast
-
-import numpy as np
+from typing import Any, Optional, Tuple, Type, Union
 
 from ._arrays import Image, pixels, target
 from ._codes import LAYOUTS, MATRICES, RGB_LAYOUTS, SITINGS, code
-from ._errors import Error, Status, failed
+from ._errors import Error, Status, failed, shown
 from ._frames import FRAMES, F, Frame, I420, Nv12, Yuyv, Yv12
 from ._library import Size, lib
 
@@ -46,10 +44,10 @@ def convert(image: Union[Image, Frame], to: Union[str, Type[Frame]], layout: Opt
     array([[126, 126],
            [126, 126]], dtype=uint8)
     """
-    name = cast(str, getattr(to, "layout", to))
-    kind = code(LAYOUTS, name, "to", Status.DATA_TYPE_ERR)
-    constants = (code(MATRICES, matrix, "matrix", Status.BAD_ARG_ERR), int(bool(full_range)),
-                 code(SITINGS, siting, "siting", Status.BAD_ARG_ERR))
+    name: Any = getattr(to, "layout", to)
+    kind = code(LAYOUTS, name, "to")
+    constants = (code(MATRICES, matrix, "matrix"), int(bool(full_range)),
+                 code(SITINGS, siting, "siting"))
     if isinstance(image, Frame):
         if name in _CHANNELS:
             return _to_pixels(image, kind, _CHANNELS[name], constants, out)
@@ -64,10 +62,10 @@ def convert(image: Union[Image, Frame], to: Union[str, Type[Frame]], layout: Opt
     return _to_frame(image, layout, FRAMES[name], constants, out)
 
 
-def _to_pixels(frame: Frame, kind: int, channels: int, constants: tuple,
+def _to_pixels(frame: Frame, kind: int, channels: int, constants: Tuple[int, ...],
                out: Optional[Image]) -> Image:
     shape = (frame.height, frame.width)
-    out, to, to_step = target(out, shape if channels == 1 else shape + (channels,), *frame.planes)
+    out, to, to_step = target(out, shape if channels == 1 else shape + (channels,), *frame.memory)
     status = lib.qv_yuv_to_rgb(frame.code, *frame.tables, kind, to, to_step, Size(*frame.size),
                                *constants)
     if status:
@@ -75,11 +73,11 @@ def _to_pixels(frame: Frame, kind: int, channels: int, constants: tuple,
     return out
 
 
-def _to_frame(image: Image, layout: Optional[str], made: Type[F], constants: tuple,
+def _to_frame(image: Image, layout: Optional[str], made: Type[F], constants: Tuple[int, ...],
               out: Optional[F]) -> F:
     address, step, width, height, channels = pixels(image, "image", (1, 3, 4))
     layout = layout or _PLAIN_LAYOUTS[channels]
-    kind = code(RGB_LAYOUTS, layout, "layout", Status.DATA_TYPE_ERR)
+    kind = code(RGB_LAYOUTS, layout, "layout")
     if _CHANNELS[layout] != channels:
         raise Error(Status.DATA_TYPE_ERR, "layout",
                     f"{layout!r} has {_CHANNELS[layout]} channels, the image {channels}")
@@ -91,13 +89,13 @@ def _to_frame(image: Image, layout: Optional[str], made: Type[F], constants: tup
     return out
 
 
-def _frame_out(out: Optional[F], made: Type[F], size: tuple, *sources: Image) -> F:
+def _frame_out(out: Optional[F], made: Type[F], size: Tuple[int, int], *sources: Image) -> F:
     """The frame to write: `out`, or a new one."""
     if out is None:
         return made.empty(*size)
     if not isinstance(out, made) or out.size != size:
         raise Error(Status.SIZE_ERR, "out",
-                    f"{made.__name__}({size[0]} x {size[1]}) wanted, not {out!r}")
+                    f"{made.__name__}({size[0]} x {size[1]}) wanted, not {shown(out)}")
     out.written("out", *sources)
     return out
 
@@ -120,7 +118,7 @@ def nv12_to_i420(frame: Nv12, out: Optional[I420] = None) -> I420:
     b'\\x01\\x02\\x03\\x04\\x05\\x06'
     """
     _checked(frame, Nv12)
-    out = _frame_out(out, I420, frame.size, *frame.planes)
+    out = _frame_out(out, I420, frame.size, *frame.memory)
     (luma, chroma), (luma_step, chroma_step) = frame.addresses, frame.steps
     status = lib.qv_ycbcr420(0, luma, luma_step, chroma, chroma_step, *out.tables,
                              Size(*frame.size))
@@ -139,7 +137,7 @@ def yuyv_to_yv12(frame: Yuyv, out: Optional[Yv12] = None) -> Yv12:
     b'\\x01\\x03\\x05\\x07\\x04\\x02'
     """
     _checked(frame, Yuyv)
-    out = _frame_out(out, Yv12, frame.size, *frame.planes)
+    out = _frame_out(out, Yv12, frame.size, *frame.memory)
     status = lib.qv_ycbcr422_to_ycrcb420(0, frame.addresses[0], frame.steps[0], *out.tables,
                                          Size(*frame.size))
     if status:
@@ -160,7 +158,7 @@ def i420_to_bgr_exact_api(frame: I420, out: Optional[Image] = None) -> Image:
     array([255, 255, 255], dtype=uint8)
     """
     _checked(frame, I420)
-    out, to, to_step = target(out, (frame.height, frame.width, 3), *frame.planes)
+    out, to, to_step = target(out, (frame.height, frame.width, 3), *frame.memory)
     status = lib.qv_ycbcr420_to_bgr(0, *frame.tables, to, to_step, Size(*frame.size))
     if status:
         raise failed(status, "frame")
@@ -183,9 +181,9 @@ def yuyv_to_bgr_exact_api(frame: Yuyv, out: Optional[Image] = None) -> Image:
     """
     if not isinstance(frame, Yuyv):
         raise Error(Status.DATA_TYPE_ERR, "frame", f"Yuyv wanted, not {type(frame).__name__}")
-    out, to, to_step = target(out, (frame.height, frame.width, 3), *frame.planes)
+    out, to, to_step = target(out, (frame.height, frame.width, 3), *frame.memory)
     status = lib.qv_ycbcr422_to_bgr(0, frame.addresses[0], frame.steps[0], to, to_step,
                                     Size(*frame.size))
     if status:
-        raise failed(status, "frame")
+        raise failed(status, "frame", f"{frame!r} has no pair of pixels")
     return out

@@ -5,7 +5,7 @@ from typing import Optional, Sequence, Tuple
 
 import numpy as np
 
-from ._arrays import (TYPES, UINT8, Image, byte_of, in_place, pixels, point_of, same_size,
+from ._arrays import (TYPES, UINT8, Image, byte_of, in_place, pair, pixels, point_of, same_size,
                       separate, target)
 from ._codes import OPERATIONS, PREMULTIPLIED, code
 from ._errors import Error, Status, failed
@@ -55,7 +55,7 @@ def overlay(frame: Image, foreground: Image, at: Sequence[int] = (0, 0),
     status = lib.qv_over(under, to, to_step, Size(columns, rows), channels, fg, fg_step,
                          Size(width, height), plane, plane_step, x, y, opacity,
                          PREMULTIPLIED if premultiplied else 0)
-    if status not in (Status.OK, Status.NO_OVERLAP_WARNING):  # outside: the frame as it was
+    if status and status != Status.NO_OVERLAP_WARNING:  # outside: the frame as it was
         raise failed(status)
     return out
 
@@ -83,7 +83,7 @@ def compose(first: Image, second: Image, operation: str = "over", alpha1: int = 
     b, b_step, _, _, _ = pixels(second, "second", TYPES)
     if second.shape != first.shape:
         raise Error(Status.SIZE_ERR, "second", f"shape {second.shape} given, {first.shape} wanted")
-    kind = code(OPERATIONS, operation, "operation", Status.ALPHA_TYPE_ERR)
+    kind = code(OPERATIONS, operation, "operation")
     alpha1, alpha2 = byte_of(alpha1, "alpha1"), byte_of(alpha2, "alpha2")
     out, to, to_step = target(out, first.shape)
     separate(out, "out", None if (to, to_step) == (a, a_step) else first,
@@ -112,7 +112,7 @@ def merge_alpha_over(foreground: Image, foreground_alpha: Image, background: Ima
     >>> merge_alpha_over(colour, opaque, np.zeros_like(colour), opaque)[1]
     array([[255]], dtype=uint8)
     """
-    colours, alpha = (None, None) if out is None else out
+    colours, alpha = pair(out)
     described = pixels(foreground, "foreground", (3,), colours is foreground)
     width, height = described[2:4]
     ground, ground_step, _, _, _ = pixels(background, "background", (3,))
@@ -124,17 +124,19 @@ def merge_alpha_over(foreground: Image, foreground_alpha: Image, background: Ima
     if height > 1 and abs(fa_step) < width:
         raise Error(Status.STEP_ERR, "foreground_alpha", "its rows overlap")
     planes = (background, foreground_alpha, background_alpha)
+    given = alpha is not None
     if alpha is None:
         alpha = np.empty((height, abs(fa_step)), UINT8)[:, :width]
         alpha = alpha if fa_step > 0 else alpha[::-1]
-    alpha, a, a_step = target(alpha, (height, width), foreground, *planes, argument="out[1]")
+    alpha, a, a_step = target(alpha, (height, width), *((foreground, *planes) if given else ()),
+                              argument="out[1]")
     if a_step != fa_step and height > 1:
         raise Error(Status.STEP_ERR, "out[1]",
                     f"rows {a_step} bytes apart, {fa_step} as of foreground_alpha wanted")
     if colours is not None:
         separate(alpha, "out[1]", colours)
     colours, (f, f_step, _, _, _) = in_place(foreground, described, colours, *planes)
-    np.copyto(alpha, foreground_alpha)
+    alpha[...] = foreground_alpha
     status = lib.qv_merge_alpha_over(0, f, f_step, fa, fa_step, ground, ground_step, ba, ba_step, a,
                                      3 * width, width, height)
     if status:

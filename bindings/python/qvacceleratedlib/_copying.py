@@ -5,12 +5,13 @@ from typing import Optional, Sequence, Union, cast
 
 import numpy as np
 
-from ._arrays import ANY, TYPES, UINT8, Image, byte_of, in_place, pixels, same_size, target
+from ._arrays import (ANY, BYTES, TYPES, UINT8, Image, Pixels, address_of, byte_of, in_place,
+                      pixels, same_size, target)
 from ._codes import AXES, code
-from ._errors import Error, Status, failed
+from ._errors import Error, Status, failed, shown
 from ._library import Size, lib
 
-_BYTES, _PLANE_TO_THREE, _FOUR_TO_THREE, _THREE_TO_FOUR, _SCALE = 2, 9, 13, 14, 16
+_PLANE_TO_THREE, _FOUR_TO_THREE, _THREE_TO_FOUR, _SCALE = 9, 13, 14, 16
 
 
 def copy(image: Image, out: Optional[Image] = None) -> Image:
@@ -25,7 +26,7 @@ def copy(image: Image, out: Optional[Image] = None) -> Image:
     """
     address, step, width, height, channels = pixels(image, "image", ANY)
     out, to, to_step = target(out, image.shape, image)
-    status = lib.qv_copy(_BYTES, address, step, to, to_step, Size(width * channels, height))
+    status = lib.qv_copy(BYTES, address, step, to, to_step, Size(width * channels, height))
     if status:
         raise failed(status)
     return out
@@ -40,9 +41,12 @@ def merge(planes: Sequence[Image], out: Optional[Image] = None) -> Image:
     array([[[1, 2, 3],
             [1, 2, 3]]], dtype=uint8)
     """
-    planes = tuple(planes)
+    try:
+        planes = tuple(planes)
+    except TypeError:
+        planes = ()
     if len(planes) != 3:
-        raise Error(Status.CHANNEL_ERR, "planes", f"three wanted, not {len(planes)}")
+        raise Error(Status.CHANNEL_ERR, "planes", f"three arrays wanted, not {len(planes)}")
     described = [pixels(plane, f"planes[{i}]", (1,)) for i, plane in enumerate(planes)]
     _, _, width, height, _ = described[0]
     for i, plane in enumerate(planes):
@@ -119,21 +123,30 @@ def fill(out: Image, value: Union[int, Sequence[int]]) -> Image:
     array([[[255,   0,   9],
             [255,   0,   9]]], dtype=uint8)
     """
-    to, to_step, width, height, channels = pixels(out, "out", ANY, True)
-    kind = _BYTES
-    if isinstance(value, (tuple, list, np.ndarray)):
-        if len(value) != 3 or channels != 3:
-            raise Error(Status.CHANNEL_ERR, "value",
-                        f"one byte wanted, or three for three channels, not {value!r}")
-        colour = bytes(byte_of(part, "value") for part in value)
-        kind = 4
-    else:
-        colour = bytes((byte_of(cast(int, value), "value"),))
-        width *= channels
+    described = pixels(out, "out", ANY, True)
+    paint(described, colour_of(value, described[4], "value"))
+    return out
+
+
+def colour_of(value: Union[int, Sequence[int]], channels: int, argument: str) -> bytes:
+    """The byte for all channels of a pixel, or those for three."""
+    if not isinstance(value, (tuple, list, np.ndarray)):
+        return bytes((byte_of(cast(int, value), argument),))
+    if len(value) != 3 or channels != 3:
+        raise Error(Status.CHANNEL_ERR, argument,
+                    f"one byte wanted, or three for three channels, not {shown(value)}")
+    return bytes(byte_of(part, argument) for part in value)
+
+
+def paint(described: Pixels, colour: bytes) -> None:
+    """Sets all pixels to what colour_of() has made."""
+    to, to_step, width, height, channels = described
+    kind = TYPES[3]
+    if len(colour) == 1:
+        kind, width = BYTES, width * channels
     status = lib.qv_set(kind, colour, to, to_step, Size(width, height))
     if status:
         raise failed(status)
-    return out
 
 
 def mirror(image: Image, axis: str = "both", out: Optional[Image] = None) -> Image:
@@ -149,7 +162,7 @@ def mirror(image: Image, axis: str = "both", out: Optional[Image] = None) -> Ima
            [6, 5, 4]], dtype=uint8)
     """
     address, step, width, height, channels = pixels(image, "image", TYPES)
-    about = code(AXES, axis, "axis", Status.AXIS_ERR)
+    about = code(AXES, axis, "axis")
     out, to, to_step = target(out, image.shape, image)
     status = lib.qv_mirror(TYPES[channels], address, step, to, to_step, Size(width, height), about)
     if status:
@@ -177,7 +190,7 @@ def palette(image: Image, entries: Image, out: Optional[Image] = None) -> Image:
                     "a contiguous uint8 array of shape (2, 3), (4, 3), ... or (256, 3) wanted")
     out, to, to_step = target(out, (height, width, 3), image, entries)
     status = lib.qv_lut_palette(0, address, step, to, to_step, Size(width, height),
-                                entries.__array_interface__["data"][0], bits)
+                                address_of(entries), bits)
     if status:
         raise failed(status)
     return out

@@ -2,7 +2,8 @@
 from __future__ import annotations
 
 import enum
-from typing import Dict
+import reprlib
+from typing import Any, Dict, Tuple
 
 from ._library import lib
 
@@ -58,7 +59,7 @@ class Error(ValueError):
         where = f"{argument}: " if argument else ""
         super().__init__(f"{where}{reason} ({self.name}, {int(status)})")
 
-    def __reduce__(self) -> tuple:
+    def __reduce__(self) -> Tuple[Any, ...]:
         return Error, (int(self.status), self.argument, self.reason)
 
 
@@ -72,9 +73,15 @@ _ARGUMENTS: Dict[int, str] = {
 }
 
 
-def failed(status: int, argument: str = "") -> Error:
-    """The exception for a status other than 0 that a call has returned."""
+def failed(status: int, argument: str = "", reason: str = "") -> Error:
+    """The exception for a status other than 0 that a call has returned; `reason` is why it is
+    about the argument, where the library's words for the status are too general."""
     if status == Status.MEM_ALLOC_ERR:
-        argument = ""
+        argument = reason = ""
     return Error(status, argument or _ARGUMENTS.get(status, ""),
-                 lib.qv_status_text(status).decode())
+                 reason or lib.qv_status_text(status).decode())
+
+
+def shown(value: object) -> str:
+    """What has been given, in a line."""
+    return " ".join(reprlib.repr(value).split())

@@ -3,15 +3,12 @@ from __future__ import annotations
 
 from typing import Optional, Tuple
 
-
-import numpy as np
-
-from ._arrays import ANY, Image, pixels, target, whole
+from ._arrays import ANY, BYTES, Image, pair, pixels, target, whole
 from ._codes import FIELD_ORDERS, code
 from ._errors import Error, Status, failed
 from ._library import Size, lib
 
-_BYTES, _WHOLE_FRAME = 2, 0
+_WHOLE_FRAME = 0
 
 
 def deinterlace(image: Image, centre_weight: int = 128, out: Optional[Image] = None) -> Image:
@@ -31,7 +28,7 @@ def deinterlace(image: Image, centre_weight: int = 128, out: Optional[Image] = N
         raise Error(Status.SIZE_ERR, "image", f"shape {image.shape} given, 3 rows wanted")
     out, to, to_step = target(out, image.shape, image)
     # As bytes: of three channels the operation would filter the padding of rows as well.
-    status = lib.qv_deinterlace(_BYTES, address, step, to, to_step, Size(width * channels, height),
+    status = lib.qv_deinterlace(BYTES, address, step, to, to_step, Size(width * channels, height),
                                 centre_weight, _WHOLE_FRAME)
     if status:
         raise failed(status, "image")
@@ -58,11 +55,11 @@ def deinterlace_bob(image: Image, first: str = "top", centre_weight: int = 0,
     (array([  0,  50, 100, 100], dtype=uint8), array([10, 10, 20, 30], dtype=uint8))
     """
     address, step, width, height, channels = pixels(image, "image", ANY)
-    order = code(FIELD_ORDERS, first, "first", Status.OUT_OF_RANGE_ERR)
+    order = code(FIELD_ORDERS, first, "first")
     centre_weight = whole(centre_weight, "centre_weight", 0, 256)
     if height < 2:
         raise Error(Status.SIZE_ERR, "image", f"shape {image.shape} given, 2 rows wanted")
-    one, two = (None, None) if out is None else out
+    one, two = pair(out)
     one, to, to_step = target(one, image.shape, image, argument="out[0]")
     second = second_step = 0
     if two is not None or out is None:
@@ -87,7 +84,7 @@ def weave(first: Image, second: Image, first_field: str = "top",
     """
     one, one_step, width, height, channels = pixels(first, "first", ANY)
     two, two_step, _, rows, _ = pixels(second, "second", ANY)
-    order = code(FIELD_ORDERS, first_field, "first_field", Status.OUT_OF_RANGE_ERR)
+    order = code(FIELD_ORDERS, first_field, "first_field")
     top, bottom = (height, rows) if order == 0 else (rows, height)
     if first.shape[1:] != second.shape[1:] or not 0 <= top - bottom <= 1:
         raise Error(Status.SIZE_ERR, "second",

@@ -2,11 +2,13 @@
 from __future__ import annotations
 
 import ctypes
+import math
+from functools import lru_cache
 from typing import Any, ClassVar, Dict, Optional, Tuple, Type, TypeVar
 
 import numpy as np
 
-from ._arrays import UINT8, Image, pixels, separate, size_of
+from ._arrays import MOST, UINT8, Image, pixels, separate, size_of, whole
 from ._errors import Error, Status
 
 F = TypeVar("F", bound="Frame")
@@ -16,6 +18,17 @@ _Sample = Tuple[int, int, int]
 _FULL, _HALF, _QUARTER, _PAIRS = (1, 1, 1), (1, 2, 1), (1, 2, 2), (2, 2, 2)
 
 FRAMES: Dict[str, Type["Frame"]] = {}  # by layout
+
+
+@lru_cache(maxsize=64)
+def _shapes(samples: Tuple[_Sample, ...], width: int, height: int) -> Tuple[Tuple[int, ...], ...]:
+    shapes = []
+    for count, columns, rows in samples:
+        across, down = -(-width // columns), -(-height // rows)
+        if len(samples) == 1:  # packed: whole groups of two pixels
+            across = (width + 1) // 2 * 2
+        shapes.append((down, across, count) if count > 1 else (down, across))
+    return tuple(shapes)
 
 
 class Frame:
@@ -43,9 +56,10 @@ class Frame:
 
     layout: ClassVar[str]
     code: ClassVar[int]
-    _samples: ClassVar[Tuple[_Sample, ...]]  # of each plane
+    _samples: ClassVar[Tuple[_Sample, ...]] = ()  # of each plane
 
-    __slots__ = ("planes", "width", "height", "addresses", "steps", "_table", "_written")
+    __slots__ = ("planes", "width", "height", "addresses", "steps", "tables", "memory",
+                 "_table", "_written")
 
     def __init_subclass__(cls, code: Optional[int] = None,
                           samples: Tuple[_Sample, ...] = ()) -> None:
@@ -56,15 +70,15 @@ class Frame:
             FRAMES[cls.layout] = cls
 
     def __init__(self, *planes: Image, width: Optional[int] = None) -> None:
+        if not self._samples:
+            raise TypeError("Frame has no layout; its subclasses have: Yuyv, I420, ...")
         if len(planes) != len(self._samples):
             raise Error(Status.NULL_PTR_ERR, "planes",
                         f"{self.layout} has {len(self._samples)}, not {len(planes)}")
         described = [pixels(plane, f"planes[{i}]", (sample[0],))
                      for i, (plane, sample) in enumerate(zip(planes, self._samples))]
         self.height = described[0][3]
-        self.width = described[0][2] if width is None else width.__index__()
-        if self.width < 1:
-            raise Error(Status.SIZE_ERR, "width", f"{self.width} pixels")
+        self.width = described[0][2] if width is None else whole(width, "width", 1, MOST)
         for i, shape in enumerate(self.shapes(self.width, self.height)):
             if planes[i].shape != shape:
                 raise Error(Status.SIZE_ERR, f"planes[{i}]",
@@ -76,12 +90,10 @@ class Frame:
         count = len(planes)
         self._table = ((ctypes.c_void_p * count)(*self.addresses),
                        (ctypes.c_int * count)(*self.steps))
+        # The addresses of the tables of planes and of steps, as the C interface takes them.
+        self.tables = ctypes.addressof(self._table[0]), ctypes.addressof(self._table[1])
+        self.memory = planes  # arrays of just the bytes that the planes have
         self._written = False
-
-    @property
-    def tables(self) -> Tuple[int, int]:
-        """The addresses of the tables of planes and of steps, as the C interface takes them."""
-        return ctypes.addressof(self._table[0]), ctypes.addressof(self._table[1])
 
     @property
     def size(self) -> Tuple[int, int]:
@@ -91,13 +103,7 @@ class Frame:
     @classmethod
     def shapes(cls, width: int, height: int) -> Tuple[Tuple[int, ...], ...]:
         """The shapes of the planes of a frame of that size."""
-        shapes = []
-        for count, columns, rows in cls._samples:
-            across, down = -(-width // columns), -(-height // rows)
-            if len(cls._samples) == 1:  # packed: whole groups of two pixels
-                across = (width + 1) // 2 * 2
-            shapes.append((down, across, count) if count > 1 else (down, across))
-        return tuple(shapes)
+        return _shapes(cls._samples, width, height)
 
     @classmethod
     def nbytes(cls, width: int, height: int) -> int:
@@ -106,7 +112,8 @@ class Frame:
         >>> Yuyv.nbytes(1920, 1080)
         4147200
         """
-        return sum(int(np.prod(shape)) for shape in cls.shapes(width, height))
+        width, height = size_of((width, height), "size")
+        return sum(math.prod(shape) for shape in cls.shapes(width, height))
 
     @classmethod
     def empty(cls: Type[F], width: int, height: int) -> F:
@@ -125,16 +132,21 @@ class Frame:
         (1, 1, 2)
         """
         width, height = size_of((width, height), "size")
-        memory = np.frombuffer(buffer, UINT8)
+        try:
+            memory = np.frombuffer(buffer, UINT8)
+        except (TypeError, ValueError, BufferError) as error:
+            raise Error(Status.DATA_TYPE_ERR, "buffer", f"no contiguous bytes: {error}") from None
         if memory.size < cls.nbytes(width, height):
             raise Error(Status.SIZE_ERR, "buffer",
                         f"{memory.size} bytes given, {cls.nbytes(width, height)} wanted")
         planes, start = [], 0
         for shape in cls.shapes(width, height):
-            end = start + int(np.prod(shape))
+            end = start + math.prod(shape)
             planes.append(memory[start:end].reshape(shape))
             start = end
-        return cls(*planes, width=width)
+        frame = cls(*planes, width=width)
+        frame.memory = (memory[:start],)
+        return frame
 
     def tobytes(self) -> bytes:
         """The planes one after the other, without padding."""
@@ -148,8 +160,8 @@ class Frame:
             for i, plane in enumerate(self.planes):
                 separate(plane, argument, *self.planes[:i])
             self._written = True
-        for plane in self.planes:
-            separate(plane, argument, *sources)
+        for array in self.memory:
+            separate(array, argument, *sources)
 
     def __repr__(self) -> str:
         return f"{type(self).__name__}({self.width} x {self.height})"

@@ -3,37 +3,42 @@ from __future__ import annotations
 
 import ctypes
 import math
-from typing import Callable, Collection, List, Optional, Sequence, Tuple, Union
+from typing import Any, Callable, Collection, Optional, Sequence, Tuple, Union
 
 import numpy as np
 import numpy.typing as npt
 
-from ._arrays import ANY, TYPES, UINT8, Image, pixels, rect_of, same_size, separate, size_of
-from ._codes import SAMPLING, code, finite
-from ._copying import fill
-from ._errors import Error, Status, failed
+from ._arrays import (ANY, TYPES, UINT8, Image, address_of, pair, pixels, rect_of, same_size,
+                      separate, size_of)
+from ._codes import SAMPLING, code, finite, number
+from ._copying import colour_of, paint
+from ._errors import Error, Status, failed, shown
 from ._library import Rect, Size, lib
 
 Matrix = npt.NDArray[np.float64]
 Value = Union[int, Sequence[int]]
 
-_NINE, _TWO = ctypes.c_double * 9, ctypes.c_double * 2
+_TWO = ctypes.c_double * 2
 
 
 def _table(rows: Sequence[Sequence[float]], shape: Tuple[int, int], argument: str,
-           status: Status) -> List[float]:
-    """The finite numbers of a table, one row after the other."""
+           status: Status) -> Matrix:
+    """A table of finite numbers, one row after the other in memory."""
     try:
-        values = np.asarray(rows, np.float64)
+        values = np.ascontiguousarray(rows, np.float64)
     except (TypeError, ValueError):
         values = np.empty(0)
     if values.shape != shape:
-        raise Error(status, argument, f"{shape[0]} rows of {shape[1]} numbers wanted, not {rows!r}")
-    return finite(values.ravel().tolist(), argument, status, values.size)
+        raise Error(status, argument,
+                    f"{shape[0]} rows of {shape[1]} numbers wanted, not {shown(rows)}")
+    numbers = values.ravel().tolist()
+    if not all(map(math.isfinite, numbers)):
+        raise Error(status, argument, f"finite numbers wanted, not {shown(numbers)}")
+    return values
 
 
-def _coefficients(matrix: Sequence[Sequence[float]], argument: str) -> ctypes.Array:
-    return _NINE(*_table(matrix, (3, 3), argument, Status.COEFF_ERR))
+def _coefficients(matrix: Sequence[Sequence[float]], argument: str) -> Matrix:
+    return _table(matrix, (3, 3), argument, Status.COEFF_ERR)
 
 
 class _Source:
@@ -49,49 +54,61 @@ class _Source:
         self.size = Size(width, height)
         self.region = rect_of(region, "region", width, height)
 
+    def check_extent(self) -> None:
+        """Refuses what has corners on one line, which no perspective carries anywhere."""
+        if self.region.width < 2 or self.region.height < 2:
+            raise Error(Status.COEFF_ERR, "region", "at least 2 x 2 pixels wanted, not "
+                        f"{self.region.width} x {self.region.height}")
+
     def place(self, size: Optional[Sequence[int]], out: Optional[Image],
               out_region: Optional[Sequence[int]], *others: Image) -> _Place:
-        given = self.size.width, self.size.height
-        if size is not None:
-            given = size_of(size, "size")
-        elif out is not None:
-            given = pixels(out, "out", ANY, True)[2:4]
+        given = None if size is None else size_of(size, "size")
+        if given is None and out is None:
+            given = self.size.width, self.size.height
         return _Place(given, out, self.image.shape[2:], out_region, self.image, *others)
 
 
 class _Place:
-    """What they write: an array, its address and step, and a region of it."""
+    """What they write: an array, its address and step, and a region of it. The size is that of
+    `out` if there is none."""
 
-    def __init__(self, size: Tuple[int, int], out: Optional[Image], channels: Tuple[int, ...],
-                 region: Optional[Sequence[int]], *sources: Image, name: str = "out") -> None:
-        width, height = size
-        shape = (height, width) + channels
+    def __init__(self, size: Optional[Tuple[int, int]], out: Optional[Image],
+                 channels: Tuple[int, ...], region: Optional[Sequence[int]], *sources: Image,
+                 name: str = "out") -> None:
         self.made = out is None
-        self.image = np.zeros(shape, UINT8) if out is None else out
-        self.address, self.step, _, _, _ = pixels(self.image, name, ANY, True)
-        if out is not None:
-            if out.shape != shape:
-                raise Error(Status.SIZE_ERR, name, f"shape {out.shape} given, {shape} wanted")
+        if out is None:
+            assert size is not None
+            out = np.zeros(size[::-1] + channels, UINT8)
+        self.image = out
+        self.address, self.step, width, height, _ = pixels(out, name, ANY, True)
+        shape = (size or (width, height))[::-1] + channels
+        if out.shape != shape:
+            raise Error(Status.SIZE_ERR, name, f"shape {out.shape} given, {shape} wanted")
+        if self.step < 1:
+            raise Error(Status.STEP_ERR, name, "rows from bottom to top, which this does not take")
+        if not self.made:
             separate(out, name, *sources)
-            if self.step < 1:
-                raise Error(Status.STEP_ERR, name,
-                            "rows from bottom to top, which this does not take")
         self.region = rect_of(region, "out_region", width, height, inside=True)
 
-    def make_ground(self, background: Optional[Value], trial: Callable[..., int]) -> None:
+    def make_ground(self, background: Optional[Value], trial: Callable[..., Any]) -> None:
         """Fills the region with the background, unless it is what stands there; not before a trial
         on a pixel of its own has shown that the call itself will not be refused."""
-        if background is None or (self.made and not np.any(background)):
+        if background is None:
+            return
+        channels = 1 if self.image.ndim == 2 else self.image.shape[2]
+        colour = colour_of(background, channels, "background")
+        if self.made and not any(colour):
             return
         pixel = (ctypes.c_ubyte * 3)()
         _check(trial(ctypes.addressof(pixel), 3, Rect(0, 0, 1, 1)))
-        x, y, width, height = (getattr(self.region, name) for name in ("x", "y", "width", "height"))
-        fill(self.image[y:y + height, x:x + width], background)
+        part = self.region
+        ground = self.image[part.y:part.y + part.height, part.x:part.x + part.width]
+        paint(pixels(ground, "out", ANY, True), colour)
 
 
 def _check(status: int) -> None:
     """A picture that lies elsewhere leaves the background, which is right."""
-    if status not in (Status.OK, Status.NO_OVERLAP_WARNING):
+    if status and status != Status.NO_OVERLAP_WARNING:
         raise failed(status)
 
 
@@ -123,14 +140,15 @@ def warp_perspective(image: Image, matrix: Sequence[Sequence[float]],
            [9, 4, 5]], dtype=uint8)
     """
     source = _Source(image, region)
+    source.check_extent()
     coefficients = _coefficients(matrix, "matrix")
-    kind = code(SAMPLING, method, "method", Status.INTERPOLATION_ERR)
+    kind = code(SAMPLING, method, "method")
     place = source.place(size, out, out_region)
 
-    def call(address: int, step: int, part: Rect) -> int:
+    def call(address: int, step: int, part: Rect) -> Any:
         return lib.qv_warp_perspective(
             source.type, source.address, source.size, source.step, source.region, address, step,
-            part, ctypes.addressof(coefficients), kind)
+            part, address_of(coefficients), kind)
 
     place.make_ground(background, call)
     _check(call(place.address, place.step, place.region))
@@ -156,17 +174,18 @@ def warp_perspective_pair(image: Image, matrix: Sequence[Sequence[float]], mask:
     """
     source, second = _Source(image, region, "image", (3,)), _Source(mask, region, "mask", (1,))
     same_size(mask, "mask", source.size.width, source.size.height)
+    source.check_extent()
     coefficients = _coefficients(matrix, "matrix")
     others = coefficients if mask_matrix is None else _coefficients(mask_matrix, "mask_matrix")
-    kind = code(SAMPLING, method, "method", Status.INTERPOLATION_ERR)
-    first_out, second_out = (None, None) if out is None else out
+    kind = code(SAMPLING, method, "method")
+    first_out, second_out = pair(out)
     place = source.place(size, first_out, out_region, mask)
     given = place.image.shape[1], place.image.shape[0]
     plane = _Place(given, second_out, (), out_region, image, mask, place.image, name="out[1]")
     _check(lib.qv_warp_perspective_ex(
         0, source.address, source.size, source.step, source.region, place.address, place.step,
-        place.region, ctypes.addressof(coefficients), kind, second.address, second.step,
-        plane.address, plane.step, ctypes.addressof(others)))
+        place.region, address_of(coefficients), kind, second.address, second.step,
+        plane.address, plane.step, address_of(others)))
     return place.image, plane.image
 
 
@@ -192,8 +211,8 @@ def rotate(image: Image, degrees: float, expand: bool = False,
            [1, 4]], dtype=uint8)
     """
     source = _Source(image, region)
-    degrees, = finite([degrees], "degrees", Status.COEFF_ERR, 1)
-    kind = code(SAMPLING, method, "method", Status.INTERPOLATION_ERR)
+    degrees = number(degrees, "degrees", Status.COEFF_ERR)
+    kind = code(SAMPLING, method, "method")
     width, height = source.size.width, source.size.height
     if expand:
         if shift is not None or size is not None:
@@ -205,7 +224,7 @@ def rotate(image: Image, degrees: float, expand: bool = False,
     if not expand and shift is None:
         across, down = _about_middle(degrees, width, height, place.image)
 
-    def call(address: int, step: int, part: Rect) -> int:
+    def call(address: int, step: int, part: Rect) -> Any:
         return lib.qv_rotate(
             source.type, source.address, source.size, source.step, source.region, address, step,
             part, degrees, across, down, kind)
@@ -238,7 +257,7 @@ def rotation_canvas(size: Sequence[int], degrees: float) -> Tuple[Tuple[int, int
     >>> rotation_canvas((640, 480), 90)
     ((480, 640), (0.0, 639.0))
     """
-    degrees, = finite([degrees], "degrees", Status.COEFF_ERR, 1)
+    degrees = number(degrees, "degrees", Status.COEFF_ERR)
     return _canvas(Size(*size_of(size, "size")), degrees)
 
 
@@ -247,7 +266,7 @@ def _canvas(size: Size, degrees: float) -> Tuple[Tuple[int, int], Tuple[float, f
     status = lib.qv_rotation_canvas(size, degrees, ctypes.addressof(canvas),
                                     ctypes.addressof(shift))
     if status:
-        raise failed(status, "size")
+        raise failed(status, "size", "what holds the turned image is no size of an image")
     return (canvas.width, canvas.height), (shift[0], shift[1])
 
 
@@ -263,7 +282,8 @@ def rotate_bound(region: Sequence[int], degrees: float,
     ((0.0, -639.0), (479.0, 0.0))
     """
     bound = (ctypes.c_double * 4)()
-    degrees, across, down = finite((degrees, *shift), "degrees", Status.COEFF_ERR, 3)
+    degrees = number(degrees, "degrees", Status.COEFF_ERR)
+    across, down = finite(shift, "shift", Status.COEFF_ERR, 2)
     status = lib.qv_get_rotate_bound(0, rect_of(region, "region", 1, 1), ctypes.addressof(bound),
                                      degrees, across, down)
     if status:
@@ -284,13 +304,12 @@ def perspective_transform(region: Sequence[int], quad: Sequence[Sequence[float]]
            [ 0.,  2.,  0.],
            [ 0.,  0.,  1.]])
     """
-    values = (ctypes.c_double * 8)(*_table(quad, (4, 2), "quad", Status.QUAD_ERR))
-    result = _NINE()
+    corners, result = _table(quad, (4, 2), "quad", Status.QUAD_ERR), np.empty((3, 3))
     status = lib.qv_get_perspective_transform(
-        0, rect_of(region, "region", 1, 1), ctypes.addressof(values), ctypes.addressof(result))
+        0, rect_of(region, "region", 1, 1), address_of(corners), address_of(result))
     if status:
         raise failed(status)
-    return np.array(result).reshape(3, 3) + 0.0  # no negative zeros
+    return result + 0.0  # no negative zeros
 
 
 def invert_transform(matrix: Sequence[Sequence[float]]) -> Matrix:
@@ -303,11 +322,11 @@ def invert_transform(matrix: Sequence[Sequence[float]]) -> Matrix:
            [ 0. ,  0.5,  0. ],
            [ 0. ,  0. ,  1. ]])
     """
-    values = _coefficients(matrix, "matrix")
-    status = lib.qv_invert_transform(ctypes.addressof(values), ctypes.addressof(values))
+    values, result = _coefficients(matrix, "matrix"), np.empty((3, 3))
+    status = lib.qv_invert_transform(address_of(values), address_of(result))
     if status:
         raise failed(status)
-    return np.array(values).reshape(3, 3)
+    return result
 
 
 def warp_source_position(region: Sequence[int], matrix: Sequence[Sequence[float]],
@@ -322,8 +341,8 @@ def warp_source_position(region: Sequence[int], matrix: Sequence[Sequence[float]
     """
     values, position = _coefficients(matrix, "matrix"), _TWO()
     x, y = finite(point, "point", Status.COEFF_ERR, 2)
-    status = lib.qv_warp_source_position(rect_of(region, "region", 1, 1), ctypes.addressof(values),
-                                         x, y, ctypes.addressof(position))
+    status = lib.qv_warp_source_position(rect_of(region, "region", 1, 1), address_of(values), x, y,
+                                         ctypes.addressof(position))
     if status:
         raise failed(status)
     return position[0], position[1]

@@ -2,6 +2,7 @@
 from __future__ import annotations
 
 import ctypes
+import operator
 import sys
 from pathlib import Path
 
@@ -21,11 +22,18 @@ class ResampleOptions(ctypes.Structure):
             "src_phase_x", "src_phase_y", "dst_phase_x", "dst_phase_y", "cubic")]
 
 
+class _Int:
+    """A whole number that ctypes passes on as a C int, in half the time that c_int takes."""
+
+    from_param = operator.index
+
+
 # Pointers are addresses: an int costs a call less than any pointer object.
 LETTERS = {
     "p": ctypes.c_void_p, "s": ctypes.c_char_p, "S": Size, "R": Rect,
-    "i": ctypes.c_int, "u": ctypes.c_uint, "b": ctypes.c_ubyte, "d": ctypes.c_double,
+    "i": _Int, "u": _Int, "b": ctypes.c_ubyte, "d": ctypes.c_double,
 }
+RESULTS = {"i": ctypes.c_int, "s": ctypes.c_char_p, "S": Size}
 
 # Every function of qv.h: what it returns, and after the colon its parameters, a letter each.
 SIGNATURES = {
@@ -86,7 +94,7 @@ def _open() -> ctypes.CDLL:
     library = ctypes.CDLL(str(path) if path.exists() else installed)
     for name, signature in SIGNATURES.items():
         function = getattr(library, name)
-        function.restype = LETTERS[signature[0]]
+        function.restype = RESULTS[signature[0]]
         function.argtypes = [LETTERS[letter] for letter in signature[2:]]
     return library
 

@@ -7,7 +7,7 @@ from typing import Iterator, Tuple
 
 from ._arrays import whole
 from ._codes import LAYOUTS, code
-from ._errors import Status, failed
+from ._errors import failed, shown
 from ._library import lib
 
 MOST_THREADS = 256
@@ -16,7 +16,8 @@ _own = threading.local()
 
 
 def get_threads() -> int:
-    return lib.qv_threads()
+    count: int = lib.qv_threads()
+    return count
 
 
 def set_threads(count: int) -> None:
@@ -51,13 +52,15 @@ def _limit(count: int) -> None:
 
 
 def get_level() -> str:
-    return lib.qv_level().decode()
+    name: bytes = lib.qv_level()
+    return name.decode()
 
 
 def set_level(level: str) -> None:
     status = lib.qv_set_level(str(level).encode())
     if status:
-        raise failed(status, "level")
+        raise failed(status, "level", f"one of {', '.join(map(repr, levels()))} wanted, not "
+                     f"{shown(level)}")
 
 
 def levels() -> Tuple[str, ...]:
@@ -78,8 +81,8 @@ def row_bytes(layout: str, width: int) -> int:
     >>> row_bytes("yuyv", 1919)
     3840
     """
-    result = lib.qv_row_bytes(code(LAYOUTS, layout, "layout", Status.DATA_TYPE_ERR),
-                              whole(width, "width", 1, 2**31 - 1))
+    result: int = lib.qv_row_bytes(code(LAYOUTS, layout, "layout"),
+                                   whole(width, "width", 1, 2**31 - 1))
     if result < 0:
-        raise failed(result, "width")
+        raise failed(result, "width", "a row of more than 2^31 - 1 bytes")
     return result

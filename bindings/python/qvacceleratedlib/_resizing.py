@@ -8,8 +8,8 @@ from typing import Optional, Sequence, Tuple
 import numpy as np
 
 from ._arrays import ANY, TYPES, Image, pixels, point_of, rect_of, size_of, target
-from ._codes import FILTERS, METHODS, POSITIONS, SAMPLING, code, finite
-from ._errors import Error, Status, failed
+from ._codes import FILTERS, METHODS, POSITIONS, SAMPLING, code, finite, number
+from ._errors import Error, Status, failed, shown
 from ._frames import Yuyv
 from ._library import Rect, ResampleOptions, Size, lib
 
@@ -20,18 +20,18 @@ _NOTHING = (0.0, 0.0)
 
 @lru_cache(maxsize=64)
 def _options(kind: int, method: str, position: str, narrow: bool,
-             region: Optional[Tuple[float, ...]], source_phase: Tuple[float, float],
-             phase: Tuple[float, float], cubic: float) -> ResampleOptions:
+             region: Optional[Sequence[float]], source_phase: Sequence[float],
+             phase: Sequence[float], cubic: float) -> ResampleOptions:
     part: Tuple[float, ...] = (0.0, 0.0, 0.0, 0.0)
     if region is not None:
         part = tuple(finite(region, "region", Status.RECT_ERR, 4))
         if part == (0.0, 0.0, 0.0, 0.0):  # which would stand for the whole image
             raise Error(Status.RECT_ERR, "region", "its width or height is not above 0")
-    if not -1 <= cubic < 0:  # 0 would stand for -0.5
+    if not -1 <= number(cubic, "cubic", Status.OUT_OF_RANGE_ERR) < 0:  # 0 would stand for -0.5
         raise Error(Status.OUT_OF_RANGE_ERR, "cubic", f"-1 up to below 0 wanted, not {cubic!r}")
     return ResampleOptions(
-        kind, code(FILTERS, method, "method", Status.INTERPOLATION_ERR),
-        code(POSITIONS, position, "position", Status.OUT_OF_RANGE_ERR), int(narrow), *part,
+        kind, code(FILTERS, method, "method"),
+        code(POSITIONS, position, "position"), int(narrow), *part,
         *finite(source_phase, "source_phase", Status.OUT_OF_RANGE_ERR, 2),
         *finite(phase, "phase", Status.OUT_OF_RANGE_ERR, 2), cubic)
 
@@ -71,15 +71,13 @@ def resize(image: Image, size: Optional[Sequence[int]] = None, method: str = "cu
         if alpha not in _ALPHAS or channels != 4:
             raise Error(Status.DATA_TYPE_ERR, "alpha",
                         f"None wanted or, of four channels, 'premultiplied' or 'straight', "
-                        f"not {alpha!r}")
+                        f"not {shown(alpha)}")
         kind = _ALPHAS[alpha]
+    arguments = kind, method, position, bool(narrow), region, source_phase, phase, cubic
     try:
-        options = _options(kind, method, position, bool(narrow),
-                           None if region is None else tuple(region),
-                           tuple(source_phase), tuple(phase), cubic)
-    except TypeError:
-        raise Error(Status.OUT_OF_RANGE_ERR, "", "method, position, region, phases and cubic are "
-                    "two strings, numbers and a number") from None
+        options = _options(*arguments)
+    except TypeError:  # lists and arrays, which a cache does not take
+        options = _options.__wrapped__(*arguments)
     out, (columns, rows), to, to_step = _resized(image, size, out)
     status = lib.qv_resample(address, Size(width, height), step, to, Size(columns, rows), to_step,
                              ctypes.addressof(options))
@@ -136,7 +134,7 @@ def resize_exact_api(image: Image, size: Sequence[int], method: str = "cubic",
     array([  0,  50, 100, 150, 200], dtype=uint8)
     """
     address, step, width, height, channels = pixels(image, "image", TYPES)
-    kind = code(METHODS, method, "method", Status.INTERPOLATION_ERR)
+    kind = code(METHODS, method, "method")
     part = rect_of(region, "region", width, height)
     columns, rows = size_of(size, "size")
     if out is None and factors is not None:
@@ -145,7 +143,7 @@ def resize_exact_api(image: Image, size: Sequence[int], method: str = "cubic",
     x, y = _factors(part, (columns, rows), width, height, factors)
     status = lib.qv_resize(TYPES[channels], address, Size(width, height), step, part, to, to_step,
                            Size(columns, rows), x, y, kind)
-    if status not in (Status.OK, Status.NOTHING_TO_DO_WARNING):
+    if status and status != Status.NOTHING_TO_DO_WARNING:
         raise failed(status, "factors" if status == Status.RESIZE_FACTOR_ERR else "")
     return out
 
@@ -164,15 +162,15 @@ def resize_yuyv_exact_api(frame: Yuyv, size: Sequence[int], method: str = "cubic
     if not isinstance(frame, Yuyv):
         raise Error(Status.DATA_TYPE_ERR, "frame", f"Yuyv wanted, not {type(frame).__name__}")
     columns, rows = size_of(size, "size")
-    kind = code(SAMPLING, method, "method", Status.INTERPOLATION_ERR)
+    kind = code(SAMPLING, method, "method")
     if frame.width % 2 or columns % 2:
         raise Error(Status.SIZE_ERR, "frame" if frame.width % 2 else "size", "the width is odd")
     if out is None:
         out = Yuyv.empty(columns, rows)
     elif not isinstance(out, Yuyv) or out.size != (columns, rows):
-        raise Error(Status.SIZE_ERR, "out", f"Yuyv({columns} x {rows}) wanted, not {out!r}")
+        raise Error(Status.SIZE_ERR, "out", f"Yuyv({columns} x {rows}) wanted, not {shown(out)}")
     else:
-        out.written("out", *frame.planes)
+        out.written("out", *frame.memory)
     width, height = frame.size
     status = lib.qv_resize_yuv422(
         0, frame.addresses[0], Size(width, height), frame.steps[0], Rect(0, 0, width, height),
@@ -201,8 +199,10 @@ def source_position(source_size: Sequence[int], size: Sequence[int], point: Sequ
     status = lib.qv_source_position(
         Size(width, height), part, Size(columns, rows),
         *_factors(part, (columns, rows), width, height, factors),
-        code(METHODS, method, "method", Status.INTERPOLATION_ERR), x, y,
+        code(METHODS, method, "method"), x, y,
         ctypes.addressof(position))
     if status:
-        raise failed(status, "point" if status == Status.OUT_OF_RANGE_ERR else "")
+        if status == Status.OUT_OF_RANGE_ERR:
+            raise failed(status, "point", f"{(x, y)} is not written")
+        raise failed(status)
     return position[0], position[1]

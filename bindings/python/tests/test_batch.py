@@ -1,4 +1,4 @@
-"""qvacceleratedlib.batch on this machine, and on a cluster of two workers on the loopback."""
+"""qvacceleratedlib.batch on this machine, and on a cluster of three workers on the loopback."""
 import contextlib
 import json
 import os
@@ -11,10 +11,11 @@ import sys
 import threading
 import time
 import zlib
+from concurrent.futures import ThreadPoolExecutor
 
 import pytest
 
-from qvacceleratedlib.batch import __main__ as command
+from qvacceleratedlib.batch import __main__ as command, _lock
 
 TOOL = shutil.which(os.environ.get("QVTOOL", "qvtool"))
 CHAIN = "mirror --axis left-right; mirror --axis top-bottom"
@@ -38,7 +39,10 @@ def start(*arguments, **environment):
 
 
 def finish(process):
-    output, _ = process.communicate(timeout=120)
+    try:
+        output, _ = process.communicate(timeout=240)
+    finally:
+        process.kill()
     return process.returncode, output
 
 
@@ -56,7 +60,7 @@ def content(folder):
     return found
 
 
-def wait(condition, seconds=60):
+def wait(condition, seconds=240):
     end = time.monotonic() + seconds
     while not condition():
         assert time.monotonic() < end
@@ -111,6 +115,8 @@ def test_local(tmp_path):
     (["x.y4m", "--patience", "nan"], "--patience"),
     (["x.y4m", "--base", "elsewhere"], "--base"),
     (["x.y4m", "--scheduler", "somewhere"], "--scheduler"),
+    (["x.y4m", "--scheduler", "tcp://somewhere:65536"], "--scheduler"),
+    (["."], "is a folder"),
     (["x.what"], ".what"),
     (["--from", "nothing"], "nothing: No such file"),
 ])
@@ -129,64 +135,78 @@ def test_addresses_and_folders(tmp_path, monkeypatch, capsys):
     assert command.main([CHAIN, *sources, "--out", str(tmp_path / "out")]) == 0
     expected = content(tmp_path / "out")
     memory.put(str(tmp_path / "in"), "/bucket/deep/in", recursive=True)
+    arguments = [CHAIN, "memory://bucket/deep/in/*.y4m", "--out", "memory://bucket/out",
+                 "--base", "memory://bucket/deep"]
+    # The lock of a run that has died lets others in, one that is renewed does not.
+    monkeypatch.setattr(_lock, "RENEWAL", 0.1)
+    monkeypatch.setattr(_lock, "DEATH", 0.3)
+    memory.pipe("/bucket/out/qvbatch.lock", b"nothing")
     for made in (3, 0):
-        assert command.main([CHAIN, "memory://bucket/deep/in/*.y4m", "--out", "memory://bucket/out",
-                             "--base", "memory://bucket/deep"]) == 0
+        assert command.main(arguments) == 0
         assert f"{made} of 3 files" in capsys.readouterr().err.splitlines()[-1]
     names = {path.rsplit("/out/", 1)[1] for path in memory.find("/bucket/out")}
     assert names == {"qvbatch.manifest", *(f"in/{name}" for name in expected)}
     for name, data in expected.items():
         assert memory.cat(f"/bucket/out/in/{name}") == data
     assert command.main([CHAIN, "memory://bucket/absent.y4m", "--out", str(tmp_path / "x")]) == 1
+    monkeypatch.setattr(_lock, "DEATH", 60)
+    with _lock.of_address("memory://bucket/out", str(tmp_path), print) as lock:
+        lock.check()
+        assert command.main(arguments) == 1
+        assert "another run is at work there" in capsys.readouterr().err
+        memory.pipe("/bucket/out/qvbatch.lock", b"another's")
+        wait(lambda: lock._other)
+        with pytest.raises(_lock.Busy):
+            lock.check()
 
 
 def test_interrupted(tmp_path):
     sources, out = clips(tmp_path / "in", 40), tmp_path / "out"
-    slow = script(tmp_path / "slow", '[ "${@: -2:1}" = /dev/null ] || sleep 0.2')
-    process = start(*sources, "--out", out, QVTOOL=slow)
-    wait(lambda: len(list(out.glob("*.y4m"))) >= 5)
-    assert run(*sources, "--out", out)[0] == 2  # one at a time
+    stuck = script(tmp_path / "stuck", '[[ "${@: -2:1}" != *clip0[1-3]* ]] || exec sleep 600')
+    process = start(*sources, "--out", out, QVTOOL=stuck)
+    wait(lambda: len(list(out.glob("*.y4m"))) == 10)
+    assert run(*sources, "--out", out)[0] == 1  # one at a time
     process.send_signal(signal.SIGINT)
     code, text = finish(process)
     assert code == 130 and "interrupted" in text, text
     done = content(out)
-    assert 5 <= len(done) < 40
+    assert len(done) == 10
     code, text = run(*sources, "--out", out)
-    assert code == 0 and f"{40 - len(done)} of 40 files" in text, text
+    assert code == 0 and "30 of 40 files" in text, text
     whole = content(out)
     assert len(whole) == 40 and done.items() <= whole.items()
 
 
 @contextlib.contextmanager
 def cluster(folder, **environment):
-    """The address of a scheduler with two workers; threads, which start each of them whenever it is
-    not there; and the processes."""
+    """The address of a scheduler; what starts it or a worker, again whenever it ends; and the
+    processes."""
     with socket.socket() as free:
         free.bind(("127.0.0.1", 0))
         port = free.getsockname()[1]
-    address, processes, over = f"tcp://127.0.0.1:{port}", {}, threading.Event()
+    address, processes, kept, over = f"tcp://127.0.0.1:{port}", {}, [], threading.Event()
+    worker = "dask_worker", address, "--nthreads", "2", "--no-nanny"
 
-    def keep(name, command, *arguments):
+    def keep(name, **more):
+        words = worker if name != "scheduler" else (
+            "dask_scheduler", "--host", "127.0.0.1", "--port", str(port))
         while not over.is_set():
             with open(folder / f"{name}.log", "a") as log:
                 processes[name] = subprocess.Popen(
-                    [sys.executable, "-m", f"distributed.cli.{command}", "--no-dashboard",
-                     *arguments], stdout=log, stderr=log, cwd=folder,
-                    env={**os.environ, **environment})
+                    [sys.executable, "-m", f"distributed.cli.{words[0]}", "--no-dashboard",
+                     *words[1:]], stdout=log, stderr=log, cwd=folder,
+                    env={**os.environ, **environment, **more})
             processes[name].wait()
 
-    worker = "dask_worker", address, "--nthreads", "2", "--no-nanny"
-    threads = [threading.Thread(target=keep, args=arguments) for arguments in (
-        ("scheduler", "dask_scheduler", "--host", "127.0.0.1", "--port", str(port)),
-        ("one", *worker), ("two", *worker))]
-    try:
-        yield address, threads, processes
-    finally:
-        over.set()
-        while any(thread.is_alive() for thread in threads):
-            for process in processes.values():
-                process.kill()
-            time.sleep(0.1)
+    with ThreadPoolExecutor() as pool:
+        try:
+            yield address, lambda *a, **more: kept.append(pool.submit(keep, *a, **more)), processes
+        finally:
+            over.set()
+            while not all(future.done() for future in kept):
+                for process in processes.values():
+                    process.kill()
+                time.sleep(0.1)
 
 
 def test_cluster(tmp_path):
@@ -194,29 +214,38 @@ def test_cluster(tmp_path):
     sources, out = clips(tmp_path / "in", 500), tmp_path / "out"
     assert run(*sources, "--out", tmp_path / "expected")[0] == 0
     deadly = script(tmp_path / "deadly", '[[ "${@: -2:1}" != *deadly* ]] || kill -9 $PPID')
-    settings = dict(SCHEDULER__ALLOWED_FAILURES="1", COMM__TIMEOUTS__CONNECT="5s")
-    settings = {f"DASK_DISTRIBUTED__{name}": value for name, value in settings.items()}
-    with cluster(tmp_path, QVTOOL=deadly, **settings) as (address, threads, processes):
-        process = start(*sources, "--out", out, "--scheduler", address)
-        assert "does not answer; waiting" in process.stdout.readline()
-        for thread in threads:
-            thread.start()
+    settings = {"DASK_DISTRIBUTED__SCHEDULER__ALLOWED_FAILURES": "1",
+                "DASK_DISTRIBUTED__COMM__TIMEOUTS__CONNECT": "5s"}
+    with cluster(tmp_path, QVTOOL=deadly, **settings) as (address, begin, processes):
+        options = "--out", out, "--scheduler", address
+        process = start(*sources, *options)
+        assert "does not answer" in process.stdout.readline()
+        begin("scheduler")
+        begin("unfit", QVTOOL="missing")
+        code, text = finish(process)
+        assert code == 1 and f"no worker of {address} can do it" in text, text
+        begin("one")
+        begin("two")
+        wait(lambda: run(sources[0], *options)[0] == 0)
+        process = start(*sources, *options)
         for outputs, name in ((100, "one"), (250, "scheduler")):
             wait(lambda: len(list(out.glob("*.y4m"))) >= outputs)
             processes[name].kill()
         code, text = finish(process)
-        assert code == 0 and "500 of 500 files" in text, text
+        assert code == 0 and "499 of 500 files" in text, text
         assert "is away; waiting" in text and "is back" in text, text
+        assert "QVTOOL=missing: is no program; its files go to other workers" in text, text
         assert content(out) == content(tmp_path / "expected")
 
         # A file that takes its workers along takes no other, also of those that were beside it.
         for source in sources[::9]:
             (out / os.path.basename(source)).unlink()
         (tmp_path / "in/deadly.y4m").write_bytes((tmp_path / "in/clip000.y4m").read_bytes())
-        code, text = run(*sources, tmp_path / "in/deadly.y4m", tmp_path / "in/none.y4m",
-                         "--out", out, "--scheduler", address)
+        code, text = run(*sources, tmp_path / "in/deadly.y4m", tmp_path / "in/none.y4m", *options)
         assert code == 1 and "deadly.y4m: every worker that had it has died" in text, text
         assert "56 of 502 files" in text and "444 were done already, 2 failed" in text, text
         assert content(out) == content(tmp_path / "expected")
-    code, text = run(sources[0], "--out", out, "--scheduler", address, "--patience", "1")
+        code, text = run(sources[0], *options, "--options", "--quality x")
+        assert code == 2 and "--quality" in text and text.count("\n") == 1, text
+    code, text = run(sources[0], *options, "--patience", "1")
     assert code == 1 and text.count(f"{address} does not answer") == text.count("\n") == 2, text

@@ -1,7 +1,9 @@
 """The package beside the C header and the roll; its examples; the self-test's digests."""
 import doctest
 import hashlib
+import importlib
 import inspect
+import itertools
 import pickle
 import re
 import shutil
@@ -13,11 +15,11 @@ import numpy as np
 import pytest
 
 import qvacceleratedlib as qv
-from qvacceleratedlib import _library
-from qvacceleratedlib.batch import __main__  # noqa: F401: its modules have examples too
+from qvacceleratedlib import _codes, _library
 
 ROOT = Path(__file__).resolve().parents[3]
 HEADER = (ROOT / "include/qvAcceleratedLib/qv.h").read_text()
+importlib.import_module("qvacceleratedlib.batch.__main__")  # with all that it needs
 MODULES = sorted(name for name in sys.modules if name.split(".")[0] == "qvacceleratedlib")
 
 
@@ -43,28 +45,26 @@ def test_every_function_has_the_headers_signature_and_is_used():
 
 
 def test_constants_are_the_headers():
-    for status in qv.Status:
-        assert re.search(rf"QV_STATUS_{status.name} = {int(status)}\b", HEADER)
-    assert len(qv.Status) == len(re.findall(r"QV_STATUS_\w+ = ", HEADER))
-    for frame in qv.Frame.__subclasses__():
-        assert f"QV_LAYOUT_{frame.__name__.upper()} = {frame.code}" in HEADER
+    own = [f"QV_STATUS_{status.name} = {int(status)}" for status in qv.Status]
+    own += [f"QV_LAYOUT_{name.upper()} = {code}" for name, code in _codes.LAYOUTS.items()]
+    assert sorted(own) == sorted(re.findall(r"QV_(?:STATUS|LAYOUT)_\w+ = -?\d+", HEADER))
+    assert all(_codes.LAYOUTS[frame.layout] == frame.code for frame in qv.Frame.__subclasses__())
     line = (ROOT / "include/qvAcceleratedLib/CqvAccLib.h").read_text()
     assert f'#define QVACCELERATEDLIB_VERSION "{qv.__version__}"' in line
 
 
 @pytest.mark.parametrize("module", MODULES)
 def test_examples(module):
-    assert doctest.testmod(sys.modules[module]).failed == 0
+    found = doctest.testmod(sys.modules[module], extraglobs={"np": np})
+    assert found.failed == 0
 
 
 def test_every_function_is_typed_and_has_an_example():
-    for name in qv.__all__:
-        value = inspect.getattr_static(qv, name, None)
-        if inspect.isfunction(value):
-            assert ">>> " in value.__doc__, name
-            signature = inspect.signature(value)
-            assert signature.return_annotation is not signature.empty, name
-            assert all(p.annotation is not p.empty for p in signature.parameters.values()), name
+    for name, function in inspect.getmembers(qv, inspect.isfunction):
+        if name in qv.__all__:
+            assert ">>> " in function.__doc__, name
+            hints = function.__annotations__.keys()
+            assert hints == {*inspect.signature(function).parameters, "return"}, name
 
 
 def test_readme():
@@ -100,49 +100,35 @@ def test_process():
     assert error.name == "QV_STATUS_SIZE_ERR"
 
 
-class Noise:
-    """An image of the self-test: noise of a generator, five bytes of padding, two rows around."""
-
-    def __init__(self, row, rows, seed):
-        step = row + 5
-        count = step * (rows + 4) + 32
-        powers = np.cumprod(np.full(count, 1664525, np.uint32), dtype=np.uint32)
-        sums = np.cumsum(np.r_[np.uint32(1), powers[:-1]], dtype=np.uint32)
-        state = powers * np.uint32(seed) + sums * np.uint32(1013904223)
-        self.bytes = (state >> 24).astype(np.uint8)
-        self.image = self.bytes[16 + 2 * step:][:step * rows].reshape(rows, step)[:, :row]
-
-    def pixels(self, channels):
-        rows, row = self.image.shape
-        return self.image if channels == 1 else np.lib.stride_tricks.as_strided(
-            self.image, (rows, row // 3, 3), (self.image.strides[0], 3, 1))
+def noise(row, rows, seed):
+    """All bytes of an image of the self-test, which has five bytes of padding, two rows and 16
+    bytes around it, and the image."""
+    step = row + 5
+    powers = np.cumprod(np.full(step * (rows + 4) + 32, 1664525, np.uint32), dtype=np.uint32)
+    sums = np.cumsum(np.r_[np.uint32(1), powers[:-1]], dtype=np.uint32)
+    whole = (powers * np.uint32(seed) + sums * np.uint32(1013904223) >> 24).astype(np.uint8)
+    return whole, whole[16 + 2 * step:][:step * rows].reshape(rows, step)[:, :row]
 
 
 def test_digests_are_those_of_the_selftest():
     expected = dict(re.findall(r'Op::(\w+),\s*"(\w+)"',
                                (ROOT / "tools/selftest/Expected.inc").read_text()))
     several = [(23, 5), (200, 9), (131, 301)]
-    seed = 43  # of the last image of the copies
+    seeds = itertools.count(44)  # after those of the copies
 
     def digest(calls):
-        nonlocal seed
         result = hashlib.sha256()
-        for call, (from_row, to_row, channels, rows) in calls:
-            images = []
-            for row, count in ((from_row, channels[0]), (to_row, channels[1])):
-                if row:
-                    seed += 1
-                    noise = Noise(row, rows, seed)
-                    images.append(noise.pixels(count))
-            call(*images)
-            result.update(bytes(8) + noise.bytes.tobytes())
+        for call, rows, *rest in calls:
+            images = [(c, *noise(c * w, rows, next(seeds))) for w, c in rest]
+            call(*(image.reshape(rows, -1, 3) if c == 3 else image for c, _, image in images))
+            result.update(bytes(8) + images[-1][1].tobytes())
         return result.hexdigest()
 
     assert expected["qvDup"] == digest(
-        (qv.grey_to_bgr, (w, 3 * w, (1, 3), h)) for w, h in [(1, 1)] + several)
+        (qv.grey_to_bgr, h, (w, 1), (w, 3)) for w, h in [(1, 1)] + several)
     assert expected["qvSet"] == digest(
-        (lambda out, value=value: qv.fill(out, value), (0, c * w, (1, c), h))
+        (lambda out, value=value: qv.fill(out, value), h, (w, c))
         for c, value in ((1, 17), (3, (17, 201, 99))) for w, h in [(1, 1)] + several)
     assert expected["qvMirror"] == digest(
-        (lambda image, out, axis=axis: qv.mirror(image, axis, out), (c * w, c * w, (c, c), h))
+        (lambda image, out, axis=axis: qv.mirror(image, axis, out), h, (w, c), (w, c))
         for c in (1, 3) for axis in ("horizontal", "vertical", "both") for w, h in several)

@@ -14,9 +14,10 @@ import time
 import uuid
 from typing import Any, Dict, Iterator, List, NoReturn, Optional, Sequence, Tuple
 
-from . import _files
+from . import _files, _lock
+from ._cluster import Cluster
 from ._manifest import Manifest
-from ._runners import Cluster, Gone, Local, Runner
+from ._runners import Gone, Local, Runner
 from ._work import Done, Task, Trouble, WrongChain
 
 DONE, FAILED, USAGE, INTERRUPTED = 0, 1, 2, 130
@@ -77,7 +78,7 @@ def _parse(arguments: Optional[Sequence[str]]) -> argparse.Namespace:
     parser.add_argument("--out", required=True, metavar="FOLDER",
                         help="a path or an address for the outputs, and a manifest of them")
     parser.add_argument("--options", default="", metavar="WORDS", help="of `qvtool run` beside its "
-                        "steps: \"--layout nv12 --size 1920x1080\"")
+                        "steps: --options=\"--layout nv12 --size 1920x1080\"")
     parser.add_argument("--base", metavar="FOLDER",
                         help="outputs keep the folders that their inputs have below this one")
     parser.add_argument("--extension", metavar=".EXT",
@@ -91,8 +92,13 @@ def _parse(arguments: Optional[Sequence[str]]) -> argparse.Namespace:
     options = parser.parse_intermixed_args(arguments)
     if options.jobs is not None and options.jobs < 1:
         raise Usage(f"--jobs: {options.jobs} given; wanted is 1 or more")
-    if options.scheduler and not re.fullmatch(r"(\w+://)?[^/]+:\d+", options.scheduler):
-        raise Usage(f"--scheduler: {options.scheduler} given; wanted is such as tcp://host:8786")
+    if options.scheduler is not None:
+        found = re.fullmatch(r"((tcp|tls)://)?[^/]+:(\d{1,5})", options.scheduler)
+        if not found or not 0 < int(found[3]) < 65536:
+            raise Usage(f"--scheduler: {options.scheduler} given; wanted is such as "
+                        "tcp://host:8786")
+    if not options.out:
+        raise Usage("--out: no folder given")
     if not 0 < options.patience < 1e9:
         raise Usage(f"--patience: {options.patience} given; wanted is a number of seconds")
     if options.extension and not options.extension.startswith("."):
@@ -124,8 +130,8 @@ def _name(source: str, base: Optional[str], extension: Optional[str]) -> str:
         if not source.startswith(start):
             raise Usage(f"{source}: is not below --base {base}")
         name = source[len(start):]
-    if not name:
-        raise Usage(f"{source}: is no file")
+    if not name or ("." not in name and os.path.isdir(source)):
+        raise Usage(f"{source}: is a folder; wanted are files")
     return os.path.splitext(name)[0] + extension if extension else name
 
 
@@ -153,28 +159,25 @@ def _tasks(options: argparse.Namespace) -> List[Task]:
 
 
 @contextlib.contextmanager
-def _parts(out: str) -> Iterator[Tuple[str, str]]:
-    """A folder for what is not complete, on the outputs' file system if that has a path, and what
-    workers are told of it. Without it their unfinished outputs go nowhere, so it ends with us."""
-    if _files.is_remote(_files.absolute(out)):
+def _hold(out: str) -> Iterator[Tuple[_lock.Lock, str, str]]:
+    """The lock of the folder of the outputs; a folder for what is not complete, on their file
+    system if that has a path; and what workers are told of it. Without it their unfinished outputs
+    go nowhere, so it ends with us."""
+    target = _files.absolute(out)
+    if _files.is_remote(target):
         with tempfile.TemporaryDirectory(prefix="qvbatch-") as folder:
-            yield folder, ""
+            with _lock.of_address(target, folder, _say) as lock:
+                yield lock, folder, ""
         return
-    top = os.path.join(_files.absolute(out), _PARTS)
+    top = os.path.join(target, _PARTS)
     os.makedirs(top, exist_ok=True)
-    with open(os.path.join(top, "lock"), "w") as lock:
-        with contextlib.suppress(ImportError):  # Windows has no such locks
-            import fcntl
-            try:
-                fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
-            except BlockingIOError:
-                raise Usage(f"{out}: another run is at work there") from None
+    with _lock.of_path(out, top) as lock:
         for name in os.listdir(top):  # of runs that could not clear up
             shutil.rmtree(os.path.join(top, name), ignore_errors=True)
         folder = os.path.join(top, uuid.uuid4().hex)
         os.mkdir(folder)
         try:
-            yield folder, folder
+            yield lock, folder, folder
         finally:
             shutil.rmtree(top, ignore_errors=True)
 
@@ -182,8 +185,9 @@ def _parts(out: str) -> Iterator[Tuple[str, str]]:
 class Batch:
     """One run, and what has become of it."""
 
-    def __init__(self, tasks: List[Task], manifest: Manifest, parts: str) -> None:
-        self._tasks, self._manifest, self._parts = tasks, manifest, parts
+    def __init__(self, tasks: List[Task], manifest: Manifest, lock: _lock.Lock,
+                 parts: str) -> None:
+        self._tasks, self._manifest, self._lock, self._parts = tasks, manifest, lock, parts
         self._failures: List[Tuple[Task, str]] = []
         self._made = self._skipped = self._frames = 0
         self._start = time.monotonic()
@@ -201,20 +205,31 @@ class Batch:
                     continue
                 self._skipped += 1
             except OSError as error:
-                self._failures.append((task, error.strerror or str(error)))
+                self._failures.append((task, _files.reason(error)))
             self._bar.update()
 
     def run(self, runner: Runner) -> None:
         for task, result in runner.run(self._to_do()):
+            self._lock.check()
             if isinstance(result, Done):
-                self._manifest.add(task, result)
-                self._made += 1
-                self._frames += result.frames
+                self._add(task, result)
             else:
                 self._failures.append((task, result.reason))
             self._bar.set_postfix_str(
                 f"{self._frames / (time.monotonic() - self._start):.0f} frames/s", refresh=False)
             self._bar.update()
+
+    def _add(self, task: Task, done: Done) -> None:
+        self._manifest.add(task, done)
+        self._made += 1
+        self._frames += done.frames
+
+    def end(self, runner: Runner) -> None:
+        """Ends what is under way, if anything is, and adds what was finished by then."""
+        runner.stop()
+        for task, result in runner.rest():
+            if isinstance(result, Done):
+                self._add(task, result)
 
     def report(self) -> int:
         self._bar.close()
@@ -222,9 +237,11 @@ class Batch:
         seconds = max(time.monotonic() - self._start, 1e-3)
         for task, reason in self._failures:
             _say(reason if task.source in reason else f"{task.source}: {reason}")
-        _say(f"{self._made} of {len(self._tasks)} files in {seconds:.1f} s, "
-             f"{self._made / seconds:.0f} files and {self._frames / seconds:.0f} frames a second; "
-             f"{self._skipped} were done already, {len(self._failures)} failed")
+        files, frames = (f"{count / seconds:.{1 if count < 10 * seconds else 0}f}"
+                         for count in (self._made, self._frames))
+        _say(f"{self._made} of {len(self._tasks)} files in {seconds:.1f} s, {files} files and "
+             f"{frames} frames a second; {self._skipped} were done already, "
+             f"{len(self._failures)} failed")
         return FAILED if self._made + self._skipped < len(self._tasks) else DONE
 
 
@@ -236,17 +253,17 @@ def _runner(options: argparse.Namespace) -> Runner:
 
 
 def _work_on(runner: Runner, tasks: List[Task], out: str) -> int:
-    with _parts(out) as (scratch, parts):
-        batch = Batch(tasks, Manifest(_files.absolute(out), scratch), parts)
+    with _hold(out) as (lock, scratch, parts):
+        batch = Batch(tasks, Manifest(_files.absolute(out), scratch), lock, parts)
         why, code = "", FAILED
         try:
             batch.run(runner)
         except KeyboardInterrupt:
             why, code = "interrupted", INTERRUPTED
-        except Gone as gone:
-            why = str(gone)
+        except (Gone, _lock.Busy) as error:
+            why = str(error)
         finally:
-            runner.stop()
+            batch.end(runner)
         failed = batch.report()
         if why:
             _say(f"{why}; the same command goes on with the rest")
@@ -270,7 +287,10 @@ def main(arguments: Optional[Sequence[str]] = None) -> int:
     except (Usage, WrongChain) as wrong:
         _say(f"{wrong} (see --help)")
         return USAGE
-    except (Gone, Trouble, OSError, ValueError) as error:
+    except OSError as error:
+        _say(_files.reason(error))
+        return FAILED
+    except (Gone, _lock.Busy, Trouble, ValueError) as error:
         _say(str(error))
         return FAILED
     except KeyboardInterrupt:

@@ -14,6 +14,13 @@ _APPEAR_WHOLE = {"s3", "s3a", "gs", "gcs", "abfs", "abfss", "az", "adl", "oss"}
 _TIMES = ("mtime", "LastModified", "last_modified", "updated", "ETag", "etag", "created")
 
 
+def reason(error: OSError) -> str:
+    """What went wrong with which file, without a number."""
+    if error.strerror is None or error.filename is None:
+        return error.strerror or str(error)
+    return f"{error.filename}: {error.strerror}"
+
+
 def is_remote(name: str) -> bool:
     return "://" in name
 
@@ -88,9 +95,13 @@ def send(path: str, address: str) -> None:
         raise
 
 
-def remove(path: str) -> None:
+def remove(name: str) -> None:
     with contextlib.suppress(FileNotFoundError):
-        os.unlink(path)
+        if is_remote(name):
+            files, path = _open(name)
+            files.rm_file(path)
+        else:
+            os.unlink(name)
 
 
 def read(name: str) -> Optional[bytes]:

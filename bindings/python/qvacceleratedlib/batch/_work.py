@@ -33,9 +33,9 @@ class Done(NamedTuple):
     frames: int
 
 
-# What a failure leaves to try: nothing; another machine, as it was this one rather than the file;
-# or the file with no other beside it, as it may have been one of those.
-NEVER, ELSEWHERE, ALONE = "never", "elsewhere", "alone"
+# What a failure leaves to try: nothing; another machine, as it was this one rather than the file,
+# or can do none at all; or the file with no other beside it, as it may have been one of those.
+NEVER, ELSEWHERE, UNFIT, ALONE = "never", "elsewhere", "unfit", "alone"
 
 
 class Failed(NamedTuple):
@@ -46,6 +46,10 @@ class Failed(NamedTuple):
 
 class Trouble(Exception):
     """Something that another machine, or another time, may do better."""
+
+
+class Unfit(Trouble):
+    """A machine that has no qvtool to run."""
 
 
 class WrongChain(Exception):
@@ -67,13 +71,13 @@ def find() -> str:
     if named:
         found = shutil.which(named)
         if not found:
-            raise Trouble(f"QVTOOL={named}: is no program")
+            raise Unfit(f"QVTOOL={named}: is no program")
         return found
     beside = Path(__file__).resolve().parent.parent / "qvtool"
     found = shutil.which(str(beside)) or shutil.which("qvtool")
     if not found:
-        raise Trouble("qvtool is missing: it is in the wheel for Linux and in the Debian package "
-                      "qvtool; QVTOOL or PATH may name another one")
+        raise Unfit("qvtool is missing: it is in the wheel for Linux and in the Debian package "
+                    "qvtool; QVTOOL or PATH may name another one")
     return found
 
 
@@ -90,7 +94,7 @@ def _run(command: Sequence[str], source: str, target: str,
         child = subprocess.Popen(words, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                  stderr=subprocess.PIPE, cwd=cwd if os.path.isdir(cwd) else None)
     except OSError as error:
-        raise Trouble(f"{words[0]}: {error.strerror}") from None
+        raise Unfit(f"{words[0]}: {error.strerror}") from None
     with child:
         _children.add(child)
         try:
@@ -109,10 +113,10 @@ def _reason(result: "subprocess.CompletedProcess[bytes]") -> str:
 def check(command: Sequence[str], extensions: List[str], cwd: str) -> None:
     """Tries the command on nothing. Raises WrongChain if it goes with none of the outputs."""
     with tempfile.TemporaryDirectory(prefix="qvbatch-") as folder:
-        results = [_run(command, os.devnull, os.path.join(folder, "x" + extension), cwd)
+        results = [_run(command, os.devnull, os.path.join(folder, "*" + extension), cwd)
                    for extension in extensions]
     if all(result.returncode == 2 for result in results):
-        raise WrongChain(_reason(results[0]))
+        raise WrongChain(_reason(results[0]).replace(folder + os.sep, ""))
     for result in results:
         if result.returncode not in (0, 1, 2):  # such as 127, libraries that are missing
             raise Trouble(_reason(result))
@@ -158,10 +162,12 @@ def work(task: Task) -> Union[Done, Failed]:
     """Makes one output. It has its name when it is complete; otherwise nothing is left."""
     try:
         return _work(task)
+    except Unfit as unfit:
+        return Failed(str(unfit), UNFIT)
     except Trouble as trouble:
         return Failed(str(trouble), ELSEWHERE)
     except OSError as error:
-        return Failed(str(error), ELSEWHERE)
+        return Failed(_files.reason(error), ELSEWHERE)
 
 
 def _stamp(name: str) -> _files.Stamp:
