@@ -26,14 +26,16 @@ constexpr uint32_t Sse = 1u << 25;
 constexpr uint32_t Sse2 = 1u << 26;
 constexpr uint32_t MultipleLogical = 1u << 28;
 
-// Leaf 7 EBX and ECX.
+// Leaf 7 EBX, ECX and EDX.
 constexpr uint32_t Avx2 = 1u << 5;
+constexpr uint32_t EnhancedMoves = 1u << 9;
 constexpr uint32_t Avx512F = 1u << 16;
 constexpr uint32_t Avx512Dq = 1u << 17;
 constexpr uint32_t Avx512Bw = 1u << 30;
 constexpr uint32_t Avx512Vl = 1u << 31;
 constexpr uint32_t Avx512Vbmi = 1u << 1;
 constexpr uint32_t Vpclmulqdq = 1u << 10;
+constexpr uint32_t QuickShortMoves = 1u << 4;
 
 // Extended leaf 0x80000001 ECX and EDX.
 constexpr uint32_t TopologyExtensions = 1u << 22;
@@ -107,6 +109,12 @@ uint64_t ReadXcr0() {
 }
 
 #endif
+
+bool IsAuthenticAmd(const CpuidLeaves& leaves) {
+  return leaves.leaf0.ebx == 0x68747541u       // "Auth"
+         && leaves.leaf0.edx == 0x69746E65u    // "enti"
+         && leaves.leaf0.ecx == 0x444D4163u;   // "cAMD"
+}
 
 int SsseCode(int cores) { return cores > 2 ? 0x22 : 0x21; }
 
@@ -266,6 +274,12 @@ bool QuickGathersOf(const CpuidLeaves& leaves) {
   return IsGenuineIntel(leaves) && WideLevelOf(leaves) > 0;
 }
 
+ptrdiff_t LongMoveBytesOf(const CpuidLeaves& leaves) {
+  const bool quick = IsAuthenticAmd(leaves) && leaves.leaf0.eax >= 7 &&
+                     Has(leaves.leaf7.ebx, EnhancedMoves) && Has(leaves.leaf7.edx, QuickShortMoves);
+  return quick ? ptrdiff_t{1} << 20 : kNoLongMoves;
+}
+
 IppStatus SelectProcessorVariant(const CpuidLeaves& leaves) {
   VariantIndex = VariantIndexOf(DetectCpuCode(leaves));
   WideLevel = VariantIndex == 4 ? WideLevelOf(leaves) : 0;
@@ -273,6 +287,7 @@ IppStatus SelectProcessorVariant(const CpuidLeaves& leaves) {
   HasSse = HasCpuid(leaves) && ProcessorInfoOf(leaves).hasSse;
   LastCacheBytes = LastCacheBytesOf(leaves);
   QuickGathers = WideLevel > 0 && QuickGathersOf(leaves);
+  LongMoveBytes = LongMoveBytesOf(leaves);
   if (!HasCpuid(leaves) || !IsGenuineIntel(leaves)) return StatusCpuUnknown;
   return StatusOk;
 }

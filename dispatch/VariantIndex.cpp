@@ -8,5 +8,6 @@ int CarrylessLevel = 0;
 int HasSse = 0;
 ptrdiff_t LastCacheBytes = kUnknownCacheBytes;
 bool QuickGathers = false;
+ptrdiff_t LongMoveBytes = kNoLongMoves;
 
 }  // namespace qv

@@ -1,12 +1,13 @@
 // Which implementation of the kernels this processor gets, and what its rows choose by. All values
 // are written while the library is loaded; until then kernels run their generic rows. A host may
 // lower the first three later, one after the other and while calls run: whatever the mixture, the
-// processor can do it, and what a kernel writes is the same. Bytes never depend on LastCacheBytes
-// and QuickGathers.
+// processor can do it, and what a kernel writes is the same. Bytes never depend on LastCacheBytes,
+// QuickGathers and LongMoveBytes.
 #ifndef QV_DISPATCH_VARIANTINDEX_H
 #define QV_DISPATCH_VARIANTINDEX_H
 
 #include <stddef.h>
+#include <stdint.h>
 
 #include "dispatch/Hidden.h"
 
@@ -37,6 +38,11 @@ extern QV_HIDDEN ptrdiff_t LastCacheBytes;
 
 // Whether a gather beats as many loads of single elements. False on processors without AVX2.
 extern QV_HIDDEN bool QuickGathers;
+
+// Bytes from which on a copy is best done by one repeated move, if source and destination lie alike
+// in their cache lines.
+constexpr ptrdiff_t kNoLongMoves = PTRDIFF_MAX;
+extern QV_HIDDEN ptrdiff_t LongMoveBytes;
 
 }  // namespace qv
 

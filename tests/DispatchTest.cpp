@@ -126,6 +126,7 @@ class Dispatch : public testing::Test {
     CarrylessLevel = carryless_;
     LastCacheBytes = lastCache_;
     QuickGathers = gathers_;
+    LongMoveBytes = longMove_;
   }
 
  private:
@@ -134,6 +135,7 @@ class Dispatch : public testing::Test {
   const int carryless_ = CarrylessLevel;
   const ptrdiff_t lastCache_ = LastCacheBytes;
   const bool gathers_ = QuickGathers;
+  const ptrdiff_t longMove_ = LongMoveBytes;
 };
 
 TEST_F(Dispatch, ClassifiesProcessors) {
@@ -315,6 +317,32 @@ TEST_F(Dispatch, ChoosesTheWideLevel) {
   EXPECT_EQ(VariantIndex, 0);
   EXPECT_EQ(WideLevel, 0);
   EXPECT_EQ(CarrylessLevel, 0);
+}
+
+TEST_F(Dispatch, MovesBytesOnAmdsProcessorsThatAreQuickAtIt) {
+  const struct {
+    const char* vendor;  // EBX, EDX and ECX of leaf 0
+    unsigned highestLeaf, enhanced, quickShort;
+    bool moves;
+  } cases[] = {
+      {"AuthenticAMD", 7, 1u << 9, 1u << 4, true},
+      {"AuthenticAMD", 7, 0, 1u << 4, false},
+      {"AuthenticAMD", 7, 1u << 9, 0, false},
+      {"AuthenticAMD", 6, 1u << 9, 1u << 4, false},
+      {"GenuineIntel", 7, 1u << 9, 1u << 4, false},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.vendor);
+    CpuidLeaves leaves = WidestLeaves();
+    memcpy(&leaves.leaf0.ebx, c.vendor, 4);
+    memcpy(&leaves.leaf0.edx, c.vendor + 4, 4);
+    memcpy(&leaves.leaf0.ecx, c.vendor + 8, 4);
+    leaves.leaf0.eax = c.highestLeaf;
+    leaves.leaf7.ebx |= c.enhanced;
+    leaves.leaf7.edx |= c.quickShort;
+    SelectProcessorVariant(leaves);
+    EXPECT_EQ(LongMoveBytes, c.moves ? 1 << 20 : kNoLongMoves);
+  }
 }
 
 // A cache as a sub-leaf describes it.

@@ -37,12 +37,6 @@ QV_INLINE Vec FourTimesEvenBytes(Vec v) {
   return ShiftLeft16<2>(And(v, Splat16(0xff)));
 }
 
-// v less the odd 16-bit lanes of `lanes`, taken from its own.
-QV_INLINE Vec SubOdd16(Vec v, Vec lanes) {
-  if constexpr (kHasMaskedBytes) return SubPart16(0xAAAAAAAAu, v, lanes);
-  return Sub16(v, And(lanes, SplatPair16(0, -1)));
-}
-
 // ---- Loads of a block ---------------------------------------------------------------------------
 
 // Two bytes a pixel.

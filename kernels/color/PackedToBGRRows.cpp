@@ -31,7 +31,7 @@ QV_INLINE void Row(const Byte* src, Byte* dst, ptrdiff_t width, bool) {
 
 #else
 
-QV_INLINE Colors ConvertHalf(Vec groups) {
+QV_INLINE ColorSums ConvertHalf(Vec groups) {
   const ChromaTerms chroma =
       MakeChromaTerms(ShiftRight16<8>(groups), {-18140365, 8887730, -14608761});
   return AddLuma(FourTimesEvenBytes(groups), chroma);

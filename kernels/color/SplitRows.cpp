@@ -1,5 +1,6 @@
 // Packed 4:2:2 and two-plane 4:2:0 to three planes: samples are moved, not changed.
 #include "kernels/color/Color.h"
+#include "kernels/copy/CopyRow.h"
 #include "kernels/level/Level.h"
 
 namespace qv::QV_LEVEL {
@@ -120,11 +121,12 @@ IppStatus YCbCrInterleavedTo420_8u_P2P3(const Byte* srcY, int srcYStep, const By
   if (const IppStatus status = CheckPlanes(srcY, dst, dstStep, size); status != StatusOk)
     return status;
   const int width = size.width & ~1, height = size.height & ~1;
+  const CopyWay way = CopyWayOf(width, height, false);
   if (srcYStep == width && dstStep[0] == width) {
-    memcpy(dst[0], srcY, static_cast<size_t>(width) * static_cast<size_t>(height));
+    CopyRow(srcY, dst[0], ptrdiff_t{width} * height, way);
   } else {
     for (int y = 0; y < height; ++y)
-      memcpy(RowAt(dst[0], dstStep[0], y), RowAt(srcY, srcYStep, y), static_cast<size_t>(width));
+      CopyRow(RowAt(srcY, srcYStep, y), RowAt(dst[0], dstStep[0], y), width, way);
   }
   // Rows without gaps are one long row.
   const bool gapless =

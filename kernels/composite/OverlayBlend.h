@@ -15,8 +15,6 @@
 
 namespace qv::QV_LEVEL {
 
-QV_INLINE Vec Complement(Vec v) { return Xor(v, Splat8(-1)); }
-
 // x / 255, rounded, of t = x + 128 in 16-bit lanes, x up to 65025: with t = 255 k + s, s from 1 to
 // 255, that is k, and t * 257 / 65536 = k + s / 255 - t / 255 / 65536. What is taken off lies
 // between 0 and 1 / 255.

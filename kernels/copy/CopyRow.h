@@ -8,10 +8,33 @@ namespace qv::QV_LEVEL {
 
 #if QV_HAS_VECTORS
 
-// `stream`: past the caches. Ends with StreamFence then, before the kernel returns.
-QV_INLINE void CopyRow(const Byte* src, Byte* dst, ptrdiff_t bytes, bool stream) {
-  if (!stream || bytes < 8 * kVecBytes) {
-    memcpy(dst, src, static_cast<size_t>(bytes));
+// How the rows of an image are copied. `moves`: by MoveBytes even where a row alone is not long
+// enough for it. `stream`: past the caches; ends with StreamFence then, before the kernel returns.
+struct CopyWay {
+  bool moves, stream;
+};
+
+// Measured on Zen 5: rows of some 2 KiB gain from MoveBytes, by 7 %, in images that leave a core's
+// own caches, but not where rows can go past the caches instead.
+QV_INLINE CopyWay CopyWayOf(ptrdiff_t rowBytes, ptrdiff_t rows, bool stream) {
+  const bool moves = !stream && rowBytes >= LongMoveBytes / 1024 &&
+                     int64_t{rowBytes} * rows >= LongMoveBytes;
+  return {moves, stream};
+}
+
+// MoveBytes is quick where source and destination lie alike in their lines.
+QV_INLINE void CopyRow(const Byte* src, Byte* dst, ptrdiff_t bytes, CopyWay way) {
+  constexpr uintptr_t kLine = 64;
+  const auto apart = reinterpret_cast<uintptr_t>(dst) - reinterpret_cast<uintptr_t>(src);
+  if ((way.moves || bytes >= LongMoveBytes) && apart % kLine == 0) {
+    MoveBytes(dst, src, static_cast<size_t>(bytes));
+    return;
+  }
+  if (!way.stream || bytes < 8 * kVecBytes) {
+    // Short rows are copied right here: at 640 bytes a call of memcpy costs a fifth of the time.
+    const auto block = [=](ptrdiff_t i) { Store(dst + i, Load(src + i)); };
+    if (bytes > 2048 || !CoverWithBlocks<kVecBytes>(bytes, block, BytesToAlign(dst)))
+      memcpy(dst, src, static_cast<size_t>(bytes));
     return;
   }
   Store(dst, Load(src));
@@ -29,7 +52,11 @@ QV_INLINE void CopyRow(const Byte* src, Byte* dst, ptrdiff_t bytes, bool stream)
 
 #else
 
-QV_INLINE void CopyRow(const Byte* src, Byte* dst, ptrdiff_t bytes, bool) {
+struct CopyWay {};
+
+QV_INLINE CopyWay CopyWayOf(ptrdiff_t, ptrdiff_t, bool) { return {}; }
+
+QV_INLINE void CopyRow(const Byte* src, Byte* dst, ptrdiff_t bytes, CopyWay) {
   memcpy(dst, src, static_cast<size_t>(bytes));
 }
 

@@ -30,16 +30,29 @@ QV_INLINE void DupGrayRowPlain(const Byte* src, Byte* dst, ptrdiff_t width) {
 
 #if !QV_HAS_VECTORS
 
-void ChannelRow(const Byte* src, Byte* dst, ptrdiff_t width) { ChannelRowPlain(src, dst, width); }
+void ChannelRow(const Byte* src, Byte* dst, ptrdiff_t width, bool) {
+  ChannelRowPlain(src, dst, width);
+}
 void DropAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, bool) {
   DropAlphaRowPlain(src, dst, width);
 }
-void KeepAlphaRow(const Byte* s, Byte* d, ptrdiff_t width) { KeepAlphaRowPlain(s, d, width); }
+void KeepAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, bool) {
+  KeepAlphaRowPlain(src, dst, width);
+}
 void DupGrayRow(const Byte* src, Byte* dst, ptrdiff_t width) { DupGrayRowPlain(src, dst, width); }
 
 #else
 
 // ---- Vector rows --------------------------------------------------------------------------------
+
+// A line that is stored in part is read first. Where the frame is not in a core's own caches,
+// fetching it ahead takes 0.6 of the time at 3840 x 2160 on an AMD Zen 5; where it is, a thirtieth
+// more.
+template <int bytes>
+QV_INLINE void FetchAhead(const Byte* dst) {
+  constexpr int kAhead = 1024;
+  for (int line = 0; line < bytes; line += 64) __builtin_prefetch(dst + kAhead + line, 1);
+}
 
 // Byte j of the k-th vector of three-byte pixels belongs to pixel (k * kVecBytes + j) / 3. Where a
 // shuffle stays inside its 128-bit lane, the index counts from the lane's 16 source pixels.
@@ -49,12 +62,13 @@ constexpr ByteTable kPixelOfByte = MakeByteTable([](int j) {
   return kHasBytePermute ? pixel : pixel % 16;
 });
 
-void ChannelRow(const Byte* src, Byte* dst, ptrdiff_t width) {
+void ChannelRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] bool fetches) {
   if constexpr (kHasMaskedBytes) {
     const Vec index0 = Load(&kPixelOfByte<0>), index1 = Load(&kPixelOfByte<1>),
               index2 = Load(&kPixelOfByte<2>);
     // Only the first byte of each pixel.
     const auto put = [&](Byte* to, Vec gray, ptrdiff_t pixels) {
+      if (fetches) FetchAhead<192>(to);
       StorePart(to, PermuteBytes(gray, index0), EveryThird(0) & FirstOf64(3 * pixels, 0));
       StorePart(to + 64, PermuteBytes(gray, index1), EveryThird(2) & FirstOf64(3 * pixels, 64));
       StorePart(to + 128, PermuteBytes(gray, index2), EveryThird(1) & FirstOf64(3 * pixels, 128));
@@ -114,7 +128,7 @@ void DropAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] 
   }
 }
 
-void KeepAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width) {
+void KeepAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] bool fetches) {
   if constexpr (kHasMaskedBytes) {
     static constexpr ByteTable from =
         MakeByteTable([](int j) { return j % 4 == 3 ? 0 : j / 4 * 3 + j % 4; });
@@ -129,8 +143,10 @@ void KeepAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width) {
       k = BytesToAlign(dst) / 4;
       part(0, k);
     }
-    for (; k <= width - 22; k += 16)  // 64 bytes read for 48 that are used
+    for (; k <= width - 22; k += 16) {  // 64 bytes read for 48 that are used
+      if (fetches) FetchAhead<64>(dst + 4 * k);
       StorePart(dst + 4 * k, PermuteBytes(Load(src + 3 * k), index), colors);
+    }
     for (; k < width; k += 16) part(k, width - k);
   } else {
     // Two stores a pixel: nothing wider leaves the fourth byte alone.
@@ -164,6 +180,10 @@ void DupGrayRow(const Byte* src, Byte* dst, ptrdiff_t width) {
 
 #endif
 
+constexpr bool FetchesAhead(IppiSize size, int pixelBytes) {
+  return int64_t{size.width} * size.height * pixelBytes >= 2 << 20;
+}
+
 // Rows without gaps between them, in both images, are one long row.
 template <int srcPixel, int dstPixel, class Row>
 QV_INLINE IppStatus RunRows(const Byte* src, int srcStep, Byte* dst, int dstStep, IppiSize size,
@@ -185,9 +205,10 @@ template <int pixelBytes>
 QV_INLINE IppStatus CopyBytes(const Byte* src, int srcStep, Byte* dst, int dstStep,
                               IppiSize size) {
   const bool stream = PassesCaches(size.width, size.height, pixelBytes);
+  const CopyWay way = CopyWayOf(ptrdiff_t{size.width} * pixelBytes, size.height, stream);
   const IppStatus status = RunRows<pixelBytes, pixelBytes>(
       src, srcStep, dst, dstStep, size, [=](const Byte* from, Byte* to, ptrdiff_t width) {
-        CopyRow(from, to, width * pixelBytes, stream);
+        CopyRow(from, to, width * pixelBytes, way);
       });
   if (stream) StreamFence();
   return status;
@@ -205,7 +226,11 @@ IppStatus CopyRows_8u_C3(const Byte* src, int srcStep, Byte* dst, int dstStep, I
 
 IppStatus CopyChannel_8u_C1C3(const Byte* src, int srcStep, Byte* dst, int dstStep,
                               IppiSize size) {
-  return RunRows<1, 3>(src, srcStep, dst, dstStep, size, ChannelRow);
+  const bool fetches = FetchesAhead(size, 3);
+  return RunRows<1, 3>(src, srcStep, dst, dstStep, size,
+                       [=](const Byte* from, Byte* to, ptrdiff_t width) {
+                         ChannelRow(from, to, width, fetches);
+                       });
 }
 
 IppStatus CopyDropAlpha_8u_AC4C3(const Byte* src, int srcStep, Byte* dst, int dstStep,
@@ -221,7 +246,11 @@ IppStatus CopyDropAlpha_8u_AC4C3(const Byte* src, int srcStep, Byte* dst, int ds
 
 IppStatus CopyKeepAlpha_8u_C3AC4(const Byte* src, int srcStep, Byte* dst, int dstStep,
                                  IppiSize size) {
-  return RunRows<3, 4>(src, srcStep, dst, dstStep, size, KeepAlphaRow);
+  const bool fetches = FetchesAhead(size, 4);
+  return RunRows<3, 4>(src, srcStep, dst, dstStep, size,
+                       [=](const Byte* from, Byte* to, ptrdiff_t width) {
+                         KeepAlphaRow(from, to, width, fetches);
+                       });
 }
 
 IppStatus DupGray_8u_C1C3(const Byte* src, int srcStep, Byte* dst, int dstStep, IppiSize size) {

@@ -21,6 +21,32 @@ class PixelFill {
   }
 
   void Row(Byte* dst, ptrdiff_t width) const {
+    const ptrdiff_t begun = BegunOf(width);
+    Begin(dst, begun);
+    for (ptrdiff_t done = begun; done < width; done += begun) {
+      const ptrdiff_t next = width - done < begun ? width - done : begun;
+      MoveBytes(dst + 3 * done, dst, static_cast<size_t>(3 * next));
+    }
+  }
+#else
+  explicit PixelFill(const Byte* value) : pattern_{value[0], value[1], value[2]} {}
+
+  void Row(Byte* dst, ptrdiff_t width) const {
+    for (ptrdiff_t k = 0; k < width; ++k)
+      for (int c = 0; c < 3; ++c) dst[3 * k + c] = pattern_[c];
+  }
+#endif
+
+ private:
+#if QV_HAS_VECTORS
+  // A long row is its own beginning, moved on again and again: lines are written so that have not
+  // been read. The beginning stays in a core's own caches.
+  static ptrdiff_t BegunOf(ptrdiff_t width) {
+    const ptrdiff_t share = (LongMoveBytes / 4 / (3 * kVecBytes) + 1) * kVecBytes;
+    return 3 * width >= LongMoveBytes && share < width ? share : width;
+  }
+
+  void Begin(Byte* dst, ptrdiff_t width) const {
     const Vec v0 = Load(pattern_), v1 = Load(pattern_ + kVecBytes),
               v2 = Load(pattern_ + 2 * kVecBytes);
     const bool done = CoverWithBlocks<kVecBytes>(
@@ -42,17 +68,7 @@ class PixelFill {
     // Ends where a pixel ends, as the pattern does.
     Store(dst + bytes - kVecBytes, v2);
   }
-#else
-  explicit PixelFill(const Byte* value) : pattern_{value[0], value[1], value[2]} {}
 
-  void Row(Byte* dst, ptrdiff_t width) const {
-    for (ptrdiff_t k = 0; k < width; ++k)
-      for (int c = 0; c < 3; ++c) dst[3 * k + c] = pattern_[c];
-  }
-#endif
-
- private:
-#if QV_HAS_VECTORS
   Byte pattern_[3 * kVecBytes];
 #else
   Byte pattern_[3];
@@ -78,8 +94,13 @@ IppStatus SetPixels_8u_C3(const Byte* value, Byte* dst, int dstStep, IppiSize si
   if (const IppStatus status = CheckImages(value, dst, size.width, size.height);
       status != StatusOk)
     return status;
+  ptrdiff_t width = size.width, height = size.height;
+  if (dstStep == 3 * width) {  // no gaps between the rows: one long row
+    width *= height;
+    height = 1;
+  }
   const PixelFill fill(value);
-  for (int y = 0; y < size.height; ++y) fill.Row(RowAt(dst, dstStep, y), size.width);
+  for (ptrdiff_t y = 0; y < height; ++y) fill.Row(RowAt(dst, dstStep, y), width);
   return StatusOk;
 }
 

@@ -23,16 +23,7 @@ void ReverseRow(const Byte* src, Byte* dst, ptrdiff_t width, bool) {
   ReverseRowPlain<kChannels>(src, dst, width);
 }
 
-constexpr auto CopyShortRow = CopyRow;
-
 #else
-
-// Short rows are copied right here: at 640 bytes a call of memcpy costs a fifth of the time.
-QV_INLINE void CopyShortRow(const Byte* src, Byte* dst, ptrdiff_t bytes, bool stream) {
-  const auto block = [=](ptrdiff_t i) { Store(dst + i, Load(src + i)); };
-  if (stream || bytes > 4096 || !CoverWithBlocks<kVecBytes>(bytes, block, BytesToAlign(dst)))
-    CopyRow(src, dst, bytes, stream);
-}
 
 template <int kChannels>
 void ReverseRow(const Byte* src, Byte* dst, ptrdiff_t width, bool stream);
@@ -116,11 +107,12 @@ QV_INLINE IppStatus Mirror(const Byte* src, int srcStep, Byte* dst, int dstStep,
   if (axis != AxisHorizontal && axis != AxisVertical && axis != AxisBoth) return StatusAxisErr;
   const ptrdiff_t rowBytes = static_cast<ptrdiff_t>(width) * kChannels;
   const bool stream = PassesCaches(width, height, kChannels);
+  const CopyWay way = CopyWayOf(rowBytes, height, stream);
   for (int y = 0; y < height; ++y) {
     const Byte* from = RowAt(src, srcStep, y);
     Byte* to = RowAt(dst, dstStep, axis == AxisVertical ? y : height - 1 - y);
     if (axis == AxisHorizontal)
-      CopyShortRow(from, to, rowBytes, stream);
+      CopyRow(from, to, rowBytes, way);
     else
       ReverseRow<kChannels>(from, to, width, stream);
   }

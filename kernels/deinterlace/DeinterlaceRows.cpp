@@ -93,14 +93,13 @@ void FilterRows(const Byte* src, int srcStep, Byte* dst, int dstStep, ptrdiff_t 
 template <int kRows, bool kCentre>
 void AverageRows(const Byte* src, int srcStep, Byte* dst, int dstStep, ptrdiff_t bytes,
                  int centreWeight, int sideWeight, bool stream) {
-  const auto complement = [](Vec x) { return Xor(x, Splat8(-1)); };
   const auto filter = [&](ptrdiff_t i, auto store) {
-    Vec above = complement(Load(src + i)), own = complement(Load(RowAt(src, srcStep, 1) + i));
+    Vec above = Complement(Load(src + i)), own = Complement(Load(RowAt(src, srcStep, 1) + i));
     for (int r = 0; r < kRows; ++r) {
-      const Vec below = complement(Load(RowAt(src, srcStep, r + 2) + i));
+      const Vec below = Complement(Load(RowAt(src, srcStep, r + 2) + i));
       Vec mean = AverageUp8(above, below);
       if constexpr (kCentre) mean = AverageUp8(mean, own);
-      store(RowAt(dst, dstStep, r) + i, complement(mean));
+      store(RowAt(dst, dstStep, r) + i, Complement(mean));
       above = own;
       own = below;
     }

@@ -84,12 +84,13 @@ Lines LinesOf(int y, int parity, int height) {
 IppStatus FieldToFrame_8u(const Byte* src, int srcStep, Byte* dst, int dstStep, int widthBytes,
                           int height, int parity, int farWeight, int first, int rows) {
   const bool stream = PassesCaches(widthBytes, height, 1);
+  const CopyWay way = CopyWayOf(widthBytes, height, stream);
   for (int y = first; y < first + rows; ++y) {
     const Lines lines = LinesOf(y, parity, height);
     const Byte* const near = RowAt(src, srcStep, lines.near);
     Byte* const to = RowAt(dst, dstStep, y);
     if (lines.near == lines.far || farWeight == 0)
-      CopyRow(near, to, widthBytes, stream);
+      CopyRow(near, to, widthBytes, way);
     else
       BlendRow(near, RowAt(src, srcStep, lines.far), to, widthBytes, farWeight, stream);
   }

@@ -120,8 +120,6 @@ Vec LoadPart(const void* p, unsigned long long mask);
 void StorePart(void* p, Vec v, unsigned long long mask);
 Vec Select(unsigned long long mask, Vec a, Vec b);
 unsigned long long TopBits(Vec v);
-// SubPart16: a - b in the 16-bit lanes whose mask bit is set, `a` in the others.
-Vec SubPart16(unsigned mask, Vec a, Vec b);
 
 // kHasFusedMultiply. a * b + c and c - a * b, rounded once.
 Floats FusedMulAdd(Floats a, Floats b, Floats c);

@@ -52,6 +52,10 @@ QV_INLINE void Store(void* p, Vec v) { QV_BITS_OP(storeu_)(static_cast<Vec*>(p),
 // Past the caches; p is a multiple of kVecBytes. Ends with StreamFence before the kernel returns.
 QV_INLINE void StreamStore(void* p, Vec v) { QV_BITS_OP(stream_)(static_cast<Vec*>(p), v); }
 QV_INLINE void StreamFence() { _mm_sfence(); }
+// Copies by a repeated move of bytes; for callers that have looked at LongMoveBytes.
+QV_INLINE void MoveBytes(void* to, const void* from, size_t bytes) {
+  asm volatile("rep movsb" : "+D"(to), "+S"(from), "+c"(bytes) : : "memory");
+}
 
 QV_INLINE Vec Zero() { return QV_BITS_OP(setzero_)(); }
 QV_INLINE Vec Splat8(int x) { return QV_OP(set1_epi8)(static_cast<char>(x)); }

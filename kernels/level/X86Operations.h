@@ -10,6 +10,13 @@ namespace qv::QV_LEVEL {
 QV_INLINE QV_V And(QV_V a, QV_V b) { return QV_V_BITS_OP(and_)(a, b); }
 QV_INLINE QV_V Or(QV_V a, QV_V b) { return QV_V_BITS_OP(or_)(a, b); }
 QV_INLINE QV_V Xor(QV_V a, QV_V b) { return QV_V_BITS_OP(xor_)(a, b); }
+// All bits the other way. GCC 12 makes an exclusive or with ones an AVX-512 operation on three
+// vectors, of which the first is whatever the result's register held: a wait for nothing.
+#if defined(__AVX512VL__)
+QV_INLINE QV_V Complement(QV_V v) { return QV_V_OP(ternarylogic_epi64)(v, v, v, 0x55); }
+#else
+QV_INLINE QV_V Complement(QV_V v) { return Xor(v, QV_V_OP(set1_epi8)(-1)); }
+#endif
 // The bits of `b` that are clear in `mask`.
 QV_INLINE QV_V AndNot(QV_V mask, QV_V b) { return QV_V_BITS_OP(andnot_)(mask, b); }
 
@@ -76,6 +83,11 @@ QV_INLINE QV_V EvenLanes32(QV_V a, QV_V b) {
 QV_INLINE QV_V OddLanes32(QV_V a, QV_V b) {
   return reinterpret_cast<QV_V>(QV_V_OP(shuffle_ps)(
       reinterpret_cast<QV_V_FLOATS>(a), reinterpret_cast<QV_V_FLOATS>(b), 0xDD));
+}
+// Lanes 1 and 3 of `a`, then 0 and 2 of `b`.
+QV_INLINE QV_V OddThenEven32(QV_V a, QV_V b) {
+  return reinterpret_cast<QV_V>(QV_V_OP(shuffle_ps)(
+      reinterpret_cast<QV_V_FLOATS>(a), reinterpret_cast<QV_V_FLOATS>(b), 0x8D));
 }
 QV_INLINE QV_V AddNeighbours32(QV_V a, QV_V b) {
   return Add32(EvenLanes32(a, b), OddLanes32(a, b));

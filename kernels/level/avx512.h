@@ -83,9 +83,6 @@ QV_INLINE Vec Select(unsigned long long mask, Vec a, Vec b) {
   return _mm512_mask_blend_epi8(mask, b, a);
 }
 QV_INLINE unsigned long long TopBits(Vec v) { return _mm512_movepi8_mask(v); }
-QV_INLINE Vec SubPart16(unsigned mask, Vec a, Vec b) {
-  return _mm512_mask_sub_epi16(a, mask, a, b);
-}
 
 QV_INLINE Vec Xor(Vec a, Vec b, Vec c) { return _mm512_ternarylogic_epi64(a, b, c, 0x96); }
 
