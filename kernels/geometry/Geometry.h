@@ -57,9 +57,9 @@ IppStatus Rotate_8u_C3(const unsigned char* src, IppiSize srcSize, int srcStep, 
 
 // The kernels that they call, at each level.
 
-// Samples columns first .. last of a destination row, whose column 0 `dst` points at. The segments
-// are ascending, cover these columns and stay within the aligned blocks of kWarpBlock that they
-// touch.
+// Samples columns first .. last of a destination row, at most kWarpColumns of them, whose column 0
+// `dst` points at. The segments are ascending, cover these columns and stay within the aligned
+// blocks of kWarpBlock that they touch.
 using WarpKernel = Dispatched<void(
     const WarpSource* source, const WarpSegment* segments, int count, int first, int last,
     unsigned char* dst)>;

@@ -13,7 +13,7 @@ namespace {
 // A turned row crosses many source rows, and its neighbours cross the same ones: working in tiles
 // of this size, the source pixels of a tile stay in the first-level cache from row to row.
 constexpr int kTileRows = 32;
-constexpr int kTileColumns = 2 * kWarpBlock;
+constexpr int kTileColumns = kWarpColumns;
 
 bool IsConditioned(const double c[3][3]) {
   const double p = c[0][0] * c[1][1], q = c[0][1] * c[1][0];
@@ -45,53 +45,85 @@ bool AreApart(const double quad[4][2], const Corners& rect) {
   return false;
 }
 
-// Whether anything was written.
-bool WarpTiles(const WarpPlan& plan, const GeometryImages& images, const Corners& part,
-               WarpSource source, int srcStep, int dstStep) {
-  const int pixelBytes = PixelBytes(images.layout);
-  const WarpKernel& kernel = images.layout == Layout::kTriples ? WarpRow_8u_C3 : WarpRow_8u_C1;
-  const bool pays =
-      WarpAhead::Pays(static_cast<long long>(source.width) * source.height * pixelBytes);
-  bool any = false;
-  const PixelRange rows = plan.Rows();
-  // The last row and the last column may be the largest int there is: steps are wider.
-  for (long long top = rows.first; top <= rows.last; top += kTileRows) {
-    const int y0 = static_cast<int>(top);
-    const int height = rows.last - y0 < kTileRows ? rows.last - y0 + 1 : kTileRows;
-    PixelRange spans[kTileRows];
-    PixelRange all = {0x7FFFFFFF, -1};
-    for (int i = 0; i < height; ++i) {
-      spans[i] = plan.Columns(y0 + i);
-      if (spans[i].last < spans[i].first) continue;
-      if (spans[i].first < all.first) all.first = spans[i].first;
-      if (spans[i].last > all.last) all.last = spans[i].last;
-      any = true;
-    }
-    for (long long left = all.first & -kTileColumns; left <= all.last; left += kTileColumns) {
-      const int x0 = static_cast<int>(left);
-      Footprint next;
-      const bool fetches =
-          pays && plan.Find(next, double{kTileColumns} + x0, y0, kTileColumns, height);
-      WarpAhead ahead(fetches ? next : Footprint{}, part, height);
+// The walk over the area.
+class WarpTiles {
+ public:
+  WarpTiles(const WarpPlan& plan, const GeometryImages& images, const Corners& part,
+            const WarpSource& source, int dstStep, int dstWidth)
+      : plan_(plan),
+        images_(images),
+        part_(part),
+        source_(source),
+        dstStep_(dstStep),
+        pixelBytes_(PixelBytes(images.layout)),
+        kernel_(images.layout == Layout::kTriples ? WarpRow_8u_C3 : WarpRow_8u_C1) {
+    const double rows = 1.0 + plan.Rows().last - plan.Rows().first;
+    sourceBytes_ = 1.0 * source.width * source.height * pixelBytes_;
+    claims_ = WarpAhead::ClaimPays(rows * dstWidth * pixelBytes_);
+  }
+
+  // Whether anything was written.
+  bool Sample() {
+    bool any = false;
+    const PixelRange rows = plan_.Rows();
+    // The last row and the last column may be the largest int there is: steps are wider.
+    for (long long top = rows.first; top <= rows.last; top += kTileRows) {
+      const int y0 = static_cast<int>(top);
+      const int height = rows.last - y0 < kTileRows ? rows.last - y0 + 1 : kTileRows;
+      PixelRange all = {0x7FFFFFFF, -1};
       for (int i = 0; i < height; ++i) {
-        if (fetches) ahead.Fetch(images, srcStep);
-        const int first = spans[i].first < x0 ? x0 : spans[i].first;
-        const int last =
-            spans[i].last - x0 < kTileColumns ? spans[i].last : x0 + kTileColumns - 1;
-        if (last < first) continue;
-        WarpSegment segments[kTileColumns];
-        const int count = plan.Segments(y0 + i, first, last, segments);
-        for (int k = 0; k < images.count; ++k) {
-          source.first = images.src[k] + static_cast<ptrdiff_t>(part.y0) * srcStep +
-                         static_cast<ptrdiff_t>(part.x0) * pixelBytes;
-          kernel(&source, segments, count, first, last,
-                 images.dst[k] + static_cast<ptrdiff_t>(y0 + i) * dstStep);
-        }
+        spans_[i] = plan_.Columns(y0 + i);
+        if (spans_[i].last < spans_[i].first) continue;
+        if (spans_[i].first < all.first) all.first = spans_[i].first;
+        if (spans_[i].last > all.last) all.last = spans_[i].last;
+        any = true;
+      }
+      for (long long left = all.first & -kTileColumns; left <= all.last; left += kTileColumns)
+        SampleTile(static_cast<int>(left), y0, height, all.last);
+    }
+    return any;
+  }
+
+ private:
+  void SampleTile(int x0, int y0, int height, int last) {
+    Footprint next;
+    const bool fetches =
+        WarpAhead::FetchPays(sourceBytes_, 0) &&
+        plan_.Find(next, double{kTileColumns} + x0, y0, kTileColumns, height) &&
+        WarpAhead::FetchPays(sourceBytes_, next.rows);
+    WarpAhead ahead(fetches ? next : Footprint{}, part_, pixelBytes_, height);
+    const int beyond = last - x0 - (kTileColumns - 1);
+    const int claimed = !claims_ || beyond < 0 ? 0 : beyond < kTileColumns ? beyond : kTileColumns;
+    for (int i = 0; i < height; ++i) {
+      if (fetches) ahead.Fetch(images_, source_.step);
+      const PixelRange& span = spans_[i];
+      const int begin = span.first < x0 ? x0 : span.first;
+      const int end = span.last - x0 < kTileColumns ? span.last : x0 + kTileColumns - 1;
+      if (end < begin) continue;
+      WarpSegment segments[kTileColumns];
+      const int count = plan_.Segments(y0 + i, begin, end, segments);
+      for (int k = 0; k < images_.count; ++k) {
+        unsigned char* const row = images_.dst[k] + static_cast<ptrdiff_t>(y0 + i) * dstStep_;
+        if (claimed > 0)
+          WarpAhead::Claim(row + (static_cast<ptrdiff_t>(x0) + kTileColumns) * pixelBytes_,
+                           ptrdiff_t{claimed} * pixelBytes_);
+        source_.first = images_.src[k] + static_cast<ptrdiff_t>(part_.y0) * source_.step +
+                        static_cast<ptrdiff_t>(part_.x0) * pixelBytes_;
+        kernel_(&source_, segments, count, begin, end, row);
       }
     }
   }
-  return any;
-}
+
+  const WarpPlan& plan_;
+  const GeometryImages& images_;
+  const Corners& part_;
+  WarpSource source_;
+  int dstStep_, pixelBytes_;
+  const WarpKernel& kernel_;
+  double sourceBytes_;
+  bool claims_;
+  PixelRange spans_[kTileRows];  // of the rows of tiles
+};
 
 // An affine map folds no region, not even a single row or column of pixels: its outline is not
 // checked, only that it is made of numbers.
@@ -122,7 +154,7 @@ IppStatus Warp(const void* src, IppiSize srcSize, int srcStep, IppiRect srcRoi, 
                              static_cast<IppiInterpolation>(method)};
   const Corners sampled = CornersOf(part), destination = NumberedCorners(dstRoi);
   const WarpPlan plan(coeffs, sampled, destination, source.method);
-  if (WarpTiles(plan, images, sampled, source, srcStep, dstStep)) return StatusOk;
+  if (WarpTiles(plan, images, sampled, source, dstStep, dstRoi.width).Sample()) return StatusOk;
   return AreApart(quad, destination) ? StatusNoOverlapWarning : StatusOk;
 }
 

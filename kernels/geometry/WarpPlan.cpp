@@ -75,6 +75,13 @@ WarpPlan::WarpPlan(const double coeffs[3][3], const Corners& source, const Corne
     const double w = m_[2][2];
     for (int i = 0; i < 9; ++i) m_[i / 3][i % 3] /= w;
   }
+  isLine_ = affine_;
+  for (int axis = 0; axis < 2; ++axis) {
+    const double reach = fabs(m_[axis][0]) * (kWarpBlock / 2);
+    isLine_ = isLine_ && reach <= kReach;
+    lineInner_[axis][0] = inner_[axis][0] + reach;
+    lineInner_[axis][1] = inner_[axis][1] - reach;
+  }
   FindRows(coeffs);
 }
 
@@ -192,7 +199,8 @@ int WarpPlan::Segments(int y, int first, int last, WarpSegment* segments) const 
   for (long long begin = first & -kWarpBlock; begin <= last; begin += kWarpBlock) {
     segments[count].first = static_cast<int>(begin);
     segments[count].count = kWarpBlock;
-    count += Fit(row, segments[count]) ? 1 : Halve(row, {first, last}, segments + count);
+    const bool fits = isLine_ ? FitLine(row, segments[count]) : Fit(row, segments[count]);
+    count += fits ? 1 : Halve(row, {first, last}, segments + count);
   }
   return count;
 }
@@ -227,6 +235,7 @@ void WarpPlan::FitColumn(const Row& row, WarpSegment& segment) const {
     const double p = position[axis];
     segment.coeff[axis][1] = segment.coeff[axis][2] = segment.coeff[axis][3] = 0;
     segment.isInside = false;
+    segment.isLine = true;
     Place(axis, p > -kFar ? p < kFar ? p : kFar : -kFar, segment);
   }
 }
@@ -260,6 +269,7 @@ bool WarpPlan::Fit(const Row& row, WarpSegment& segment) const {
   segment.isInside = p[0] - x >= inner_[0][0] && p[0] + x <= inner_[0][1] &&
                      p[1] - y >= inner_[1][0] && p[1] + y <= inner_[1][1];
   if (!segment.isInside && !(fabs(p[0]) <= 0x1p31 && fabs(p[1]) <= 0x1p31)) return false;
+  segment.isLine = kAffine;
   const double u2 = u * u, u3 = u * u2 * h * h;
   for (int axis = 0; axis < 2; ++axis) {
     const double c1 = slope[axis] * kOne;
@@ -274,6 +284,23 @@ bool WarpPlan::Fit(const Row& row, WarpSegment& segment) const {
 
 bool WarpPlan::Fit(const Row& row, WarpSegment& segment) const {
   return affine_ ? Fit<true>(row, segment) : Fit<false>(row, segment);
+}
+
+// What Fit<true> does, for a whole block: its reach is known, and only the centre is to be found.
+bool WarpPlan::FitLine(const Row& row, WarpSegment& segment) const {
+  const double centre = segment.first + kWarpBlock / 2;
+  const double p[2] = {m_[0][0] * centre + row.x, m_[1][0] * centre + row.y};
+  segment.isLine = true;
+  segment.isInside = p[0] >= lineInner_[0][0] && p[0] <= lineInner_[0][1] &&
+                     p[1] >= lineInner_[1][0] && p[1] <= lineInner_[1][1];
+  if (!segment.isInside && !(fabs(p[0]) <= 0x1p31 && fabs(p[1]) <= 0x1p31)) return false;
+  for (int axis = 0; axis < 2; ++axis) {
+    float* const coeff = segment.coeff[axis];
+    coeff[1] = static_cast<float>(m_[axis][0] * kOne);
+    coeff[2] = coeff[3] = 0;
+    Place(axis, p[axis], segment);
+  }
+  return true;
 }
 
 // Splits a position into the whole number `base` and c0, which carries the fraction.

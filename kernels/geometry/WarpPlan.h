@@ -68,6 +68,7 @@ class WarpPlan {
   bool Fit(const Row& row, WarpSegment& segment) const;
   template <bool kAffine>
   bool Fit(const Row& row, WarpSegment& segment) const;
+  bool FitLine(const Row& row, WarpSegment& segment) const;
   void FitColumn(const Row& row, WarpSegment& segment) const;
   void Place(int axis, double position, WarpSegment& segment) const;
 
@@ -77,7 +78,8 @@ class WarpPlan {
   double low_[2], high_[2];  // of X and Y, tolerance included
   Corners destination_;
   double bias_;
-  bool regular_, affine_;
+  double lineInner_[2][2];  // the same for the centre of a block along a line
+  bool regular_, affine_, isLine_ = false;
   PixelRange rows_;
 };
 

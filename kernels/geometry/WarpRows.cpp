@@ -10,8 +10,8 @@ namespace {
 #if QV_HAS_VECTORS
 
 // Vector rows keep positions and byte offsets in 32-bit lanes. A position next to the source's edge
-// may overshoot it by a few steps; one of a column that is not wanted may be anything: clamped, it
-// is harmless.
+// may overshoot it by a few steps. Lanes past a segment's end may hold anything: nothing is fetched
+// by them.
 bool FitsLanes(const WarpSource& s, int channels) {
   constexpr int kExtent = (1 << (31 - kWarpBits)) - kWarpBlock;
   return s.width <= kExtent && s.height <= kExtent &&
@@ -25,16 +25,13 @@ template <bool kIsLine>
 class Curve {
  public:
   // From column `skipped` of the segment on.
-  QV_INLINE Curve(const WarpSegment& s, int skipped) : half_(s.count / 2) {
+  QV_INLINE Curve(const WarpSegment& s, int skipped) {
+    static constexpr float kIota[16] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
     for (int axis = 0; axis < 2; ++axis) {
       base_[axis] = Splat32(static_cast<int>(s.base[axis]));
       for (int i = 0; i < (kIsLine ? 2 : 4); ++i) coeff_[axis][i] = SplatFloat(s.coeff[axis][i]);
     }
-    MoveTo(skipped);
-  }
-  QV_INLINE void MoveTo(int column) {
-    static constexpr float kIota[16] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
-    t_ = AddFloat(LoadFloats(kIota), SplatFloat(static_cast<float>(column - half_)));
+    t_ = AddFloat(LoadFloats(kIota), SplatFloat(static_cast<float>(skipped - s.count / 2)));
   }
   QV_INLINE void Advance() { t_ = AddFloat(t_, SplatFloat(kLanes32)); }
   QV_INLINE Vec At(int axis) const {
@@ -47,21 +44,7 @@ class Curve {
  private:
   Floats t_, coeff_[2][4];
   Vec base_[2];
-  int half_;
 };
-
-// Positions that were worked out before.
-struct Listed {
-  const int *x, *y;
-  int column;
-  QV_INLINE void MoveTo(int to) { column = to; }
-  QV_INLINE void Advance() { column += kLanes32; }
-  QV_INLINE Vec At(int axis) const { return Load((axis == 0 ? x : y) + column); }
-};
-
-QV_INLINE bool IsLine(const WarpSegment& s) {
-  return s.coeff[0][3] == 0 && s.coeff[0][2] == 0 && s.coeff[1][3] == 0 && s.coeff[1][2] == 0;
-}
 
 // A source as vector rows see it.
 struct View {
@@ -87,14 +70,18 @@ QV_INLINE Vec OffsetOf(const View& view, Vec x, Vec y) {
   return Add32(MulLow32(y, view.step), x);
 }
 
-// What kLanes32 pixels need of their positions: the offset of their first taps, and along either
-// axis the weights of two taps (linear) or the offset of a table entry (cubic).
+// What the pixels of a row need of their positions, column by column: the offset of the first tap,
+// at kX and kY along either axis the weights of two taps (linear) or the offset of a table entry
+// (cubic). Of rows that may pass the edges also: at kLack what is below 0 if the fetch ends past
+// its row, or if a tap is missing at either end; at kLeft and kTop the pixel to the left of the
+// position and above it (cubic). All in one array, since finishing has few registers to spare.
 //
-// A run is prepared as a whole before any of it is fetched: the chain from a column to its fetch is
-// long, and with the fetches in between a processor could not look ahead over more than one of
-// them.
+// A row is prepared as a whole before any of it is fetched: the chain from a column to its fetch is
+// long, and a fetch waits whose offset is still on its way to memory.
+constexpr int kPreparedColumns = kWarpColumns + kLanes32;  // a vector may begin at the last one
+enum { kX = kPreparedColumns, kY = 2 * kX, kLack = 3 * kX, kLeft = 4 * kX, kTop = 5 * kX };
 struct Prepared {
-  alignas(kVecBytes) int offset[kLanes32], x[kLanes32], y[kLanes32];
+  alignas(kVecBytes) int values[6 * kPreparedColumns];
 };
 
 // Weights (2^14 - f, f) of a pair of pixels, as 16-bit halves.
@@ -102,49 +89,83 @@ QV_INLINE Vec PairWeights(Vec fraction) {
   return Add32(ShiftLeft32<16>(fraction), Sub32(Splat32(1 << kWarpBits), fraction));
 }
 
-// False if a pixel needs bytes that cannot be fetched, or taps beyond the edge.
 template <IppiInterpolation kMethod, int kChannels, bool kInside>
-QV_INLINE bool Prepare(const View& view, Vec px, Vec py, Prepared& out) {
+QV_INLINE void Prepare(const View& view, Vec px, Vec py, int* out) {
   if constexpr (!kInside) px = Clamp32(px, view.highX), py = Clamp32(py, view.highY);
   Vec ix = ShiftRightSigned32<kWarpBits>(px), iy = ShiftRightSigned32<kWarpBits>(py);
+  Vec lack = Zero();
   if constexpr (kMethod == InterpolateLinear) {
     // On the last pixel the pair is the one before it, with all the weight on its second half.
     if constexpr (!kInside) ix = Min32(ix, view.lastX), iy = Min32(iy, view.lastY);
-    Store(out.x, PairWeights(Sub32(px, ShiftLeft32<kWarpBits>(ix))));
-    Store(out.y, PairWeights(Sub32(py, ShiftLeft32<kWarpBits>(iy))));
+    const auto fraction = [](Vec position, Vec whole) {
+      if constexpr (kInside) return And(position, Splat32((1 << kWarpBits) - 1));
+      return Sub32(position, ShiftLeft32<kWarpBits>(whole));
+    };
+    Store(out + kX, PairWeights(fraction(px, ix)));
+    Store(out + kY, PairWeights(fraction(py, iy)));
   }
-  // Its sign tells: the fetch ends past its row, or a tap is missing at either end.
-  Vec bad = Zero();
   if constexpr (kMethod == InterpolateCubic) {
     const Vec one = Splat32(1), mask = Splat32((kCubicPhases - 1) * 8);  // entries are 8 bytes
-    Store(out.x, And(ShiftRight32<kWarpBits - kCubicBits - 3>(px), mask));
-    Store(out.y, And(ShiftRight32<kWarpBits - kCubicBits - 3>(py), mask));
-    bad = Or(Sub32(Sub32(view.lastX, one), ix), Sub32(Sub32(view.lastY, one), iy));
+    Store(out + kX, And(ShiftRight32<kWarpBits - kCubicBits - 3>(px), mask));
+    Store(out + kY, And(ShiftRight32<kWarpBits - kCubicBits - 3>(py), mask));
+    if constexpr (!kInside) {
+      Store(out + kLeft, ix);
+      Store(out + kTop, iy);
+      lack = Or(Sub32(Sub32(view.lastX, one), ix), Sub32(Sub32(view.lastY, one), iy));
+      lack = Or(lack, Or(Sub32(ix, one), Sub32(iy, one)));
+    }
     ix = Sub32(ix, one), iy = Sub32(iy, one);
-    bad = Or(bad, Or(ix, iy));
   }
-  Store(out.offset, OffsetOf<kChannels>(view, ix, iy));
-  if constexpr (kInside) return true;
-  constexpr int kFetched =
-      kMethod == InterpolateNearest || kChannels == 1 ? 4 : kMethod == InterpolateLinear ? 8 : 16;
-  constexpr int kPixels = (kFetched + kChannels - 1) / kChannels;
-  bad = Or(bad, Sub32(Add32(view.lastX, Splat32(2 - kPixels)), ix));
-  return !AnyNegative32(bad);
+  Store(out, OffsetOf<kChannels>(view, ix, iy));
+  if constexpr (!kInside) {
+    constexpr int kFetched =
+        kMethod == InterpolateNearest || kChannels == 1 ? 4 : kMethod == InterpolateLinear ? 8 : 16;
+    constexpr int kPixels = (kFetched + kChannels - 1) / kChannels;
+    lack = Or(lack, Sub32(Add32(view.lastX, Splat32(2 - kPixels)), ix));
+    Store(out + kLack, lack);
+  }
+}
+
+template <IppiInterpolation kMethod, int kChannels, bool kInside, bool kIsLine>
+QV_INLINE void PrepareAlong(const View& view, const WarpSegment& s, int skipped, int begin, int end,
+                            Prepared& out) {
+  Curve<kIsLine> curve(s, skipped);
+  for (int i = begin; i < end; i += kLanes32) {
+    Prepare<kMethod, kChannels, kInside>(view, curve.At(0), curve.At(1), out.values + i);
+    curve.Advance();
+  }
+}
+
+// Columns first .. last. What the last vector of a segment holds past its end, the next segment
+// overwrites.
+template <IppiInterpolation kMethod, int kChannels, bool kInside>
+QV_INLINE void PrepareRow(const View& view, const WarpSegment* segments, int count, int first,
+                          int last, Prepared& out) {
+  for (const WarpSegment* g = segments; g != segments + count; ++g) {
+    const int skipped = g->first < first ? first - g->first : 0;
+    const int begin = g->first + skipped - first, rest = g->count - skipped;
+    const int end = last - first + 1 - begin < rest ? last - first + 1 : begin + rest;
+    if (g->isLine)
+      PrepareAlong<kMethod, kChannels, kInside, true>(view, *g, skipped, begin, end, out);
+    else
+      PrepareAlong<kMethod, kChannels, kInside, false>(view, *g, skipped, begin, end, out);
+  }
 }
 
 template <int kChannels, bool kGathers>
-QV_INLINE void FinishNearest(const View& view, const Prepared& p, Byte* out) {
-  const Vec pixels = Fetch32<kGathers>(view.first, p.offset);
+QV_INLINE void FinishNearest(const View& view, const int* p, Byte* out) {
+  Vec pixels[1];
+  Fetch32<kGathers>(Rows<1>(view.first, 0), p, pixels);
   if constexpr (kChannels == 1)
-    StoreLowBytes32(out, pixels);
+    StoreLowBytes32(out, pixels[0]);
   else
-    StoreTriples(out, pixels);
+    StoreTriples(out, pixels[0]);
 }
 
 template <int kChannels, bool kGathers>
-QV_INLINE void FinishLinear(const View& view, const Prepared& p, Byte* out) {
-  const Byte* const below = view.first + view.stepBytes;
-  const Vec wx = Load(p.x), wy = Load(p.y);
+QV_INLINE void FinishLinear(const View& view, const int* p, Byte* out) {
+  const Rows<2> rows(view.first, view.stepBytes);
+  const Vec wx = Load(p + kX), wy = Load(p + kY);
   // Of 16-bit pairs of neighbours in both rows, 2^21 times the value.
   const auto mix = [=](Vec upper, Vec lower) {
     const Vec u = ShiftRight32<7>(MulAddPairs16(upper, wx));
@@ -152,12 +173,13 @@ QV_INLINE void FinishLinear(const View& view, const Prepared& p, Byte* out) {
     return Add32(MulAddPairs16(Or(u, And(l, Splat32(-0x10000))), wy), Splat32(kLinearRound));
   };
   if constexpr (kChannels == 1) {
-    const Vec upper = Fetch32<kGathers>(view.first, p.offset);
-    const Vec lower = Fetch32<kGathers>(below, p.offset);
-    StoreLowBytes32(out, ShiftRight32<21>(mix(SpreadPair<0, 1>(upper), SpreadPair<0, 1>(lower))));
+    Vec row[2];
+    Fetch32<kGathers>(rows, p, row);
+    StoreLowBytes32(out, ShiftRight32<21>(mix(SpreadPair<0, 1>(row[0]), SpreadPair<0, 1>(row[1]))));
   } else {
-    const PixelPairs upper = FetchPairs<kGathers>(view.first, p.offset);
-    const PixelPairs lower = FetchPairs<kGathers>(below, p.offset);
+    PixelPairs pairs[2];
+    FetchPairs<kGathers>(rows, p, pairs);
+    const PixelPairs &upper = pairs[0], &lower = pairs[1];
     const Vec b = ShiftRight32<21>(mix(upper.b, lower.b));
     const Vec g = And(ShiftRight32<13>(mix(upper.g, lower.g)), Splat32(0xFF00));
     const Vec r = And(ShiftRight32<5>(mix(upper.r, lower.r)), Splat32(0xFF0000));
@@ -174,26 +196,27 @@ QV_INLINE Vec SumRows(const Vec row[4], Vec even, Vec odd) {
 }
 
 template <int kChannels, bool kGathers>
-QV_INLINE void FinishCubic(const View& view, const Prepared& p, Byte* out) {
+QV_INLINE void FinishCubic(const View& view, const int* p, Byte* out) {
+  const Rows<4> rows(view.first, view.stepBytes);
   const Byte* const table = reinterpret_cast<const Byte*>(kCubicTable.tap);
-  const Vec x01 = Fetch64<kGathers, 0>(table, p.x), x23 = Fetch64<kGathers, 1>(table, p.x);
-  const Vec y01 = Fetch64<kGathers, 0>(table, p.y), y23 = Fetch64<kGathers, 1>(table, p.y);
+  const Vec x01 = Fetch64<kGathers, 0>(table, p + kX), x23 = Fetch64<kGathers, 1>(table, p + kX);
+  const Vec y01 = Fetch64<kGathers, 0>(table, p + kY), y23 = Fetch64<kGathers, 1>(table, p + kY);
   const Vec evenX = EvenLanes32(x01, x23), oddX = OddLanes32(x01, x23);
   const Vec evenY = EvenLanes32(y01, y23), oddY = OddLanes32(y01, y23);
   if constexpr (kChannels == 1) {
     Vec row[4];
+    Fetch32<kGathers>(rows, p, row);
     for (int i = 0; i < 4; ++i) {
-      const Vec taps = Fetch32<kGathers>(view.first + i * view.stepBytes, p.offset);
       const Vec bytes = Splat32(0x00FF00FF);
-      row[i] = ShiftRightSigned32<8>(Add32(MulAddPairs16(And(taps, bytes), evenX),
-                                           MulAddPairs16(ShiftRight16<8>(taps), oddX)));
+      row[i] = ShiftRightSigned32<8>(Add32(MulAddPairs16(And(row[i], bytes), evenX),
+                                           MulAddPairs16(ShiftRight16<8>(row[i]), oddX)));
     }
     StoreLimited32(out, SumRows(row, evenY, oddY));
   } else {
     const auto pixels = [&]<int kPart>() {
       Vec row[4];
       for (int i = 0; i < 4; ++i) {
-        const Vec taps = Fetch128<kPart>(view.first + i * view.stepBytes, p.offset);
+        const Vec taps = Fetch128<kPart>(rows.first[i], p);
         row[i] = ShiftRightSigned32<8>(
             Add32(MulAddPairs16(SpreadTaps<0>(taps), SplatInLanes32<kPart>(evenX)),
                   MulAddPairs16(SpreadTaps<1>(taps), SplatInLanes32<kPart>(oddX))));
@@ -226,34 +249,33 @@ QV_INLINE void CopyTaps(const Byte* from, Byte* to) {
 // Where fetches would pass the end of a row, or taps the edges: the bytes that count are brought
 // together first. Out of line, to keep the loop around it tight.
 template <IppiInterpolation kMethod, int kChannels, bool kGathers>
-__attribute__((noinline)) void FinishAtEdge(const WarpSource& s, const View& view, Vec px, Vec py,
-                                            const Prepared& p, Byte* out) {
+__attribute__((noinline)) void FinishAtEdge(const WarpSource& s, const View& view, const int* p,
+                                            Byte* out) {
   if constexpr (kMethod == InterpolateNearest) {
     for (int i = 0; i < kLanes32; ++i)
-      memcpy(out + kChannels * i, view.first + p.offset[i], kChannels);
+      memcpy(out + kChannels * i, view.first + p[i], kChannels);
   } else {
     constexpr bool kLinear = kMethod == InterpolateLinear;
     constexpr int kRows = kLinear ? 2 : 4, kApart = kLinear ? 8 : 16;
     Byte taps[kRows][kApart * kLanes32];
-    int x[kLanes32], y[kLanes32];
-    Store(x, ShiftRightSigned32<kWarpBits>(Clamp32(px, view.highX)));
-    Store(y, ShiftRightSigned32<kWarpBits>(Clamp32(py, view.highY)));
-    Prepared near = p;
+    const int *const left = p + kLeft, *const top = p + kTop;
+    int near[kLack];  // as far as that is needed
+    Store(near + kX, Load(p + kX));
+    Store(near + kY, Load(p + kY));
     for (int i = 0; i < kLanes32; ++i) {
-      near.offset[i] = kApart * i;
-      const bool isBeyond = kMethod == InterpolateCubic && (x[i] < 1 || x[i] > s.width - 3);
+      near[i] = kApart * i;
       for (int r = 0; r < kRows; ++r) {
         Byte* const to = taps[r] + kApart * i;
         if constexpr (kMethod == InterpolateLinear) {
-          CopyTaps<2 * kChannels>(view.first + p.offset[i] + r * view.stepBytes, to);
-        } else if (isBeyond) {
+          CopyTaps<2 * kChannels>(view.first + p[i] + r * view.stepBytes, to);
+        } else if (left[i] < 1 || left[i] > s.width - 3) {
           Byte four[4 * kChannels];
           for (int k = 0; k < 4; ++k)
-            memcpy(four + k * kChannels, TapAt<kChannels>(s, x[i] - 1 + k, y[i] - 1 + r),
+            memcpy(four + k * kChannels, TapAt<kChannels>(s, left[i] - 1 + k, top[i] - 1 + r),
                    kChannels);
           CopyTaps<4 * kChannels>(four, to);
         } else {
-          CopyTaps<4 * kChannels>(TapAt<kChannels>(s, x[i] - 1, y[i] - 1 + r), to);
+          CopyTaps<4 * kChannels>(TapAt<kChannels>(s, left[i] - 1, top[i] - 1 + r), to);
         }
       }
     }
@@ -267,81 +289,51 @@ __attribute__((noinline)) void FinishAtEdge(const WarpSource& s, const View& vie
   }
 }
 
-// Columns begin .. begin + n - 1 of a run, at which `positions` stand. A run of less than a vector
-// is sampled aside, and the last vector of any other one overlaps the one before it.
-template <IppiInterpolation kMethod, int kChannels, bool kGathers, bool kInside, class Positions>
-QV_INLINE void SampleRun(const WarpSource& s, const View& view, int begin, int n, Byte* out,
-                         Positions positions) {
-  constexpr int kMost = kWarpBlock / kLanes32;
-  Prepared prepared[kMost];
-  bool isReady[kMost];
-  const int vectors = (n + kLanes32 - 1) / kLanes32, end = n > kLanes32 ? n - kLanes32 : 0;
-#pragma GCC unroll 1
-  for (int k = 0; k < vectors; ++k) {
-    if (k + 1 == vectors && k > 0) positions.MoveTo(begin + end);
-    isReady[k] = Prepare<kMethod, kChannels, kInside>(view, positions.At(0), positions.At(1),
-                                                      prepared[k]);
-    positions.Advance();
-  }
+// A row of less than a vector is filled up with its first pixel.
+__attribute__((noinline)) void FillUp(Prepared& p, int n) {
+  for (int field = 0; field <= kTop; field += kPreparedColumns)
+    for (int i = n; i < kLanes32; ++i) p.values[field + i] = p.values[field];
+}
+
+template <IppiInterpolation kMethod, int kChannels, bool kGathers, bool kInside>
+QV_INLINE void WarpRowWhere(const WarpSource& s, const WarpSegment* segments, int count, int first,
+                            int last, Byte* dst) {
+  const View view = MakeView(s);
+  Prepared p;
+  PrepareRow<kMethod, kChannels, kInside>(view, segments, count, first, last, p);
+  const auto finish = [&](int i, Byte* to) QV_INLINE_LAMBDA {
+    const int* const at = Opaque(p.values + i);
+    if (!kInside && AnyNegative32(Load(at + kLack)))
+      FinishAtEdge<kMethod, kChannels, kGathers>(s, view, at, to);
+    else if constexpr (kMethod == InterpolateNearest)
+      FinishNearest<kChannels, kGathers>(view, at, to);
+    else if constexpr (kMethod == InterpolateLinear)
+      FinishLinear<kChannels, kGathers>(view, at, to);
+    else
+      FinishCubic<kChannels, kGathers>(view, at, to);
+  };
+  Byte* const out = dst + static_cast<ptrdiff_t>(first) * kChannels;
+  const int n = last - first + 1, whole = n & -kLanes32;
+  for (int i = 0; i < whole; i += kLanes32) finish(i, out + i * kChannels);
+  if (whole == n) return;
+  // The last vector overlaps the one before it. A row of less than a vector is sampled aside.
+  const bool isShort = whole == 0;
+  const int rest = isShort ? 0 : n - kLanes32;
   Byte part[kLanes32 * kChannels];
-#pragma GCC unroll 1
-  for (int k = 0; k < vectors; ++k) {
-    const int i = k + 1 < vectors ? k * kLanes32 : end;
-    Byte* const to = n < kLanes32 ? part : out + i * kChannels;
-    if (!kInside && !isReady[k]) {
-      positions.MoveTo(begin + i);
-      FinishAtEdge<kMethod, kChannels, kGathers>(s, view, positions.At(0), positions.At(1),
-                                                 prepared[k], to);
-    } else if constexpr (kMethod == InterpolateNearest) {
-      FinishNearest<kChannels, kGathers>(view, prepared[k], to);
-    } else if constexpr (kMethod == InterpolateLinear) {
-      FinishLinear<kChannels, kGathers>(view, prepared[k], to);
-    } else {
-      FinishCubic<kChannels, kGathers>(view, prepared[k], to);
-    }
-  }
-  if (n < kLanes32) memcpy(out, part, static_cast<size_t>(n) * kChannels);
+  if (isShort) FillUp(p, n);
+  finish(rest, isShort ? part : out + rest * kChannels);
+  if (isShort) memcpy(out, part, static_cast<size_t>(n) * kChannels);
 }
 
 template <IppiInterpolation kMethod, int kChannels, bool kGathers>
 void WarpRowVectors(const WarpSource& s, const WarpSegment* segments, int count, int first,
                     int last, Byte* dst) {
-  const View view = MakeView(s);
-  // Segments that are shorter than a vector are lined up here. They share an aligned block of a
-  // vector at least, and vectors may read past its last column, to no effect.
-  int x[2 * kLanes32] = {}, y[2 * kLanes32] = {};
-  for (const WarpSegment *g = segments, *const end = segments + count; g != end; ++g) {
-    const bool isShort = g->count < kLanes32;
-    const int length = isShort ? kLanes32 : g->count, start = g->first & -length;
-    const int begin = (first > start ? first : start) - start;
-    const int n = (last - start < length ? last - start + 1 : length) - begin;
-    // A run of less than a vector may look past the segment's columns.
-    const bool isInside = n >= kLanes32 && g->isInside;
-    Byte* const out = dst + static_cast<ptrdiff_t>(start + begin) * kChannels;
-    const auto run = [&]<bool kInside>(auto positions) __attribute__((always_inline)) {
-      SampleRun<kMethod, kChannels, kGathers, kInside>(s, view, begin, n, out, positions);
-    };
-    if (isShort) {
-      for (;; ++g) {
-        for (int i = 0; i < g->count; ++i) {
-          const int column = g->first + i;
-          x[column - start] = static_cast<int>(PositionAt(*g, 0, column));
-          y[column - start] = static_cast<int>(PositionAt(*g, 1, column));
-        }
-        if (g + 1 == end || (g[1].first & -length) != start) break;
-      }
-      run.template operator()<false>(Listed{x, y, begin});
-    } else if (IsLine(*g)) {
-      if (isInside)
-        run.template operator()<true>(Curve<true>(*g, begin));
-      else
-        run.template operator()<false>(Curve<true>(*g, begin));
-    } else if (isInside) {
-      run.template operator()<true>(Curve<false>(*g, begin));
-    } else {
-      run.template operator()<false>(Curve<false>(*g, begin));
-    }
-  }
+  bool isInside = true;
+  for (int i = 0; i < count; ++i) isInside &= segments[i].isInside;
+  if (isInside)
+    WarpRowWhere<kMethod, kChannels, kGathers, true>(s, segments, count, first, last, dst);
+  else
+    WarpRowWhere<kMethod, kChannels, kGathers, false>(s, segments, count, first, last, dst);
 }
 
 template <int kChannels, bool kGathers>

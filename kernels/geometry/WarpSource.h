@@ -21,11 +21,15 @@ constexpr int kWarpBits = 14;
 // Columns that a segment may cover at most. Segments cover aligned runs of a power of two.
 constexpr int kWarpBlock = 128;
 
+// Columns that are sampled at once at most.
+constexpr int kWarpColumns = 2 * kWarpBlock;
+
 struct WarpSegment {
   int first;          // destination column, a multiple of `count`
   int count;          // a power of two up to kWarpBlock; t runs from -count / 2
   long long base[2];  // x, y
   float coeff[2][4];  // c0 .. c3 of x and of y
+  bool isLine;        // c2 and c3 are 0
   // Every column's position, wanted or not, has a pixel before it and three after it, and rows
   // likewise: nothing has to be clamped. Columns have half a pixel more after them: 16 bytes, five
   // pixels and a third, can then be fetched from the first tap without leaving the row.

@@ -16,6 +16,13 @@ namespace qv::QV_LEVEL {
 
 using Byte = unsigned char;
 
+// An address that the compiler does not take apart: it is kept in one register, and what is added
+// to it is added to it alone.
+template <class T> QV_INLINE T* Opaque(T* p) {
+  asm("" : "+r"(p));
+  return p;
+}
+
 // Row `y` of an image. In pointer width: y * step may pass 2 GiB.
 QV_INLINE const Byte* RowAt(const Byte* base, int step, ptrdiff_t y) { return base + y * step; }
 QV_INLINE Byte* RowAt(Byte* base, int step, ptrdiff_t y) { return base + y * step; }

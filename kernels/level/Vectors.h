@@ -90,13 +90,7 @@ template <class At> QV_INLINE Vec LoadLanes(At at) {
 QV_INLINE Vec LoadLanes(const Byte* p, ptrdiff_t apart) {
   return LoadLanes([=](int i) { return p + i * apart; });
 }
-// The same from pieces of 32 bits, from at(0), at(1), ..., or of 64.
-template <class At> QV_INLINE Vec LoadPieces32(At at) {
-  return BuildLanes([=](int i) {
-    const Vec128 low = InterleaveLow32(Load32(at(4 * i)), Load32(at(4 * i + 1)));
-    return InterleaveLow64(low, InterleaveLow32(Load32(at(4 * i + 2)), Load32(at(4 * i + 3))));
-  });
-}
+// The same from pieces of 64 bits, from at(0), at(1), ...
 template <class At> QV_INLINE Vec LoadPieces64(At at) {
   return BuildLanes(
       [=](int i) { return InterleaveLow64(Load64(at(2 * i)), Load64(at(2 * i + 1))); });
