@@ -5,7 +5,7 @@
 namespace qv {
 
 enum class Layout {
-  kGray,            // one byte a pixel
+  kGrey,            // one byte a pixel
   kPairs,           // two interleaved bytes
   kTriples,         // three interleaved bytes
   kQuads,           // four interleaved bytes

@@ -212,7 +212,7 @@ IppStatus CqvAccLib::qvResize(qvDataType type, const unsigned char* src, IppiSiz
   const FloatEnvironment environment;
   const ResizeRoute route({src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoiSize, xFactor,
                            yFactor, interpolation},
-                          type == OneChannel ? Layout::kGray : Layout::kTriples,
+                          type == OneChannel ? Layout::kGrey : Layout::kTriples,
                           ResizeBands(srcSize, dstRoiSize, CallBudget()));
   if (route.bands() == 1) return route.RunWhole();
   const Bands bands = {route.bands(), route.rowsPerBand(), dstRoiSize.height};

@@ -55,7 +55,7 @@ IppStatus CheckCodes(int yuvLayout, int rgbLayout, int matrix, int range, int si
   if (!IsOneOf(yuvLayout, kFirstYuv, std::size(kYuvLayouts)) ||
       !IsOneOf(rgbLayout, kFirstRgb, std::size(kRgbLayouts)))
     return StatusDataTypeErr;
-  const bool known = IsOneOf(matrix, 0, std::size(kColorMatrices)) && IsOneOf(range, 0, 2) &&
+  const bool known = IsOneOf(matrix, 0, std::size(kColourMatrices)) && IsOneOf(range, 0, 2) &&
                      IsOneOf(siting, 0, 3);
   return known ? StatusOk : StatusOutOfRangeErr;
 }

@@ -88,7 +88,7 @@ TEST(Warp, PlanarLayouts) {
   const IppiRect all = {0, 0, w, h};
   for (int i = 0; i < 4; ++i)
     ASSERT_EQ(WarpAffineCore(src[i], {w, h}, w, all, &expected[std::size_t(i) * w * h], w, all,
-                             Layout::kGray, c, 4),
+                             Layout::kGrey, c, 4),
               StatusOk);
   ASSERT_EQ(WarpAffineCore(src, {w, h}, w, all, dst, w, all, Layout::kFourPlanes, c, 4), StatusOk);
   EXPECT_EQ(out, expected);

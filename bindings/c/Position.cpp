@@ -23,7 +23,7 @@ int qv_source_position(qv_size src_size, qv_rect src_roi, qv_size dst_roi_size, 
                            x_factor,
                            y_factor,
                            interpolation};
-  return ResizeRoute(call, Layout::kGray, ResizeBands(call.srcSize, call.dstRoiSize, CallBudget()))
+  return ResizeRoute(call, Layout::kGrey, ResizeBands(call.srcSize, call.dstRoiSize, CallBudget()))
       .SourcePosition(x, y, position);
 }
 

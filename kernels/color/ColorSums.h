@@ -51,7 +51,7 @@ QV_INLINE ColorSums AddLuma(Vec fourY, const ChromaTerms& chroma) {
 }
 
 QV_INLINE Vec Wholes(const Sums& sums) { return HighHalves16(sums.even, sums.odd); }
-QV_INLINE Colors Wholes(const ColorSums& sums) {
+QV_INLINE Colours Wholes(const ColorSums& sums) {
   return {Wholes(sums.blue), Wholes(sums.green), Wholes(sums.red)};
 }
 
@@ -87,7 +87,7 @@ struct SumIndex {
 };
 
 template <int part>
-QV_INLINE Vec JoinColors(Vec blueGreen, Vec red) {
+QV_INLINE Vec JoinColours(Vec blueGreen, Vec red) {
   static constexpr SumIndex index[2] = {{part, false}, {part, true}};
   return Or(ShuffleBytes(blueGreen, LoadSplat128(index[0].at)),
             ShuffleBytes(red, LoadSplat128(index[1].at)));
@@ -101,9 +101,9 @@ QV_INLINE void StoreBGR(Byte* dst, const ColorSums& first, const ColorSums& seco
   } else {
     const Vec low = BlueAndGreen(first), high = BlueAndGreen(second);
     const Vec lowRed = AfterFractions(first.red), highRed = AfterFractions(second.red);
-    Vec a = JoinColors<0>(low, lowRed);
-    Vec b = JoinColors<1>(OddThenEven32(low, high), OddThenEven32(lowRed, highRed));
-    Vec c = JoinColors<2>(high, highRed);
+    Vec a = JoinColours<0>(low, lowRed);
+    Vec b = JoinColours<1>(OddThenEven32(low, high), OddThenEven32(lowRed, highRed));
+    Vec c = JoinColours<2>(high, highRed);
     LanesInTurns(a, b, c);
     store(dst, a);
     store(dst + kVecBytes, b);

@@ -23,7 +23,7 @@ QV_INLINE ptrdiff_t EvenPixelsToAlign3(const Byte* dst) {
 }
 
 // The colours of half a block, in signed 16-bit lanes, not yet limited to a byte.
-struct Colors {
+struct Colours {
   Vec blue, green, red;
 };
 
@@ -120,7 +120,7 @@ QV_INLINE Vec PickFromBlock(Vec v, Vec others) {
 }
 
 template <class Store>
-QV_INLINE void StorePermuted(Byte* dst, const Colors& first, const Colors& second, Store store) {
+QV_INLINE void StorePermuted(Byte* dst, const Colours& first, const Colours& second, Store store) {
   const Vec low = PackUnsigned16(first.blue, first.green);
   const Vec high = PackUnsigned16(second.blue, second.green);
   const Vec red = PackUnsigned16(first.red, second.red);
@@ -159,7 +159,7 @@ QV_INLINE Vec PickFromLanes(Vec v) {
 }
 
 template <class Store>
-QV_INLINE void StoreShuffled(Byte* dst, const Colors& first, const Colors& second, Store store) {
+QV_INLINE void StoreShuffled(Byte* dst, const Colours& first, const Colours& second, Store store) {
   const Vec low = PackUnsigned16(first.blue, first.green);
   const Vec high = PackUnsigned16(second.blue, second.green);
   const Vec red = PackUnsigned16(first.red, second.red);
@@ -186,7 +186,7 @@ QV_INLINE void StorePixelPairs(Byte* dst, Vec v) {
   StoreLowHalf(dst + 6, InterleaveHigh64(v, v));
 }
 
-QV_INLINE void StoreSqueezed(Byte* dst, const Colors& first, const Colors& second) {
+QV_INLINE void StoreSqueezed(Byte* dst, const Colours& first, const Colours& second) {
   const Vec blue = PackUnsigned16(first.blue, second.blue);
   const Vec green = PackUnsigned16(first.green, second.green);
   const Vec red = PackUnsigned16(first.red, second.red);
@@ -205,7 +205,7 @@ QV_INLINE void StoreSqueezed(Byte* dst, const Colors& first, const Colors& secon
 
 // A block of pixels. Pieces of six bytes do not go past the caches.
 template <class Store>
-QV_INLINE void StoreBGR(Byte* dst, const Colors& first, const Colors& second, Store store) {
+QV_INLINE void StoreBGR(Byte* dst, const Colours& first, const Colours& second, Store store) {
   if constexpr (kHasBytePermute)
     StorePermuted(dst, first, second, store);
   else if constexpr (kHasByteShuffle)

@@ -45,7 +45,7 @@ QV_INLINE float Of255(int x) { return RoundToFloat(static_cast<float>(x) / 255.0
 
 // The sum is at most 255 and the divisor at least 1 / 255: no operation comes near overflow or the
 // subnormal range.
-[[maybe_unused]] void ColorRowPlain(Byte* fg, const Byte* fgAlpha, const Byte* bg,
+[[maybe_unused]] void ColourRowPlain(Byte* fg, const Byte* fgAlpha, const Byte* bg,
                                     const Byte* bgAlpha, const Byte* mergedAlpha,
                                     ptrdiff_t bytes) {
   for (ptrdiff_t i = 0; i < bytes; ++i) {
@@ -78,7 +78,7 @@ void AlphaRow(Byte* dstAlpha, const Byte* bgAlpha, ptrdiff_t width) {
 }
 
 template <bool kAhead>
-void ColorRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
+void ColourRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
               const Byte* mergedAlpha, ptrdiff_t bytes) {
   const auto at = [=](ptrdiff_t x) {
     return OverPixels{fg + 3 * x, fgAlpha + x, bg + 3 * x, bgAlpha + x, mergedAlpha + x};
@@ -104,7 +104,7 @@ void ColorRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha
 
 constexpr auto AlphaRow = AlphaRowPlain;
 template <bool>
-constexpr auto ColorRow = ColorRowPlain;
+constexpr auto ColourRow = ColourRowPlain;
 
 #endif
 
@@ -159,13 +159,13 @@ IppStatus MergeAlphaOver_8u(Byte* fg, int fgStep, const Byte* fgAlpha, int fgAlp
   const bool apart = rowsApart && a.IsApartFrom(f) && a.IsApartFrom(b) && a.IsApartFrom(ba) &&
                      f.IsApartFrom(ba) && (fgAlpha == dstAlpha || a.IsApartFrom(fa));
   const int rows = apart ? 1 + static_cast<int>(kPixelsAtATime / pixels) : height;
-  const auto colorRow = PassesCaches(width, height, 3) ? ColorRow<true> : ColorRow<false>;
+  const auto colourRow = PassesCaches(width, height, 3) ? ColourRow<true> : ColourRow<false>;
   for (int top = 0; top < height; top += rows) {
     const int end = height - top > rows ? top + rows : height;
     for (int y = top; y < end; ++y)
       AlphaRow(RowAt(dstAlpha, fgAlphaStep, y), RowAt(bgAlpha, bgAlphaStep, y), width);
     for (int y = top; y < end; ++y)
-      colorRow(RowAt(fg, fgStep, y), RowAt(fgAlpha, fgAlphaStep, y), RowAt(bg, bgStep, y),
+      colourRow(RowAt(fg, fgStep, y), RowAt(fgAlpha, fgAlphaStep, y), RowAt(bg, bgStep, y),
                RowAt(bgAlpha, bgAlphaStep, y), RowAt(dstAlpha, fgAlphaStep, y), rowBytes);
   }
   return StatusOk;

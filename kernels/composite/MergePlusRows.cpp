@@ -73,7 +73,7 @@ QV_INLINE Vec MixBytes(Vec alpha, Vec src, Vec dst) {
 
 // The colours of kVecBytes pixels.
 template <int kChannels>
-struct Colors {
+struct Colours {
   Vec v[kChannels];
 };
 
@@ -90,7 +90,7 @@ void MixRow(Byte* srcDst, const Byte* src, const Byte* alpha, ptrdiff_t width) {
           Prefetch<kVecBytes>(alpha + x + kPageBytes / kChannels);
         }
         const Vec a = Load(alpha + x);
-        Colors<kChannels> mixed;
+        Colours<kChannels> mixed;
         mixed.v[0] = MixBytes<kChannels, 0>(a, Load(s), Load(d));
         if constexpr (kChannels == 3) {
           mixed.v[1] = MixBytes<3, 1>(a, Load(s + kVecBytes), Load(d + kVecBytes));
@@ -98,7 +98,7 @@ void MixRow(Byte* srcDst, const Byte* src, const Byte* alpha, ptrdiff_t width) {
         }
         return mixed;
       },
-      [&](ptrdiff_t x, const Colors<kChannels>& mixed, auto store) {
+      [&](ptrdiff_t x, const Colours<kChannels>& mixed, auto store) {
         for (int j = 0; j < kChannels; ++j)
           store(srcDst + kChannels * x + j * kVecBytes, mixed.v[j]);
       });

@@ -134,13 +134,13 @@ QV_INLINE void OverPermuted(const OverPixels& p) {
 QV_INLINE void OverMasked(const OverPixels& p, ptrdiff_t bytes) {
   static constexpr ByteTable kInterleave =
       MakeByteTable([](int i) { return i < 48 ? ByteOfQuads(i, 8) : 0; });
-  const unsigned long long colors = FirstOf64(bytes, 0), pixels = FirstOf64((bytes + 2) / 3, 0);
+  const unsigned long long colours = FirstOf64(bytes, 0), pixels = FirstOf64((bytes + 2) / 3, 0);
   const OverWeights w = WeightsOfSixteen(
       LoadPart(p.fgAlpha, pixels), LoadPart(p.bgAlpha, pixels), LoadPart(p.merged, pixels));
-  const Channels r = MergedChannels<0>(LoadPart(p.fg, colors), LoadPart(p.bg, colors), w);
+  const Channels r = MergedChannels<0>(LoadPart(p.fg, colours), LoadPart(p.bg, colours), w);
   const Vec merged = PermuteBytes(PackThree(r.c), Load(kInterleave.b));
   if (bytes < 48) {
-    StorePart(p.fg, merged, colors);
+    StorePart(p.fg, merged, colours);
   } else {  // another part follows, whose load would have to wait for a masked store
     StoreLowHalf(p.fg, merged);
     Store128(p.fg + 32, Lane<2>(merged));
@@ -160,7 +160,7 @@ QV_INLINE Vec AlphaTriples(const Byte* alphas) {
 
 // Pixels 0 to 3 in the first twelve bytes of the low lane, 4 to 7 in the last twelve of the high
 // one.
-QV_INLINE Vec LoadColors(const Byte* p) {
+QV_INLINE Vec LoadColours(const Byte* p) {
   return LoadLanes([=](int i) { return p + 8 * i; });
 }
 
@@ -182,7 +182,7 @@ QV_INLINE void OverTwoLanes(const OverPixels& p) {
   static constexpr int32_t kTwelves[8] = {0, 1, 2, 4, 5, 6, 3, 7};
   const OverWeights w = WeightsOfTriples(AlphaTriples(p.fgAlpha), AlphaTriples(p.bgAlpha),
                                          AlphaTriples(p.merged));
-  const Vec f = LoadColors(p.fg), b = LoadColors(p.bg);
+  const Vec f = LoadColours(p.fg), b = LoadColours(p.bg);
   Vec result[3];
   for (int c = 0; c < 3; ++c) {
     const Vec index = Load(kChannel[c].b);
@@ -190,10 +190,10 @@ QV_INLINE void OverTwoLanes(const OverPixels& p) {
                                 MulFloat(w.background, ToFloats(ShuffleBytes(b, index))));
     result[c] = NearestInts(DivFloat(sum, w.divisor));
   }
-  const Vec colors =
+  const Vec colours =
       PermuteLanes32(ShuffleBytes(PackThree(result), Load(kInterleave.b)), Load(kTwelves));
-  Store128(p.fg, Lane<0>(colors));
-  Store64(p.fg + 16, Lane<1>(colors));
+  Store128(p.fg, Lane<0>(colours));
+  Store64(p.fg + 16, Lane<1>(colours));
 }
 
 // ---- Sixteen pixels, with 128-bit vectors -------------------------------------------------------
@@ -284,14 +284,14 @@ QV_INLINE void OverBlock(const OverPixels& p) {
 __attribute__((noinline)) inline void OverCopied(const OverPixels& p, ptrdiff_t bytes) {
   Byte f[3 * kOverPixels] = {}, b[3 * kOverPixels] = {};
   Byte alphas[3][kOverPixels] = {};
-  const size_t colors = static_cast<size_t>(bytes), pixels = (colors + 2) / 3;
-  memcpy(f, p.fg, colors);
-  memcpy(b, p.bg, colors);
+  const size_t colours = static_cast<size_t>(bytes), pixels = (colours + 2) / 3;
+  memcpy(f, p.fg, colours);
+  memcpy(b, p.bg, colours);
   memcpy(alphas[0], p.fgAlpha, pixels);
   memcpy(alphas[1], p.bgAlpha, pixels);
   memcpy(alphas[2], p.merged, pixels);
   OverBlock({f, alphas[0], b, alphas[1], alphas[2]});
-  memcpy(p.fg, f, colors);
+  memcpy(p.fg, f, colours);
 }
 
 QV_INLINE void OverPart(const OverPixels& p, ptrdiff_t bytes) {

@@ -44,8 +44,8 @@ struct OpaqueStraight {
   }
 
  private:
-  static QV_INLINE Vec Mixed(Vec weights, Vec colors) {
-    return RoundedOver255(Add16(MulAddBytes(weights, colors), Splat16(-32768)));
+  static QV_INLINE Vec Mixed(Vec weights, Vec colours) {
+    return RoundedOver255(Add16(MulAddBytes(weights, colours), Splat16(-32768)));
   }
   static QV_INLINE Vec Mixed16(Vec f, Vec b, Vec alpha, Vec rest) {
     return RoundedOver255(
@@ -109,8 +109,8 @@ struct Translucent {
         Mixed32(InterleaveHigh16(f, b), InterleaveHigh16(ofF, ofB),
                 InterleaveHigh16(both, Zero())));
   }
-  static QV_INLINE Vec Mixed32(Vec colors, Vec weights, Vec both) {
-    return Over65025(Add32(MulAddPairs16(colors, weights),
+  static QV_INLINE Vec Mixed32(Vec colours, Vec weights, Vec both) {
+    return Over65025(Add32(MulAddPairs16(colours, weights),
                            Add32(ShiftLeft32<15>(both), Splat32(65025 / 2))));
   }
 };

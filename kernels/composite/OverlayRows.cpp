@@ -13,7 +13,7 @@ namespace {
 
 // What is laid over, from some pixel on: a null alpha is one of 255 everywhere.
 struct Layer {
-  const Byte *colors, *alpha;
+  const Byte *colours, *alpha;
 };
 
 // Bytes a pixel of the foreground, with its own alpha if these are four, and of the frame.
@@ -22,7 +22,7 @@ struct Layout {
   static constexpr int fg = kFg, frame = kFrame;
 
   static Layer At(const Layer& row, ptrdiff_t x) {
-    return {row.colors + kFg * x, row.alpha ? row.alpha + x : nullptr};
+    return {row.colours + kFg * x, row.alpha ? row.alpha + x : nullptr};
   }
 };
 
@@ -41,9 +41,9 @@ template <class L>
 void OverRowPlain(Byte* frame, const Layer& layer, ptrdiff_t width, const Strength& s) {
   for (ptrdiff_t x = 0; x < width; ++x, frame += L::frame) {
     const Layer at = L::At(layer, x);
-    const int alpha = L::fg == 4 ? at.colors[3] : at.alpha ? *at.alpha : 255;
+    const int alpha = L::fg == 4 ? at.colours[3] : at.alpha ? *at.alpha : 255;
     for (int c = 0; c < (L::frame == 1 ? 1 : 3); ++c)
-      frame[c] = OverByte(at.colors[c], frame[c], alpha, s);
+      frame[c] = OverByte(at.colours[c], frame[c], alpha, s);
   }
 }
 
@@ -93,7 +93,7 @@ struct LanesApart {
 // Colours as the frame has them, an alpha for each byte, and whether they change anything.
 template <int kVectors>
 struct Foreground {
-  Vec color[kVectors], alpha[kVectors];
+  Vec colour[kVectors], alpha[kVectors];
   bool shows;
 };
 
@@ -112,8 +112,8 @@ struct ForegroundOf<kAdds, Layout<kChannels, kChannels>> {
     const Vec alpha = at.alpha ? access.template Get<1>(at.alpha, 0) : constant;
     Vec all = alpha;
     for (int j = 0; j < kVectors; ++j) {
-      f.color[j] = access.template Get<kChannels>(at.colors, j);
-      if constexpr (kAdds) all = Or(all, f.color[j]);
+      f.colour[j] = access.template Get<kChannels>(at.colours, j);
+      if constexpr (kAdds) all = Or(all, f.colour[j]);
     }
     f.shows = AnyBits(all);
     f.alpha[0] = AlphasOf<kChannels, 0>(alpha);
@@ -133,7 +133,7 @@ struct ForegroundOf<kAdds, Layout<4, 4>> {
 
   template <class Access>
   static QV_INLINE Foreground<1> Get(const Layer& at, const Access& access, Vec) {
-    const Vec v = access.template Get<4>(at.colors, 0);
+    const Vec v = access.template Get<4>(at.colours, 0);
     const bool shows = AnyBits(kAdds ? v : And(v, Splat32(-0x1000000)));
     return {{kAdds ? And(v, Splat32(0xFFFFFF)) : v}, {ThreeAlphas(v)}, shows};
   }
@@ -158,11 +158,11 @@ struct ForegroundOf<kAdds, Layout<4, 3>> {
   template <class Access>
   static QV_INLINE Foreground<3> Get(const Layer& at, const Access& access, Vec) {
     Vec v[4];
-    for (int j = 0; j < 4; ++j) v[j] = access.template Get<4>(at.colors, j);
+    for (int j = 0; j < 4; ++j) v[j] = access.template Get<4>(at.colours, j);
     const Vec all = Or(Or(v[0], v[1]), Or(v[2], v[3]));
     Foreground<3> f;
     f.shows = AnyBits(kAdds ? all : And(all, Splat32(-0x1000000)));
-    Gather<false>(v, f.color);
+    Gather<false>(v, f.colour);
     Gather<true>(v, f.alpha);
     return f;
   }
@@ -214,7 +214,7 @@ QV_INLINE auto BlendBlock(const Byte* frame, const Layer& at, const Access& acce
   if (f.shows)
     for (int j = 0; j < Source::kVectors; ++j)
       result.v[j] =
-          blend(f.color[j], access.template Get<L::frame>(frame, j), f.alpha[j]);
+          blend(f.colour[j], access.template Get<L::frame>(frame, j), f.alpha[j]);
   return result;
 }
 
@@ -268,7 +268,7 @@ QV_INLINE void EachRow(Byte* frame, int frameStep, const Layer& layer, int fgSte
                        int height, Row row) {
   for (int y = 0; y < height; ++y)
     row(RowAt(frame, frameStep, y),
-        Layer{RowAt(layer.colors, fgStep, y),
+        Layer{RowAt(layer.colours, fgStep, y),
               layer.alpha ? RowAt(layer.alpha, alphaStep, y) : nullptr});
 }
 

@@ -23,7 +23,7 @@ QV_INLINE void KeepAlphaRowPlain(const Byte* src, Byte* dst, ptrdiff_t width) {
     for (int c = 0; c < 3; ++c) dst[4 * k + c] = src[3 * k + c];
 }
 
-QV_INLINE void DupGrayRowPlain(const Byte* src, Byte* dst, ptrdiff_t width) {
+QV_INLINE void DupGreyRowPlain(const Byte* src, Byte* dst, ptrdiff_t width) {
   for (ptrdiff_t k = 0; k < width; ++k)
     for (int c = 0; c < 3; ++c) dst[3 * k + c] = src[k];
 }
@@ -39,7 +39,7 @@ void DropAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, bool) {
 void KeepAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, bool) {
   KeepAlphaRowPlain(src, dst, width);
 }
-void DupGrayRow(const Byte* src, Byte* dst, ptrdiff_t width) { DupGrayRowPlain(src, dst, width); }
+void DupGreyRow(const Byte* src, Byte* dst, ptrdiff_t width) { DupGreyRowPlain(src, dst, width); }
 
 #else
 
@@ -67,11 +67,11 @@ void ChannelRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] bo
     const Vec index0 = Load(&kPixelOfByte<0>), index1 = Load(&kPixelOfByte<1>),
               index2 = Load(&kPixelOfByte<2>);
     // Only the first byte of each pixel.
-    const auto put = [&](Byte* to, Vec gray, ptrdiff_t pixels) {
+    const auto put = [&](Byte* to, Vec grey, ptrdiff_t pixels) {
       if (fetches) FetchAhead<192>(to);
-      StorePart(to, PermuteBytes(gray, index0), EveryThird(0) & FirstOf64(3 * pixels, 0));
-      StorePart(to + 64, PermuteBytes(gray, index1), EveryThird(2) & FirstOf64(3 * pixels, 64));
-      StorePart(to + 128, PermuteBytes(gray, index2), EveryThird(1) & FirstOf64(3 * pixels, 128));
+      StorePart(to, PermuteBytes(grey, index0), EveryThird(0) & FirstOf64(3 * pixels, 0));
+      StorePart(to + 64, PermuteBytes(grey, index1), EveryThird(2) & FirstOf64(3 * pixels, 64));
+      StorePart(to + 128, PermuteBytes(grey, index2), EveryThird(1) & FirstOf64(3 * pixels, 128));
     };
     const bool done = CoverWithBlocks<64>(
         width, [&](ptrdiff_t k) { put(dst + 3 * k, Load(src + k), 64); }, PixelsToAlign3(dst));
@@ -132,11 +132,11 @@ void KeepAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] 
   if constexpr (kHasMaskedBytes) {
     static constexpr ByteTable from =
         MakeByteTable([](int j) { return j % 4 == 3 ? 0 : j / 4 * 3 + j % 4; });
-    constexpr unsigned long long colors = 0x7777777777777777;
+    constexpr unsigned long long colours = 0x7777777777777777;
     const Vec index = Load(&from);
     const auto part = [&](ptrdiff_t k, ptrdiff_t pixels) {
       const Vec v = LoadPart(src + 3 * k, FirstOf64(3 * pixels, 0));
-      StorePart(dst + 4 * k, PermuteBytes(v, index), colors & FirstOf64(4 * pixels, 0));
+      StorePart(dst + 4 * k, PermuteBytes(v, index), colours & FirstOf64(4 * pixels, 0));
     };
     ptrdiff_t k = 0;
     if (width >= 64) {
@@ -145,7 +145,7 @@ void KeepAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] 
     }
     for (; k <= width - 22; k += 16) {  // 64 bytes read for 48 that are used
       if (fetches) FetchAhead<64>(dst + 4 * k);
-      StorePart(dst + 4 * k, PermuteBytes(Load(src + 3 * k), index), colors);
+      StorePart(dst + 4 * k, PermuteBytes(Load(src + 3 * k), index), colours);
     }
     for (; k < width; k += 16) part(k, width - k);
   } else {
@@ -157,25 +157,25 @@ void KeepAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] 
   }
 }
 
-void DupGrayRow(const Byte* src, Byte* dst, ptrdiff_t width) {
+void DupGreyRow(const Byte* src, Byte* dst, ptrdiff_t width) {
   if constexpr (kHasByteShuffle) {
     const Vec index0 = Load(&kPixelOfByte<0>), index1 = Load(&kPixelOfByte<1>),
               index2 = Load(&kPixelOfByte<2>);
     const bool done = CoverWithBlocks<kVecBytes>(width, [&](ptrdiff_t k) {
-      const Vec gray = Load(src + k);
+      const Vec grey = Load(src + k);
       if constexpr (kHasBytePermute) {
-        Store(dst + 3 * k, PermuteBytes(gray, index0));
-        Store(dst + 3 * k + kVecBytes, PermuteBytes(gray, index1));
-        Store(dst + 3 * k + 2 * kVecBytes, PermuteBytes(gray, index2));
+        Store(dst + 3 * k, PermuteBytes(grey, index0));
+        Store(dst + 3 * k + kVecBytes, PermuteBytes(grey, index1));
+        Store(dst + 3 * k + 2 * kVecBytes, PermuteBytes(grey, index2));
       } else {
-        Store(dst + 3 * k, ShuffleBytes(LowLaneTwice(gray), index0));
-        Store(dst + 3 * k + kVecBytes, ShuffleBytes(gray, index1));
-        Store(dst + 3 * k + 2 * kVecBytes, ShuffleBytes(HighLaneTwice(gray), index2));
+        Store(dst + 3 * k, ShuffleBytes(LowLaneTwice(grey), index0));
+        Store(dst + 3 * k + kVecBytes, ShuffleBytes(grey, index1));
+        Store(dst + 3 * k + 2 * kVecBytes, ShuffleBytes(HighLaneTwice(grey), index2));
       }
     }, PixelsToAlign3(dst));
     if (done) return;
   }
-  DupGrayRowPlain(src, dst, width);
+  DupGreyRowPlain(src, dst, width);
 }
 
 #endif
@@ -254,7 +254,7 @@ IppStatus CopyKeepAlpha_8u_C3AC4(const Byte* src, int srcStep, Byte* dst, int ds
 }
 
 IppStatus DupGray_8u_C1C3(const Byte* src, int srcStep, Byte* dst, int dstStep, IppiSize size) {
-  return RunRows<1, 3>(src, srcStep, dst, dstStep, size, DupGrayRow);
+  return RunRows<1, 3>(src, srcStep, dst, dstStep, size, DupGreyRow);
 }
 
 }  // namespace qv::QV_LEVEL

@@ -97,7 +97,7 @@ IppStatus RotateCore(const void* src, IppiSize srcSize, int srcStep, IppiRect sr
 IppStatus Rotate_8u_C1(const unsigned char* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
                        unsigned char* dst, int dstStep, IppiRect dstRoi, double angle,
                        double xShift, double yShift, int interpolation) {
-  return RotateCore(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, Layout::kGray, angle,
+  return RotateCore(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, Layout::kGrey, angle,
                     xShift, yShift, interpolation);
 }
 

@@ -181,7 +181,7 @@ IppStatus WarpPerspective_8u_C1(const unsigned char* src, IppiSize srcSize, int 
                                 IppiRect srcRoi, unsigned char* dst, int dstStep, IppiRect dstRoi,
                                 const double coeffs[3][3], int interpolation) {
   return WarpPerspectiveCore(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi,
-                             Layout::kGray, coeffs, interpolation);
+                             Layout::kGrey, coeffs, interpolation);
 }
 
 IppStatus WarpPerspective_8u_C3(const unsigned char* src, IppiSize srcSize, int srcStep,

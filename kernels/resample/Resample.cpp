@@ -130,7 +130,7 @@ bool IsNarrow(const SampleAxis& x, const SampleAxis& y, const FilterShape& shape
 }
 
 Layout LayoutOf(int channels) {
-  static constexpr Layout kLayouts[] = {Layout::kGray, Layout::kPairs, Layout::kTriples,
+  static constexpr Layout kLayouts[] = {Layout::kGrey, Layout::kPairs, Layout::kTriples,
                                         Layout::kQuads};
   return kLayouts[channels - 1];
 }

@@ -130,7 +130,7 @@ IppStatus AreaRows(const Byte* src, int srcStep, const AreaColumns& x, const Axi
 
 IppStatus AreaRows_8u_C1(const Byte* src, int srcStep, const AreaColumns& x, const AxisSpans& y,
                          Byte* dst, int dstStep, void* scratch) {
-  return AreaRows<Layout::kGray>(src, srcStep, x, y, dst, dstStep, scratch);
+  return AreaRows<Layout::kGrey>(src, srcStep, x, y, dst, dstStep, scratch);
 }
 
 IppStatus AreaRows_8u_C3(const Byte* src, int srcStep, const AreaColumns& x, const AxisSpans& y,

@@ -140,8 +140,8 @@ bool PlanWindows(Layout layout, const FilterColumns& x, const WindowShape& shape
                  const FilterScratch& scratch, void* memory, ColumnWindows* windows) {
   if (scratch.span > INT32_MAX) return false;
   switch (layout) {
-    case Layout::kGray:
-      return PlanWindowsOf<Layout::kGray>(x, shape, scratch, memory, windows);
+    case Layout::kGrey:
+      return PlanWindowsOf<Layout::kGrey>(x, shape, scratch, memory, windows);
     case Layout::kPairs:
       return PlanWindowsOf<Layout::kPairs>(x, shape, scratch, memory, windows);
     case Layout::kQuads:

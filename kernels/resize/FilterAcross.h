@@ -131,7 +131,7 @@ void FilterAcross(const AcrossPlan& plan, const FilterColumns& x, const Byte* co
     if (plan.kind == Across::kSecondWindow)
       return FilterByWindows<true>(lines, rows, ahead, plan.windows, first, end, out);
   }
-  constexpr bool kIsInPlace = kLayout == Layout::kGray && !kHasBytePermute;
+  constexpr bool kIsInPlace = kLayout == Layout::kGrey && !kHasBytePermute;
   for (int r = 0; r < rows; ++r) {
     short* line = kIsInPlace ? out[r] : plan.line;
     for (int k = 0; k < ComponentCount(kLayout); ++k) {

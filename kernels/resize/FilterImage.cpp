@@ -36,10 +36,10 @@ WorkLayout BytesLayout(long long bytes) {
 // The kernel of the task's layout.
 template <class Kernel, class Columns, class Rows>
 IppStatus Run(const FilterTask& task, const Columns& x, const Rows& y, long long scratchBytes,
-              const Kernel& gray, const Kernel& triples, const Kernel& pairs) {
+              const Kernel& grey, const Kernel& triples, const Kernel& pairs) {
   const WorkMemory scratch(BytesLayout(scratchBytes));
   if (!scratch) return StatusMemAllocErr;
-  const Kernel& kernel = task.layout == Layout::kGray      ? gray
+  const Kernel& kernel = task.layout == Layout::kGrey      ? grey
                          : task.layout == Layout::kTriples ? triples
                                                               : pairs;
   return kernel(task.src, task.srcStep, x, y, task.dst, task.dstStep, scratch.At<char>(0));
@@ -94,10 +94,10 @@ IppStatus AverageImage(const FilterTask& task, const AxisArea& x, const AxisArea
   const bool pairs = task.layout == Layout::kPairs422;
   const int firstX = FirstOfHalves(x), firstY = FirstOfHalves(y);
   if (!pairs && firstX >= 0 && firstY >= 0) {
-    const bool gray = task.layout == Layout::kGray;
-    return (gray ? HalveRows_8u_C1 : HalveRows_8u_C3)(
+    const bool grey = task.layout == Layout::kGrey;
+    return (grey ? HalveRows_8u_C1 : HalveRows_8u_C3)(
         task.src + static_cast<ptrdiff_t>(firstY) * task.srcStep +
-            static_cast<ptrdiff_t>(firstX) * (gray ? 1 : 3),
+            static_cast<ptrdiff_t>(firstX) * (grey ? 1 : 3),
         task.srcStep, task.dst, task.dstStep, {x.count, y.count});
   }
   const AxisArea none = {};

@@ -176,7 +176,7 @@ IppStatus FilterRows(const Byte* src, int srcStep, const FilterColumns& x, const
 
 IppStatus FilterRows_8u_C1(const Byte* src, int srcStep, const FilterColumns& x,
                            const AxisTaps& y, Byte* dst, int dstStep, void* scratch) {
-  return FilterRows<Layout::kGray>(src, srcStep, x, y, dst, dstStep, scratch);
+  return FilterRows<Layout::kGrey>(src, srcStep, x, y, dst, dstStep, scratch);
 }
 
 IppStatus FilterRows_8u_C2(const Byte* src, int srcStep, const FilterColumns& x,

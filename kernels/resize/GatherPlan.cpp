@@ -129,7 +129,7 @@ void FillPixels(const NearestTables& t, int* offset) {
 
 void FillOffsets(const NearestTables& t, int* offset) {
   switch (t.layout) {
-    case Layout::kGray: return FillPixels<1>(t, offset);
+    case Layout::kGrey: return FillPixels<1>(t, offset);
     case Layout::kPairs: return FillPixels<2>(t, offset);
     case Layout::kTriples: return FillPixels<3>(t, offset);
     case Layout::kQuads: return FillPixels<4>(t, offset);

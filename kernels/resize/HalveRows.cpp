@@ -45,7 +45,7 @@ QV_INLINE Vec HalveVector(const Byte* upper, const Byte* lower) {
                           MeanWords(Load(upper + kVecBytes), Load(lower + kVecBytes)));
 }
 
-QV_INLINE void HalveGray(const RowPair& rows, Byte* dst, ptrdiff_t width) {
+QV_INLINE void HalveGrey(const RowPair& rows, Byte* dst, ptrdiff_t width) {
   if (!CoverWithBlocks<kVecBytes>(width, [&](ptrdiff_t x) {
         Store(dst + x, HalveVector(rows.upper + 2 * x, rows.lower + 2 * x));
       }))
@@ -125,7 +125,7 @@ template <int kChannels>
 QV_INLINE void HalveRow(const RowPair& rows, Byte* dst, ptrdiff_t width) {
 #if QV_HAS_VECTORS
   if constexpr (kChannels == 1)
-    HalveGray(rows, dst, width);
+    HalveGrey(rows, dst, width);
   else
     HalveTriples(rows, dst, width);
 #else

@@ -131,7 +131,7 @@ static bool ShuffledRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
 void NearestRows_8u(const Byte* src, int srcStep, Byte* dst, int dstStep,
                     const NearestTables* tables, [[maybe_unused]] void* work) {
 #if QV_HAS_VECTORS
-  if (tables->layout == Layout::kGray && (HalvedRows(src, srcStep, dst, dstStep, *tables) ||
+  if (tables->layout == Layout::kGrey && (HalvedRows(src, srcStep, dst, dstStep, *tables) ||
                                           DoubledRows(src, srcStep, dst, dstStep, *tables)))
     return;
   if constexpr (kHasByteShuffle)

@@ -163,7 +163,7 @@ IppStatus ResizeBand_8u_C1(const unsigned char* src, IppiSize srcSize, int srcSt
                            double xFactor, double yFactor, double xShift, double yShift,
                            int interpolation, unsigned char* buffer) {
   return ResizeBuffered({src, srcSize, srcStep, srcRoi, dst, dstStep, {}, xFactor, yFactor,
-                         interpolation}, Layout::kGray, dstRect, xShift, yShift, buffer);
+                         interpolation}, Layout::kGrey, dstRect, xShift, yShift, buffer);
 }
 
 IppStatus ResizeBand_8u_C3(const unsigned char* src, IppiSize srcSize, int srcStep,

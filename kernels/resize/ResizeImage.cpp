@@ -107,7 +107,7 @@ IppStatus Resize_8u_C1(const unsigned char* src, IppiSize srcSize, int srcStep, 
                        unsigned char* dst, int dstStep, IppiSize dstRoiSize, double xFactor,
                        double yFactor, int interpolation) {
   return ResizeImage(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoiSize, xFactor, yFactor,
-                     interpolation, Layout::kGray);
+                     interpolation, Layout::kGrey);
 }
 
 IppStatus Resize_8u_C3(const unsigned char* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,

@@ -145,11 +145,11 @@ IppStatus RunLinear(const ResizeTask& task, X x, Y y, Chroma chroma) {
   fill(0, x);
   fill(1, y);
   fill(2, chroma);
-  const bool canHalve = task.layout == Layout::kGray || task.layout == Layout::kTriples;
+  const bool canHalve = task.layout == Layout::kGrey || task.layout == Layout::kTriples;
   if (canHalve && AreHalves(taps[0], task.width) && AreHalves(taps[1], task.height)) {
     const unsigned char* const src = PixelAt(task.src, task.srcStep, taps[0].first[0],
                                              taps[1].first[0], PixelBytes(task.layout));
-    return (task.layout == Layout::kGray ? HalveRows_8u_C1 : HalveRows_8u_C3)(
+    return (task.layout == Layout::kGrey ? HalveRows_8u_C1 : HalveRows_8u_C3)(
         src, task.srcStep, task.dst, task.dstStep, {task.width, task.height});
   }
   const LinearTables tables = {task.width, task.height, task.xLength, task.layout,

@@ -34,7 +34,7 @@ ResizeRoute::ResizeRoute(const ResizeCall& call, Layout layout, int mostBands)
 }
 
 IppStatus ResizeRoute::RunWhole() const {
-  const auto kernel = layout_ == Layout::kGray ? Resize_8u_C1 : Resize_8u_C3;
+  const auto kernel = layout_ == Layout::kGrey ? Resize_8u_C1 : Resize_8u_C3;
   return kernel(call_.src, call_.srcSize, call_.srcStep, call_.srcRoi, call_.dst, call_.dstStep,
                 call_.dstRoiSize, call_.xFactor, call_.yFactor, call_.interpolation);
 }

@@ -17,7 +17,7 @@ namespace qv {
 // ResizeBandBufferSize refuses.
 class ResizeRoute {
  public:
-  // `layout` kGray or kTriples; `mostBands` as the heights allow.
+  // `layout` kGrey or kTriples; `mostBands` as the heights allow.
   ResizeRoute(const ResizeCall& call, Layout layout, int mostBands);
 
   // 1: RunWhole. More: RunRows for each band of so many rows, the last of which takes the

@@ -13,11 +13,11 @@
 namespace qv {
 
 // 10000 Kr and Kb.
-struct ColorMatrix {
+struct ColourMatrix {
   int64_t red, blue;
 };
 
-constexpr ColorMatrix kColorMatrices[] = {{2990, 1140}, {2126, 722}, {2627, 593}};
+constexpr ColourMatrix kColourMatrices[] = {{2990, 1140}, {2126, 722}, {2627, 593}};
 
 namespace terms {
 
@@ -38,7 +38,7 @@ constexpr int HighHalf(int a, int b) {
 }
 
 // For pixels B, G, R, or R, G, B if `swapped`.
-constexpr YuvToRgbTerms MakeYuvToRgb(ColorMatrix k, bool full, bool swapped) {
+constexpr YuvToRgbTerms MakeYuvToRgb(ColourMatrix k, bool full, bool swapped) {
   constexpr int64_t one = 1 << 14, all = 10000;
   const Scale scale = ScaleOf(full);
   const int64_t green = all - k.red - k.blue;
@@ -126,7 +126,7 @@ constexpr LumaParts LumaPartsOf(bool full) {
   return full ? LumaParts{86, 381} : LumaParts{84, 335};
 }
 
-constexpr RgbToYuvTerms MakeRgbToYuv(ColorMatrix k, bool full) {
+constexpr RgbToYuvTerms MakeRgbToYuv(ColourMatrix k, bool full) {
   constexpr int64_t all = 10000;
   const Scale scale = ScaleOf(full);
   const LumaParts parts = LumaPartsOf(full);
@@ -155,7 +155,7 @@ constexpr RgbToYuvTerms MakeRgbToYuv(ColorMatrix k, bool full) {
 }
 
 constexpr LumaMap MakeLumaToGrey(bool full) {
-  const YuvToRgbTerms t = MakeYuvToRgb(kColorMatrices[0], full, false);
+  const YuvToRgbTerms t = MakeYuvToRgb(kColourMatrices[0], full, false);
   return {t.luma, static_cast<int16_t>(t.offset[0] + (t.first >> 1))};
 }
 
@@ -176,7 +176,7 @@ constexpr auto kYuvToRgb = [] {
   YuvToRgbTable table{};
   for (int i = 0; i < 12; ++i)
     table.at[i / 4][i / 2 % 2][i % 2] =
-        terms::MakeYuvToRgb(kColorMatrices[i / 4], i / 2 % 2 == 1, i % 2 == 1);
+        terms::MakeYuvToRgb(kColourMatrices[i / 4], i / 2 % 2 == 1, i % 2 == 1);
   return table;
 }();
 
@@ -188,7 +188,7 @@ struct RgbToYuvTable {
 constexpr auto kRgbToYuv = [] {
   RgbToYuvTable table{};
   for (int i = 0; i < 6; ++i)
-    table.at[i / 2][i % 2] = terms::MakeRgbToYuv(kColorMatrices[i / 2], i % 2 == 1);
+    table.at[i / 2][i % 2] = terms::MakeRgbToYuv(kColourMatrices[i / 2], i % 2 == 1);
   return table;
 }();
 

@@ -142,7 +142,7 @@ struct VectorTerms {
 };
 
 // What the terms of chroma add to luma, of pixels or of samples; signed.
-using ChromaTerms = Colors;
+using ChromaTerms = Colours;
 
 QV_INLINE ChromaTerms TermsOf(ChromaPair chroma, const VectorTerms& t) {
   return {Add16(MulHighUnsigned16(chroma.p, t.first), t.offset[0]),
@@ -152,7 +152,7 @@ QV_INLINE ChromaTerms TermsOf(ChromaPair chroma, const VectorTerms& t) {
 }
 
 // Half a block. Sums above 32767 are above 255 as a byte, and stay so.
-QV_INLINE Colors AddLuma(Vec luma256, const ChromaTerms& chroma, const VectorTerms& t) {
+QV_INLINE Colours AddLuma(Vec luma256, const ChromaTerms& chroma, const VectorTerms& t) {
   const Vec luma = MulHighUnsigned16(luma256, t.luma);
   const auto sum = [=](Vec term) { return ToUnits(AddSaturatedSigned16(luma, term)); };
   return {sum(chroma.blue), sum(chroma.green), sum(chroma.red)};
@@ -178,8 +178,8 @@ QV_INLINE BlockTerms InTurns(const ChromaTerms& even, const ChromaTerms& odd) {
 template <int kChannels, bool kDeals, class Store>
 QV_INLINE void StorePixels(Byte* dst, const Block256& luma, const BlockTerms& terms,
                            const VectorTerms& t, Store store) {
-  const Colors first = AddLuma(luma.first, terms.first, t);
-  const Colors second = AddLuma(luma.second, terms.second, t);
+  const Colours first = AddLuma(luma.first, terms.first, t);
+  const Colours second = AddLuma(luma.second, terms.second, t);
   if constexpr (kChannels == 3)
     StoreBGR(dst, first, second, store);
   else

@@ -146,14 +146,14 @@ QV_INLINE Vec HighHalf(Vec v) {
 
 // A block of pixels of four bytes, the last 255.
 template <bool kDeals, class Store>
-QV_INLINE void StoreBGRA(Byte* dst, const Colors& first, const Colors& second, Store store) {
+QV_INLINE void StoreBGRA(Byte* dst, const Colours& first, const Colours& second, Store store) {
   if constexpr (kHasBytePermute) {
     // Lanes of eight blues and eight greens, and of eight reds and eight alphas.
     static constexpr ByteTable low = MakeByteTable(
         [](int i) { return i / 32 * 16 + i / 4 % 8 + i % 2 * 8 + (i & 2 ? kVecBytes : 0); });
     static constexpr ByteTable high = MakeByteTable(
         [](int i) { return 32 + i / 32 * 16 + i / 4 % 8 + i % 2 * 8 + (i & 2 ? kVecBytes : 0); });
-    const auto half = [=](Byte* to, const Colors& c) {
+    const auto half = [=](Byte* to, const Colours& c) {
       const Vec blueGreen = PackUnsigned16(c.blue, c.green);
       const Vec redAlpha = PackUnsigned16(c.red, Splat16(255));
       store(to, PermuteBytes2(blueGreen, Load(low.b), redAlpha));
