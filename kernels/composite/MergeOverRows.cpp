@@ -46,8 +46,8 @@ QV_INLINE float Of255(int x) { return RoundToFloat(static_cast<float>(x) / 255.0
 // The sum is at most 255 and the divisor at least 1 / 255: no operation comes near overflow or the
 // subnormal range.
 [[maybe_unused]] void ColourRowPlain(Byte* fg, const Byte* fgAlpha, const Byte* bg,
-                                    const Byte* bgAlpha, const Byte* mergedAlpha,
-                                    ptrdiff_t bytes) {
+                                     const Byte* bgAlpha, const Byte* mergedAlpha,
+                                     ptrdiff_t bytes) {
   for (ptrdiff_t i = 0; i < bytes; ++i) {
     const ptrdiff_t pixel = i / 3;
     const float fgWeight = Of255(fgAlpha[pixel]);
@@ -79,7 +79,7 @@ void AlphaRow(Byte* dstAlpha, const Byte* bgAlpha, ptrdiff_t width) {
 
 template <bool kAhead>
 void ColourRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
-              const Byte* mergedAlpha, ptrdiff_t bytes) {
+               const Byte* mergedAlpha, ptrdiff_t bytes) {
   const auto at = [=](ptrdiff_t x) {
     return OverPixels{fg + 3 * x, fgAlpha + x, bg + 3 * x, bgAlpha + x, mergedAlpha + x};
   };
@@ -150,6 +150,7 @@ IppStatus MergeAlphaOverPlain_8u(Byte* fg, int fgStep, const Byte* fgAlpha, int 
 IppStatus MergeAlphaOver_8u(Byte* fg, int fgStep, const Byte* fgAlpha, int fgAlphaStep,
                             const Byte* bg, int bgStep, const Byte* bgAlpha, int bgAlphaStep,
                             Byte* dstAlpha, int rowBytes, int width, int height) {
+  if (height < 1) return StatusOk;
   ptrdiff_t pixels = width > 1 ? width : 1;
   if (3 * pixels < rowBytes) pixels = rowBytes / 3 + 1;
   const Extent f(fg, fgStep, rowBytes, height), fa(fgAlpha, fgAlphaStep, pixels, height),
@@ -160,13 +161,13 @@ IppStatus MergeAlphaOver_8u(Byte* fg, int fgStep, const Byte* fgAlpha, int fgAlp
                      f.IsApartFrom(ba) && (fgAlpha == dstAlpha || a.IsApartFrom(fa));
   const int rows = apart ? 1 + static_cast<int>(kPixelsAtATime / pixels) : height;
   const auto colourRow = PassesCaches(width, height, 3) ? ColourRow<true> : ColourRow<false>;
-  for (int top = 0; top < height; top += rows) {
-    const int end = height - top > rows ? top + rows : height;
+  for (int top = 0, end; top < height; top = end) {
+    end = height - top > rows ? top + rows : height;
     for (int y = top; y < end; ++y)
       AlphaRow(RowAt(dstAlpha, fgAlphaStep, y), RowAt(bgAlpha, bgAlphaStep, y), width);
     for (int y = top; y < end; ++y)
       colourRow(RowAt(fg, fgStep, y), RowAt(fgAlpha, fgAlphaStep, y), RowAt(bg, bgStep, y),
-               RowAt(bgAlpha, bgAlphaStep, y), RowAt(dstAlpha, fgAlphaStep, y), rowBytes);
+                RowAt(bgAlpha, bgAlphaStep, y), RowAt(dstAlpha, fgAlphaStep, y), rowBytes);
   }
   return StatusOk;
 }
