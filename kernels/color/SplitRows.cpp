@@ -121,7 +121,7 @@ IppStatus YCbCrInterleavedTo420_8u_P2P3(const Byte* srcY, int srcYStep, const By
   if (const IppStatus status = CheckPlanes(srcY, dst, dstStep, size); status != StatusOk)
     return status;
   const int width = size.width & ~1, height = size.height & ~1;
-  const CopyWay way = CopyWayOf(width, height, false);
+  const CopyWay way = CopyWayOf(width, height, 1, false);
   if (srcYStep == width && dstStep[0] == width) {
     CopyRow(srcY, dst[0], ptrdiff_t{width} * height, way);
   } else {

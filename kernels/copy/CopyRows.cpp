@@ -180,10 +180,6 @@ void DupGreyRow(const Byte* src, Byte* dst, ptrdiff_t width) {
 
 #endif
 
-constexpr bool FetchesAhead(IppiSize size, int pixelBytes) {
-  return int64_t{size.width} * size.height * pixelBytes >= 2 << 20;
-}
-
 // Rows without gaps between them, in both images, are one long row.
 template <int srcPixel, int dstPixel, class Row>
 QV_INLINE IppStatus RunRows(const Byte* src, int srcStep, Byte* dst, int dstStep, IppiSize size,
@@ -201,11 +197,22 @@ QV_INLINE IppStatus RunRows(const Byte* src, int srcStep, Byte* dst, int dstStep
   return StatusOk;
 }
 
+// Rows that store into lines in part.
+template <int srcPixel, int dstPixel, auto row>
+QV_INLINE IppStatus RunPartialRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
+                                   IppiSize size) {
+  const bool fetches = int64_t{size.width} * size.height >= (2 << 20) / dstPixel;
+  return RunRows<srcPixel, dstPixel>(
+      src, srcStep, dst, dstStep, size, [=](const Byte* from, Byte* to, ptrdiff_t width) {
+        row(from, to, width, fetches);
+      });
+}
+
 template <int pixelBytes>
 QV_INLINE IppStatus CopyBytes(const Byte* src, int srcStep, Byte* dst, int dstStep,
                               IppiSize size) {
   const bool stream = PassesCaches(size.width, size.height, pixelBytes);
-  const CopyWay way = CopyWayOf(ptrdiff_t{size.width} * pixelBytes, size.height, stream);
+  const CopyWay way = CopyWayOf(size.width, size.height, pixelBytes, stream);
   const IppStatus status = RunRows<pixelBytes, pixelBytes>(
       src, srcStep, dst, dstStep, size, [=](const Byte* from, Byte* to, ptrdiff_t width) {
         CopyRow(from, to, width * pixelBytes, way);
@@ -226,11 +233,7 @@ IppStatus CopyRows_8u_C3(const Byte* src, int srcStep, Byte* dst, int dstStep, I
 
 IppStatus CopyChannel_8u_C1C3(const Byte* src, int srcStep, Byte* dst, int dstStep,
                               IppiSize size) {
-  const bool fetches = FetchesAhead(size, 3);
-  return RunRows<1, 3>(src, srcStep, dst, dstStep, size,
-                       [=](const Byte* from, Byte* to, ptrdiff_t width) {
-                         ChannelRow(from, to, width, fetches);
-                       });
+  return RunPartialRows<1, 3, ChannelRow>(src, srcStep, dst, dstStep, size);
 }
 
 IppStatus CopyDropAlpha_8u_AC4C3(const Byte* src, int srcStep, Byte* dst, int dstStep,
@@ -246,11 +249,7 @@ IppStatus CopyDropAlpha_8u_AC4C3(const Byte* src, int srcStep, Byte* dst, int ds
 
 IppStatus CopyKeepAlpha_8u_C3AC4(const Byte* src, int srcStep, Byte* dst, int dstStep,
                                  IppiSize size) {
-  const bool fetches = FetchesAhead(size, 4);
-  return RunRows<3, 4>(src, srcStep, dst, dstStep, size,
-                       [=](const Byte* from, Byte* to, ptrdiff_t width) {
-                         KeepAlphaRow(from, to, width, fetches);
-                       });
+  return RunPartialRows<3, 4, KeepAlphaRow>(src, srcStep, dst, dstStep, size);
 }
 
 IppStatus DupGray_8u_C1C3(const Byte* src, int srcStep, Byte* dst, int dstStep, IppiSize size) {

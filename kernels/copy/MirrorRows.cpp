@@ -107,7 +107,7 @@ QV_INLINE IppStatus Mirror(const Byte* src, int srcStep, Byte* dst, int dstStep,
   if (axis != AxisHorizontal && axis != AxisVertical && axis != AxisBoth) return StatusAxisErr;
   const ptrdiff_t rowBytes = static_cast<ptrdiff_t>(width) * kChannels;
   const bool stream = PassesCaches(width, height, kChannels);
-  const CopyWay way = CopyWayOf(rowBytes, height, stream);
+  const CopyWay way = CopyWayOf(width, height, kChannels, stream);
   for (int y = 0; y < height; ++y) {
     const Byte* from = RowAt(src, srcStep, y);
     Byte* to = RowAt(dst, dstStep, axis == AxisVertical ? y : height - 1 - y);

@@ -84,7 +84,7 @@ Lines LinesOf(int y, int parity, int height) {
 IppStatus FieldToFrame_8u(const Byte* src, int srcStep, Byte* dst, int dstStep, int widthBytes,
                           int height, int parity, int farWeight, int first, int rows) {
   const bool stream = PassesCaches(widthBytes, height, 1);
-  const CopyWay way = CopyWayOf(widthBytes, height, stream);
+  const CopyWay way = CopyWayOf(widthBytes, height, 1, stream);
   for (int y = first; y < first + rows; ++y) {
     const Lines lines = LinesOf(y, parity, height);
     const Byte* const near = RowAt(src, srcStep, lines.near);
