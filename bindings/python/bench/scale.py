@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Measures qvacceleratedlib.batch with one worker and with two, each on a processor of its own.
 
-    QVTOOL=build/release/tools/qvtool/qvtool PYTHONPATH=build/release/bindings/python \\
+    QVTOOL=$PWD/build/release/tools/qvtool/qvtool PYTHONPATH=$PWD/build/release/bindings/python \\
       /usr/bin/python3 bindings/python/bench/scale.py FOLDER
 
 Writes clips to FOLDER, which is emptied of them afterwards, and prints a table in Markdown. Needs
