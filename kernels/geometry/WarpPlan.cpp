@@ -161,9 +161,12 @@ PixelRange WarpPlan::Columns(int y) const {
     if (span.first == to) return none;
     ++span.first;
   }
-  while (span.first > begin && Contains(row, span.first - 1)) --span.first;
   while (!Contains(row, span.last)) --span.last;
-  while (span.last < end && Contains(row, span.last + 1)) ++span.last;
+  // What was walked over is known to be outside.
+  if (span.first == from)
+    while (span.first > begin && Contains(row, span.first - 1)) --span.first;
+  if (span.last == to)
+    while (span.last < end && Contains(row, span.last + 1)) ++span.last;
   return span;
 }
 
@@ -195,14 +198,39 @@ bool WarpPlan::Find(Footprint& f, double x, int y, int columns, int rows) const 
 
 int WarpPlan::Segments(int y, int first, int last, WarpSegment* segments) const {
   const Row row = RowAt(y);
+  int size = kWarpBlock;
+  bool mayFit = true;
+  // Columns that lie in one block need none of those around them that are known not to fit.
+  if (!affine_ && ((first ^ last) & -kWarpBlock) == 0) {
+    const int largest = LargestFit(row, first);
+    while (size > largest && ((first ^ last) & -(size / 2)) == 0) size /= 2;
+    mayFit = size <= largest;
+  }
   int count = 0;
-  for (long long begin = first & -kWarpBlock; begin <= last; begin += kWarpBlock) {
+  for (long long begin = first & -size; begin <= last; begin += size) {
     segments[count].first = static_cast<int>(begin);
-    segments[count].count = kWarpBlock;
-    const bool fits = isLine_ ? FitLine(row, segments[count]) : Fit(row, segments[count]);
+    segments[count].count = size;
+    const bool fits =
+        mayFit && (isLine_ ? FitLine(row, segments[count]) : Fit(row, segments[count]));
     count += fits ? 1 : Halve(row, {first, last}, segments + count);
   }
   return count;
+}
+
+// No wider segment that holds column x fits; at least 2. With e and S as Fit has them, but at x:
+// the centre of such a segment is at most h away, where W is at most 1 + e times as large, so that its
+// e is at least e / (1 + e), and its slope at least S / (1 + e)^2. From an e of 0.34 on that is too
+// much; below, what Fit compares is at least a fifth of S h e^3.
+int WarpPlan::LargestFit(const Row& row, int x) const {
+  const double r = 1 / (m_[2][0] * x + row.w), u = m_[2][0] * r;
+  const double slope = fabs(m_[0][0] * r - (m_[0][0] * x + row.x) * r * u) +
+                       fabs(m_[1][0] * r - (m_[1][0] * x + row.y) * r * u);
+  int size = kWarpBlock;
+  for (; size > 2; size /= 2) {
+    const double h = size / 2, e = fabs(u) * h;
+    if (!(e >= 0.34 || slope * h * (e * e * e) > kFitError * 6 * 5)) break;
+  }
+  return size;
 }
 
 // Those of the halves of a segment that no cubic fits, as far as columns of them are wanted; a

@@ -64,6 +64,7 @@ class WarpPlan {
   Row RowAt(int y) const;
   bool Contains(const Row& row, int x) const;
   void FindRows(const double coeffs[3][3]);
+  int LargestFit(const Row& row, int x) const;
   int Halve(const Row& row, PixelRange wanted, WarpSegment* segments) const;
   bool Fit(const Row& row, WarpSegment& segment) const;
   template <bool kAffine>

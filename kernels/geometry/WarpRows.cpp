@@ -289,10 +289,16 @@ __attribute__((noinline)) void FinishAtEdge(const WarpSource& s, const View& vie
   }
 }
 
-// A row of less than a vector is filled up with its first pixel.
+// A row of less than a vector is filled up with its first pixel, a vector at a time: one that is
+// read right after some of its lanes were stored would wait for them.
 __attribute__((noinline)) void FillUp(Prepared& p, int n) {
-  for (int field = 0; field <= kTop; field += kPreparedColumns)
-    for (int i = n; i < kLanes32; ++i) p.values[field + i] = p.values[field];
+  static constexpr int kWanted[32] = {-1, -1, -1, -1, -1, -1, -1, -1,
+                                      -1, -1, -1, -1, -1, -1, -1, -1};
+  const Vec wanted = Load(kWanted + 16 - n);
+  for (int field = 0; field <= kTop; field += kPreparedColumns) {
+    int* const first = p.values + field;
+    Store(first, Select(wanted, Load(first), Splat32(*first)));
+  }
 }
 
 template <IppiInterpolation kMethod, int kChannels, bool kGathers, bool kInside>
