@@ -218,9 +218,9 @@ int WarpPlan::Segments(int y, int first, int last, WarpSegment* segments) const 
 }
 
 // No wider segment that holds column x fits; at least 2. With e and S as Fit has them, but at x:
-// the centre of such a segment is at most h away, where W is at most 1 + e times as large, so that its
-// e is at least e / (1 + e), and its slope at least S / (1 + e)^2. From an e of 0.34 on that is too
-// much; below, what Fit compares is at least a fifth of S h e^3.
+// the centre of such a segment is at most h away, where W is at most 1 + e times as large, so that
+// its e is at least e / (1 + e), and its slope at least S / (1 + e)^2. From an e of 0.34 on that is
+// too much; below, what Fit compares is at least a fifth of S h e^3.
 int WarpPlan::LargestFit(const Row& row, int x) const {
   const double r = 1 / (m_[2][0] * x + row.w), u = m_[2][0] * r;
   const double slope = fabs(m_[0][0] * r - (m_[0][0] * x + row.x) * r * u) +
