@@ -2,6 +2,7 @@
 //   a' = a + sum of d[i]
 //   b' = b + n * a + sum of (n - i) * d[i]
 #include "kernels/checksum/Checksum.h"
+#include "kernels/level/Ahead.h"
 #include "kernels/level/Level.h"
 
 namespace qv::QV_LEVEL {
@@ -80,9 +81,10 @@ struct WeightedRun {
   }
 };
 
+// A whole run is summed by itself, so that it need not wait for those before it.
 template <bool whole>
 QV_INLINE void AddRun(VectorSums& v, const Byte* src, ptrdiff_t count) {
-  VectorSums sums = v;
+  VectorSums sums = whole ? VectorSums{Zero(), Zero(), v.weighted} : v;
   WeightedRun run;
 #pragma GCC unroll 8
   for (ptrdiff_t k = 0; k < (whole ? 8 : count); ++k) {
@@ -90,6 +92,10 @@ QV_INLINE void AddRun(VectorSums& v, const Byte* src, ptrdiff_t count) {
     sums.before = Add64(sums.before, sums.octets);
     sums.octets = Add64(sums.octets, SumOctets(d));
     run.Add(d);
+  }
+  if (whole) {
+    sums.before = Add64(sums.before, Add64(v.before, ShiftLeft64<3>(v.octets)));
+    sums.octets = Add64(sums.octets, v.octets);
   }
   sums.weighted = Add32(sums.weighted, run.Total());
   v = sums;
@@ -107,8 +113,8 @@ QV_INLINE Vec OctetOffsets() {
   return PermuteBytes(LoadPart(src, (1ull << n) - 1), turned);
 }
 
-Sums Feed(Sums s, const Byte* src, ptrdiff_t length) {
-  if (length < 16) return FeedPlain(s, src, length);
+template <bool kAhead>
+QV_INLINE Sums FeedVectors(Sums s, const Byte* src, ptrdiff_t length) {
   VectorSums v = {Zero(), Zero(), Zero()};
   ptrdiff_t n = length % kVecBytes, vectors = length / kVecBytes;
   if (n != 0) {
@@ -130,6 +136,7 @@ Sums Feed(Sums s, const Byte* src, ptrdiff_t length) {
     vectors -= count;
     while (count > 0) {
       const ptrdiff_t run = count < WeightedRun::kRun ? count : WeightedRun::kRun;
+      if (kAhead) Prefetch<WeightedRun::kRun * kVecBytes>(src + kPageBytes);
       if (run == 8)
         AddRun<true>(v, src, run);
       else
@@ -148,6 +155,12 @@ Sums Feed(Sums s, const Byte* src, ptrdiff_t length) {
     v = {Zero(), Zero(), Zero()};
     n = 0;
   }
+}
+
+Sums Feed(Sums s, const Byte* src, ptrdiff_t length) {
+  if (length < 16) return FeedPlain(s, src, length);
+  if (length < kLongMessage) return FeedVectors<false>(s, src, length);
+  return FeedVectors<true>(s, src, length);
 }
 
 #else
