@@ -41,7 +41,10 @@ uint32_t FeedSliced(uint32_t r, const Byte* src, ptrdiff_t length) {
 
 QV_INLINE uint32_t Feed(uint32_t r, const Byte* src, ptrdiff_t length) {
   if constexpr (kHasCarryless && kHasBytePermute) {
-    if (Current(CarrylessLevel) >= 2 && length >= kFold512Min) return FeedFolded512(r, src, length);
+    if (const int level = Current(CarrylessLevel); length >= kFold512Min) {
+      if (level >= 3) return FeedFolded512<true>(r, src, length);
+      if (level >= 2) return FeedFolded512<false>(r, src, length);
+    }
   }
   if constexpr (kHasCarryless && kHasByteShuffle) {
     if (Current(CarrylessLevel) >= 1 && length >= kFold128Min) return FeedFolded128(r, src, length);
