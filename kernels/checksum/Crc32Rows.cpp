@@ -5,7 +5,7 @@
 
 #if QV_HAS_VECTORS
 #include "dispatch/VariantIndex.h"
-#include "kernels/checksum/CrcFold.h"
+#include "kernels/checksum/CrcRecurrence.h"
 #endif
 
 namespace qv::QV_LEVEL {
@@ -47,7 +47,11 @@ QV_INLINE uint32_t Feed(uint32_t r, const Byte* src, ptrdiff_t length) {
     }
   }
   if constexpr (kHasCarryless && kHasByteShuffle) {
-    if (Current(CarrylessLevel) >= 1 && length >= kFold128Min) return FeedFolded128(r, src, length);
+    if (Current(CarrylessLevel) >= 1 && length >= kFold128Min) {
+      // Vectors of 16 bytes would take in more of them than they are worth.
+      if (kVecBytes == 32 && length >= kRecurrenceMin) return FeedRecurrence(r, src, length);
+      return FeedFolded128(r, src, length);
+    }
   }
   return FeedSliced(r, src, length);
 }
