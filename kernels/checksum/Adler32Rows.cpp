@@ -81,19 +81,22 @@ struct WeightedRun {
   }
 };
 
-// A whole run is summed by itself, so that it need not wait for those before it.
-template <bool whole>
+// A whole run of wide vectors is summed by itself: a chain of additions through all vectors would
+// take longer than all else.
+template <bool whole, bool kAhead>
 QV_INLINE void AddRun(VectorSums& v, const Byte* src, ptrdiff_t count) {
-  VectorSums sums = whole ? VectorSums{Zero(), Zero(), v.weighted} : v;
+  constexpr bool apart = whole && kVecBytes > 16;
+  VectorSums sums = apart ? VectorSums{Zero(), Zero(), v.weighted} : v;
   WeightedRun run;
 #pragma GCC unroll 8
   for (ptrdiff_t k = 0; k < (whole ? 8 : count); ++k) {
     const Vec d = Load(src + k * kVecBytes);
+    if (kAhead) Prefetch<kVecBytes>(src + k * kVecBytes + kPageBytes);
     sums.before = Add64(sums.before, sums.octets);
     sums.octets = Add64(sums.octets, SumOctets(d));
     run.Add(d);
   }
-  if (whole) {
+  if (apart) {
     sums.before = Add64(sums.before, Add64(v.before, ShiftLeft64<3>(v.octets)));
     sums.octets = Add64(sums.octets, v.octets);
   }
@@ -136,11 +139,10 @@ QV_INLINE Sums FeedVectors(Sums s, const Byte* src, ptrdiff_t length) {
     vectors -= count;
     while (count > 0) {
       const ptrdiff_t run = count < WeightedRun::kRun ? count : WeightedRun::kRun;
-      if (kAhead) Prefetch<WeightedRun::kRun * kVecBytes>(src + kPageBytes);
       if (run == 8)
-        AddRun<true>(v, src, run);
+        AddRun<true, kAhead>(v, src, run);
       else
-        AddRun<false>(v, src, run);
+        AddRun<false, kAhead>(v, src, run);
       src += run * kVecBytes;
       count -= run;
     }
@@ -159,7 +161,8 @@ QV_INLINE Sums FeedVectors(Sums s, const Byte* src, ptrdiff_t length) {
 
 Sums Feed(Sums s, const Byte* src, ptrdiff_t length) {
   if (length < 16) return FeedPlain(s, src, length);
-  if (length < kLongMessage) return FeedVectors<false>(s, src, length);
+  // Narrower vectors take longer to sum than to fetch.
+  if (kVecBytes < 64 || length < kLongMessage) return FeedVectors<false>(s, src, length);
   return FeedVectors<true>(s, src, length);
 }
 
