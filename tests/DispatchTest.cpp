@@ -415,7 +415,8 @@ TEST_F(Dispatch, ReadsThisProcessor) {
                       __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512dq") &&
                       __builtin_cpu_supports("avx512vbmi");
   EXPECT_EQ(WideLevelOf(leaves), avx512 ? 2 : __builtin_cpu_supports("avx2") ? 1 : 0);
-  const bool wide = avx512 && __builtin_cpu_supports("vpclmulqdq") && __builtin_cpu_supports("gfni");
+  const bool wide =
+      avx512 && __builtin_cpu_supports("vpclmulqdq") && __builtin_cpu_supports("gfni");
   EXPECT_EQ(CarrylessLevelOf(leaves), !__builtin_cpu_supports("pclmul") ? 0
                                       : !wide                           ? 1
                                       : __builtin_cpu_is("amd")         ? 3

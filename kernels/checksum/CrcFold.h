@@ -126,8 +126,8 @@ QV_INLINE QV_CARRYLESS_WIDE Vec Append512(Vec x, const Byte* end, ptrdiff_t n) {
   return Fold512(front, LoadSplat128(kFactors<64>), rest);
 }
 
-// Folds eight neighbouring vectors onto the eight that follow them in memory. kByMatrices shares the
-// work between two units: while one multiplies three vectors, the other makes five vanish.
+// Folds eight neighbouring vectors onto the eight that follow them in memory. kByMatrices shares
+// the work between two units: while one multiplies three vectors, the other makes five vanish.
 constexpr int kBlockBytes = 512;
 constexpr bool kMultiplied[8] = {true, false, true, false, true, false, false, false};
 
@@ -170,7 +170,7 @@ QV_INLINE QV_CARRYLESS_WIDE const Byte* FoldBlocks(Vec* x, Vec128 start, const B
 }
 
 // Factors that move the 16-byte parts of up to 2 KiB up to the last of them, in the order of the
-// parts. The last part's own move by nothing. Behind them are zeros, for vectors of fewer parts.
+// parts; the last one's move it by nothing. Behind them are zeros, for vectors of fewer parts.
 constexpr ptrdiff_t kNearBytes = 2048;
 alignas(64) constexpr auto kNearFactors = crc::NearFactors<kNearBytes / 16>();
 

@@ -3,9 +3,9 @@
 // A byte that stands 4096 bits before another, that is in the same place of the eighth vector
 // before it, is a polynomial of degree below 8 times x^4096. Modulo P this equals
 //   c0 * x^(512 * 4) + c1 * x^(512 * 3) + c2 * x^512 + c3
-// with some c of degrees below 8: 32 coefficients for the 32 of a remainder. So a vector vanishes if
-// those 4, 5, 7 and 8 vectors after it take in the c of its bytes. Each c is a linear function of
-// the byte, its product with an 8 x 8 matrix over bits, and the same function for all bytes.
+// with some c of degrees below 8: 32 coefficients for the 32 of a remainder. So a vector vanishes
+// if those 4, 5, 7 and 8 vectors after it take in the c of its bytes. Each c is a linear function
+// of the byte, its product with an 8 x 8 matrix over bits, and the same function for all bytes.
 #ifndef QV_KERNELS_CHECKSUM_CRCMATRICES_H
 #define QV_KERNELS_CHECKSUM_CRCMATRICES_H
 
