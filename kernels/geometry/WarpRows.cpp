@@ -246,14 +246,19 @@ QV_INLINE void CopyTaps(const Byte* from, Byte* to) {
   }
 }
 
+// The nearest pixels of n columns, one at a time.
+template <int kChannels>
+QV_INLINE void CopyNearest(const View& view, const int* p, int n, Byte* out) {
+  for (int i = 0; i < n; ++i) memcpy(out + kChannels * i, view.first + p[i], kChannels);
+}
+
 // Where fetches would pass the end of a row, or taps the edges: the bytes that count are brought
 // together first. Out of line, to keep the loop around it tight.
 template <IppiInterpolation kMethod, int kChannels, bool kGathers>
 __attribute__((noinline)) void FinishAtEdge(const WarpSource& s, const View& view, const int* p,
                                             Byte* out) {
   if constexpr (kMethod == InterpolateNearest) {
-    for (int i = 0; i < kLanes32; ++i)
-      memcpy(out + kChannels * i, view.first + p[i], kChannels);
+    CopyNearest<kChannels>(view, p, kLanes32, out);
   } else {
     constexpr bool kLinear = kMethod == InterpolateLinear;
     constexpr int kRows = kLinear ? 2 : 4, kApart = kLinear ? 8 : 16;
@@ -324,6 +329,10 @@ QV_INLINE void WarpRowWhere(const WarpSource& s, const WarpSegment* segments, in
   if (whole == n) return;
   // The last vector overlaps the one before it. A row of less than a vector is sampled aside.
   const bool isShort = whole == 0;
+  if (isShort && kMethod == InterpolateNearest) {
+    CopyNearest<kChannels>(view, p.values, n, out);
+    return;
+  }
   const int rest = isShort ? 0 : n - kLanes32;
   Byte part[kLanes32 * kChannels];
   if (isShort) FillUp(p, n);
