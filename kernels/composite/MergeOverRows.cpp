@@ -77,7 +77,7 @@ void AlphaRow(Byte* dstAlpha, const Byte* bgAlpha, ptrdiff_t width) {
   if (!done) AlphaRowPlain(dstAlpha, bgAlpha, width);
 }
 
-template <bool kAhead>
+template <bool kAhead, bool kByDivision>
 void ColourRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlpha,
                const Byte* mergedAlpha, ptrdiff_t bytes) {
   const auto at = [=](ptrdiff_t x) {
@@ -92,7 +92,7 @@ void ColourRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlph
       Prefetch<kOverPixels>(bgAlpha + x + kPageBytes / 2);
       Prefetch<kOverPixels>(mergedAlpha + x + kPageBytes / 2);
     }
-    OverBlock(at(x));
+    OverBlock<kByDivision>(at(x));
   }
   for (; 3 * x < bytes; x += kPartPixels) {
     const ptrdiff_t left = bytes - 3 * x;
@@ -100,11 +100,15 @@ void ColourRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlph
   }
 }
 
+auto ColourRowFor(bool ahead) {
+  if (kOverPermuted && QuickDivision) return ahead ? ColourRow<true, true> : ColourRow<false, true>;
+  return ahead ? ColourRow<true, false> : ColourRow<false, false>;
+}
+
 #else
 
 constexpr auto AlphaRow = AlphaRowPlain;
-template <bool>
-constexpr auto ColourRow = ColourRowPlain;
+auto ColourRowFor(bool) { return ColourRowPlain; }
 
 #endif
 
@@ -160,7 +164,7 @@ IppStatus MergeAlphaOver_8u(Byte* fg, int fgStep, const Byte* fgAlpha, int fgAlp
   const bool apart = rowsApart && a.IsApartFrom(f) && a.IsApartFrom(b) && a.IsApartFrom(ba) &&
                      f.IsApartFrom(ba) && (fgAlpha == dstAlpha || a.IsApartFrom(fa));
   const int rows = apart ? 1 + static_cast<int>(kPixelsAtATime / pixels) : height;
-  const auto colourRow = PassesCaches(width, height, 3) ? ColourRow<true> : ColourRow<false>;
+  const auto colourRow = ColourRowFor(PassesCaches(width, height, 3));
   for (int top = 0, end; top < height; top = end) {
     end = height - top > rows ? top + rows : height;
     for (int y = top; y < end; ++y)

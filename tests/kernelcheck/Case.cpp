@@ -36,6 +36,7 @@ void Case::Begin(std::uint64_t seed) {
   bench_ = false;
   LastCacheBytes = random.OneIn(2) ? 0 : kUnknownCacheBytes;
   QuickGathers = random.OneIn(2);
+  QuickDivision = random.OneIn(2);
   LongMoveBytes = random.OneIn(2) ? 0 : kNoLongMoves;
 }
 
