@@ -78,8 +78,8 @@ void AlphaRow(Byte* dstAlpha, const Byte* bgAlpha, ptrdiff_t width) {
   if (!done) AlphaRowPlain(dstAlpha, bgAlpha, width);
 }
 
-// So often is it seen whether a run begins: of pixels of any alphas that takes half a percent of the
-// time, and for every block it took three.
+// So many pixels further it is seen again whether a run begins: that takes pixels of any alphas half
+// a percent longer. For every block it took three.
 constexpr ptrdiff_t kStretch = 8 * kOverPixels;
 
 template <bool kAhead, bool kByDivision>
