@@ -78,8 +78,8 @@ void AlphaRow(Byte* dstAlpha, const Byte* bgAlpha, ptrdiff_t width) {
   if (!done) AlphaRowPlain(dstAlpha, bgAlpha, width);
 }
 
-// So many pixels further it is seen again whether a run begins: that takes pixels of any alphas half
-// a percent longer. For every block it took three.
+// How far it is to where a run is looked for again. That takes pixels of any alphas half a percent
+// longer; for every block it took three.
 constexpr ptrdiff_t kStretch = 8 * kOverPixels;
 
 template <bool kAhead, bool kByDivision>
