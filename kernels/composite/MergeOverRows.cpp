@@ -116,7 +116,8 @@ void ColourRow(Byte* fg, const Byte* fgAlpha, const Byte* bg, const Byte* bgAlph
 }
 
 auto ColourRowFor(bool ahead) {
-  if (kOverPermuted && QuickDivision) return ahead ? ColourRow<true, true> : ColourRow<false, true>;
+  if constexpr (kOverPermuted)
+    if (QuickDivision) return ahead ? ColourRow<true, true> : ColourRow<false, true>;
   return ahead ? ColourRow<true, false> : ColourRow<false, false>;
 }
 
