@@ -1,6 +1,6 @@
-// Fetching what rows of a large frame will read.
-#ifndef QV_KERNELS_COMPOSITE_AHEAD_H
-#define QV_KERNELS_COMPOSITE_AHEAD_H
+// Fetching what rows of a large frame will read or store.
+#ifndef QV_KERNELS_LEVEL_AHEAD_H
+#define QV_KERNELS_LEVEL_AHEAD_H
 
 #include "kernels/level/Level.h"
 
@@ -15,6 +15,12 @@ constexpr ptrdiff_t kPageBytes = 4096;
 template <int bytes>
 QV_INLINE void Prefetch(const Byte* p) {
   for (int line = 0; line < bytes; line += 64) __builtin_prefetch(p + line);
+}
+
+// The same of bytes that are going to be stored.
+template <int bytes>
+QV_INLINE void PrefetchToStore(Byte* p) {
+  for (int line = 0; line < bytes; line += 64) __builtin_prefetch(p + line, 1);
 }
 
 }  // namespace qv::QV_LEVEL
