@@ -1,4 +1,4 @@
-// Fetching what rows of a large frame will read or store, and what checksums of a long message read.
+// Fetching what rows of a large frame, or checksums of a long message, will read or store.
 #ifndef QV_KERNELS_LEVEL_AHEAD_H
 #define QV_KERNELS_LEVEL_AHEAD_H
 
