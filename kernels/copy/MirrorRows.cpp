@@ -31,7 +31,7 @@ void ReverseRow(const Byte* src, Byte* dst, ptrdiff_t width, bool stream);
 template <>
 void ReverseRow<1>(const Byte* src, Byte* dst, ptrdiff_t width, bool stream) {
   Byte* const end = dst + width;  // blocks go down from here
-  const bool done = CoverWithBlocks<kVecBytes>(
+  const bool done = CoverWithBlocks<kVecBytes, kVecBytes < 64 ? 2 : 1>(
       width, stream,
       [&](ptrdiff_t x, auto store) { store(end - kVecBytes - x, ReverseBytes(Load(src + x))); },
       kVecBytes + 1 - BytesToAlign(end - 1));

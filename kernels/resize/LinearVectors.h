@@ -78,8 +78,8 @@ __attribute__((noinline)) inline void BlendValues(const Value* upper, const Valu
   const auto whole = [&](ptrdiff_t k) QV_INLINE_LAMBDA {
     return PackBytesInOrder(half(k), half(k + kVecBytes / 2));
   };
-  ptrdiff_t k = 0;
-  for (; k + kVecBytes <= bytes; k += kVecBytes) Store(dst + k, whole(k));
+  const ptrdiff_t k = ForSteps<kVecBytes, 2>(
+      0, bytes, [&](ptrdiff_t i) QV_INLINE_LAMBDA { Store(dst + i, whole(i)); });
   if (k < bytes) StoreFrom(dst, k, bytes, whole(k));
 }
 
@@ -105,8 +105,9 @@ __attribute__((noinline)) void InterpolateVectors(const LinearGather& shared, co
                                                   ptrdiff_t ahead, ptrdiff_t from, ptrdiff_t end,
                                                   Value* out) {
   const LinearGather plan = shared;
-  for (ptrdiff_t v = from; v < end; ++v)
+  ForSteps<1, 2>(from, end, [&](ptrdiff_t v) QV_INLINE_LAMBDA {
     Store(out + v * (kVecBytes / 2), ValuesOf<kLoads>(plan, row, ahead, v));
+  });
 }
 
 // The same vectors of a destination row, from both source rows at once. `from` is even.
