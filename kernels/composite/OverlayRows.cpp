@@ -244,8 +244,7 @@ void OverRow(Byte* frame, const Layer& layer, ptrdiff_t width, const Strength& s
              const Blend& blend) {
   if constexpr (kPlainOnly<L>) return OverRowPlain<L>(frame, layer, width, s);
   const typename AccessTo<kLanesApart<L>>::Type access;
-  using Source = ForegroundOf<Blend::kAdds, L>;
-  const bool done = CoverInPlace<Source::kPixels, Source::kVectors == 1 ? 2 : 1>(
+  const bool done = CoverInPlace<ForegroundOf<Blend::kAdds, L>::kPixels>(
       width, false, PixelsToAlign<L::frame>(frame),
       [&](ptrdiff_t x) {
         return BlendBlock<L>(frame + L::frame * x, L::At(layer, x), access, constant, blend);
