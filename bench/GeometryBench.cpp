@@ -32,38 +32,43 @@ const char* OpenCvName(int code) {
 }
 #endif
 
+#if defined(QV_BENCH_OPENCV)
+int OpenCvTurn(int degrees) {
+  return degrees == 90    ? cv::ROTATE_90_COUNTERCLOCKWISE
+         : degrees == 180 ? cv::ROTATE_180
+                          : cv::ROTATE_90_CLOCKWISE;
+}
+#endif
+
+// Turns that every pixel keeps its bytes in, to the left.
 void TurnJobs(bench::Suite& s, IppiSize size) {
   const bench::Buffers b = s.Frame(size);
   const int w = size.width, h = size.height;
-  for (const int channels : {1, 3}) {
-    const std::string bytes = std::to_string(channels) + (channels == 1 ? " byte" : " bytes");
-    const std::string quarter = "quarter turn " + bytes, half = "turn by 180, " + bytes;
-    const int step = channels * w, turned = channels * h;
-    s.Ours(quarter, size, 2 * channels, [=] {
-      Lib::qvRotate(Type(channels), b.src, size, step, {0, 0, w, h}, b.dst, turned, {0, 0, h, w},
-                    90, 0, w - 1, 1);
-    });
-    s.Ours(half, size, 2 * channels, [=] {
-      Lib::qvRotate(Type(channels), b.src, size, step, {0, 0, w, h}, b.dst, step, {0, 0, w, h},
-                    180, w - 1, h - 1, 1);
-    });
+  for (const int channels : {1, 3})
+    for (const int degrees : {90, 180, 270}) {
+      const std::string job = "turn by " + std::to_string(degrees) + ", " +
+                              std::to_string(channels) + (channels == 1 ? " byte" : " bytes");
+      const IppiSize turned = degrees == 180 ? size : IppiSize{h, w};
+      const double xShift = degrees == 90 ? 0 : turned.width - 1;
+      const double yShift = degrees == 270 ? 0 : turned.height - 1;
+      s.Ours(job, size, 2 * channels, [=] {
+        Lib::qvRotate(Type(channels), b.src, size, channels * w, {0, 0, w, h}, b.dst,
+                      channels * turned.width, {0, 0, turned.width, turned.height}, degrees,
+                      xShift, yShift, 1);
+      });
 #if defined(QV_BENCH_OPENCV)
-    const cv::Mat src = Wrap(size, channels, b.src), level = Wrap(size, channels, b.dst),
-                  upright = Wrap({h, w}, channels, b.dst);
-    s.Peer(quarter, size, "OpenCV rotate",
-           [=] { cv::rotate(src, cv::Mat(upright), cv::ROTATE_90_COUNTERCLOCKWISE); });
-    s.Peer(half, size, "OpenCV rotate", [=] { cv::rotate(src, cv::Mat(level), cv::ROTATE_180); });
+      const cv::Mat src = Wrap(size, channels, b.src), dst = Wrap(turned, channels, b.dst);
+      s.Peer(job, size, "OpenCV rotate",
+             [=] { cv::rotate(src, cv::Mat(dst), OpenCvTurn(degrees)); });
 #endif
 #if defined(QV_BENCH_LIBYUV)
-    if (channels > 1) continue;
-    s.Peer(quarter, size, "libyuv RotatePlane", [=] {
-      libyuv::RotatePlane(b.src, w, b.dst, h, w, h, libyuv::kRotate270);
-    });
-    s.Peer(half, size, "libyuv RotatePlane", [=] {
-      libyuv::RotatePlane(b.src, w, b.dst, w, w, h, libyuv::kRotate180);
-    });
+      if (channels == 1)
+        s.Peer(job, size, "libyuv RotatePlane", [=] {
+          libyuv::RotatePlane(b.src, w, b.dst, turned.width, w, h,
+                              static_cast<libyuv::RotationMode>(360 - degrees));
+        });
 #endif
-  }
+    }
 }
 
 void WarpJobs(bench::Suite& s, IppiSize size) {

@@ -37,9 +37,9 @@ constexpr int kLevelCount = sizeof kLevels / sizeof *kLevels;
 
 constexpr const LevelInfo& InfoOf(LevelId level) { return kLevels[static_cast<int>(level)]; }
 
-// The CarrylessLevel that a level can use.
+// The highest CarrylessLevel that a level can use.
 constexpr int CarrylessLevelFor(const LevelInfo& level) {
-  return level.slot < 4 ? 0 : level.wide < InfoOf(LevelId::avx512).wide ? 1 : 2;
+  return level.slot < 4 ? 0 : level.wide < InfoOf(LevelId::avx512).wide ? 1 : 3;
 }
 
 // Bytes in a vector of the levels of a WideLevel.

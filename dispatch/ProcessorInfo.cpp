@@ -34,6 +34,7 @@ constexpr uint32_t Avx512Dq = 1u << 17;
 constexpr uint32_t Avx512Bw = 1u << 30;
 constexpr uint32_t Avx512Vl = 1u << 31;
 constexpr uint32_t Avx512Vbmi = 1u << 1;
+constexpr uint32_t Gfni = 1u << 8;
 constexpr uint32_t Vpclmulqdq = 1u << 10;
 constexpr uint32_t QuickShortMoves = 1u << 4;
 
@@ -245,7 +246,8 @@ int WideLevelOf(const CpuidLeaves& leaves) {
 int CarrylessLevelOf(const CpuidLeaves& leaves) {
   if (!leaves.hasCpuid || !Has(leaves.leaf1.ecx, Pclmulqdq | Sse41)) return 0;
   const bool wide = WideLevelOf(leaves) >= InfoOf(LevelId::avx512).wide;
-  return wide && Has(leaves.leaf7.ecx, Vpclmulqdq) ? 2 : 1;
+  if (!wide || !Has(leaves.leaf7.ecx, Vpclmulqdq | Gfni)) return 1;
+  return IsAuthenticAmd(leaves) ? 3 : 2;
 }
 
 ptrdiff_t LastCacheBytesOf(const CpuidLeaves& leaves) {

@@ -30,7 +30,7 @@ struct CpuidLeaves {
   CpuidRegisters leaf1;         // family, model, stepping, features
   CpuidRegisters leaf2;         // cache descriptors
   CpuidRegisters leaf4[kCacheLeaves];  // caches; sub-leaf 0: cores of a package
-  CpuidRegisters leaf7;         // sub-leaf 0: AVX2, AVX-512, VPCLMULQDQ, moves
+  CpuidRegisters leaf7;         // sub-leaf 0: AVX2, AVX-512, GFNI, VPCLMULQDQ, moves
   CpuidRegisters leaf80000000;  // highest extended leaf
   CpuidRegisters leaf80000001;  // 64-bit mode, whether leaf 0x8000001D describes caches
   CpuidRegisters leaf8000001D[kCacheLeaves];  // caches
@@ -93,8 +93,10 @@ int VariantIndexOf(int cpuCode);
 // SSE4.2 and POPCNT.
 int WideLevelOf(const CpuidLeaves& leaves);
 
-// Carry-less multiplication: 0 none, 1 PCLMULQDQ together with SSE4.1, 2 VPCLMULQDQ on the 64-byte
-// vectors of wide level 2.
+// Carry-less multiplication: 0 none, 1 PCLMULQDQ together with SSE4.1, 2 VPCLMULQDQ and GFNI on the
+// 64-byte vectors of wide level 2; 3 if these are AMD's, which make four products of bytes with
+// matrices (GF2P8AFFINEQB) in the time of a single one of VPCLMULQDQ, measured on Zen 5. Intel's
+// make as many of either.
 int CarrylessLevelOf(const CpuidLeaves& leaves);
 
 // Bytes of the last level of cache that holds data, from leaf 0x8000001D where the topology

@@ -21,8 +21,8 @@ extern QV_HIDDEN int VariantIndex;
 extern QV_HIDDEN int WideLevel;
 
 // Carry-less multiplication, for folding a CRC: 0 none, 1 PCLMULQDQ on 16-byte vectors (SSE4.1 is
-// there as well), 2 VPCLMULQDQ on 64-byte vectors (WideLevel 2 is there as well). Always 0 unless
-// VariantIndex is 4.
+// there as well), 2 VPCLMULQDQ on 64-byte vectors, with GFNI (WideLevel 2 is there as well), 3 the
+// same where GFNI's products with matrices are the quicker ones. Always 0 unless VariantIndex is 4.
 extern QV_HIDDEN int CarrylessLevel;
 
 // One of these three as it is at the moment.

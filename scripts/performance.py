@@ -19,6 +19,7 @@ import chart
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 FRAMES = ["640x360", "1920x1080", "3840x2160"]
+USUAL_FRAME = "1920x1080"
 REFERENCE_COPY = dict(zip(FRAMES, (0.017, 0.021, 0.025)))  # ns per byte where the goals were set
 PAIRS = ["640x360 to 1280x720", "1280x720 to 1920x1080", "1920x1080 to 1280x720",
          "3840x2160 to 1920x1080"]
@@ -77,10 +78,8 @@ class Results:
         moved = self.moved.get((job, label))
         return moved * self.copy_rate(moved * self.pixels[label]) if moved else None
 
-    def yardstick(self, label):
-        """How much slower a one-byte copy of the frame is here than where the goals were set."""
-        frame = min(FRAMES, key=lambda f: abs(self.pixels[f] - self.pixels[label]))
-        return self.best("copy 1 byte", frame, "memcpy") / REFERENCE_COPY[frame]
+    def nearest_frame(self, label):
+        return min(FRAMES, key=lambda f: abs(self.pixels[f] - self.pixels[label]))
 
 
 def read_goals():
@@ -118,7 +117,7 @@ def in_order(results, goals):
 def usual(results, job):
     """The label that stands for the job: the frame of HD, or the nearest there is."""
     labels = list(results.times[job])
-    named = [label for label in ("1920x1080", "1920x1080 to 1280x720") if label in labels]
+    named = [label for label in (USUAL_FRAME, f"{USUAL_FRAME} to 1280x720") if label in labels]
     return (named or sorted(labels, key=lambda label: results.pixels[label])[-1:])[0]
 
 
@@ -222,7 +221,7 @@ CHARTED = (
     "palette to 3 bytes", "packed 4:2:2 to BGR", "planar 4:2:0 to BGR", "BGR to I420",
     "two-plane to planar 4:2:0", "constant alpha, 3 bytes, over", "over, 3 bytes",
     "deinterlace 1 byte", "bob, both fields, mean",
-    "quarter turn 3 bytes", "warp perspective linear 3", "rotate 30 degrees cubic 3",
+    "turn by 90, 3 bytes", "warp perspective linear 3", "rotate 30 degrees cubic 3",
     "resize nearest 3", "resize linear 3", "resize cubic 3", "resize Lanczos 3", "resize area 1",
     "resample Lanczos 3", "CRC-32", "Adler-32",
 )
@@ -241,23 +240,26 @@ def charted(results):
 
 # ---- What was aimed at --------------------------------------------------------------------------
 
-def met(results, job, label, goal):
-    """A goal is met if the fastest repetition and the median agree on it."""
+def over_goal(results, job, label, goal, frame):
+    """The time over the goal, which is scaled by how long memcpy takes for a plane of `frame` here
+    and where the goals were set: the worse of the fastest repetitions and the medians of both."""
+    return max(
+        statistic(job, label, "ours") / goal
+        / (statistic("copy 1 byte", frame, "memcpy") / REFERENCE_COPY[frame])
+        for statistic in (results.best, results.median))
+
+
+def met(results, job, label, goal, frame):
     if goal is None:
         return ""
-    fastest = results.best(job, label, "ours")
-    if fastest > goal:
-        return f"**{fastest / goal:.2f}x**"
-    return "yes" if results.median(job, label, "ours") <= goal else "fastest"
+    ratio = over_goal(results, job, label, goal, frame)
+    return "yes" if ratio <= 1 else f"**{ratio:.2f}x**"
 
 
 def goal_row(results, busy, job, label, goal):
-    """Goals of bench/goals.csv times how much slower a copy is here than where they were set."""
     ours, shared = (results.best(job, label, "ours", threads) for threads in (1, 0))
     busy_one, busy_shared = (busy.mean(job, label, "ours", threads) for threads in (1, 0))
     limit = results.limit(job, label)
-    if goal:
-        goal *= results.yardstick(label)
     return {
         "job": job,
         "frame": label,
@@ -266,9 +268,22 @@ def goal_row(results, busy, job, label, goal):
         "copy / ours": f"{100 * limit / ours:.0f} %" if limit else "",
         "all threads": f"{number(shared)} ({ours / shared:.2f}x)",
         "busy": f"{busy_shared / busy_one:.2f}" if busy_one else "",
-        "goal here": number(goal),
-        "met": met(results, job, label, goal),
+        "goal there": number(goal),
+        f"met, by a copy of {USUAL_FRAME}": met(results, job, label, goal, USUAL_FRAME),
+        "met, by a copy of the frame": met(results, job, label, goal,
+                                           results.nearest_frame(label)),
     }
+
+
+def print_goals(results, busy, keys, goals):
+    """What was aimed at. There are two yardsticks because caches differ: where a processor's own
+    cache has grown to hold a small frame, its copy takes half as long and arithmetic does not."""
+    rows = [goal_row(results, busy, *key, goals.get(key)) for key in keys]
+    print(*table(rows), "", sep="\n")
+    for head in rows[0]:
+        verdicts = [cells[head] for cells in rows if cells[head]]
+        if head.startswith("met"):
+            print(f"{head}: {verdicts.count('yes')} of {len(verdicts)}")
 
 
 def main():
@@ -280,7 +295,7 @@ def main():
     goals = read_goals()
     keys = in_order(results, goals)
     if options.goals:
-        print(*table([goal_row(results, busy, *key, goals.get(key)) for key in keys]), sep="\n")
+        print_goals(results, busy, keys, goals)
         return
     docs = ROOT / "docs"
     docs.joinpath("performance.md").write_text(page("Performance", results, goals, [

@@ -32,14 +32,17 @@ struct Processor {
   int variant;
 };
 
+void SetVendor(CpuidLeaves& leaves, const char* vendor) {
+  memcpy(&leaves.leaf0.ebx, vendor, 4);
+  memcpy(&leaves.leaf0.edx, vendor + 4, 4);
+  memcpy(&leaves.leaf0.ecx, vendor + 8, 4);
+}
+
 CpuidLeaves LeavesOf(const Processor& p) {
   CpuidLeaves leaves = {};
   leaves.hasCpuid = !(p.features & NoCpuid);
   leaves.leaf0.eax = p.features & NoLeaf4 ? 3 : 4;
-  const char* const vendor = p.intel ? "GenuineIntel" : "AuthenticAMD";
-  memcpy(&leaves.leaf0.ebx, vendor, 4);
-  memcpy(&leaves.leaf0.edx, vendor + 4, 4);
-  memcpy(&leaves.leaf0.ecx, vendor + 8, 4);
+  SetVendor(leaves, p.intel ? "GenuineIntel" : "AuthenticAMD");
   // Extended family and model, type and reserved bits all set: none may be taken for the family.
   leaves.leaf1.eax = 0xFFFFF000u | p.family << 8 | 0xA7;
   leaves.leaf1.ebx = (p.features & OneLogical ? 1u : 2u) << 16 | 0xFF00FFFFu;
@@ -201,7 +204,7 @@ CpuidLeaves WidestLeaves() {
   leaves.leaf0.eax = 7;
   leaves.leaf1.ecx |= 1u << 1 | 1u << 19 | 1u << 20 | 1u << 23 | 1u << 27 | 1u << 28;
   leaves.leaf7.ebx = 1u << 5 | 1u << 16 | 1u << 17 | 1u << 30 | 1u << 31;
-  leaves.leaf7.ecx = 1u << 1 | 1u << 10;
+  leaves.leaf7.ecx = 1u << 1 | 1u << 8 | 1u << 10;
   leaves.xcr0 = 0xE7;
   return leaves;
 }
@@ -263,6 +266,7 @@ TEST_F(Dispatch, ChoosesTheWideLevel) {
   const WideCase cases[] = {
       {"nothing", 0, 0, 0, 0, 2, 2},
       {"PCLMULQDQ", 1u << 1, 0, 0, 0, 2, 0},
+      {"GFNI", 0, 0, 1u << 8, 0, 2, 1},
       {"VPCLMULQDQ", 0, 0, 1u << 10, 0, 2, 1},
       {"SSE4.1", 1u << 19, 0, 0, 0, 0, 0},
       {"SSE4.2", 1u << 20, 0, 0, 0, 0, 1},
@@ -295,9 +299,10 @@ TEST_F(Dispatch, ChoosesTheWideLevel) {
     EXPECT_EQ(WideLevel, c.wide);
     EXPECT_EQ(CarrylessLevel, c.carryless);
     EXPECT_EQ(QuickGathers, c.wide > 0);
-    memcpy(&leaves.leaf0.ebx, "Auth", 4);
+    SetVendor(leaves, "AuthenticAMD");
     SelectProcessorVariant(leaves);
     EXPECT_EQ(WideLevel, c.wide);
+    EXPECT_EQ(CarrylessLevel, c.carryless == 2 ? 3 : c.carryless);
     EXPECT_FALSE(QuickGathers);
   }
 
@@ -334,9 +339,7 @@ TEST_F(Dispatch, MovesBytesOnAmdsProcessorsThatAreQuickAtIt) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.vendor);
     CpuidLeaves leaves = WidestLeaves();
-    memcpy(&leaves.leaf0.ebx, c.vendor, 4);
-    memcpy(&leaves.leaf0.edx, c.vendor + 4, 4);
-    memcpy(&leaves.leaf0.ecx, c.vendor + 8, 4);
+    SetVendor(leaves, c.vendor);
     leaves.leaf0.eax = c.highestLeaf;
     leaves.leaf7.ebx |= c.enhanced;
     leaves.leaf7.edx |= c.quickShort;
@@ -412,9 +415,12 @@ TEST_F(Dispatch, ReadsThisProcessor) {
                       __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512dq") &&
                       __builtin_cpu_supports("avx512vbmi");
   EXPECT_EQ(WideLevelOf(leaves), avx512 ? 2 : __builtin_cpu_supports("avx2") ? 1 : 0);
-  EXPECT_EQ(CarrylessLevelOf(leaves), !__builtin_cpu_supports("pclmul")                ? 0
-                                      : avx512 && __builtin_cpu_supports("vpclmulqdq") ? 2
-                                                                                       : 1);
+  const bool wide =
+      avx512 && __builtin_cpu_supports("vpclmulqdq") && __builtin_cpu_supports("gfni");
+  EXPECT_EQ(CarrylessLevelOf(leaves), !__builtin_cpu_supports("pclmul") ? 0
+                                      : !wide                           ? 1
+                                      : __builtin_cpu_is("amd")         ? 3
+                                                                        : 2);
   EXPECT_EQ(QuickGathersOf(leaves),
             __builtin_cpu_is("intel") && __builtin_cpu_supports("avx2"));
 }

@@ -2,6 +2,7 @@
 //   a' = a + sum of d[i]
 //   b' = b + n * a + sum of (n - i) * d[i]
 #include "kernels/checksum/Checksum.h"
+#include "kernels/level/Ahead.h"
 #include "kernels/level/Level.h"
 
 namespace qv::QV_LEVEL {
@@ -80,16 +81,24 @@ struct WeightedRun {
   }
 };
 
-template <bool whole>
+// A whole run of wide vectors is summed by itself: a chain of additions through all vectors would
+// take longer than all else.
+template <bool whole, bool kAhead>
 QV_INLINE void AddRun(VectorSums& v, const Byte* src, ptrdiff_t count) {
-  VectorSums sums = v;
+  constexpr bool apart = whole && kVecBytes > 16;
+  VectorSums sums = apart ? VectorSums{Zero(), Zero(), v.weighted} : v;
   WeightedRun run;
 #pragma GCC unroll 8
   for (ptrdiff_t k = 0; k < (whole ? 8 : count); ++k) {
     const Vec d = Load(src + k * kVecBytes);
+    if (kAhead) Prefetch<kVecBytes>(src + k * kVecBytes + kPageBytes);
     sums.before = Add64(sums.before, sums.octets);
     sums.octets = Add64(sums.octets, SumOctets(d));
     run.Add(d);
+  }
+  if (apart) {
+    sums.before = Add64(sums.before, Add64(v.before, ShiftLeft64<3>(v.octets)));
+    sums.octets = Add64(sums.octets, v.octets);
   }
   sums.weighted = Add32(sums.weighted, run.Total());
   v = sums;
@@ -107,8 +116,8 @@ QV_INLINE Vec OctetOffsets() {
   return PermuteBytes(LoadPart(src, (1ull << n) - 1), turned);
 }
 
-Sums Feed(Sums s, const Byte* src, ptrdiff_t length) {
-  if (length < 16) return FeedPlain(s, src, length);
+template <bool kAhead>
+QV_INLINE Sums FeedVectors(Sums s, const Byte* src, ptrdiff_t length) {
   VectorSums v = {Zero(), Zero(), Zero()};
   ptrdiff_t n = length % kVecBytes, vectors = length / kVecBytes;
   if (n != 0) {
@@ -131,9 +140,9 @@ Sums Feed(Sums s, const Byte* src, ptrdiff_t length) {
     while (count > 0) {
       const ptrdiff_t run = count < WeightedRun::kRun ? count : WeightedRun::kRun;
       if (run == 8)
-        AddRun<true>(v, src, run);
+        AddRun<true, kAhead>(v, src, run);
       else
-        AddRun<false>(v, src, run);
+        AddRun<false, kAhead>(v, src, run);
       src += run * kVecBytes;
       count -= run;
     }
@@ -148,6 +157,13 @@ Sums Feed(Sums s, const Byte* src, ptrdiff_t length) {
     v = {Zero(), Zero(), Zero()};
     n = 0;
   }
+}
+
+Sums Feed(Sums s, const Byte* src, ptrdiff_t length) {
+  if (length < 16) return FeedPlain(s, src, length);
+  // Narrower vectors take longer to sum than to fetch.
+  if (kVecBytes < 64 || length < kLongMessage) return FeedVectors<false>(s, src, length);
+  return FeedVectors<true>(s, src, length);
 }
 
 #else

@@ -5,7 +5,7 @@
 
 #if QV_HAS_VECTORS
 #include "dispatch/VariantIndex.h"
-#include "kernels/checksum/CrcFold.h"
+#include "kernels/checksum/CrcRecurrence.h"
 #endif
 
 namespace qv::QV_LEVEL {
@@ -41,10 +41,17 @@ uint32_t FeedSliced(uint32_t r, const Byte* src, ptrdiff_t length) {
 
 QV_INLINE uint32_t Feed(uint32_t r, const Byte* src, ptrdiff_t length) {
   if constexpr (kHasCarryless && kHasBytePermute) {
-    if (Current(CarrylessLevel) >= 2 && length >= kFold512Min) return FeedFolded512(r, src, length);
+    if (const int level = Current(CarrylessLevel); length >= kFold512Min) {
+      if (level >= 3) return FeedFolded512<true>(r, src, length);
+      if (level >= 2) return FeedFolded512<false>(r, src, length);
+    }
   }
   if constexpr (kHasCarryless && kHasByteShuffle) {
-    if (Current(CarrylessLevel) >= 1 && length >= kFold128Min) return FeedFolded128(r, src, length);
+    if (Current(CarrylessLevel) >= 1 && length >= kFold128Min) {
+      // Vectors of 16 bytes would take in more of them than they are worth.
+      if (kVecBytes == 32 && length >= kRecurrenceMin) return FeedRecurrence(r, src, length);
+      return FeedFolded128(r, src, length);
+    }
   }
   return FeedSliced(r, src, length);
 }

@@ -7,7 +7,9 @@
 #ifndef QV_KERNELS_CHECKSUM_CRCFOLD_H
 #define QV_KERNELS_CHECKSUM_CRCFOLD_H
 
+#include "kernels/checksum/CrcMatrices.h"
 #include "kernels/checksum/CrcPolynomial.h"
+#include "kernels/level/Ahead.h"
 #include "kernels/level/Carryless.h"
 
 namespace qv::QV_LEVEL {
@@ -15,7 +17,7 @@ namespace qv::QV_LEVEL {
 namespace {
 
 constexpr int kFold128Min = 16;
-constexpr int kFold512Min = 256;
+constexpr int kFold512Min = 32;
 constexpr int kAlignMin = 4096;
 
 // ---- 128-bit vectors ---------------------------------------------------------------------------
@@ -115,16 +117,6 @@ QV_INLINE QV_CARRYLESS_WIDE Vec Fold512(Vec a, Vec factors, Vec b) {
   return Xor(MulCarryless<0, 0>(a, factors), MulCarryless<1, 1>(a, factors), b);
 }
 
-// The four polynomials of a vector, each moved up to its distance from the last one, as one.
-QV_INLINE QV_CARRYLESS_WIDE Vec128 Gather512(Vec x) {
-  alignas(64) static constexpr int64_t kDistances[8] = {
-      crc::MoveUp(384 + 64), crc::MoveUp(384), crc::MoveUp(256 + 64), crc::MoveUp(256),
-      crc::MoveUp(128 + 64), crc::MoveUp(128), 0,                     0};
-  const Vec last = Select(0xFFFFull << 48, x, Zero());
-  const Vec sum = Fold512(x, Load(kDistances), last);
-  return Xor(Xor(Lane<0>(sum), Lane<1>(sum)), Xor(Lane<2>(sum), Lane<3>(sum)));
-}
-
 // As Append128, n from 1 to 63; 64 bytes before `end` are readable.
 QV_INLINE QV_CARRYLESS_WIDE Vec Append512(Vec x, const Byte* end, ptrdiff_t n) {
   const unsigned long long fresh = ~0ull << (64 - n);
@@ -134,25 +126,34 @@ QV_INLINE QV_CARRYLESS_WIDE Vec Append512(Vec x, const Byte* end, ptrdiff_t n) {
   return Fold512(front, LoadSplat128(kFactors<64>), rest);
 }
 
-template <int count>
-QV_INLINE QV_CARRYLESS_WIDE void HalveFold512(Vec* x) {
-  const Vec factors = LoadSplat128(kFactors<32 * count>);
-#pragma GCC unroll 8
-  for (int i = 0; i < count / 2; ++i) x[i] = Fold512(x[i], factors, x[i + count / 2]);
-}
+// Folds eight neighbouring vectors onto the eight that follow them in memory. kByMatrices shares
+// the work between two units: while one multiplies three vectors, the other makes five vanish.
+constexpr int kBlockBytes = 512;
+constexpr bool kMultiplied[8] = {true, false, true, false, true, false, false, false};
 
-template <int count>
+template <bool kByMatrices>
 QV_INLINE QV_CARRYLESS_WIDE void StepFold512(Vec* x, const Byte* src) {
-  const Vec factors = LoadSplat128(kFactors<64 * count>);
+  const Vec factors = LoadSplat128(kFactors<kBlockBytes>);
+  Vec v[16];
+#pragma GCC unroll 16
+  for (int i = 0; i < 16; ++i) v[i] = i < 8 ? x[i] : Load(src + 64 * (i - 8));
 #pragma GCC unroll 8
-  for (int i = 0; i < count; ++i) x[i] = Fold512(x[i], factors, Load(src + 64 * i));
+  for (int i = 0; i < 8; ++i)
+    if (kByMatrices && !kMultiplied[i])
+      FoldByMatrices(v + i);
+    else
+      v[i + 8] = Fold512(v[i], factors, v[i + 8]);
+#pragma GCC unroll 8
+  for (int i = 0; i < 8; ++i) x[i] = v[i + 8];
 }
 
-inline QV_CARRYLESS_WIDE uint32_t FeedFolded512(uint32_t r, const Byte* src, ptrdiff_t length) {
+// Folds the front of a message, `start` added to its first 16 bytes, onto the last eight vectors of
+// it that leave fewer than 512 bytes, and returns the place of what is left.
+template <bool kByMatrices>
+QV_INLINE QV_CARRYLESS_WIDE const Byte* FoldBlocks(Vec* x, Vec128 start, const Byte* src,
+                                                   ptrdiff_t length) {
   const Byte* const end = src + length;
-  constexpr int kChains = 8;
-  Vec x[kChains];
-  x[0] = Xor(Load(src), FromLaneAlone(FromBits32(r)));
+  x[0] = Xor(Load(src), FromLaneAlone(start));
   // Loads across cache lines would slow a long loop down.
   if (const ptrdiff_t lead = -reinterpret_cast<intptr_t>(src) & 63;
       lead != 0 && length >= kAlignMin) {
@@ -160,23 +161,47 @@ inline QV_CARRYLESS_WIDE uint32_t FeedFolded512(uint32_t r, const Byte* src, ptr
     src += lead;
   }
 #pragma GCC unroll 8
-  for (int i = 1; i < 4; ++i) x[i] = Load(src + 64 * i);
-  if (end - src >= 64 * kChains) {
-#pragma GCC unroll 8
-    for (int i = 4; i < kChains; ++i) x[i] = Load(src + 64 * i);
-    for (src += 64 * kChains; end - src >= 64 * kChains; src += 64 * kChains)
-      StepFold512<kChains>(x, src);
-    HalveFold512<8>(x);
-  } else {
-    src += 256;
+  for (int i = 1; i < 8; ++i) x[i] = Load(src + 64 * i);
+  for (src += kBlockBytes; end - src >= kBlockBytes; src += kBlockBytes) {
+    if (length >= kLongMessage) Prefetch<kBlockBytes>(src + kPageBytes);
+    StepFold512<kByMatrices>(x, src);
   }
-  if (end - src >= 256) StepFold512<4>(x, src), src += 256;
-  HalveFold512<4>(x);
-  if (end - src >= 128) StepFold512<2>(x, src), src += 128;
-  HalveFold512<2>(x);
-  if (end - src >= 64) StepFold512<1>(x, src), src += 64;
-  if (src != end) x[0] = Append512(x[0], end, end - src);
-  return Remainder128(Gather512(x[0]));
+  return src;
+}
+
+// Factors that move the 16-byte parts of up to 2 KiB up to the last of them, in the order of the
+// parts; the last one's move it by nothing. Behind them are zeros, for vectors of fewer parts.
+constexpr ptrdiff_t kNearBytes = 2048;
+alignas(64) constexpr auto kNearFactors = crc::NearFactors<kNearBytes / 16>();
+
+QV_INLINE const int64_t* FactorsOfLast(ptrdiff_t bytes) {
+  return kNearFactors.of + 2 * (kNearBytes / 16 - bytes / 16);
+}
+
+// Every part of what the blocks leave is moved to the last part at once, each by a factor of its
+// own, which takes as many products as folding one onto another and waits less. So does the
+// register: a call that continues another has done all else when the other's result is there.
+template <bool kByMatrices>
+QV_CARRYLESS_WIDE uint32_t FeedFolded512(uint32_t r, const Byte* src, ptrdiff_t length) {
+  const Byte* const end = src + length;
+  const bool near = length < kNearBytes + 16;
+  const Vec128 start = FromBits32(r), nothing = FromBits32(0);
+  Vec sum = Zero();
+  if (length >= 2 * kBlockBytes) {
+    Vec x[8];
+    src = FoldBlocks<kByMatrices>(x, near ? nothing : start, src, length);
+    const int64_t* const factors = FactorsOfLast(end - src + kBlockBytes);
+#pragma GCC unroll 8
+    for (int i = 7; i >= 0; --i) sum = Fold512(x[i], Load(factors + 8 * i), sum);
+  }
+  const int64_t* factors = FactorsOfLast(end - src);
+  for (; end - src >= 64; src += 64, factors += 8) sum = Fold512(Load(src), Load(factors), sum);
+  const ptrdiff_t rest = end - src;
+  if (rest >= 16) sum = Fold512(LoadPart(src, (1ull << (rest & 48)) - 1), Load(factors), sum);
+  Vec128 last = Xor(Xor(Lane<0>(sum), Lane<1>(sum)), Xor(Lane<2>(sum), Lane<3>(sum)));
+  if (near) last = Xor(last, MulCarryless<0, 0>(start, Load128(FactorsOfLast(length))));
+  if (rest % 16 != 0) last = Append128(last, end, rest % 16);
+  return Remainder128(last);
 }
 
 }  // namespace

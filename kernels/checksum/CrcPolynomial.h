@@ -39,6 +39,25 @@ consteval int64_t MoveUp() {
 // The same with the product placed 32 coefficients higher in the 128-bit word.
 consteval int64_t MoveUpRaised(int n) { return static_cast<int64_t>(PowerOfX(n - 1)); }
 
+// x^-1 modulo P: TimesX, backwards, of x^0.
+constexpr uint32_t kInverseOfX = (0x80000000 ^ kPolynomial) << 1 | 1;
+static_assert(TimesX(kInverseOfX) == 0x80000000);
+
+// Factors that move each of `count` 16-byte parts up to the last of them, for the low 64 bits in
+// memory order and the high ones, and zeros for three parts more.
+template <int count>
+struct NearFactors {
+  int64_t of[2 * (count + 3)] = {};
+
+  consteval NearFactors() {
+    uint32_t power = kInverseOfX;  // x^(n-1) as in MoveUp
+    for (int i = 2 * count; i-- > 0;) {
+      of[i] = static_cast<int64_t>(uint64_t{power} << 32);
+      for (int bit = 0; bit < 64; ++bit) power = TimesX(power);
+    }
+  }
+};
+
 // The quotient x^96 / P has the coefficients of x^64 to x^0; this is it without the last one, as a
 // reflected 64-bit word that stands for x^64 to x^1. Long division: the remainder is shifted up
 // place by place, and every x^32 that leaves it is a coefficient of the quotient.

@@ -4,8 +4,8 @@
 #include "kernels/level/PlainFloats.h"
 
 #if QV_HAS_VECTORS
-#include "kernels/composite/Ahead.h"
 #include "kernels/composite/OverBlock.h"
+#include "kernels/level/Ahead.h"
 #endif
 
 namespace qv::QV_LEVEL {

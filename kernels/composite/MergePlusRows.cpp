@@ -4,8 +4,8 @@
 #include "kernels/level/Level.h"
 
 #if QV_HAS_VECTORS
-#include "kernels/composite/Ahead.h"
 #include "kernels/composite/Alphas.h"
+#include "kernels/level/Ahead.h"
 #endif
 
 namespace qv::QV_LEVEL {

@@ -152,7 +152,8 @@ void Case::Compare(const std::function<int()>& call) {
     w.expected.assign(w.begin, w.begin + w.size);
     if (!KeepsPadding(w)) Fail("generic", "a byte outside the rows was written");
   }
-  for (const Level& level : levels_) {
+  for (Level level : levels_) {
+    level.carrylessLevel = random.Between(0, level.carrylessLevel);
     for (Writable& w : writables_) std::memcpy(w.begin, w.initial.data(), w.size);
     const UseLevel use(level);
     const int result = call();

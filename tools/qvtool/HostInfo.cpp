@@ -55,7 +55,8 @@ int AffinityProcessors() {
 
 HostInfo DescribeHost() {
   constexpr const char* kVariants[] = {"generic", "SSE", "SSE2", "SSE3", "SSSE3"};
-  constexpr const char* kCarryless[] = {"none", "16-byte vectors", "64-byte vectors"};
+  constexpr const char* kCarryless[] = {"none", "16-byte vectors", "64-byte vectors",
+                                       "64-byte vectors, matrices"};
 
   HostInfo host;
   host.cpuCode = qv::DetectCpuCode(qv::ReadCpuidLeaves());

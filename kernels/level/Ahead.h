@@ -1,6 +1,6 @@
-// Fetching what rows of a large frame will read.
-#ifndef QV_KERNELS_COMPOSITE_AHEAD_H
-#define QV_KERNELS_COMPOSITE_AHEAD_H
+// Fetching what rows of a large frame, or checksums of a long message, will read.
+#ifndef QV_KERNELS_LEVEL_AHEAD_H
+#define QV_KERNELS_LEVEL_AHEAD_H
 
 #include "kernels/level/Level.h"
 
@@ -8,8 +8,10 @@ namespace qv::QV_LEVEL {
 
 // Processors fetch ahead by themselves, but not from a page to the next: this is for frames that
 // come from memory. A page ahead was the best distance; half of it was slower than nothing, and so
-// was all of it for frames that the caches hold.
+// was all of it for frames that the caches hold. Messages gain from the size on that the second
+// level of cache does not hold.
 constexpr ptrdiff_t kPageBytes = 4096;
+constexpr ptrdiff_t kLongMessage = ptrdiff_t{1} << 20;
 
 // `bytes` bytes, line by line.
 template <int bytes>
