@@ -276,6 +276,13 @@ bool QuickGathersOf(const CpuidLeaves& leaves) {
   return IsGenuineIntel(leaves) && WideLevelOf(leaves) > 0;
 }
 
+bool QuickDivisionOf(const CpuidLeaves& leaves) {
+  const uint32_t version = leaves.leaf1.eax;
+  const uint32_t family = ((version >> 8) & 0xF) + ((version >> 20) & 0xFF);
+  return IsAuthenticAmd(leaves) && family >= 0x1A &&
+         WideLevelOf(leaves) >= InfoOf(LevelId::avx512).wide;
+}
+
 ptrdiff_t LongMoveBytesOf(const CpuidLeaves& leaves) {
   const bool quick = IsAuthenticAmd(leaves) && leaves.leaf0.eax >= 7 &&
                      Has(leaves.leaf7.ebx, EnhancedMoves) && Has(leaves.leaf7.edx, QuickShortMoves);
@@ -289,6 +296,7 @@ IppStatus SelectProcessorVariant(const CpuidLeaves& leaves) {
   HasSse = HasCpuid(leaves) && ProcessorInfoOf(leaves).hasSse;
   LastCacheBytes = LastCacheBytesOf(leaves);
   QuickGathers = WideLevel > 0 && QuickGathersOf(leaves);
+  QuickDivision = WideLevel > 0 && QuickDivisionOf(leaves);
   LongMoveBytes = LongMoveBytesOf(leaves);
   if (!HasCpuid(leaves) || !IsGenuineIntel(leaves)) return StatusCpuUnknown;
   return StatusOk;

@@ -107,6 +107,10 @@ ptrdiff_t LastCacheBytesOf(const CpuidLeaves& leaves);
 // them (0x15 on), and cost more than the loads that they stand for.
 bool QuickGathersOf(const CpuidLeaves& leaves);
 
+// Whether divisions of 64-byte vectors are quick: AMD's Zen 5 (family 0x1A) and what follows it
+// divide sixteen floats every 2.5 cycles. Intel's processors take some 8 to 10.
+bool QuickDivisionOf(const CpuidLeaves& leaves);
+
 // Bytes from which on a repeated move (REP MOVSB) is the quickest copy, or kNoLongMoves. It is on
 // AMD's processors that have it enhanced, and quick for short strings as well (from Zen 3 on):
 // measured on Zen 5, it is 1.03 to 1.06 times as fast as memcpy from 1 MiB on, which is where GNU's

@@ -2,7 +2,7 @@
 // are written while the library is loaded; until then kernels run their generic rows. A host may
 // lower the first three later, one after the other and while calls run: whatever the mixture, the
 // processor can do it, and what a kernel writes is the same. Bytes never depend on LastCacheBytes,
-// QuickGathers and LongMoveBytes.
+// QuickGathers, QuickDivision and LongMoveBytes.
 #ifndef QV_DISPATCH_VARIANTINDEX_H
 #define QV_DISPATCH_VARIANTINDEX_H
 
@@ -38,6 +38,10 @@ extern QV_HIDDEN ptrdiff_t LastCacheBytes;
 
 // Whether a gather beats as many loads of single elements. False on processors without AVX2.
 extern QV_HIDDEN bool QuickGathers;
+
+// Whether dividing three vectors of floats by a fourth beats multiplying them by its reciprocal in
+// two terms. False on processors without AVX-512.
+extern QV_HIDDEN bool QuickDivision;
 
 // Bytes from which on a copy is best done by one repeated move, if source and destination lie alike
 // in their cache lines.

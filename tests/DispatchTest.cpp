@@ -129,6 +129,7 @@ class Dispatch : public testing::Test {
     CarrylessLevel = carryless_;
     LastCacheBytes = lastCache_;
     QuickGathers = gathers_;
+    QuickDivision = division_;
     LongMoveBytes = longMove_;
   }
 
@@ -137,7 +138,7 @@ class Dispatch : public testing::Test {
   const int wide_ = WideLevel;
   const int carryless_ = CarrylessLevel;
   const ptrdiff_t lastCache_ = LastCacheBytes;
-  const bool gathers_ = QuickGathers;
+  const bool gathers_ = QuickGathers, division_ = QuickDivision;
   const ptrdiff_t longMove_ = LongMoveBytes;
 };
 
@@ -324,27 +325,30 @@ TEST_F(Dispatch, ChoosesTheWideLevel) {
   EXPECT_EQ(CarrylessLevel, 0);
 }
 
-TEST_F(Dispatch, MovesBytesOnAmdsProcessorsThatAreQuickAtIt) {
+TEST_F(Dispatch, MovesAndDividesOnAmdsProcessorsThatAreQuickAtIt) {
   const struct {
     const char* vendor;  // EBX, EDX and ECX of leaf 0
-    unsigned highestLeaf, enhanced, quickShort;
-    bool moves;
+    unsigned highestLeaf, version, enhanced, quickShort;
+    bool moves, divides;
   } cases[] = {
-      {"AuthenticAMD", 7, 1u << 9, 1u << 4, true},
-      {"AuthenticAMD", 7, 0, 1u << 4, false},
-      {"AuthenticAMD", 7, 1u << 9, 0, false},
-      {"AuthenticAMD", 6, 1u << 9, 1u << 4, false},
-      {"GenuineIntel", 7, 1u << 9, 1u << 4, false},
+      {"AuthenticAMD", 7, 0x00B00F21, 1u << 9, 1u << 4, true, true},
+      {"AuthenticAMD", 7, 0x00A10F11, 1u << 9, 1u << 4, true, false},
+      {"AuthenticAMD", 7, 0x00B00F21, 0, 1u << 4, false, true},
+      {"AuthenticAMD", 7, 0x00B00F21, 1u << 9, 0, false, true},
+      {"AuthenticAMD", 6, 0x00B00F21, 1u << 9, 1u << 4, false, false},
+      {"GenuineIntel", 7, 0x00B00F21, 1u << 9, 1u << 4, false, false},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.vendor);
     CpuidLeaves leaves = WidestLeaves();
     SetVendor(leaves, c.vendor);
     leaves.leaf0.eax = c.highestLeaf;
+    leaves.leaf1.eax = c.version;
     leaves.leaf7.ebx |= c.enhanced;
     leaves.leaf7.edx |= c.quickShort;
     SelectProcessorVariant(leaves);
     EXPECT_EQ(LongMoveBytes, c.moves ? 1 << 20 : kNoLongMoves);
+    EXPECT_EQ(QuickDivision, c.divides);
   }
 }
 

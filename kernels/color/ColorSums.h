@@ -57,13 +57,16 @@ QV_INLINE Colours Wholes(const ColorSums& sums) {
 
 // ---- Stores of a block, where bytes are shuffled within 128-bit lanes ---------------------------
 
-// A lane has eight pixels of each half, two bytes a pixel: 0, 2, 4, 6, 1, 3, 5, 7. Blue and green
-// share a vector. Red is alone, after a byte of what was its fraction, which nothing takes.
+// The bytes of a colour, each after one of what was its fraction. A lane has eight pixels of each
+// half: 0, 2, 4, 6, 1, 3, 5, 7.
+QV_INLINE Vec AfterFractions(const Sums& sums) { return PackUnsigned16(sums.even, sums.odd); }
+
+// Blue and green share a vector, blue where fractions were. Red is alone: nothing takes its
+// fractions.
 QV_INLINE Vec BlueAndGreen(const ColorSums& half) {
-  return PackUnsigned16(HighHalves16(half.blue.even, half.green.even),
-                        HighHalves16(half.blue.odd, half.green.odd));
+  return Or(ShiftRight16<8>(AfterFractions(half.blue)),
+            And(AfterFractions(half.green), Splat16(0xFF00)));
 }
-QV_INLINE Vec AfterFractions(const Sums& red) { return PackUnsigned16(red.even, red.odd); }
 
 // Where byte `byte` of a lane's 48 bytes B, G, R is found. The first 16 come from the first half,
 // the last ones from the second half, and those between from both, of which OddThenEven32 keeps

@@ -67,7 +67,8 @@ QV_INLINE OverWeights WeightsOfSixteen(Vec fgAlpha, Vec bgAlpha, Vec merged) {
 
 // 1 / divisor in two terms. For every sum from 2^-20 to 256 and each of the 256 divisors, the
 // integer nearest to sum * (high + low), rounded to single precision, is that of a division: they
-// have been compared. Smaller quotients are below 1/2.
+// have been compared. Smaller quotients are below 1/2. Three divisions take longer, but not where
+// QuickDivision says so.
 struct Reciprocal {
   Floats high, low;
 
@@ -83,7 +84,7 @@ struct Channels {
   Vec c[3];
 };
 
-template <int first>
+template <int first, bool kByDivision>
 QV_INLINE Channels MergedChannels(Vec f, Vec b, const OverWeights& w) {
   static constexpr ByteTable kChannel[3] = {
       MakeByteTable([](int i) { return first + i / 4 * 3; }),
@@ -97,7 +98,7 @@ QV_INLINE Channels MergedChannels(Vec f, Vec b, const OverWeights& w) {
     };
     const Floats sum = AddFloat(MulFloat(channel(f), w.foreground),
                                 MulFloat(w.background, channel(b)));
-    merged.c[c] = NearestInts(reciprocal.Times(sum));
+    merged.c[c] = NearestInts(kByDivision ? DivFloat(sum, w.divisor) : reciprocal.Times(sum));
   }
   return merged;
 }
@@ -111,6 +112,7 @@ constexpr int ByteOfQuads(int i, int third) {
 // Two vectors at once, and the weights of both first: so most is under way at any time. Colours are
 // converted and multiplied, not taken out of a fused multiplication that begins with 2^23 + x: its
 // third operand and the merging permute's made an AMD Zen wait.
+template <bool kByDivision>
 QV_INLINE void OverPermuted(const OverPixels& p) {
   // The bytes of a whole vector, and then of the half that follows.
   static constexpr ByteTable kWhole = MakeByteTable(
@@ -122,8 +124,8 @@ QV_INLINE void OverPermuted(const OverPixels& p) {
     return WeightsOfSixteen(alphas(p.fgAlpha), alphas(p.bgAlpha), alphas(p.merged));
   };
   const OverWeights w = weights(0), w2 = weights(16);
-  const Channels r = MergedChannels<0>(LoadOnce(p.fg), LoadOnce(p.bg), w);
-  const Channels r2 = MergedChannels<16>(LoadOnce(p.fg + 32), LoadOnce(p.bg + 32), w2);
+  const Channels r = MergedChannels<0, kByDivision>(LoadOnce(p.fg), LoadOnce(p.bg), w);
+  const Channels r2 = MergedChannels<16, kByDivision>(LoadOnce(p.fg + 32), LoadOnce(p.bg + 32), w2);
   const Vec third = PackSigned32(r.c[2], r2.c[2]);
   const Vec quads = PackUnsigned16(PackSigned32(r.c[0], r.c[1]), third);
   const Vec quads2 = PackUnsigned16(PackSigned32(r2.c[0], r2.c[1]), third);
@@ -137,7 +139,7 @@ QV_INLINE void OverMasked(const OverPixels& p, ptrdiff_t bytes) {
   const unsigned long long colours = FirstOf64(bytes, 0), pixels = FirstOf64((bytes + 2) / 3, 0);
   const OverWeights w = WeightsOfSixteen(
       LoadPart(p.fgAlpha, pixels), LoadPart(p.bgAlpha, pixels), LoadPart(p.merged, pixels));
-  const Channels r = MergedChannels<0>(LoadPart(p.fg, colours), LoadPart(p.bg, colours), w);
+  const Channels r = MergedChannels<0, false>(LoadPart(p.fg, colours), LoadPart(p.bg, colours), w);
   const Vec merged = PermuteBytes(PackThree(r.c), Load(kInterleave.b));
   if (bytes < 48) {
     StorePart(p.fg, merged, colours);
@@ -271,9 +273,10 @@ static_assert(kOverPermuted || kOverTwoLanes || kLanes128 == 1);
 constexpr int kOverPixels = kOverPermuted ? 32 : kOverTwoLanes ? 8 : 16;
 constexpr int kPartPixels = kOverPermuted ? 16 : kOverPixels;
 
+template <bool kByDivision = false>
 QV_INLINE void OverBlock(const OverPixels& p) {
   if constexpr (kOverPermuted)
-    OverPermuted(p);
+    OverPermuted<kByDivision>(p);
   else if constexpr (kOverTwoLanes)
     OverTwoLanes(p);
   else

@@ -1,6 +1,7 @@
 // Copies that keep or change the pixel layout.
 #include "kernels/copy/Copy.h"
 #include "kernels/copy/CopyRow.h"
+#include "kernels/level/Ahead.h"
 #include "kernels/level/Level.h"
 
 namespace qv::QV_LEVEL {
@@ -48,11 +49,7 @@ void DupGreyRow(const Byte* src, Byte* dst, ptrdiff_t width) { DupGreyRowPlain(s
 // A line that is stored in part is read first. Where the frame is not in a core's own caches,
 // fetching it ahead takes 0.6 of the time at 3840 x 2160 on an AMD Zen 5; where it is, a thirtieth
 // more.
-template <int bytes>
-QV_INLINE void FetchAhead(const Byte* dst) {
-  constexpr int kAhead = 1024;
-  for (int line = 0; line < bytes; line += 64) __builtin_prefetch(dst + kAhead + line, 1);
-}
+constexpr ptrdiff_t kAhead = 1024;
 
 // Byte j of the k-th vector of three-byte pixels belongs to pixel (k * kVecBytes + j) / 3. Where a
 // shuffle stays inside its 128-bit lane, the index counts from the lane's 16 source pixels.
@@ -68,7 +65,7 @@ void ChannelRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] bo
               index2 = Load(&kPixelOfByte<2>);
     // Only the first byte of each pixel.
     const auto put = [&](Byte* to, Vec grey, ptrdiff_t pixels) {
-      if (fetches) FetchAhead<192>(to);
+      if (fetches) PrefetchToStore<192>(to + kAhead);
       StorePart(to, PermuteBytes(grey, index0), EveryThird(0) & FirstOf64(3 * pixels, 0));
       StorePart(to + 64, PermuteBytes(grey, index1), EveryThird(2) & FirstOf64(3 * pixels, 64));
       StorePart(to + 128, PermuteBytes(grey, index2), EveryThird(1) & FirstOf64(3 * pixels, 128));
@@ -89,6 +86,10 @@ void ChannelRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] bo
   }
 }
 
+// The source of a frame that passes the caches is fetched that far ahead: at 3840 x 2160 it takes
+// 0.9 of the time on an AMD Zen 5, with a third of the distance 0.98.
+constexpr ptrdiff_t kSourceAhead = 3 * kPageBytes;
+
 void DropAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] bool stream) {
   ptrdiff_t k = 0;
   if constexpr (kHasBytePermute) {
@@ -101,6 +102,7 @@ void DropAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] 
     const auto block = [&](ptrdiff_t x, auto store) {
       const Vec v0 = Load(src + 4 * x), v1 = Load(src + 4 * x + 64),
                 v2 = Load(src + 4 * x + 128), v3 = Load(src + 4 * x + 192);
+      if constexpr (store.kPastCaches) Prefetch<256>(src + 4 * x + kSourceAhead);
       store(dst + 3 * x, PermuteBytes2(v0, index0, v1));
       store(dst + 3 * x + 64, PermuteBytes2(v1, index1, v2));
       store(dst + 3 * x + 128, PermuteBytes2(v2, index2, v3));
@@ -117,6 +119,7 @@ void DropAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] 
         MakeTwelve(2, WithoutFourths), MakeTwelve(3, WithoutFourths)};
     const bool done =
         CoverWithLanes<false>(dst, width, stream, [=](int i, ptrdiff_t x, ptrdiff_t apart) {
+          if (stream && i == 0) Prefetch<4 * kVecBytes>(src + 4 * x + kSourceAhead);
           const Vec v = LoadLanes(src + 4 * x + 16 * i, 4 * apart);
           return ShuffleBytes(v, Load(&kTwelve[i]));
         });
@@ -144,7 +147,7 @@ void KeepAlphaRow(const Byte* src, Byte* dst, ptrdiff_t width, [[maybe_unused]] 
       part(0, k);
     }
     for (; k <= width - 22; k += 16) {  // 64 bytes read for 48 that are used
-      if (fetches) FetchAhead<64>(dst + 4 * k);
+      if (fetches) PrefetchToStore<64>(dst + 4 * k + kAhead);
       StorePart(dst + 4 * k, PermuteBytes(Load(src + 3 * k), index), colours);
     }
     for (; k < width; k += 16) part(k, width - k);

@@ -1,14 +1,16 @@
 // Mirror images.
 #include "kernels/copy/Copy.h"
 #include "kernels/copy/CopyRow.h"
+#include "kernels/level/Ahead.h"
 #include "kernels/level/Level.h"
 
 namespace qv::QV_LEVEL {
 
 namespace {
 
-// The last `width` pixels of a row whose first ones have been mirrored: source pixel x, of `src`,
-// goes to destination pixel width - 1 - x of `dst`.
+// A row mirrored: source pixel x goes to destination pixel width - 1 - x, past the caches if
+// `stream`. kFetches: the row that begins `ahead` bytes after the source's is asked for meanwhile.
+
 template <int kChannels>
 QV_INLINE void ReverseRowPlain(const Byte* src, Byte* dst, ptrdiff_t width) {
   for (ptrdiff_t x = 0; x < width; ++x)
@@ -18,24 +20,26 @@ QV_INLINE void ReverseRowPlain(const Byte* src, Byte* dst, ptrdiff_t width) {
 
 #if !QV_HAS_VECTORS
 
-template <int kChannels>
-void ReverseRow(const Byte* src, Byte* dst, ptrdiff_t width, bool) {
+template <int kChannels, bool>
+QV_INLINE void ReverseRow(const Byte* src, Byte* dst, ptrdiff_t width, bool, ptrdiff_t) {
   ReverseRowPlain<kChannels>(src, dst, width);
 }
 
 #else
 
-template <int kChannels>
-void ReverseRow(const Byte* src, Byte* dst, ptrdiff_t width, bool stream);
-
-template <>
-void ReverseRow<1>(const Byte* src, Byte* dst, ptrdiff_t width, bool stream) {
+template <bool kFetches>
+QV_INLINE void ReverseBytesOf(const Byte* src, Byte* dst, ptrdiff_t width, bool stream,
+                              [[maybe_unused]] ptrdiff_t ahead) {
   Byte* const end = dst + width;  // blocks go down from here
-  const bool done = CoverWithBlocks<kVecBytes, kVecBytes < 64 ? 2 : 1>(
-      width, stream,
-      [&](ptrdiff_t x, auto store) { store(end - kVecBytes - x, ReverseBytes(Load(src + x))); },
-      kVecBytes + 1 - BytesToAlign(end - 1));
-  if (!done) ReverseRowPlain<1>(src, dst, width);
+  const auto vector = [=](ptrdiff_t x, auto store) {
+    store(end - kVecBytes - x, ReverseBytes(Load(src + x)));
+  };
+  const auto line = [=](ptrdiff_t x, auto store) {
+    if constexpr (kFetches) Prefetch<64>(src + x + ahead);
+    for (int i = 0; i < 64; i += kVecBytes) vector(x + i, store);
+  };
+  if (CoverWithBlocks<64>(width, stream, line, 65 - BytesToAlign<64>(end - 1))) return;
+  if (!CoverWithBlocks<kVecBytes>(width, false, vector)) ReverseRowPlain<1>(src, dst, width);
 }
 
 // n three-byte pixels in three vectors of n bytes, mirrored: byte j of the result is byte
@@ -55,9 +59,9 @@ constexpr unsigned long long MiddleFromLast() {
   return mask;
 }
 
-template <>
-void ReverseRow<3>(const Byte* src, Byte* dst, ptrdiff_t width,
-                   [[maybe_unused]] bool stream) {
+template <bool kFetches>
+QV_INLINE void ReverseTriples(const Byte* src, Byte* dst, ptrdiff_t width,
+                              [[maybe_unused]] bool stream, [[maybe_unused]] ptrdiff_t ahead) {
   Byte* const end = dst + 3 * width;  // blocks go down from here
   if constexpr (kHasBytePermute) {
     const Vec to0 = Load(&kMirror<0, 1>), to1 = Load(&kMirror<1, 0>),
@@ -67,6 +71,7 @@ void ReverseRow<3>(const Byte* src, Byte* dst, ptrdiff_t width,
         [&](ptrdiff_t x, auto store) {
           const Vec v0 = Load(src + 3 * x), v1 = Load(src + 3 * x + 64),
                     v2 = Load(src + 3 * x + 128);
+          if constexpr (kFetches) Prefetch<192>(src + 3 * x + ahead);
           Byte* const to = end - 192 - 3 * x;
           store(to, PermuteBytes2(v1, to0, v2));
           store(to + 64, PermuteBytesOver(PermuteBytes2(v0, to1, v1), MiddleFromLast(), v2, to1));
@@ -84,6 +89,9 @@ void ReverseRow<3>(const Byte* src, Byte* dst, ptrdiff_t width,
     const Byte* const last = src + 3 * (width - 16);
     const bool done =
         CoverWithLanes<true>(dst, width, stream, [=](int i, ptrdiff_t x, ptrdiff_t apart) {
+          if constexpr (kFetches)
+            if (stream && i == 0)
+              Prefetch<3 * kVecBytes>(src + 3 * (width - kVecBytes - x) + ahead);
           const Byte* const from = last - 3 * x + (i == 0 ? 32 : 36 - 12 * i);
           return ShuffleBytes(LoadLanes(from, -3 * apart), Load(&kTwelve[i]));
         });
@@ -97,7 +105,26 @@ void ReverseRow<3>(const Byte* src, Byte* dst, ptrdiff_t width,
   }
 }
 
+template <int kChannels, bool kFetches>
+QV_INLINE void ReverseRow(const Byte* src, Byte* dst, ptrdiff_t width, bool stream,
+                          ptrdiff_t ahead) {
+  if constexpr (kChannels == 1)
+    ReverseBytesOf<kFetches>(src, dst, width, stream, ahead);
+  else
+    ReverseTriples<kFetches>(src, dst, width, stream, ahead);
+}
+
 #endif
+
+// Not inline: with all forms in one function, rows of 200 pixels take 1.3 times as long (GCC 12).
+template <int kChannels, bool kFetches>
+__attribute__((noinline)) void ReverseRows(const Byte* src, ptrdiff_t srcStep, Byte* dst,
+                                           ptrdiff_t dstStep, ptrdiff_t width, ptrdiff_t height,
+                                           bool stream) {
+  for (ptrdiff_t y = 0; y < height; ++y)
+    ReverseRow<kChannels, kFetches>(src + y * srcStep, dst + y * dstStep, width, stream,
+                                    2 * srcStep);
+}
 
 template <int kChannels>
 QV_INLINE IppStatus Mirror(const Byte* src, int srcStep, Byte* dst, int dstStep, int width,
@@ -105,16 +132,25 @@ QV_INLINE IppStatus Mirror(const Byte* src, int srcStep, Byte* dst, int dstStep,
   if (const IppStatus status = CheckImages(src, dst, width, height); status != StatusOk)
     return status;
   if (axis != AxisHorizontal && axis != AxisVertical && axis != AxisBoth) return StatusAxisErr;
-  const ptrdiff_t rowBytes = static_cast<ptrdiff_t>(width) * kChannels;
+  const ptrdiff_t rowBytes = ptrdiff_t{width} * kChannels;
   const bool stream = PassesCaches(width, height, kChannels);
-  const CopyWay way = CopyWayOf(width, height, kChannels, stream);
-  for (int y = 0; y < height; ++y) {
-    const Byte* from = RowAt(src, srcStep, y);
-    Byte* to = RowAt(dst, dstStep, axis == AxisVertical ? y : height - 1 - y);
-    if (axis == AxisHorizontal)
-      CopyRow(from, to, rowBytes, way);
-    else
-      ReverseRow<kChannels>(from, to, width, stream);
+  Byte* const last = RowAt(dst, dstStep, ptrdiff_t{height} - 1);
+  if (axis == AxisHorizontal) {
+    const CopyWay way = CopyWayOf(width, height, kChannels, stream);
+    for (ptrdiff_t y = 0; y < height; ++y)
+      CopyRow(RowAt(src, srcStep, y), last - y * ptrdiff_t{dstStep}, rowBytes, way);
+  } else if (axis == AxisVertical) {
+    // Rows that are read forwards and written backwards make streams that end with each row. Asking
+    // for the row after the next takes 0.95 of the time at 1920 x 1080 and above on an AMD Zen 5
+    // with a last cache of 32 MiB, and a tenth more where the frame is in a core's own caches.
+    const bool large = int64_t{width} * height >= LastCacheBytes / 32 / kChannels;
+    (large ? ReverseRows<kChannels, true> : ReverseRows<kChannels, false>)(
+        src, srcStep, dst, dstStep, width, height, stream);
+  } else if (srcStep == rowBytes && dstStep == rowBytes) {
+    // No gaps between the rows: one long row.
+    ReverseRows<kChannels, false>(src, 0, dst, 0, ptrdiff_t{width} * height, 1, stream);
+  } else {
+    ReverseRows<kChannels, false>(src, srcStep, last, -ptrdiff_t{dstStep}, width, height, stream);
   }
   if (stream) StreamFence();
   return StatusOk;

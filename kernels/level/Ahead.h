@@ -1,4 +1,4 @@
-// Fetching what rows of a large frame, or checksums of a long message, will read.
+// Fetching what rows of a large frame, or checksums of a long message, will read or store.
 #ifndef QV_KERNELS_LEVEL_AHEAD_H
 #define QV_KERNELS_LEVEL_AHEAD_H
 
@@ -17,6 +17,12 @@ constexpr ptrdiff_t kLongMessage = ptrdiff_t{1} << 20;
 template <int bytes>
 QV_INLINE void Prefetch(const Byte* p) {
   for (int line = 0; line < bytes; line += 64) __builtin_prefetch(p + line);
+}
+
+// The same of bytes that are going to be stored.
+template <int bytes>
+QV_INLINE void PrefetchToStore(Byte* p) {
+  for (int line = 0; line < bytes; line += 64) __builtin_prefetch(p + line, 1);
 }
 
 }  // namespace qv::QV_LEVEL

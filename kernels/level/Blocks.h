@@ -17,12 +17,15 @@ QV_INLINE ptrdiff_t PixelsToAlign3(const Byte* p) {
   return n - static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(p) * 43 % n);
 }
 
-// The two ways to store a vector.
+// The two ways to store a vector. kPastCaches says which it is, to blocks that fetch their sources
+// ahead where these come from memory as well.
 struct StoreInCaches {
+  static constexpr bool kPastCaches = false;
   QV_INLINE void operator()(void* p, Vec v) const { Store(p, v); }
   QV_INLINE void LowHalf(void* p, Vec v) const { StoreLowHalf(p, v); }
 };
 struct StorePastCaches {
+  static constexpr bool kPastCaches = true;
   QV_INLINE void operator()(void* p, Vec v) const { StreamStore(p, v); }
   QV_INLINE void LowHalf(void* p, Vec v) const { StreamStoreLowHalf(p, v); }
 };

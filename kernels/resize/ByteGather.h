@@ -2,6 +2,7 @@
 #ifndef QV_KERNELS_RESIZE_BYTEGATHER_H
 #define QV_KERNELS_RESIZE_BYTEGATHER_H
 
+#include "kernels/level/Ahead.h"
 #include "kernels/level/Level.h"
 #include "kernels/resize/GatherPlan.h"
 
@@ -51,8 +52,7 @@ QV_INLINE Vec GatherBytes(const ByteGather& g, const Byte* row, ptrdiff_t v) {
 // cache level are resized a tenth faster so.
 template <int kLoads>
 QV_INLINE void FetchAhead(const ByteGather& g, const Byte* row, ptrdiff_t v) {
-  const Byte* const from = row + g.at[v * kLanes];
-  for (int l = 0; l < kLoads * kLaneBytes; l += 64) __builtin_prefetch(from + l);
+  Prefetch<kLoads * kLaneBytes>(row + g.at[v * kLanes]);
 }
 
 // Calls body.template operator()<n>() for the number of loads n.

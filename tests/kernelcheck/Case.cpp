@@ -36,6 +36,7 @@ void Case::Begin(std::uint64_t seed) {
   bench_ = false;
   LastCacheBytes = random.OneIn(2) ? 0 : kUnknownCacheBytes;
   QuickGathers = random.OneIn(2);
+  QuickDivision = random.OneIn(2);
   LongMoveBytes = random.OneIn(2) ? 0 : kNoLongMoves;
 }
 
@@ -87,7 +88,7 @@ void Case::FillSource(unsigned char* p, std::size_t n) {
   } else if (kind == 2) {
     std::memset(p, 255, n);
   } else if (kind == 3) {  // alternating extremes, in runs of random length
-    const unsigned run = static_cast<unsigned>(random.Between(1, 5));
+    const unsigned run = static_cast<unsigned>(random.Between(1, random.OneIn(2) ? 5 : 100));
     for (std::size_t i = 0; i < n; ++i) p[i] = i / run % 2 ? 255 : 0;
   } else if (kind == 4) {  // random extremes
     random.Fill(p, n);

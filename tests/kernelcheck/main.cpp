@@ -157,9 +157,9 @@ int main(int argc, char** argv) {
   }
   std::printf("chosen: slot %d, wide %d, carry-less %d\n", qv::VariantIndex, qv::WideLevel,
               qv::CarrylessLevel);
-  std::printf("last cache: %lld KiB, gathers: %s, long moves: %s\n",
+  std::printf("last cache: %lld KiB, gathers: %s, division: %s, long moves: %s\n",
               static_cast<long long>(qv::LastCacheBytes / 1024),
-              qv::QuickGathers ? "quick" : "slow",
+              qv::QuickGathers ? "quick" : "slow", qv::QuickDivision ? "quick" : "slow",
               qv::LongMoveBytes == qv::kNoLongMoves ? "none" : "quick");
   std::printf("levels:");
   for (const Level& level : levels) std::printf(" %s", level.name);
