@@ -30,11 +30,11 @@ struct StorePastCaches {
   QV_INLINE void LowHalf(void* p, Vec v) const { StreamStoreLowHalf(p, v); }
 };
 
-// Calls body(i) for i = from, from + kStep, ... while kStep are left before `end`, and returns where
-// they no longer are. An iteration makes kUnroll calls. A loop of two or three cycles takes one more
-// wherever a cache line of code begins a few bytes before its end (AMD Zen 5), and where it lies is
-// the linker's choice: such loops are unrolled until that hardly counts. Not those of two sources
-// in slower caches, which some make a tenth slower if they are unrolled; that is to be measured.
+// Calls body(i) for i = from, from + kStep, ... as long as kStep are left before `end`, and returns
+// the first i for which they are not. An iteration makes kUnroll calls. A loop of two or three
+// cycles takes one more wherever a cache line of code begins a few bytes before its end (AMD Zen
+// 5), and where it lies is the linker's choice: such loops are unrolled until that hardly counts.
+// Not all: rows of two sources in slower caches have become a tenth slower by it.
 template <int kStep, int kUnroll, class Body>
 QV_INLINE ptrdiff_t ForSteps(ptrdiff_t from, ptrdiff_t end, Body body) {
   ptrdiff_t i = from;
