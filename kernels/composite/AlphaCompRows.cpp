@@ -107,7 +107,7 @@ void ComposeBy(const Images& images, const Composition& c, bool stream) {
     const Byte* const a = RowAt(images.a, images.aStep, y);
     const Byte* const b = RowAt(images.b, images.bStep, y);
     Byte* const dst = RowAt(images.dst, images.dstStep, y);
-    const bool done = CoverInPlace<kVecBytes>(
+    const bool done = CoverInPlace<kVecBytes, kVecBytes == 16 ? 1 : 2>(
         bytes, stream, BytesToAlign(dst),
         [&](ptrdiff_t i) { return compose(Load(a + i), [&] { return Load(b + i); }); },
         [&](ptrdiff_t i, Vec result, auto store) { store(dst + i, result); });

@@ -19,7 +19,7 @@ void ScaleRow(const Byte* src, Byte* dst, ptrdiff_t width, int value) {
     return;
   }
   const Vec factor = Fraction255(value);
-  const bool done = CoverInPlace<kVecBytes>(
+  const bool done = CoverInPlace<kVecBytes, 4>(
       width, false, BytesToAlign(dst),
       [&](ptrdiff_t k) {
         const Vec x = LoadOnce(src + k);

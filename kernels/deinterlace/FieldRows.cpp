@@ -45,7 +45,7 @@ void BlendRowBy(const Function& blend, const Byte* a, const Byte* b, Byte* dst, 
   const auto block = [&](ptrdiff_t i, auto store) {
     store(dst + i, blend(Load(a + i), Load(b + i)));
   };
-  if (!CoverWithBlocks<kVecBytes>(bytes, stream, block, BytesToAlign(dst)))
+  if (!CoverWithBlocks<kVecBytes, 2>(bytes, stream, block, BytesToAlign(dst)))
     BlendRowPlain(a, b, dst, bytes, weightOfB);
 }
 

@@ -78,35 +78,43 @@ __attribute__((noinline)) inline void BlendValues(const Value* upper, const Valu
   const auto whole = [&](ptrdiff_t k) QV_INLINE_LAMBDA {
     return PackBytesInOrder(half(k), half(k + kVecBytes / 2));
   };
-  ptrdiff_t k = 0;
-  for (; k + kVecBytes <= bytes; k += kVecBytes) Store(dst + k, whole(k));
+  const ptrdiff_t k = ForSteps<kVecBytes, 2>(
+      0, bytes, [&](ptrdiff_t i) QV_INLINE_LAMBDA { Store(dst + i, whole(i)); });
   if (k < bytes) StoreFrom(dst, k, bytes, whole(k));
 }
 
 // Vector `v` of the values of a row, whose pairs are picked, or with no loads the row's bytes as
-// they are. Meanwhile the bytes `ahead` further are fetched.
-template <int kLoads>
+// they are. Meanwhile the bytes `ahead` further are fetched, if at all.
+template <int kLoads, bool kFetches = true>
 QV_INLINE Vec ValuesOf(const LinearGather& plan, const Byte* row, ptrdiff_t ahead, ptrdiff_t v) {
   const Vec weight = Load(plan.twiceWeight + v * (kVecBytes / 2));
   if constexpr (kLoads == 0) {
     const Byte* const pairs = row + v * kVecBytes;
-    __builtin_prefetch(pairs + ahead);
+    if constexpr (kFetches) __builtin_prefetch(pairs + ahead);
     return InterpolateVector(Load(pairs), weight);
   } else {
-    FetchAhead<kLoads>(plan.pairs, row + ahead, v);
+    if constexpr (kFetches) FetchAhead<kLoads>(plan.pairs, row + ahead, v);
     return InterpolateVector(GatherBytes<kLoads>(plan.pairs, row, v), weight);
   }
 }
 
 // Vectors `from` to end - 1 of a row of values. The plan is copied, so that the compiler need not
-// read it again after every store.
+// read it again after every store. Two vectors at a time: if a cache line has the bytes of both,
+// the first one's request is enough.
 template <int kLoads>
 __attribute__((noinline)) void InterpolateVectors(const LinearGather& shared, const Byte* row,
                                                   ptrdiff_t ahead, ptrdiff_t from, ptrdiff_t end,
                                                   Value* out) {
   const LinearGather plan = shared;
-  for (ptrdiff_t v = from; v < end; ++v)
-    Store(out + v * (kVecBytes / 2), ValuesOf<kLoads>(plan, row, ahead, v));
+  constexpr bool kFetchesBoth = 2 * kVecBytes * (kLoads > 1 ? kLoads : 1) > 64;
+  const auto put = [&](ptrdiff_t v, Vec values) QV_INLINE_LAMBDA {
+    Store(out + v * (kVecBytes / 2), values);
+  };
+  const ptrdiff_t last = ForSteps<2, 1>(from, end, [&](ptrdiff_t v) QV_INLINE_LAMBDA {
+    put(v, ValuesOf<kLoads>(plan, row, ahead, v));
+    put(v + 1, ValuesOf<kLoads, kFetchesBoth>(plan, row, ahead, v + 1));
+  });
+  if (last < end) put(last, ValuesOf<kLoads>(plan, row, ahead, last));
 }
 
 // The same vectors of a destination row, from both source rows at once. `from` is even.

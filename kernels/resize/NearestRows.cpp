@@ -44,10 +44,10 @@ template <int kLoads>
 QV_INLINE void GatherRow(const ByteGather& g, const Byte* row, const Byte* next, Byte* dst,
                          ptrdiff_t bytes) {
   const ptrdiff_t vectors = bytes / kVecBytes, rest = bytes % kVecBytes;
-  for (ptrdiff_t v = 0; v < vectors; ++v) {
+  ForSteps<1, 2>(0, vectors, [&](ptrdiff_t v) QV_INLINE_LAMBDA {
     FetchAhead<kLoads>(g, next, v);
     Store(dst + v * kVecBytes, GatherBytes<kLoads>(g, row, v));
-  }
+  });
   if (rest == 0) return;
   const Vec last = GatherBytes<kLoads>(g, row, vectors);
   if constexpr (kHasMaskedBytes)
@@ -69,7 +69,7 @@ static bool HalvedRows(const Byte* src, int srcStep, Byte* dst, int dstStep,
     return odd ? ShiftRight16<8>(Load(p)) : And(Load(p), Splat16(255));
   };
   FillRows(src, srcStep, dst, dstStep, t, [=](const Byte* row, const Byte* next, Byte* to) {
-    CoverWithBlocks<kVecBytes>(width, [=](ptrdiff_t j) {
+    CoverWithBlocks<kVecBytes, 2>(width, [=](ptrdiff_t j) {
       const ptrdiff_t k = left + 2 * j;
       for (int l = 0; l < 2 * kVecBytes; l += 64) __builtin_prefetch(next + k + l);
       Store(to + j, PackBytesInOrder(half(row + k), half(row + k + kVecBytes)));

@@ -35,7 +35,7 @@ QV_INLINE Vec Map(Vec bytes, LumaMap map) {
 // past it.
 QV_INLINE void Row(const Byte* src, int apart, Byte* dst, ptrdiff_t width, LumaMap map) {
   const ptrdiff_t covered = apart == 1 ? width : width - 1;
-  const bool done = CoverWithBlocks<kVecBytes>(covered, [=](ptrdiff_t x) {
+  const bool done = CoverWithBlocks<kVecBytes, 2>(covered, [=](ptrdiff_t x) {
     const Byte* const from = src + x * apart;
     Store(dst + x, Map(apart == 1 ? Load(from) : EvenBytes(Load(from), Load(from + kVecBytes)),
                        map));
