@@ -11,22 +11,33 @@ cd "$root"
 cmake --preset bench -DQV_BUILD_TOOLS=OFF >/dev/null
 cmake --build --preset bench --target qvbench
 run() {
-  build/bench/bench/qvbench "$@" --benchmark_min_time=0.02 --benchmark_repetitions=7 \
+  build/bench/bench/qvbench "$@" --benchmark_min_time=0.02 \
     --benchmark_enable_random_interleaving=true
 }
 if [ $# -gt 0 ]; then
-  run --benchmark_report_aggregates_only=true --benchmark_filter="$1"
+  run --benchmark_repetitions=7 --benchmark_report_aggregates_only=true --benchmark_filter="$1"
   exit
 fi
 mkdir -p docs
-run --benchmark_out=build/bench/performance.json --benchmark_out_format=json >/dev/null
+# Several processes: where the pages of one happen to lie changes frames of the size of a core's own
+# cache by a seventh.
+processes() {
+  local name=$1 process
+  shift
+  for process in 1 2 3; do
+    run "$@" --benchmark_repetitions=3 --benchmark_out_format=json \
+      --benchmark_out="build/bench/$name.$process.json" >/dev/null
+  done
+}
+processes all
 # Once more beside as many busy loops as there are processors: what counts there is the mean.
 build/bench/bench/qvbench --busy --benchmark_min_time=0.2 --benchmark_repetitions=2 \
   --benchmark_enable_random_interleaving=true \
   --benchmark_out=build/bench/busy.json --benchmark_out_format=json >/dev/null
 # And at the level that most machines have, with peers told likewise.
 OPENCV_CPU_DISABLE=AVX512F,AVX512-COMMON,AVX512-SKX,AVX512-CNL,AVX512-CLX,AVX512-ICL \
-  run --level avx2 --benchmark_out=build/bench/avx2.json --benchmark_out_format=json >/dev/null
-scripts/performance.py build/bench/{performance,busy,avx2}.json
+  processes avx2 --level avx2
+scripts/performance.py --results build/bench/all.?.json --busy build/bench/busy.json \
+  --avx2 build/bench/avx2.?.json
 build/bench/bench/qvbench --accuracy >docs/accuracy.md
 echo 'Wrote docs/performance.md, docs/performance-avx2.md and docs/accuracy.md'

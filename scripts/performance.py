@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
 """Renders docs/performance.md, docs/performance-avx2.md and docs/performance.svg from benchmarks.
 
-    scripts/performance.py [--goals] RESULTS.json BUSY.json AVX2.json
+    scripts/performance.py [--goals] --results FILE... --busy FILE... --avx2 FILE...
 
-All are qvbench's JSON output with repetitions, the second one of `qvbench --busy`, the third one of
-`qvbench --level avx2`. A time is the fastest repetition; with several threads it is the median, and
-in the second file the mean. With --goals nothing is written: a table for those who work on the
-library is printed, of what was aimed at.
+All are qvbench's JSON output with repetitions, of one or more processes: as it comes, of
+`qvbench --busy` and of `qvbench --level avx2`. A time is the fastest repetition; with several
+threads it is the median, and on the busy machine the mean. With --goals nothing is written: a table
+for those who work on the library is printed, of what was aimed at.
 """
 import argparse
 import csv
@@ -29,13 +29,17 @@ PIECES = ["1 KiB", "64 KiB", "8 MiB"]
 class Results:
     """Times in ns per pixel: [job][label][(contender, threads)] -> list of repetitions."""
 
-    def __init__(self, path):
-        data = json.loads(pathlib.Path(path).read_text())
-        self.context = data["context"]
+    def __init__(self, paths):
         self.times = defaultdict(lambda: defaultdict(lambda: defaultdict(list)))
         self.moved = {}
         self.pixels = {}
-        for run in data["benchmarks"]:
+        for path in paths:
+            data = json.loads(pathlib.Path(path).read_text())
+            self.context = data["context"]
+            self.add(data["benchmarks"])
+
+    def add(self, runs):
+        for run in runs:
             if run.get("run_type") != "iteration":
                 continue
             job, contender, label, threads = run["name"].split("|")
@@ -289,9 +293,10 @@ def print_goals(results, busy, keys, goals):
 def main():
     parser = argparse.ArgumentParser(description="Renders benchmarks of the library.")
     parser.add_argument("--goals", action="store_true", help="print what was aimed at")
-    parser.add_argument("results", nargs=3, type=Results, metavar="RESULTS.json")
+    for name in ("results", "busy", "avx2"):
+        parser.add_argument(f"--{name}", nargs="+", required=True, metavar="FILE")
     options = parser.parse_args()
-    results, busy, avx2 = options.results
+    results, busy, avx2 = (Results(p) for p in (options.results, options.busy, options.avx2))
     goals = read_goals()
     keys = in_order(results, goals)
     if options.goals:
