@@ -21,22 +21,22 @@ fi
 mkdir -p docs
 # Several processes: where the pages of one happen to lie changes frames of the size of a core's own
 # cache by a seventh.
-processes() {
-  local name=$1 process
-  shift
-  for process in 1 2 3; do
+processes() {  # COUNT NAME ARGUMENT...
+  local count=$1 name=$2 process
+  shift 2
+  for process in $(seq "$count"); do
     run "$@" --benchmark_repetitions=3 --benchmark_out_format=json \
       --benchmark_out="build/bench/$name.$process.json" >/dev/null
   done
 }
-processes all
+processes 6 all
 # Once more beside as many busy loops as there are processors: what counts there is the mean.
 build/bench/bench/qvbench --busy --benchmark_min_time=0.2 --benchmark_repetitions=2 \
   --benchmark_enable_random_interleaving=true \
   --benchmark_out=build/bench/busy.json --benchmark_out_format=json >/dev/null
 # And at the level that most machines have, with peers told likewise.
 OPENCV_CPU_DISABLE=AVX512F,AVX512-COMMON,AVX512-SKX,AVX512-CNL,AVX512-CLX,AVX512-ICL \
-  processes avx2 --level avx2
+  processes 3 avx2 --level avx2
 scripts/performance.py --results build/bench/all.?.json --busy build/bench/busy.json \
   --avx2 build/bench/avx2.?.json
 build/bench/bench/qvbench --accuracy >docs/accuracy.md

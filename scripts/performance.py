@@ -207,8 +207,8 @@ def page(title, results, goals, remarks, without=()):
     return "\n".join([
         f"# {title}", "",
         "Nanoseconds for each pixel of the result (checksums: for each byte), the fastest of "
-        "repetitions that all contenders made in turns. 0.1 is 0.2 ms for a frame of 1920 x 1080. "
-        "Written by `scripts/bench.sh`.", "",
+        "repetitions that all contenders made in turns, in several processes. 0.1 is 0.2 ms for a "
+        "frame of 1920 x 1080. Written by `scripts/bench.sh`.", "",
         f"- Machine: {cpu_name()}, {context['num_cpus']} CPUs; level {context['levels']}; "
         f"version {context['version']}; measured {context['date'][:10]}. " + noise(results, keys),
         f"- A plain copy of a frame of one byte a pixel (memcpy): {copies}.",
