@@ -20,8 +20,10 @@ endif()
 set(QV_LEVEL_FLAGS_generic ${QV_BASELINE_FLAGS} -O2)
 if(QV_X86)
   # GCC 12 forgets that registers are still wide after a call of a function that it knows to leave
-  # them alone, and returns without VZEROUPPER: the host's SSE code then runs at half its speed.
-  set(wide_flags $<$<CXX_COMPILER_ID:GNU>:-fno-ipa-ra>)
+  # them alone, and returns without VZEROUPPER: the host's SSE code then runs at half its speed. It
+  # makes none at all below -O2 without its expensive optimizations.
+  set(wide_flags $<$<CXX_COMPILER_ID:GNU>:-fno-ipa-ra>
+      $<$<CXX_COMPILER_ID:GNU>:-fexpensive-optimizations>)
   set(QV_LEVEL_FLAGS_sse2 -msse2 -mno-sse3 ${vector_flags})
   set(QV_LEVEL_FLAGS_ssse3 -mssse3 -mno-sse4.1 -mno-sse4a ${vector_flags})
   set(QV_LEVEL_FLAGS_avx2 -mavx2 -mno-fma -mno-avx512f ${wide_flags} ${vector_flags})
