@@ -151,13 +151,17 @@ QV_INLINE void OverMasked(const OverPixels& p, ptrdiff_t bytes) {
 
 // ---- Eight pixels, four in each of two 128-bit lanes --------------------------------------------
 
+QV_INLINE uint64_t EightAlphas(const Byte* alphas) {
+  uint64_t eight;
+  memcpy(&eight, alphas, sizeof eight);
+  return eight;
+}
+
 // Eight alphas, each three times in the low end of its 32-bit lane.
 QV_INLINE Vec AlphaTriples(const Byte* alphas) {
   static constexpr ByteTable kIndex =
       MakeByteTable([](int i) { return i % 4 == 3 ? 0x80 : i / 4; });
-  long long eight;
-  memcpy(&eight, alphas, sizeof eight);
-  return ShuffleBytes(Splat64(eight), Load(kIndex.b));
+  return ShuffleBytes(Splat64(static_cast<long long>(EightAlphas(alphas))), Load(kIndex.b));
 }
 
 // Pixels 0 to 3 in the first twelve bytes of the low lane, 4 to 7 in the last twelve of the high

@@ -7,12 +7,6 @@
 
 namespace qv::QV_LEVEL {
 
-QV_INLINE uint64_t EightAlphas(const Byte* alphas) {
-  uint64_t eight;
-  memcpy(&eight, alphas, sizeof eight);
-  return eight;
-}
-
 constexpr uint64_t kNoAlphas = 0, kFullAlphas = ~kNoAlphas;
 // What an opaque background is merged to under a foreground without alpha: 255 * 255 >> 8.
 constexpr uint64_t kBackgroundAlone = 0xFEFEFEFEFEFEFEFE;
